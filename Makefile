@@ -1,0 +1,49 @@
+# The few commands of daily work; the build itself is CMake's (see CMakePresets.json).
+#
+#   make run [SCRIPT=file.py] [ARGS="..."]   runs a script in the host
+#   make test                                builds and runs all tests
+#   make bench                               measures, against limits taken in the same run
+#   make describe                            writes the published surface to build/describe.json
+#   make asan                                all tests under AddressSanitizer and UBSan
+#   make lint, make format                   clang-tidy and clang-format
+
+SCRIPT ?= examples/reverse_python.py
+ARGS ?=
+PYTHON = /usr/bin/python3
+HOST = PYTHONPATH=build/release/python $(PYTHON)
+SOURCES = git ls-files '*.cpp' '*.h'
+
+.PHONY: run test bench describe asan debug lint format packages build-release build-debug build-asan
+
+run: build-release
+	@$(HOST) $(SCRIPT) $(ARGS)
+
+test: build-release
+	ctest --preset release
+
+debug asan: %: build-%
+	ctest --preset $@
+
+bench: build-release
+	$(HOST) benchmarks/run.py --build build/release
+
+describe: build-release
+	$(HOST) -m umlmm describe > build/describe.json
+	@echo "build/describe.json"
+
+build-release build-debug build-asan: build-%: packages
+	@cmake --preset $* > build/$*.log 2>&1 || { cat build/$*.log; exit 1; }
+	@cmake --build --preset $*
+
+packages:
+	@mkdir -p build
+	@tools/install-packages packages.txt
+
+lint: build-release
+	@tools/install-packages packages.txt packages-dev.txt
+	@$(SOURCES) | xargs clang-format --dry-run --Werror
+	@$(SOURCES) | grep '\.cpp$$' | xargs -P 2 -n 8 clang-tidy -p build/release --quiet
+
+format:
+	@tools/install-packages packages-dev.txt
+	@$(SOURCES) | xargs clang-format -i

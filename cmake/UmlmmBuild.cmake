@@ -1,0 +1,64 @@
+# Build settings shared by every folder, and the few functions that folders call.
+
+option(UMLMM_TESTS "Build the tests" ON)
+option(UMLMM_BENCHMARKS "Build the benchmarks" ON)
+option(UMLMM_WERROR "Treat warnings as errors" ON)
+set(UMLMM_SANITIZE "" CACHE STRING "Sanitizers, such as address,undefined")
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+
+# Where generated headers and sources go; "#include "uml_metamodel/umlmm/Class.h"" is found here.
+set(UMLMM_GENERATED_DIR ${CMAKE_BINARY_DIR}/generated)
+
+# The host runs in Debian's own Python, whatever other Python stands first on PATH.
+set(Python3_EXECUTABLE /usr/bin/python3 CACHE FILEPATH "Python that hosts the scripts")
+find_package(Python3 REQUIRED COMPONENTS Interpreter Development.Module)
+
+add_library(umlmm_settings INTERFACE)
+target_compile_options(umlmm_settings INTERFACE
+  -Wall -Wextra -Wpedantic -ffunction-sections -fdata-sections -fno-semantic-interposition
+  $<$<BOOL:${UMLMM_WERROR}>:-Werror>)
+target_link_options(umlmm_settings INTERFACE -Wl,--gc-sections -Wl,-z,pack-relative-relocs -Wl,-z,defs)
+if(UMLMM_SANITIZE)
+  add_compile_options(-fsanitize=${UMLMM_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${UMLMM_SANITIZE})
+endif()
+
+# umlmm_library(name SOURCES file... [DEPENDS target...] [INCLUDE dir...])
+#
+# A shared library of the house: hidden symbols but for what its headers export, found beside the
+# others at run time. INCLUDE lists the public include roots.
+function(umlmm_library name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS;INCLUDE" ${ARGN})
+  add_library(${name} SHARED ${ARG_SOURCES})
+  target_include_directories(${name} PUBLIC ${ARG_INCLUDE})
+  target_link_libraries(${name} PUBLIC ${ARG_DEPENDS} PRIVATE umlmm_settings)
+  set_target_properties(${name} PROPERTIES BUILD_RPATH_USE_ORIGIN ON INSTALL_RPATH "$ORIGIN")
+endfunction()
+
+# umlmm_test(name SOURCES file... [DEPENDS target...]): a GoogleTest program, run by ctest.
+function(umlmm_test name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS" ${ARGN})
+  find_package(GTest REQUIRED)
+  add_executable(${name} ${ARG_SOURCES})
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/tests)
+  target_link_libraries(${name} PRIVATE ${ARG_DEPENDS} GTest::gtest GTest::gtest_main umlmm_settings)
+  add_test(NAME ${name} COMMAND ${name})
+endfunction()
+
+# umlmm_benchmark(name SOURCES file... [DEPENDS target...]): a Google Benchmark program.
+function(umlmm_benchmark name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS" ${ARGN})
+  find_package(benchmark REQUIRED)
+  add_executable(${name} ${ARG_SOURCES})
+  target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/benchmarks)
+  target_link_libraries(${name} PRIVATE ${ARG_DEPENDS} benchmark::benchmark umlmm_settings)
+endfunction()
