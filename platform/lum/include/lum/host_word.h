@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cstdint>
+
+namespace lum {
+
+/// First member of a record whose address serves as an id: one word in which the host keeps what it
+/// bound to the id, null while nothing is bound. The word is the host's; the record's owner may read it
+/// to learn whether the record is still in use.
+struct HostWord {
+  void* fHost = nullptr;
+};
+
+/// An id made from a record has the lowest bit set, which no ordinary object address has.
+[[nodiscard]] inline bool isTaggedId(void const* id) noexcept {
+  return (reinterpret_cast<std::uintptr_t>(id) & 1) != 0;
+}
+
+[[nodiscard]] inline void* tagId(HostWord* word) noexcept { return reinterpret_cast<char*>(word) + 1; }
+
+/// The word behind a tagged id.
+[[nodiscard]] inline HostWord* hostWordOf(void const* id) noexcept {
+  return reinterpret_cast<HostWord*>(const_cast<char*>(static_cast<char const*>(id)) - 1);
+}
+
+}  // namespace lum

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <cstddef>
+
+#include "vesk/fwd.h"
+#include "vesk/interned.h"
+
+namespace vesk {
+
+/// A class object: what a class info fills when its class is first needed.
+class UMLMM_API VeskClass {
+ public:
+  virtual ~VeskClass();
+
+  /// The name under which a constructor of the class is added.
+  virtual char const* getConstructorName() const = 0;
+  /// Adds superclasses by their full names, in order. Access 0 is no restriction, inherit 1 is all members.
+  virtual void addSuperclass(VeskInterned const* names, std::size_t count, int access, int inherit) = 0;
+  /// Adds a property, which the class owns.
+  virtual void addProperty(VeskPropInfo* property) = 0;
+  /// Adds a name for an event; classes of this host raise none.
+  virtual void addEvent(char const* name);
+  /// Adds a method or constructor, which the class owns.
+  virtual void addMethod(VeskMethodInfo* method) = 0;
+
+  /// Announces a class that belongs to no package.
+  static void addGlobalClass(VeskClassInfo* info);
+};
+
+}  // namespace vesk

@@ -1,0 +1,106 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "vesk/VeskInterface.h"
+#include "vesk/VeskValue.h"
+#include "vesk/fwd.h"
+
+namespace vesk {
+
+using VeskDataTypePtr = host::Type const*;
+
+/// Lets the host walk a sequence in blocks: what a `for` of a script is made of.
+class UMLMM_API SequenceHook {
+ public:
+  virtual ~SequenceHook();
+  /// Number of elements now.
+  virtual std::size_t size(VeskInterface* sequence) const = 0;
+  /// Boxes up to `count` elements from index `first`, counted from 0, as a method would return them, and
+  /// answers how many; the values belong to the caller.
+  virtual std::size_t readBlock(VeskInterface* sequence, std::size_t first, std::size_t count,
+                                VeskValue* values) const = 0;
+  /// Data type or full class name of the elements.
+  virtual char const* elementType() const = 0;
+};
+
+/// What an instance stands for, whatever the view it gives of it: instances with equal words are the same
+/// thing to a script, and hash alike by the first word.
+struct Identity {
+  void const* fObject = nullptr;
+  std::uintptr_t fVariant = 0;
+
+  friend bool operator==(Identity const&, Identity const&) noexcept = default;
+};
+
+/// What a library tells the host of one class. The host owns it.
+class UMLMM_API VeskClassInfo {
+ public:
+  VeskClassInfo() = default;
+  VeskClassInfo(VeskClassInfo const&) = delete;
+  VeskClassInfo& operator=(VeskClassInfo const&) = delete;
+  virtual ~VeskClassInfo();
+
+  static void* operator new(std::size_t size);
+  static void operator delete(void* memory) noexcept;
+
+  /// The short name; the package supplies the prefix.
+  virtual char const* getName() const = 0;
+  virtual char const* getDescription() const = 0;
+  virtual char const* getDetailedDescription() const = 0;
+  virtual int getAccess() const { return 0; }
+  /// Fills the class; called once, when the class is first needed.
+  virtual void initializeClass(VeskClass* cls, VeskClient const* client) = 0;
+  virtual int handleQueryFirst() const = 0;
+  /// The last host reference to the instance bound to `id` has gone; the info drops the binding.
+  virtual void releaseInstance(VeskClient const* client, void* id) = 0;
+  virtual void updateInstance(void*) {}
+  virtual int factoryQuery() const = 0;
+  virtual bool isHidden() const { return false; }
+  virtual bool isCompatibleInexactProperties() const { return false; }
+  virtual bool isFullNameDisplayed() const { return false; }
+  virtual bool isPropertyNameReservedByThisClass(char const* name) const;
+  virtual bool canOtherClassContainThisClass(VeskInterned className) const;
+  virtual bool canThisClassContainOtherClass(VeskInterned className) const;
+  virtual int handleQuerySecond() const = 0;
+  virtual bool isHandleCompatible() const { return false; }
+  virtual bool isEnumeration() const { return false; }
+  virtual int getConnectAccess() const { return 0; }
+  virtual int getConnectivity() const { return 0; }
+  virtual bool areChildrenSaved() const { return true; }
+  virtual bool isAbstract() const { return false; }
+  virtual bool useClassDefaultsOnLoad() const { return false; }
+  virtual bool isSealed() const { return false; }
+  virtual bool isPropertyTruncationAllowed() const { return false; }
+  virtual bool isConstructedOnLoad() const { return true; }
+  virtual bool arePropertiesCaseInsensitive() const { return false; }
+  virtual bool isInstanceLeaf() const { return getConnectivity() == 0 || getConnectivity() == 2; }
+  virtual bool isDestructible() const { return true; }
+  virtual bool isLocked() const { return true; }
+  virtual bool attemptToLoadProperty(char const* name);
+  virtual bool attemptToLoadMethod(char const* name);
+  virtual bool attemptToLoadEvent(char const* name);
+  virtual void instanceLoaded(VeskInterfacePtr instance, VeskLoadInfo const* info);
+  virtual bool customSave(VeskInterfacePtr instance, VeskValue& value, VeskDataTypePtr& type);
+  virtual bool customLoad(VeskInterfacePtr& instance, VeskValue value, VeskDataTypePtr type);
+  virtual void* getModule() const { return nullptr; }
+  virtual bool areClassFunctionsAllowed() const { return false; }
+  virtual bool areExtensionMethodsAllowed() const { return false; }
+  virtual bool usesRootRecords() const { return false; }
+  virtual bool doEventsHaveSeparateNamespace() const { return false; }
+  virtual bool doesInexactPropertyNameIssueWarning() const { return false; }
+  virtual bool usesCustomChildrenList() const { return false; }
+  virtual int getArrayNature() const { return 0; }
+  virtual std::vector<VeskInterfacePtr> getChildrenOfInstance(VeskInterface* instance);
+  virtual void classIsAbstract() {}
+  virtual bool allowInstanceUpdates() const { return false; }
+  virtual bool isIDConsistent() const { return false; }
+  /// For classes of sequences: how to walk an instance. Belongs to the info.
+  virtual SequenceHook const* getSequenceHook() const { return nullptr; }
+  /// What the instance bound to `id` stands for; by default the id alone.
+  virtual Identity identify(void const* id) const { return {id, 0}; }
+};
+
+}  // namespace vesk

@@ -1,0 +1,109 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "vesk/Detail.h"
+#include "vesk/VeskInterface.h"
+#include "vesk/VeskValue.h"
+#include "vesk/access.h"
+#include "vesk/fwd.h"
+
+namespace vesk {
+
+namespace factory {
+
+/// The word by which a maker describes a property; 0 is an ordinary visible property.
+struct PropertyAttributes {
+  constexpr PropertyAttributes(std::uint32_t word = 0) noexcept : fWord(word) {}
+  std::uint32_t fWord;
+};
+
+}  // namespace factory
+
+/// Bits of the property word, one for each flag accessor of VeskPropInfo that reads it.
+enum PropertyFlag : std::uint32_t {
+  PropertyHidden = 1u << 0,
+  PropertyConstant = 1u << 1,
+  PropertyTransient = 1u << 2,
+  PropertyDependent = 1u << 3,
+  PropertyObservableGet = 1u << 4,
+  PropertyObservableSet = 1u << 5,
+  PropertyAbortSet = 1u << 6,
+  PropertyStatic = 1u << 7,
+  PropertyAbstract = 1u << 8,
+  PropertySealed = 1u << 9,
+  PropertyNotCopied = 1u << 10,
+  PropertyNonlocal = 1u << 11,
+  PropertyDeprecated = 1u << 12,
+  PropertyOrderMatters = 1u << 13,
+  PropertyOwned = 1u << 14,
+  PropertyUnlocked = 1u << 15,
+};
+
+/// A property of a class. The host owns it.
+class UMLMM_API VeskPropInfo {
+ public:
+  VeskPropInfo();
+  VeskPropInfo(char const* name, char const* description, factory::PropertyAttributes attributes);
+  VeskPropInfo(VeskPropInfo const&) = delete;
+  VeskPropInfo& operator=(VeskPropInfo const&) = delete;
+  virtual ~VeskPropInfo();
+
+  static void* operator new(std::size_t size);
+  static void operator delete(void* memory) noexcept;
+
+  virtual char const* getName() const { return fName.c_str(); }
+  virtual char const* getDescription() const { return fDescription.c_str(); }
+  virtual char const* getDetailedDescription() const { return nullptr; }
+  virtual char const* getDefaultText() const { return nullptr; }
+  /// Data type or full class name of the value.
+  virtual char const* getDataType() const = 0;
+  virtual int getMemberGetAccess() const { return 0; }
+  virtual ExtendedAccess getExtendedGetAccess() const;
+  virtual int getMemberSetAccess() const { return 0; }
+  virtual ExtendedAccess getExtendedSetAccess() const;
+  virtual bool isVisible() const { return !has(PropertyHidden); }
+  virtual bool hasInternalDefault() const { return false; }
+  virtual bool isConstant() const { return has(PropertyConstant); }
+  virtual bool isTransient() const { return has(PropertyTransient); }
+  virtual bool isDependent() const { return has(PropertyDependent); }
+  virtual bool isGetObservable() const { return has(PropertyObservableGet); }
+  virtual bool isSetObservable() const { return has(PropertyObservableSet); }
+  virtual bool isAbortSet() const { return has(PropertyAbortSet); }
+  virtual bool isWarnOnCopyError() const { return false; }
+  virtual bool isStatic() const { return has(PropertyStatic); }
+  virtual bool isAbstract() const { return has(PropertyAbstract); }
+  virtual bool isSealed() const { return has(PropertySealed); }
+  virtual bool isCopied() const { return !has(PropertyNotCopied); }
+  virtual bool isNonlocal() const { return has(PropertyNonlocal); }
+  virtual bool isNeverAmbiguous() const { return false; }
+  virtual double getPartialMatchPriority() const { return 1.0; }
+  virtual bool isDeprecated() const { return has(PropertyDeprecated); }
+  virtual bool isOrderSignificant() const { return has(PropertyOrderMatters); }
+  virtual bool isOwned() const { return has(PropertyOwned); }
+  virtual bool isWeakReference() const { return false; }
+  /// The value of the property, to be given back to releaseValue once it is copied.
+  virtual VeskValue getValue(VeskInterface* instance) = 0;
+  /// Sets the property; `value` stays the caller's.
+  virtual void setValue(VeskInterface* instance, VeskValue value) = 0;
+  virtual void releaseValue(VeskInterface* instance, VeskValue value) = 0;
+  virtual bool isLocked() const { return !has(PropertyUnlocked); }
+  virtual bool isDestructible() const { return true; }
+  /// The instances and the arrays that a property keeps for an instance; none unless it says otherwise.
+  virtual std::vector<VeskInterfacePtr> getInterfaces(VeskClient const* client, VeskInterface* instance);
+  virtual std::vector<tarnArray*> getSarnArrays(VeskClient const* client, VeskInterface* instance);
+  /// What a description of the class tells of the property beside its name and type.
+  virtual Details details() const { return {}; }
+
+ private:
+  [[nodiscard]] bool has(PropertyFlag flag) const noexcept { return (fWord & flag) != 0; }
+
+  std::string fName;
+  std::string fDescription;
+  std::uint32_t fWord = 0;
+};
+
+}  // namespace vesk

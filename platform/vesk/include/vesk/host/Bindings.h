@@ -1,0 +1,19 @@
+#pragma once
+
+#include <cstddef>
+
+#include "lum/visibility.h"
+#include "vesk/fwd.h"
+
+/// The table from native ids to instances, as the binding registry and the end of an instance need it. It
+/// does not hold the instances.
+namespace vesk::host::bindings {
+
+/// The instance of an id, also one whose release is running; null for none.
+[[nodiscard]] UMLMM_API Instance* lookUp(void const* id) noexcept;
+/// Binds, in place of an earlier instance.
+UMLMM_API void store(void* id, Instance& instance);
+UMLMM_API void erase(void const* id) noexcept;
+[[nodiscard]] UMLMM_API std::size_t size() noexcept;
+
+}  // namespace vesk::host::bindings

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <exception>
+#include <functional>
+#include <string_view>
+#include <vector>
+
+#include "lum/visibility.h"
+#include "vesk/fwd.h"
+
+/// What libraries offer the host beside their packages.
+namespace vesk::host {
+
+/// Whether a failure is one of those that a library names.
+using FailureMatcher = bool (*)(std::exception const& failure);
+
+/// Gives the failures that `matches` recognises the full name of an exception class, such as "Kelm.Error",
+/// under which scripts catch them. The name is permanent text; a name that is known gets the new matcher.
+UMLMM_API void nameFailures(char const* name, FailureMatcher matches);
+/// The name of a failure, or null if no library names it.
+[[nodiscard]] UMLMM_API char const* failureName(std::exception const& failure) noexcept;
+/// The names given so far.
+[[nodiscard]] UMLMM_API std::vector<char const*> failureNames();
+
+/// Adds members to a class of a library.
+using ClassExtension = std::function<void(VeskClass* cls, VeskClient const* client)>;
+/// Takes an extension for the class of a full name, to be run while the class is filled.
+using ExtensionRegistrar = void (*)(char const* className, ClassExtension extension);
+
+/// Sets where extensions of the classes of a package go; null removes.
+UMLMM_API void setExtensionRegistrar(char const* package, ExtensionRegistrar registrar);
+/// Hands an extension to the library of the class's package, or else to the first library that takes
+/// extensions. Throws a VeskError of kind Name if none does.
+UMLMM_API void addExtension(char const* className, ClassExtension extension);
+
+}  // namespace vesk::host

@@ -1,0 +1,106 @@
+#include <limits>
+
+#include "vesk/VeskError.h"
+#include "vesk/host/Call.h"
+
+namespace vesk::host {
+
+namespace {
+
+/// Sum of the costs of the arguments from `offset` on; cost::kNone if one does not fit.
+int costOf(MethodRecord const& method, ArgumentSource& arguments, int offset, int count) {
+  int sum = 0;
+  for (int i = 0; i < count; ++i) {
+    int const one = arguments.conversionCost(offset + i, method.argumentType(i));
+    if (one < 0) return cost::kNone;
+    sum += one;
+  }
+  return sum;
+}
+
+/// Cost of a call with exactly these arguments.
+int costOfCall(MethodRecord const& method, CallForm form, ArgumentSource& arguments, int count) {
+  int const offset = form == CallForm::OnClass && method.fHasReceiver ? 1 : 0;
+  if (count - offset != method.fCount) return cost::kNone;
+  if (offset && arguments.conversionCost(0, *method.fOwner) < 0) return cost::kNone;
+  return costOf(method, arguments, offset, count - offset);
+}
+
+bool canBeLeftOut(MethodRecord const& constructor, int from) {
+  for (int i = from; i < constructor.fCount; ++i)
+    if (!holdsArray(constructor.argumentType(i).fCarrier)) return false;
+  return true;
+}
+
+/// The best among candidates that are offered one after the other: the first of the lowest cost.
+struct Best {
+  MethodRecord const* fMethod = nullptr;
+  int fCost = std::numeric_limits<int>::max();
+
+  void offer(MethodRecord const& method, int cost) {
+    if (cost < 0 || cost >= fCost) return;
+    fMethod = &method;
+    fCost = cost;
+  }
+};
+
+std::string givenTypes(ArgumentSource& arguments, int count) {
+  std::string text = "(";
+  for (int i = 0; i < count; ++i) text.append(i ? ", " : "").append(arguments.describe(i));
+  return text + ")";
+}
+
+template <class Methods>
+[[noreturn]] void throwNoMatch(std::string const& what, Methods const& methods, ArgumentSource& arguments,
+                               int count) {
+  std::string text =
+      what + " cannot be called with " + givenTypes(arguments, count) + ". It has the signatures:";
+  for (MethodRecord const* method : methods) {
+    text += "\n  ";
+    if (method->fOwner) text.append(method->fOwner->fName.view()).append(": ");
+    text += method->text();
+  }
+  throw VeskError(text, VeskError::Kind::Match);
+}
+
+}  // namespace
+
+ArgumentSource::~ArgumentSource() = default;
+
+MethodRecord const* findMethod(Member const& member, CallForm form, ArgumentSource& arguments, int count) {
+  Best best;
+  ClassRecord const* owner = nullptr;
+  for (MethodRecord const* method : member.fMethods) {
+    if (method->fOwner != owner && best.fMethod) break;  // a nearer class has one that fits
+    owner = method->fOwner;
+    best.offer(*method, costOfCall(*method, form, arguments, count));
+  }
+  return best.fMethod;
+}
+
+MethodRecord const& resolveMethod(Member const& member, CallForm form, ArgumentSource& arguments, int count) {
+  if (MethodRecord const* method = findMethod(member, form, arguments, count)) return *method;
+  throwNoMatch(
+      (form == CallForm::Function ? "Function '" : "Method '") + std::string(member.fName.view()) + "'",
+      member.fMethods, arguments, count);
+}
+
+MethodRecord const& resolveConstructor(ClassRecord& cls, ArgumentSource& arguments, int count) {
+  auto const constructors = cls.constructors();
+  std::string const name(cls.fName.view());
+  if (constructors.empty())
+    throw VeskError("Class '" + name + "' has no constructor", VeskError::Kind::Match);
+  // Arguments left out count more than any conversion: the shortest constructor that begins with those given.
+  constexpr int kLeftOut = 1 << 16;
+  Best best;
+  for (MethodRecord const* constructor : constructors) {
+    int const leftOut = constructor->fCount - count;
+    if (leftOut < 0 || !canBeLeftOut(*constructor, count)) continue;
+    int const cost = costOf(*constructor, arguments, 0, count);
+    if (cost >= 0) best.offer(*constructor, cost + leftOut * kLeftOut);
+  }
+  if (!best.fMethod) throwNoMatch("The constructor of '" + name + "'", constructors, arguments, count);
+  return *best.fMethod;
+}
+
+}  // namespace vesk::host
