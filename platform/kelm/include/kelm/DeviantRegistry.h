@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstddef>
+#include <utility>
+
+#include "kelm/Deviant.h"
+#include "kelm/Object.h"
+#include "lum/host_word.h"
+
+namespace Kelm {
+
+/// What an id points at. Records come from a pool that is never given back, so that a stale id can be asked
+/// safely; one is used again only when it is retracted and no host object hangs on it.
+struct IdRecord : lum::HostWord {
+  ReferenceCountingIntf* fObject;
+  Deviant fDeviant;
+  IdRecord* fNext;
+  bool fImmutable;
+  /// The lock of (object, deviant): set, no id of the pair may write.
+  bool fLocked;
+};
+
+/// Gives every object in a variant, seen changeable or read-only, one opaque id, and the way back. An id is
+/// the address of its record with the lowest bit set.
+class UMLMM_API DeviantRegistry {
+ public:
+  /// Equal for equal arguments as long as the object lives. A null object is allowed: it has one permanent id
+  /// for each deviant and flag.
+  static void* getId(ReferenceCountingIntf* aObject, Deviant aDeviant, bool aIsImmutable);
+  /// Object and deviant of an id; a null object for a null or retracted id.
+  static std::pair<ReferenceCountingIntf*, Deviant> getVariantInfo(void const* aId) noexcept;
+  /// Whether no write may go through the id; false for a null id.
+  static bool isImmutable(void const* aId) noexcept;
+  /// Locks or unlocks the object of `aView` in its deviant. Read-only ids stay read-only.
+  static void setIsImmutable(ImmutableObject const& aView, bool aIsImmutable);
+  /// Forgets the ids of a dying object.
+  static void retract(ReferenceCountingIntf* aObject) noexcept;
+
+  /// Number of records that name a living object.
+  static std::size_t liveRecords() noexcept;
+};
+
+}  // namespace Kelm

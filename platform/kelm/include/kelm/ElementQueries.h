@@ -1,0 +1,25 @@
+#pragma once
+
+#include "kelm/fwd.h"
+#include "lum/visibility.h"
+
+namespace Kelm {
+
+/// Questions about elements that only the metamodel can answer. Each answers a new sequence of element
+/// references with one count, which belongs to the caller; it is a snapshot and no live view. Null entries:
+/// no metamodel is loaded, so there are no elements.
+struct ElementQueries {
+  /// All elements of a model that are instances of the class or of a specialization of it, containers before
+  /// their contents.
+  Generic::SequenceIntf* (*instancesOf)(ModelObject& aModel, Deviant const& aDeviant,
+                                        NSInterface::ClassIntf const& aClass) = nullptr;
+  /// All elements that refer to an element by a feature other than the one that contains it.
+  Generic::SequenceIntf* (*referencedBy)(NSInterface::ModelElementIntf const& aElement,
+                                         Deviant const& aDeviant) = nullptr;
+};
+
+UMLMM_API ElementQueries const& elementQueries() noexcept;
+/// Called by the metamodel when it comes up.
+UMLMM_API void setElementQueries(ElementQueries const& aQueries) noexcept;
+
+}  // namespace Kelm

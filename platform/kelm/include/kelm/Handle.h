@@ -1,0 +1,82 @@
+#pragma once
+
+#include <concepts>
+#include <utility>
+
+#include "kelm/Asserter.h"
+#include "kelm/ObjectIntf.h"
+
+namespace Kelm {
+
+/// The two words of every reference: an interface pointer that owns one count, or null, and a deviant.
+/// A null reference keeps its deviant. `Intf` must be complete where a handle is copied or destroyed.
+template <class Intf>
+class Handle {
+ public:
+  /// Named so that no metaclass has the name.
+  using InterfaceType = Intf;
+  /// Where `Interface` is looked up; the metamodel's reference classes name their own domain.
+  using Domain = VisitationDomain;
+
+  Handle() noexcept = default;
+  Handle(Intf const* aImpl, Deviant aDeviant) : fImpl(aImpl), fDeviant(aDeviant) {
+    if (fImpl != nullptr) fImpl->incRef();
+  }
+  Handle(Handle const& aOther) : Handle(aOther.fImpl, aOther.fDeviant) {}
+  Handle(Handle&& aOther) noexcept
+      : fImpl(std::exchange(aOther.fImpl, nullptr)), fDeviant(aOther.fDeviant) {}
+  /// A reference to a derived interface is one to its base.
+  template <class Derived>
+    requires(!std::same_as<Derived, Intf> && std::derived_from<Derived, Intf>)
+  Handle(Handle<Derived> const& aOther) : Handle(aOther.get(), aOther.getDeviant()) {}
+
+  Handle& operator=(Handle aOther) noexcept {
+    std::swap(fImpl, aOther.fImpl);
+    fDeviant = aOther.fDeviant;
+    return *this;
+  }
+  // A count that breaks here has no one to report to: the process ends.
+  ~Handle() {
+    if (fImpl != nullptr) fImpl->decRef();
+  }
+
+  Intf const* get() const noexcept { return fImpl; }
+  bool isNull() const noexcept { return fImpl == nullptr; }
+  explicit operator bool() const noexcept { return fImpl != nullptr; }
+  Deviant const& getDeviant() const noexcept { return fDeviant; }
+  void setDeviant(Deviant const& aDeviant) const noexcept { fDeviant = aDeviant; }
+
+  /// Whether the reference names an object that exists in its variant; false for a null reference.
+  bool isvalid() const { return fImpl != nullptr && fImpl->deviant_isValid(fDeviant); }
+
+  friend bool operator==(Handle const& aLeft, Handle const& aRight) noexcept {
+    return aLeft.fImpl == aRight.fImpl && aLeft.fDeviant == aRight.fDeviant;
+  }
+
+ protected:
+  /// The interface of a non-null reference; raises the null-reference failure at `aSource` otherwise.
+  Intf const* checked(char const* aSource, int aLine = std::source_location::current().line()) const {
+    if (fImpl == nullptr) [[unlikely]]
+      raiseNullReference(aSource, aLine);
+    return fImpl;
+  }
+  /// The same for a change: also raises when the variant can't be written.
+  Intf* writable(char const* aSource, int aLine = std::source_location::current().line()) const {
+    checked(aSource, aLine);
+    if (DeviantAssertions::sAssertionsEnabled) fDeviant.internal_assertWritable(fImpl);
+    return const_cast<Intf*>(fImpl);
+  }
+
+  Intf const* fImpl = nullptr;
+  mutable Deviant fDeviant;
+};
+
+/// `aFrom` narrowed or widened to reference class `To` by asking the object: null if it has no such interface.
+/// The deviant is kept.
+template <class To, class Domain, class Intf>
+To queryHandle(Handle<Intf> const& aFrom) {
+  using Wanted = typename To::InterfaceType;
+  return To(queryInterface<Wanted, Domain>(aFrom.get()), aFrom.getDeviant());
+}
+
+}  // namespace Kelm

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <functional>
+#include <map>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
+#include "kelm/ModelObject.h"
+
+namespace Kelm {
+
+/// The process-wide table of models by uri. It holds one count on each bound model.
+class UMLMM_API ModelCache {
+ public:
+  /// Base name of new models.
+  static std::u16string const UNTITLED;
+
+  static ModelCache& instance();
+  /// `aBase` if no bound model has it, else `aBase` followed by the first free number from 1.
+  std::u16string getNextAvailableModelUri(std::u16string const& aBase) const;
+  /// Raises when another model is bound to the uri. A model has one uri here: a new one replaces the old.
+  void bindModel(std::u16string const& aUri, Model const& aModel);
+  /// Forgets the model, whatever its uri; nothing if it is not bound.
+  void unbindModel(ModelObject const& aModel) noexcept;
+  /// A null model if the uri is not bound.
+  Model findModel(std::u16string const& aUri) const;
+  bool isBound(ModelObject const& aModel) const noexcept { return fUris.contains(&aModel); }
+  std::size_t size() const noexcept { return fModels.size(); }
+
+ private:
+  ModelCache() = default;
+  void forgetNumber(std::u16string_view aUri) const noexcept;
+
+  std::map<std::u16string, Model> fModels;
+  std::unordered_map<NSInterface::ModelIntf const*, std::u16string> fUris;
+  // By base name, the number up to which all uris are bound: opening many untitled models stays linear.
+  mutable std::map<std::u16string, unsigned, std::less<>> fBoundUpTo;
+};
+
+}  // namespace Kelm

@@ -1,0 +1,70 @@
+#pragma once
+
+#include <cstdint>
+
+#include "kelm/ElementList.h"
+#include "kelm/Model.h"
+
+namespace Kelm {
+
+/// What the metamodel keeps with a model, such as its index of reverse references.
+class UMLMM_API ModelCompanion {
+ public:
+  virtual ~ModelCompanion();
+};
+
+/// A model. It owns its top-level elements; the rest are owned by their containers. It lives as long as a handle,
+/// a host object or the model cache counts it; when the last goes, or at `close`, its elements go too.
+class UMLMM_API ModelObject final : public NSInterface::ModelIntf {
+ public:
+  ModelObject();
+
+  int incRef() const override { return ++fCount; }
+  int decRef() const override;
+  int numRef() const override { return fCount; }
+  char const* getVeskName(bool aImmutable) const override;
+  /// Whether the model is open and the variant its own.
+  bool deviant_isValid(Deviant aDeviant) const override;
+  void destroy(Deviant const& aDeviant) override;
+  void setModelUri(Deviant const& aDeviant, String const& aUri) override;
+  String getModelUri(Deviant const& aDeviant) const override;
+
+  Deviant baseDeviant() const noexcept { return Deviant(fBase); }
+  /// The read-only variant of the same data; one for a model, made at the first call.
+  Deviant readOnlyDeviant();
+  bool isOpen() const noexcept { return fBase->fModel != nullptr; }
+  /// Unbinds the model, closes its variants and drops its elements. Handles to them answer false to `isvalid`.
+  void close();
+
+  /// Takes an element without a container into the model, which takes over one of its counts. Nothing has
+  /// changed if it raises.
+  void addRoot(NSInterface::ModelElementIntf* aElement);
+  /// Lets a top-level element go, without giving back its count.
+  void removeRoot(NSInterface::ModelElementIntf* aElement);
+  ElementList* roots() const noexcept { return fRoots; }
+
+  /// Counts every change in the model, so that computed values know when they are stale.
+  std::uint64_t revision() const noexcept { return fRevision; }
+  void noteChange() noexcept { ++fRevision; }
+
+  ModelCompanion* companion() const noexcept { return fCompanion; }
+  /// The model takes ownership and deletes the old one.
+  void setCompanion(ModelCompanion* aCompanion) noexcept;
+
+ private:
+  ~ModelObject() override;
+  void assertExists(Deviant const& aDeviant) const;
+
+  mutable std::int32_t fCount = 0;
+  std::uint64_t fRevision = 1;
+  Variant* fBase;
+  Variant* fReadOnly = nullptr;
+  ElementList* fRoots = nullptr;
+  ModelCompanion* fCompanion = nullptr;
+  String fUri;
+};
+
+/// Called by `close`: marks all elements of the model as gone and releases them. Set by the metamodel.
+UMLMM_API extern void (*dropElements)(ModelObject& aModel);
+
+}  // namespace Kelm

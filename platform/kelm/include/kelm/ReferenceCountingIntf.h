@@ -1,0 +1,56 @@
+#pragma once
+
+#include <vector>
+
+#include "kelm/fwd.h"
+#include "kelm/tags.h"
+#include "lum/visibility.h"
+
+namespace Kelm {
+
+/// A small vector of the kernel's visitor interface.
+template <class T>
+using LightVector = std::vector<T>;
+
+class UMLMM_API Cleanup {
+ protected:
+  Cleanup() noexcept;
+  ~Cleanup();
+};
+
+/// Base of everything that can be given an id. Counting is plain, not atomic: an object stays on one thread.
+/// Counts are taken through read-only handles too, so the counting operations are const.
+class UMLMM_API ReferenceCountingIntf : public Cleanup {
+ public:
+  ReferenceCountingIntf() noexcept = default;
+  ReferenceCountingIntf(ReferenceCountingIntf const&) = delete;
+  ReferenceCountingIntf& operator=(ReferenceCountingIntf const&) = delete;
+
+  /// Retracts the object's ids when it has any.
+  virtual ~ReferenceCountingIntf();
+  /// Adds a count; answers the new one (0 for objects that nobody counts).
+  virtual int incRef() const;
+  /// Gives a count back; the last one deletes the object. May throw on a broken count.
+  virtual int decRef() const;
+  virtual int numRef() const;
+  virtual void const* getListOfReferences() const;
+  virtual void const* getVisitMethod(LightVector<LightVector<unsigned long>> const& aPath) const;
+  /// The object seen as the interface that the tags name, or null.
+  virtual void* cast(CooperativeVisitor::internal::ClassInfo const& aClassInfo) const;
+
+ private:
+  friend class DeviantRegistry;
+  mutable IdRecord* fIds = nullptr;
+
+ public:
+  /// Set once the object has an id in the registry.
+  mutable bool fIsRegistered = false;
+};
+
+/// `aObject` seen as `Interface`, or null. Null-safe.
+template <class Interface, class Domain = VisitationDomain>
+Interface* queryInterface(ReferenceCountingIntf const* aObject) {
+  return aObject == nullptr ? nullptr : static_cast<Interface*>(aObject->cast(tagPair<Interface, Domain>()));
+}
+
+}  // namespace Kelm

@@ -1,0 +1,82 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "kelm/Object.h"
+
+namespace Kelm {
+
+/// An immutable, counted UTF-16 text: what a string slot holds, and how a string travels as an object.
+/// The text follows the record and is zero-terminated.
+class UMLMM_API StringObject final : public NSInterface::ObjectIntf {
+ public:
+  /// A new text with one count; the shared empty text for no characters.
+  static StringObject* make(std::u16string_view aText);
+  static StringObject* empty() noexcept;
+
+  int incRef() const override { return ++fCount; }
+  int decRef() const override;
+  int numRef() const override { return fCount; }
+  char const* getVeskName(bool aImmutable) const override;
+  bool deviant_isValid(Deviant) const override { return true; }
+
+  std::u16string_view text() const noexcept { return {data(), fLength}; }
+  char16_t const* data() const noexcept { return reinterpret_cast<char16_t const*>(this + 1); }
+
+  static void operator delete(void* aMemory);
+
+ private:
+  StringObject() = default;
+  ~StringObject() override;
+  static void* operator new(std::size_t aSize, std::size_t aCharacters);
+  static void operator delete(void* aMemory, std::size_t aCharacters);
+
+  mutable std::int32_t fCount = 1;
+  std::uint32_t fLength = 0;
+};
+
+/// A UTF-16 text that shares its record with copies, with a narrow copy made when asked for.
+class UMLMM_API String {
+ public:
+  String() noexcept;
+  String(String const& aOther) noexcept;
+  String(String&& aOther) noexcept;
+  String(std::u16string const& aText);
+  explicit String(StringObject const* aRecord) noexcept;
+  String& operator=(String aOther) noexcept;
+  ~String();
+
+  std::u16string_view text() const noexcept { return fText->text(); }
+  /// Zero-terminated.
+  char16_t const* data() const noexcept { return fText->data(); }
+  bool empty() const noexcept { return text().empty(); }
+  /// Replaces the text and drops the narrow copy.
+  void assign(std::u16string_view aText);
+  int compare(String const& aOther) const noexcept { return text().compare(aOther.text()); }
+  /// UTF-8; lone surrogates become the replacement character.
+  std::string to_string() const;
+  static std::string to_string(std::u16string const& aText);
+  /// The narrow copy, made on first use and owned by this string.
+  char const* narrow() const;
+  bool hasNarrow() const noexcept { return fNarrow != nullptr; }
+  StringObject const* record() const noexcept { return fText; }
+
+  friend bool operator==(String const& aLeft, String const& aRight) noexcept {
+    return aLeft.compare(aRight) == 0;
+  }
+  friend bool operator<(String const& aLeft, String const& aRight) noexcept {
+    return aLeft.compare(aRight) < 0;
+  }
+
+ protected:
+  StringObject const* fText;
+  mutable char* fNarrow = nullptr;
+};
+
+/// UTF-8 of UTF-16 and back; what is malformed becomes the replacement character.
+UMLMM_API std::string toUtf8(std::u16string_view aText);
+UMLMM_API std::u16string toUtf16(std::string_view aText);
+
+}  // namespace Kelm

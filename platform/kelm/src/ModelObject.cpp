@@ -1,0 +1,106 @@
+#include "kelm/ModelObject.h"
+
+#include <deque>
+#include <utility>
+
+#include "kelm/ModelCache.h"
+#include "kelm/ModelElementIntf.h"
+
+namespace Kelm {
+
+void (*dropElements)(ModelObject& aModel) = nullptr;
+
+namespace {
+
+// Never destroyed, and records never move: deviants point at them for good.
+Variant* newVariant(ModelObject* aModel, bool aReadOnly) {
+  static auto& sVariants = *new std::deque<Variant>;
+  auto const number = static_cast<std::uint32_t>(sVariants.size() + 1);
+  return &sVariants.emplace_back(Variant{aModel, number, aReadOnly});
+}
+
+}  // namespace
+
+ModelCompanion::~ModelCompanion() = default;
+
+ModelObject::ModelObject() : fBase(newVariant(this, false)) {}
+
+ModelObject::~ModelObject() = default;
+
+int ModelObject::decRef() const {
+  if (--fCount > 0) return fCount;
+  // Counts taken and given back while the model closes must not end it a second time.
+  fCount = 1;
+  const_cast<ModelObject*>(this)->close();
+  if (--fCount > 0) return fCount;
+  delete this;
+  return 0;
+}
+
+char const* ModelObject::getVeskName(bool aImmutable) const {
+  return aImmutable ? "Kelm.ImmutableModel" : "Kelm.Model";
+}
+
+bool ModelObject::deviant_isValid(Deviant aDeviant) const {
+  return isOpen() && aDeviant.variant() != nullptr && aDeviant.variant()->fModel == this;
+}
+
+void ModelObject::destroy(Deviant const& aDeviant) {
+  assertExists(aDeviant);
+  if (DeviantAssertions::sAssertionsEnabled) aDeviant.internal_assertWritable(this);
+  close();
+}
+
+void ModelObject::setModelUri(Deviant const& aDeviant, String const& aUri) {
+  assertExists(aDeviant);
+  if (DeviantAssertions::sAssertionsEnabled) aDeviant.internal_assertWritable(this);
+  ModelCache& cache = ModelCache::instance();
+  if (cache.isBound(*this)) cache.bindModel(std::u16string(aUri.text()), Model(this, baseDeviant()));
+  fUri = aUri;
+  noteChange();
+}
+
+String ModelObject::getModelUri(Deviant const& aDeviant) const {
+  assertExists(aDeviant);
+  return fUri;
+}
+
+Deviant ModelObject::readOnlyDeviant() {
+  if (fReadOnly == nullptr) fReadOnly = newVariant(isOpen() ? this : nullptr, true);
+  return Deviant(fReadOnly);
+}
+
+void ModelObject::close() {
+  if (!isOpen()) return;
+  incRef();  // the cache's count may be the last but ours
+  ModelCache::instance().unbindModel(*this);
+  fBase->fModel = nullptr;
+  if (fReadOnly != nullptr) fReadOnly->fModel = nullptr;
+  if (dropElements != nullptr) dropElements(*this);
+  ElementList::destroy(std::exchange(fRoots, nullptr));
+  setCompanion(nullptr);
+  noteChange();
+  decRef();
+}
+
+void ModelObject::addRoot(NSInterface::ModelElementIntf* aElement) {
+  ElementList::append(fRoots, aElement, true);
+  aElement->fContainer = nullptr;
+  aElement->fModel = this;
+  noteChange();
+}
+
+void ModelObject::removeRoot(NSInterface::ModelElementIntf* aElement) {
+  if (fRoots != nullptr) fRoots->erase(aElement, true);
+  noteChange();
+}
+
+void ModelObject::setCompanion(ModelCompanion* aCompanion) noexcept {
+  delete std::exchange(fCompanion, aCompanion);
+}
+
+void ModelObject::assertExists(Deviant const& aDeviant) const {
+  if (!deviant_isValid(aDeviant)) raiseFailure(words::kNotInVariant, "kelm/Kelm/Model");
+}
+
+}  // namespace Kelm

@@ -1,0 +1,224 @@
+#include "kelm/ElementList.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <deque>
+#include <random>
+#include <vector>
+
+#include "platform/kelm/support/objects.h"
+
+namespace {
+
+using Kelm::ElementList;
+using Element = ElementList::Element;
+
+/// A list beside the plain vector that tells what it should hold.
+class Pair {
+ public:
+  explicit Pair(bool aOwning) : fOwning(aOwning) {}
+  ~Pair() { ElementList::destroy(fList); }
+
+  void append() {
+    ElementList::append(fList, make(), fOwning);
+    fModel.push_back(&fElements.back());
+  }
+  void insert(std::uint32_t aPosition) {
+    ElementList::insert(fList, aPosition, make(), fOwning);
+    fModel.insert(fModel.begin() + aPosition, &fElements.back());
+  }
+  void erase(std::uint32_t aPosition) {
+    EXPECT_TRUE(fList->erase(fModel[aPosition], fOwning));
+    EXPECT_FALSE(fList->contains(fModel[aPosition], fOwning));
+    fModel.erase(fModel.begin() + aPosition);
+  }
+  void move(std::uint32_t aFrom, std::uint32_t aTo) {
+    fList->move(aFrom, aTo, fOwning);
+    Element* const element = fModel[aFrom];
+    fModel.erase(fModel.begin() + aFrom);
+    fModel.insert(fModel.begin() + aTo, element);
+  }
+  void shuffle(std::mt19937& aRandom) {
+    std::ranges::shuffle(fModel, aRandom);
+    fList->reorder(fModel, fOwning);
+  }
+  void clear() {
+    fList->clear();
+    fModel.clear();
+  }
+  void checkPosition(std::uint32_t aPosition) {
+    EXPECT_EQ(fList->at(aPosition), fModel[aPosition]);
+    EXPECT_EQ(fList->positionOf(fModel[aPosition], fOwning), aPosition);
+  }
+  void checkEntries() const {
+    std::vector<Element*> entries(fList->begin(), fList->end());
+    std::erase(entries, nullptr);
+    EXPECT_EQ(entries, fModel);
+    EXPECT_EQ(ElementList::size(fList), fModel.size());
+  }
+  void checkDense() {
+    auto const elements = fList->dense();
+    EXPECT_TRUE(std::ranges::equal(elements, fModel));
+    EXPECT_EQ(elements.size(), static_cast<std::size_t>(fList->end() - fList->begin()));
+  }
+  std::uint32_t size() const { return static_cast<std::uint32_t>(fModel.size()); }
+  ElementList* list() const { return fList; }
+
+ private:
+  Element* make() { return &fElements.emplace_back(); }
+
+  bool fOwning;
+  ElementList* fList = nullptr;
+  std::vector<Element*> fModel;
+  std::deque<TestElement> fElements;
+};
+
+class Lists : public testing::TestWithParam<bool> {};
+INSTANTIATE_TEST_SUITE_P(OwningOrNot, Lists, testing::Bool());
+
+struct Mix {
+  std::uint32_t fSize;
+  int fRounds;
+};
+
+TEST_P(Lists, DoWhatAVectorDoes) {
+  std::mt19937 random(4711);
+  auto const below = [&](std::uint32_t aLimit) { return static_cast<std::uint32_t>(random() % aLimit); };
+  for (Mix const mix : {Mix{2, 500}, Mix{20, 2000}, Mix{60, 4000}, Mix{700, 6000}}) {
+    Pair pair(GetParam());
+    pair.append();
+    for (int round = 0; round < mix.fRounds; ++round) {
+      std::uint32_t const size = pair.size();
+      if (size == 0 || below(2 * mix.fSize) >= size) {
+        below(3) == 0 ? pair.insert(below(size + 1)) : pair.append();
+      } else {
+        pair.erase(below(4) == 0 ? (below(2) == 0 ? 0 : size - 1) : below(size));
+      }
+      if (pair.size() == 0) continue;
+      std::uint32_t const what = below(40);
+      if (what < 3) pair.checkPosition(below(pair.size()));
+      if (what == 3) pair.move(below(pair.size()), below(pair.size()));
+      if (what == 4) pair.checkDense();
+      if (what == 5 && below(20) == 0) pair.shuffle(random);
+      if (what == 6 && below(20) == 0) pair.clear();
+      if (what < 20) pair.checkEntries();
+    }
+    pair.checkEntries();
+  }
+}
+
+TEST_P(Lists, CanBeEmptiedFromBothEndsAndFilledAgain) {
+  Pair pair(GetParam());
+  for (int round = 0; round < 3; ++round) {
+    for (int i = 0; i < 100; ++i) pair.append();
+    while (pair.size() > 50) pair.erase(0);
+    pair.checkPosition(20);
+    while (pair.size() > 0) pair.erase(pair.size() - 1);
+    pair.checkEntries();
+  }
+}
+
+TEST_P(Lists, DoNotFindWhatTheyDoNotHold) {
+  Pair pair(GetParam());
+  for (int i = 0; i < 100; ++i) pair.append();
+  for (std::int32_t const hint : {0, 50, 99, 100, -1, INT32_MAX, INT32_MIN}) {
+    TestElement stranger;
+    stranger.fHint = hint;
+    EXPECT_EQ(pair.list()->find(&stranger, GetParam()), ElementList::kNotFound);
+    EXPECT_EQ(pair.list()->positionOf(&stranger, GetParam()), ElementList::kNotFound);
+    EXPECT_FALSE(pair.list()->erase(&stranger, GetParam()));
+  }
+  EXPECT_EQ(ElementList::size(nullptr), 0u);
+}
+
+TEST_P(Lists, TheStampTellsOfEveryChange) {
+  Pair pair(GetParam());
+  for (int i = 0; i < 50; ++i) pair.append();
+  std::uint32_t stamp = pair.list()->stamp();
+  auto const changed = [&] { return std::exchange(stamp, pair.list()->stamp()) != pair.list()->stamp(); };
+  pair.checkPosition(20);
+  pair.checkEntries();
+  EXPECT_FALSE(changed());
+  pair.insert(20);
+  EXPECT_TRUE(changed());
+  pair.erase(20);
+  EXPECT_TRUE(changed());
+  pair.checkPosition(30);
+  EXPECT_TRUE(changed()) << "closing a hole moves entries";
+  pair.move(3, 4);
+  EXPECT_TRUE(changed());
+}
+
+TEST(ElementList, MayHoldAnElementTwiceWhenItDoesNotOwnIt) {
+  std::deque<TestElement> elements(100);
+  ElementList* list = nullptr;
+  for (TestElement& element : elements) ElementList::append(list, &element, false);
+  EXPECT_EQ(list->positionOf(&elements[40], false), 40u);
+  ElementList::append(list, &elements[40], false);
+  EXPECT_TRUE(list->erase(&elements[40], false));
+  EXPECT_EQ(list->positionOf(&elements[40], false), 99u);
+  EXPECT_TRUE(list->erase(&elements[40], false));
+  EXPECT_FALSE(list->contains(&elements[40], false));
+  ElementList::destroy(list);
+}
+
+TEST(ElementList, RoomCanBeMadeFirst) {
+  ElementList* list = nullptr;
+  TestElement element;
+  for (int i = 0; i < 100; ++i) {
+    ElementList::reserveOne(list);
+    ElementList const* const before = list;
+    ElementList::insert(list, 0, &element, false);
+    EXPECT_EQ(list, before) << "a list with room stays where it is";
+  }
+  ElementList::destroy(list);
+}
+
+/// Steps for each erase by element when `aCount` elements, met by `aOrder`, go one after the other.
+template <class Order>
+double stepsForEachErase(std::uint32_t aCount, bool aOwning, Order aOrder) {
+  std::vector<TestElement> elements(aCount);
+  ElementList* list = nullptr;
+  for (TestElement& element : elements) ElementList::append(list, &element, aOwning);
+  std::vector<Element*> order;
+  for (TestElement& element : elements) order.push_back(&element);
+  aOrder(order);
+  order.resize(aCount / 2);
+  std::uint64_t const before = ElementList::steps();
+  for (Element* const element : order) EXPECT_TRUE(list->erase(element, aOwning));
+  double const steps = static_cast<double>(ElementList::steps() - before);
+  ElementList::destroy(list);
+  return steps / (aCount / 2);
+}
+
+TEST_P(Lists, ErasingByElementCostsTheSameInALongList) {
+  auto const middle = [](std::vector<Element*>& aElements) {
+    std::ranges::rotate(aElements, aElements.begin() + aElements.size() / 4);
+  };
+  auto const mixed = [](std::vector<Element*>& aElements) {
+    std::ranges::shuffle(aElements, std::mt19937(7));
+  };
+  auto const backwards = [](std::vector<Element*>& aElements) { std::ranges::reverse(aElements); };
+  EXPECT_LE(stepsForEachErase(100'000, GetParam(), middle), 2 * stepsForEachErase(1'000, GetParam(), middle));
+  EXPECT_LE(stepsForEachErase(100'000, GetParam(), mixed), 2 * stepsForEachErase(1'000, GetParam(), mixed));
+  EXPECT_LE(stepsForEachErase(100'000, GetParam(), backwards), 3);
+}
+
+TEST_P(Lists, PositionsBetweenErasesKeepLookupsShort) {
+  constexpr int kRounds = 1000;
+  Pair pair(GetParam());
+  for (int i = 0; i < 2000; ++i) pair.append();
+  pair.list()->contains(pair.list()->at(0), GetParam());
+  int renewals = 0;
+  for (int round = 0; round < kRounds; ++round) {
+    Element* const element = pair.list()->at(pair.size() / 2);
+    std::uint64_t const before = ElementList::steps();
+    EXPECT_TRUE(pair.list()->contains(element, GetParam()));
+    if (ElementList::steps() - before > 300) ++renewals;
+    pair.erase(pair.size() / 2);
+  }
+  EXPECT_LE(renewals, kRounds / 200);
+}
+
+}  // namespace

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <compare>
+#include <cstdint>
+
+#include "kelm/Object.h"
+#include "lum/visibility.h"
+
+namespace umlmm {
+
+/// A signed whole number of the metamodel.
+class UMLMM_API Integer {
+ public:
+  static constexpr char kName[] = "Integer";
+
+  constexpr Integer() noexcept = default;
+  constexpr Integer(int aValue) noexcept : fValue(aValue) {}
+  /// The value that the object carries; raises the incorrect-type failure for a null or any other object.
+  explicit Integer(Kelm::ImmutableObject const& aObject);
+
+  operator Kelm::Object() const;
+  constexpr int value() const noexcept { return fValue; }
+  friend constexpr auto operator<=>(Integer const&, Integer const&) noexcept = default;
+
+ private:
+  std::int32_t fValue = 0;
+};
+
+static_assert(sizeof(Integer) == 4);
+
+}  // namespace umlmm

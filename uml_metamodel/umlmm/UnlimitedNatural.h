@@ -1,0 +1,41 @@
+#pragma once
+
+#include <compare>
+#include <cstdint>
+
+#include "kelm/Object.h"
+#include "lum/visibility.h"
+
+namespace Brond {
+class TypeInfo;
+}
+
+namespace umlmm {
+
+/// A natural number of the metamodel, or unlimited, which is the greatest.
+class UMLMM_API UnlimitedNatural {
+ public:
+  static constexpr char kName[] = "UnlimitedNatural";
+  static constexpr std::uint32_t kUnlimited = UINT32_MAX;
+
+  constexpr UnlimitedNatural() noexcept = default;
+  constexpr explicit UnlimitedNatural(std::uint32_t aValue) noexcept : fValue(aValue) {}
+  /// The value that the object carries; raises the incorrect-type failure for a null or any other object.
+  explicit UnlimitedNatural(Kelm::ImmutableObject const& aObject);
+
+  operator Kelm::Object() const;
+  constexpr std::uint32_t value() const noexcept { return fValue; }
+  constexpr bool isUnlimited() const noexcept { return fValue == kUnlimited; }
+  friend constexpr auto operator<=>(UnlimitedNatural const&, UnlimitedNatural const&) noexcept = default;
+
+  /// Conversion from and to text: "*" or decimal digits. Blanks around the text and leading zeros are
+  /// allowed.
+  static Brond::TypeInfo const* getTypeInfo() noexcept;
+
+ private:
+  std::uint32_t fValue = 0;
+};
+
+static_assert(sizeof(UnlimitedNatural) == 4);
+
+}  // namespace umlmm
