@@ -1,0 +1,84 @@
+#pragma once
+
+#include <array>
+#include <concepts>
+#include <cstddef>
+#include <functional>
+#include <string_view>
+
+#include "kelm/Object.h"
+
+namespace Kelm {
+
+/// A class whose values refer to objects: Kelm::Object and the reference classes of a metamodel.
+template <class T>
+concept ReferenceClass = requires {
+  typename T::InterfaceType;
+  typename T::Domain;
+}
+&&std::derived_from<T, Handle<typename T::InterfaceType>>;
+
+/// What sequences know of their value type: equality, order, and the name in script class names. A value type
+/// gives these by members (`value()`, or `compare` and a static `kName`) or by a specialisation.
+template <class T>
+struct SequenceTraits {
+  static bool equal(T const& aLeft, T const& aRight) {
+    if constexpr (requires { aLeft.value(); }) {
+      return aLeft.value() == aRight.value();
+    } else if constexpr (requires { aLeft.compare(aRight); }) {
+      return aLeft.compare(aRight) == 0;
+    } else {
+      return aLeft == aRight;
+    }
+  }
+  static bool less(T const& aLeft, T const& aRight) {
+    if constexpr (requires { aLeft.value(); }) {
+      return aLeft.value() < aRight.value();
+    } else if constexpr (requires { aLeft.compare(aRight); }) {
+      return aLeft.compare(aRight) < 0;
+    } else {
+      return aLeft < aRight;
+    }
+  }
+};
+
+/// References are compared by the object they name.
+template <ReferenceClass T>
+struct SequenceTraits<T> {
+  static bool equal(T const& aLeft, T const& aRight) noexcept { return aLeft.get() == aRight.get(); }
+  static bool less(T const& aLeft, T const& aRight) noexcept {
+    return std::less<void const*>()(aLeft.get(), aRight.get());
+  }
+};
+
+/// A value type that gives its sequences script class names.
+template <class T>
+concept NamedValue = requires {
+  { T::kName } -> std::convertible_to<char const*>;
+};
+
+namespace detail {
+
+template <std::size_t Size>
+consteval std::array<char, Size + 1> joined(std::string_view aFirst, std::string_view aSecond) {
+  std::array<char, Size + 1> text{};
+  std::size_t at = 0;
+  for (char const character : aFirst) text[at++] = character;
+  for (char const character : aSecond) text[at++] = character;
+  return text;
+}
+
+inline constexpr std::string_view kSequencePrefix = "umlmm.SequenceOf";
+inline constexpr std::string_view kImmutableSequencePrefix = "umlmm.ImmutableSequenceOf";
+
+/// Names of the script classes that show sequences of T.
+template <NamedValue T>
+struct SequenceNames {
+  static constexpr std::string_view kValue = T::kName;
+  static constexpr auto kMutable = joined<kSequencePrefix.size() + kValue.size()>(kSequencePrefix, kValue);
+  static constexpr auto kImmutable =
+      joined<kImmutableSequencePrefix.size() + kValue.size()>(kImmutableSequencePrefix, kValue);
+};
+
+}  // namespace detail
+}  // namespace Kelm
