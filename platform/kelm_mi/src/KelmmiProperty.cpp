@@ -1,0 +1,89 @@
+#include "kelm_mi/KelmmiProperty.h"
+
+#include "kelm/Asserter.h"
+#include "kelm/DeviantRegistry.h"
+#include "uml_metamodel_mi/frame/Unboxing.h"
+
+namespace Kelm::mi {
+
+namespace {
+
+constexpr char kSource[] = "kelm_mi/marshal/KelmmiProperty";
+
+std::uint32_t flagsOf(Multiplicity aMultiplicity, Mutability aMutability) {
+  return (aMultiplicity == MultiplicityMany ? KelmmiProperty::multiValued : 0u) |
+         (aMutability == MutabilityReadOnly ? KelmmiProperty::readOnly : 0u) |
+         (aMultiplicity == MultiplicitySingle ? KelmmiProperty::required : 0u);
+}
+
+}  // namespace
+
+ClassObject classObjectOf(vesk::VeskInterface* aInstance) {
+  UnboxedInterface const found = unboxInstance(*aInstance, ScriptClass<ClassObject>::name(),
+                                               tagPair<NSInterface::ClassObjectIntf, VisitationDomain>());
+  return ClassObject(static_cast<NSInterface::ClassObjectIntf*>(found.fInterface), found.fDeviant);
+}
+
+ClassObject requiredClassObjectOf(vesk::VeskInterface* aInstance, char const* aSource) {
+  ClassObject object = classObjectOf(aInstance);
+  if (object.isNull()) [[unlikely]]
+    raiseNullReference(aSource);
+  return object;
+}
+
+KelmmiProperty::KelmmiProperty(char const*, char const* aName, IntrospectiveMethods const* aMethods,
+                               unsigned aId, char const* aDataType, Multiplicity aMultiplicity,
+                               Mutability aMutability, vesk::factory::PropertyAttributes aAttributes)
+    : VeskPropInfo(aName, "", aAttributes),
+      methods(aMethods),
+      id(aId),
+      dataType(aDataType),
+      flags(flagsOf(aMultiplicity, aMutability)),
+      fDataTypeName(vesk::internal::intern(aDataType)) {}
+
+KelmmiProperty::~KelmmiProperty() = default;
+
+vesk::Details KelmmiProperty::details() const {
+  Multiplicity const multiplicity = has(multiValued) ? MultiplicityMany
+                                    : has(required)  ? MultiplicitySingle
+                                                     : MultiplicityOptional;
+  Mutability const mutability = has(readOnly) ? MutabilityReadOnly : MutabilityChangeable;
+  return {{"id", std::int64_t{id}},
+          {"multiplicity", std::int64_t{multiplicity}},
+          {"mutability", std::int64_t{mutability}}};
+}
+
+vesk::VeskValue KelmmiProperty::getValue(vesk::VeskInterface* aInstance) {
+  ClassObject object = requiredClassObjectOf(aInstance, kSource);
+  return has(multiValued) ? getMultiValuedValue(object, aInstance) : getSingleValuedValue(object);
+}
+
+vesk::VeskValue KelmmiProperty::getSingleValuedValue(ClassObject&) {
+  raiseFailure(words::kInternalError, kSource);
+}
+
+vesk::VeskValue KelmmiProperty::getMultiValuedValue(ClassObject&, vesk::VeskInterface*) {
+  raiseFailure(words::kInternalError, kSource);
+}
+
+void KelmmiProperty::throwSetProhibitedException() {
+  throw Exception("The object is immutable. Use asMutable() to get an object that can be changed");
+}
+
+ClassObject KelmmiProperty::openForSet(vesk::VeskInterface* aInstance, vesk::VeskInterned aValueType,
+                                       char const* aSource) const {
+  if (has(multiValued)) [[unlikely]]
+    raiseFailure(words::kMultiValuedSet, aSource);
+  return openForReplace(aInstance, aValueType, aSource);
+}
+
+ClassObject KelmmiProperty::openForReplace(vesk::VeskInterface* aInstance, vesk::VeskInterned aValueType,
+                                           char const* aSource) const {
+  if (has(readOnly)) [[unlikely]]
+    raiseFailure(words::kReadOnlySet, aSource);
+  if (DeviantRegistry::isImmutable(aInstance->getNativeObject(aValueType))) [[unlikely]]
+    throwSetProhibitedException();
+  return requiredClassObjectOf(aInstance, aSource);
+}
+
+}  // namespace Kelm::mi

@@ -1,0 +1,97 @@
+#include "kelm_mi/KelmmiPropertyFactory.h"
+
+#include <memory>
+#include <string_view>
+
+#include "descriptors.h"
+#include "names.h"
+#include "uml_metamodel_mi/frame/Boxing.h"
+#include "vesk/factory/Invoker.h"
+#include "vesk/factory/VeskMethod.h"
+
+namespace Kelm::mi {
+
+namespace {
+
+using vesk::VeskInterned;
+using vesk::factory::PropertyAttributes;
+
+/// A static method that asks for one property of the metamodel.
+class MetaPropertyMethod final : public vesk::factory::VeskMethod {
+ public:
+  using Getter = ImmutableProperty (*)(unsigned aId);
+
+  MetaPropertyMethod(char const* aName, Getter aGetter, unsigned aId)
+      : VeskMethod(aName, vesk::factory::MethodStatic, ""), fGetter(aGetter), fId(aId) {
+    vesk::factory::impl::Invoker::createSignature("", "Kelm.ImmutableProperty", nullptr, signature());
+  }
+
+  void invoke(vesk::VeskClient const*, int& aResultCount, vesk::VeskValue* aResults, int,
+              vesk::VeskValue const*) const override {
+    aResults[0] = Boxer<ImmutableProperty>::box(fGetter(fId));
+    if (aResultCount == 0) aResultCount = 1;
+  }
+
+  /// The metaclass whose accessor serves the entry, and the id there.
+  vesk::Details details() const override {
+    std::string owner(fGetter(fId).get()->getOwner().getName());
+    return {{"owner", std::move(owner)}, {"id", std::int64_t{fId}}};
+  }
+
+ private:
+  Getter fGetter;
+  unsigned fId;
+};
+
+template <class Property>
+void give(vesk::VeskClass* aClass, std::unique_ptr<Property> aProperty) {
+  aClass->addProperty(aProperty.get());
+  static_cast<void>(aProperty.release());
+}
+
+void addSequence(KelmmiPropertyFactory const& aFactory, bool aOfElements, char const* aName,
+                 Mutability aMutability, unsigned aId, char const* aTypeName,
+                 PropertyAttributes aAttributes) {
+  VeskInterned const changeable = vesk::internal::intern(
+      std::string_view(changeableSequenceClass(aTypeName, aOfElements, aMutability == MutabilityChangeable)));
+  give(aFactory.veskClass,
+       std::make_unique<KelmmiSequenceProperty>(aFactory.className, aName, aFactory.methods, aId, aTypeName,
+                                                changeable, aMutability, aAttributes));
+}
+
+}  // namespace
+
+void KelmmiPropertyFactory::ClassObject(char const* aName, Multiplicity aMultiplicity, Mutability aMutability,
+                                        unsigned aId, char const* aTypeName,
+                                        PropertyAttributes aAttributes) const {
+  if (aMultiplicity == MultiplicityMany) {
+    addSequence(*this, true, aName, aMutability, aId, aTypeName, aAttributes);
+    return;
+  }
+  give(veskClass, std::make_unique<KelmmiClassObjectProperty>(className, aName, methods, aId, aTypeName,
+                                                              aMultiplicity, aMutability, aAttributes));
+}
+
+void KelmmiPropertyFactory::DataType(char const* aName, Multiplicity aMultiplicity, Mutability aMutability,
+                                     unsigned aId, char const* aTypeName, PropHelperBase* aHelper,
+                                     PropertyAttributes aAttributes) const {
+  std::unique_ptr<PropHelperBase> helper(aHelper);
+  give(veskClass,
+       std::make_unique<KelmmiDataTypeProperty>(className, aName, methods, aId, aTypeName, aMultiplicity,
+                                                aMutability, std::move(helper), aAttributes));
+}
+
+void KelmmiPropertyFactory::PrimitiveSequence(char const* aName, Multiplicity, Mutability aMutability,
+                                              unsigned aId, char const* aTypeName,
+                                              PropertyAttributes aAttributes) const {
+  addSequence(*this, false, aName, aMutability, aId, aTypeName, aAttributes);
+}
+
+void KelmmiPropertyFactory::addMetaProperty(char const* aName, ImmutableProperty (*aGetter)(unsigned aId),
+                                            unsigned aId) const {
+  auto method = std::make_unique<MetaPropertyMethod>(aName, aGetter, aId);
+  veskClass->addMethod(method.get());
+  static_cast<void>(method.release());
+}
+
+}  // namespace Kelm::mi

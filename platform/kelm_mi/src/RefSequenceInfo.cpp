@@ -1,0 +1,237 @@
+#include <array>
+#include <span>
+#include <string>
+#include <utility>
+
+#include "RefClass.h"
+#include "RefHook.h"
+#include "RefMethod.h"
+#include "kelm/DeviantRegistry.h"
+#include "kelm/Model.h"
+#include "kelm/kernel/containers/sequence/SequenceCreator.h"
+#include "kelm_mi/refClassInfos.h"
+#include "names.h"
+#include "textClassInfos.h"
+#include "uml_metamodel_mi/frame/Boxing.h"
+#include "uml_metamodel_mi/frame/ElementClassInfo.h"
+#include "uml_metamodel_mi/frame/Unboxing.h"
+#include "uml_metamodel_mi/frame/addTypedMethod.h"
+
+namespace Kelm::mi {
+
+namespace {
+
+using vesk::VeskInterned;
+using vesk::VeskValue;
+
+using Values = Sequence<Object>;
+using Position = Iterator<Object>;
+
+Values self(RefCall const& aCall) {
+  UnboxedInterface const found = unboxInterface(aCall.fArguments[0].array(), aCall.fClass.fName,
+                                                tagPair<Generic::SequenceIntf, VisitationDomain>());
+  return {static_cast<Generic::SequenceIntf*>(found.fInterface), found.fDeviant};
+}
+
+Position position(RefCall const& aCall, int aArgument) {
+  UnboxedInterface const found =
+      unboxInterface(aCall.fArguments[aArgument].array(), ScriptClass<Object>::name(),
+                     tagPair<Generic::IteratorIntf, VisitationDomain>());
+  return {static_cast<Generic::IteratorIntf*>(found.fInterface), found.fDeviant};
+}
+
+/// Scripts count from 1.
+int index(RefCall const& aCall) { return aCall.fArguments[1].int32() - 1; }
+Object element(RefCall const& aCall, int aArgument) {
+  return aCall.fClass.unboxElement(aCall.fArguments[aArgument]);
+}
+
+void giveElement(RefCall const& aCall, Object const& aElement) {
+  aCall.give(aCall.fClass.box(aElement.get(), aElement.getDeviant()));
+}
+void givePosition(RefCall const& aCall, IteratorRef const& aPosition) {
+  aCall.give(announceObject(aPosition.get(), aPosition.getDeviant(), aCall.fClass.fReadOnly,
+                            aCall.fClass.fIterator));
+}
+
+template <bool Unique>
+void make(RefCall const& aCall) {
+  // A changeable model is a read-only one too, and nothing but its deviant is wanted.
+  auto const model = ArgumentUnboxer<ImmutableModel>::unbox(aCall.fArguments[0]).fValue;
+  Values const made = SequenceCreator::create<Object>(
+      {.aDeviant = model.getDeviant(), .aImpl = MULTI_INDEX, .aIsUnique = Unique});
+  aCall.give(announceObject(made.get(), made.getDeviant(), false, aCall.fClass.fName));
+}
+
+void pushBack(RefCall const& aCall) {
+  Values const values = self(aCall);
+  values.push_back(element(aCall, 1));
+}
+void pushFront(RefCall const& aCall) {
+  Values const values = self(aCall);
+  values.push_front(element(aCall, 1));
+}
+void removeAll(RefCall const& aCall) {
+  Values const values = self(aCall);
+  aCall.give(VeskValue::ofInt32(values.removeAll(aCall.fClass.unboxObject(aCall.fArguments[1]))));
+}
+void clear(RefCall const& aCall) { self(aCall).clear(); }
+void popBack(RefCall const& aCall) { self(aCall).pop_back(); }
+void popFront(RefCall const& aCall) { self(aCall).pop_front(); }
+void begin(RefCall const& aCall) { givePosition(aCall, self(aCall).begin()); }
+void end(RefCall const& aCall) { givePosition(aCall, self(aCall).end()); }
+void erasePosition(RefCall const& aCall) { givePosition(aCall, self(aCall).erase(position(aCall, 1))); }
+void eraseRange(RefCall const& aCall) {
+  givePosition(aCall, self(aCall).erase(position(aCall, 1), position(aCall, 2)));
+}
+void eraseIndex(RefCall const& aCall) { self(aCall).erase(index(aCall)); }
+void insertPosition(RefCall const& aCall) {
+  Values const values = self(aCall);
+  givePosition(aCall, values.insert(position(aCall, 1), element(aCall, 2)));
+}
+void insertIndex(RefCall const& aCall) {
+  Values const values = self(aCall);
+  values.insert(index(aCall), element(aCall, 2));
+}
+void replaceIndex(RefCall const& aCall) {
+  Values const values = self(aCall);
+  values.replace(index(aCall), element(aCall, 2));
+}
+void back(RefCall const& aCall) { giveElement(aCall, self(aCall).back()); }
+void front(RefCall const& aCall) { giveElement(aCall, self(aCall).front()); }
+void at(RefCall const& aCall) { giveElement(aCall, self(aCall).at(index(aCall))); }
+void isEmpty(RefCall const& aCall) { aCall.give(VeskValue::ofLogical(self(aCall).empty())); }
+void size(RefCall const& aCall) { aCall.give(VeskValue::ofInt32(self(aCall).size())); }
+
+using enum RefType;
+using enum RefForm;
+
+// A sequence class inherits from the sequences of more general elements. What takes or gives an element or a
+// position stands for all inherited methods of its name, so that nothing of a more general type gets in.
+constexpr std::array kChanging{
+    RefRow{"append", Member, true, Void, {Self, Element}, &pushBack},
+    RefRow{"clear", Member, true, Void, {Self}, &clear},
+    RefRow{"pop_back", Member, true, Void, {Self}, &popBack},
+    RefRow{"pop_front", Member, true, Void, {Self}, &popFront},
+    RefRow{"push_back", Member, true, Void, {Self, Element}, &pushBack},
+    RefRow{"push_front", Member, true, Void, {Self, Element}, &pushFront},
+    RefRow{"removeAll", Member, true, Int32, {Self, Element}, &removeAll},
+    RefRow{"begin", Member, true, RefType::Iterator, {Self}, &begin},
+    RefRow{"end", Member, true, RefType::Iterator, {Self}, &end},
+    RefRow{"erase", Member, true, RefType::Iterator, {Self, RefType::Iterator}, &erasePosition},
+    RefRow{
+        "erase", Member, true, RefType::Iterator, {Self, RefType::Iterator, RefType::Iterator}, &eraseRange},
+    RefRow{"erase", SelfFirst, true, Void, {Self, Int32}, &eraseIndex},
+    RefRow{"insert", Member, true, RefType::Iterator, {Self, RefType::Iterator, Element}, &insertPosition},
+    RefRow{"insert", SelfFirst, true, Void, {Self, Int32, Element}, &insertIndex},
+    RefRow{"replace", SelfFirst, true, Void, {Self, Int32, Element}, &replaceIndex},
+    RefRow{"back", Member, true, Element, {Self}, &back},
+    RefRow{"isEmpty", Member, false, Logical, {Self}, &isEmpty},
+    RefRow{"front", Member, true, Element, {Self}, &front},
+    RefRow{"size", Member, false, Int32, {Self}, &size},
+    RefRow{"at", SelfFirst, true, Element, {Self, Int32}, &at},
+    RefRow{"make", Static, true, Self, {RefType::ImmutableModel}, &make<false>},
+    RefRow{"make", Static, true, Self, {RefType::Model}, &make<false>},
+    RefRow{"makeUnique", Static, true, Self, {RefType::ImmutableModel}, &make<true>},
+    RefRow{"makeUnique", Static, true, Self, {RefType::Model}, &make<true>},
+};
+
+constexpr std::array kReading{
+    RefRow{"begin", Member, true, RefType::Iterator, {Self}, &begin},
+    RefRow{"end", Member, true, RefType::Iterator, {Self}, &end},
+    RefRow{"back", Member, true, Element, {Self}, &back},
+    RefRow{"isEmpty", Member, false, Logical, {Self}, &isEmpty},
+    RefRow{"front", Member, true, Element, {Self}, &front},
+    RefRow{"size", Member, false, Int32, {Self}, &size},
+    RefRow{"at", SelfFirst, true, Element, {Self, Int32}, &at},
+};
+
+/// One class of sequences of object references.
+class RefSequenceInfo final : public ClassMetaData {
+ public:
+  RefSequenceInfo(char const* aShortName, char const* aDescription, RefClass aClass)
+      : ClassMetaData(aShortName, aDescription), fClass(std::move(aClass)), fHook(fClass) {}
+
+  void initializeClass(vesk::VeskClass* aClass, vesk::VeskClient const*) override {
+    vesk::factory::detail::initStringDataTypes();
+    addSuperclasses(aClass);
+    std::span<RefRow const> const rows =
+        fClass.fReadOnly ? std::span<RefRow const>(kReading) : std::span<RefRow const>(kChanging);
+    for (RefRow const& row : rows) addRefMethod(aClass, row, fClass);
+  }
+  vesk::SequenceHook const* getSequenceHook() const override { return &fHook; }
+
+ private:
+  /// The read-only form of what can be changed, sequence before elements, then the same form of the sequences
+  /// of the element's superclasses.
+  void addSuperclasses(vesk::VeskClass* aClass) const {
+    SequenceForm const form{fClass.fReadOnly, fClass.fElements == Elements::ReadOnly};
+    if (!form.fImmutable || !form.fImmutableElements) {
+      SequenceForm const above{true, form.fImmutable || form.fImmutableElements};
+      if (fClass.fElements != Elements::Text)
+        addSuperclass(aClass, sequenceClassName(above, changeableClassName(fClass.fElement.view())).c_str());
+    }
+    for (VeskInterned const base : fClass.fBases)
+      addSuperclass(aClass, sequenceClassName(form, base.view()).c_str());
+  }
+
+  RefClass const fClass;
+  RefHook const fHook;
+};
+
+vesk::VeskClassInfo* createSequence(bool aReadOnly, Elements aElements, char const* aShortName,
+                                    char const* aDescription, char const* aClassName,
+                                    char const* aElementClass, char const* aIteratorClass,
+                                    std::vector<std::string> const& aBases) {
+  RefClass info{vesk::internal::intern(aClassName),
+                vesk::internal::intern(aElementClass),
+                vesk::internal::intern(aIteratorClass),
+                {},
+                aReadOnly,
+                aElements};
+  info.fBases.reserve(aBases.size());
+  for (std::string const& base : aBases)
+    info.fBases.push_back(vesk::internal::intern(std::string_view(base)));
+  return new RefSequenceInfo(aShortName, aDescription, std::move(info));
+}
+
+}  // namespace
+
+vesk::VeskClassInfo* createSequenceOfRefClassInfo(char const* aShortName, char const* aDescription,
+                                                  char const* aClassName, char const* aElementClass,
+                                                  char const* aIteratorClass,
+                                                  std::vector<std::string> const& aBases) {
+  return createSequence(false, Elements::Changeable, aShortName, aDescription, aClassName, aElementClass,
+                        aIteratorClass, aBases);
+}
+
+vesk::VeskClassInfo* createSequenceOfImmutableRefClassInfo(char const* aShortName, char const* aDescription,
+                                                           char const* aClassName, char const* aElementClass,
+                                                           char const* aIteratorClass,
+                                                           std::vector<std::string> const& aBases) {
+  return createSequence(false, Elements::ReadOnly, aShortName, aDescription, aClassName, aElementClass,
+                        aIteratorClass, aBases);
+}
+
+vesk::VeskClassInfo* createImmutableSequenceOfRefClassInfo(char const* aShortName, char const* aDescription,
+                                                           char const* aClassName, char const* aElementClass,
+                                                           char const* aIteratorClass,
+                                                           std::vector<std::string> const& aBases) {
+  return createSequence(true, Elements::Changeable, aShortName, aDescription, aClassName, aElementClass,
+                        aIteratorClass, aBases);
+}
+
+vesk::VeskClassInfo* createImmutableSequenceOfImmutableRefClassInfo(
+    char const* aShortName, char const* aDescription, char const* aClassName, char const* aElementClass,
+    char const* aIteratorClass, std::vector<std::string> const& aBases) {
+  return createSequence(true, Elements::ReadOnly, aShortName, aDescription, aClassName, aElementClass,
+                        aIteratorClass, aBases);
+}
+
+vesk::VeskClassInfo* createTextSequenceClassInfo(char const* aShortName, char const* aDescription,
+                                                 char const* aClassName, char const* aIteratorClass) {
+  return createSequence(true, Elements::Text, aShortName, aDescription, aClassName, "char vector",
+                        aIteratorClass, {});
+}
+
+}  // namespace Kelm::mi

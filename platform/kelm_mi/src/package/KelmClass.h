@@ -1,0 +1,29 @@
+#pragma once
+
+#include <span>
+
+#include "ReadOnlyProperty.h"
+#include "uml_metamodel_mi/frame/ElementClassInfo.h"
+#include "uml_metamodel_mi/frame/addTypedMethod.h"
+
+namespace Kelm::mi {
+
+/// A class of the script package "Kelm".
+struct KelmClass {
+  char const* fShortName;
+  char const* fDescription;
+  /// Full names, in order.
+  std::span<char const* const> fSuperclasses;
+  std::span<MethodRow const> fMethods;
+  std::span<ComputedProperty const> fProperties = {};
+  /// Adds what is neither; null for nothing.
+  void (*fAddMore)(vesk::VeskClass* aClass) = nullptr;
+};
+
+/// The classes of references to elements and to objects of any kind, those of models and factories, and those
+/// of the metamodel's own objects.
+std::span<KelmClass const> objectClasses();
+std::span<KelmClass const> modelClasses();
+std::span<KelmClass const> metaClasses();
+
+}  // namespace Kelm::mi

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "kelm/ReferenceCountingIntf.h"
+#include "vesk/factory/HandleClassInfo.h"
+
+namespace Kelm::mi {
+
+/// Drops the binding of an id and gives back the count that the host object held. An object that is gone already is
+/// left alone.
+void releaseBoundObject(void* aId);
+/// The object of an id and its variant, which the read-only and the changeable view share.
+[[nodiscard]] vesk::Identity identifyBoundObject(void const* aId);
+
+/// Base of all class infos whose instances are bound to counted objects: references, sequences, iterators and
+/// enumeration literals.
+class ClassMetaData : public vesk::factory::HandleClassInfo<ReferenceCountingIntf, false> {
+ public:
+  using HandleClassInfo::HandleClassInfo;
+  void releaseInstance(vesk::VeskClient const*, void* aId) override { releaseBoundObject(aId); }
+  vesk::Identity identify(void const* aId) const override { return identifyBoundObject(aId); }
+};
+
+/// Base of the class infos of meta-property classes, whose instances are bound to stateless markers and own them.
+template <class Marker>
+class MetaPropertyMetaData : public vesk::factory::HandleClassInfo<Marker, false> {
+ public:
+  using vesk::factory::HandleClassInfo<Marker, false>::HandleClassInfo;
+  void releaseInstance(vesk::VeskClient const*, void* aId) override {
+    vesk::factory::basic::BindingRegistry::remove(aId);
+    delete static_cast<Marker*>(aId);
+  }
+};
+
+}  // namespace Kelm::mi

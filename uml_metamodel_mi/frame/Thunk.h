@@ -1,0 +1,168 @@
+#pragma once
+
+#include <type_traits>
+#include <utility>
+
+#include "uml_metamodel_mi/frame/Boxing.h"
+#include "uml_metamodel_mi/frame/Unboxing.h"
+#include "vesk/VeskInterface.h"
+#include "vesk/factory/Invoker.h"
+
+/// Thunks, made from the type of the typed function alone: functions of one type share one thunk.
+namespace Kelm::mi {
+
+using vesk::factory::impl::Invoker;
+
+/// What must be there for a call to go on: the receiver's reference, which may be a null one, or the object behind
+/// it. The second is for functions that call into a receiver without looking.
+enum class SelfCheck { Reference, Implementation };
+
+namespace detail {
+
+/// One parameter of a typed function. A pointer parameter gets the address of the unboxed value.
+template <class Parameter>
+class Argument {
+  using Value = std::remove_cv_t<std::remove_pointer_t<std::remove_cvref_t<Parameter>>>;
+
+ public:
+  explicit Argument(vesk::VeskValue aValue) : fArgument(ArgumentUnboxer<Value>::unbox(aValue)) {}
+
+  decltype(auto) pass() noexcept {
+    if constexpr (std::is_pointer_v<Parameter>)
+      return &fArgument.fValue;
+    else
+      return (fArgument.fValue);
+  }
+  template <SelfCheck Check>
+  void const* self() const noexcept {
+    if constexpr (Check == SelfCheck::Implementation)
+      return fArgument.fValue.get();
+    else
+      return &fArgument.fValue;
+  }
+
+ private:
+  UnboxedArgument<Value> fArgument;
+};
+
+/// Arguments unboxed in order and released in the reverse one.
+template <class... Parameters>
+class Arguments {
+ public:
+  explicit Arguments(vesk::VeskValue const*) noexcept {}
+  template <class Call, class... Passed>
+  decltype(auto) apply(Call const& aCall, Passed&&... aPassed) {
+    return aCall(std::forward<Passed>(aPassed)...);
+  }
+};
+
+template <class First, class... Rest>
+class Arguments<First, Rest...> {
+ public:
+  explicit Arguments(vesk::VeskValue const* aValues) : fFirst(aValues[0]), fRest(aValues + 1) {}
+  template <class Call, class... Passed>
+  decltype(auto) apply(Call const& aCall, Passed&&... aPassed) {
+    return fRest.apply(aCall, std::forward<Passed>(aPassed)..., fFirst.pass());
+  }
+  template <SelfCheck Check>
+  void const* self() const noexcept {
+    return fFirst.template self<Check>();
+  }
+
+ private:
+  Argument<First> fFirst;
+  Arguments<Rest...> fRest;
+};
+
+template <class Call, class List>
+void giveResult(Call const& aCall, List& aArguments, int& aResultCount, vesk::VeskValue* aResults) {
+  using Result = decltype(aArguments.apply(aCall));
+  if constexpr (std::is_void_v<Result>) {
+    aArguments.apply(aCall);
+  } else {
+    aResults[0] = Boxer<std::remove_cvref_t<Result>>::box(aArguments.apply(aCall));
+    if (aResultCount == 0) aResultCount = 1;
+  }
+}
+
+/// The thunks of functions of one type. `Receiver` is the class that a member function's receiver is unboxed as.
+template <class Function, class Receiver, SelfCheck Check>
+struct ThunkOf;
+
+template <class Result, class... Parameters, bool NoExcept, SelfCheck Check>
+struct ThunkOf<Result (*)(Parameters...) noexcept(NoExcept), void, Check> {
+  static void run(Invoker const& aInvoker, vesk::VeskClient const*, int& aResultCount,
+                  vesk::VeskValue* aResults, int, vesk::VeskValue const* aValues) {
+    auto const function = aInvoker.function<Result (*)(Parameters...)>();
+    Arguments<Parameters...> arguments(aValues);
+    if constexpr (sizeof...(Parameters) > 0)
+      vesk::factory::impl::validateSelfPointer(arguments.template self<Check>(), aInvoker);
+    giveResult(function, arguments, aResultCount, aResults);
+  }
+};
+
+template <class Member, class Receiver, SelfCheck Check, class Result, class... Parameters>
+struct MemberThunk {
+  static void run(Invoker const& aInvoker, vesk::VeskClient const*, int& aResultCount,
+                  vesk::VeskValue* aResults, int, vesk::VeskValue const* aValues) {
+    auto const member = aInvoker.function<Member>();
+    Arguments<Receiver&, Parameters...> arguments(aValues);
+    vesk::factory::impl::validateSelfPointer(arguments.template self<Check>());
+    auto const call = [member](Receiver& aReceiver, auto&&... aPassed) -> Result {
+      return (aReceiver.*member)(std::forward<decltype(aPassed)>(aPassed)...);
+    };
+    giveResult(call, arguments, aResultCount, aResults);
+  }
+};
+
+template <class Result, class Owner, class... Parameters, bool NoExcept, class Receiver, SelfCheck Check>
+struct ThunkOf<Result (Owner::*)(Parameters...) noexcept(NoExcept), Receiver, Check>
+    : MemberThunk<Result (Owner::*)(Parameters...), Receiver, Check, Result, Parameters...> {};
+template <class Result, class Owner, class... Parameters, bool NoExcept, class Receiver, SelfCheck Check>
+struct ThunkOf<Result (Owner::*)(Parameters...) const noexcept(NoExcept), Receiver, Check>
+    : MemberThunk<Result (Owner::*)(Parameters...) const, Receiver, Check, Result, Parameters...> {};
+
+template <class Function>
+struct ConstructorThunk;
+
+template <class Created, class... Parameters>
+struct ConstructorThunk<Created (*)(Parameters...)> {
+  static void run(Invoker const& aInvoker, vesk::VeskClient const*, int& aResultCount,
+                  vesk::VeskValue* aResults, int, vesk::VeskValue const* aValues) {
+    auto const function = aInvoker.function<Created (*)(Parameters...)>();
+    Arguments<Parameters...> arguments(aValues);
+    // The host object has no native side yet; asking makes sure that there is an instance to bind.
+    (void)veskiGetArrayElement(aResults[0].array(), 0)->getNativeObject(ScriptClass<Created>::name());
+    Created const created = arguments.apply(function);
+    bindConstructed(created.get(), created.getDeviant(), ScriptClass<Created>::name(), aResults[0]);
+    if (aResultCount == 0) aResultCount = 1;
+  }
+};
+
+}  // namespace detail
+
+/// Gives an Invoker its typed function and thunk.
+using Bind = void (*)(Invoker&);
+
+/// A free function; arguments start with its first parameter.
+template <auto Function, SelfCheck Check = SelfCheck::Reference>
+void bindFunction(Invoker& aInvoker) {
+  aInvoker.setFunction(Function);
+  aInvoker.setThunk(&detail::ThunkOf<decltype(Function), void, Check>::run);
+}
+
+/// A member function, run on a receiver of class `Receiver`, which may derive from the class of the member.
+template <auto Member, class Receiver, SelfCheck Check = SelfCheck::Reference>
+void bindMember(Invoker& aInvoker) {
+  aInvoker.setFunction(Member);
+  aInvoker.setThunk(&detail::ThunkOf<decltype(Member), Receiver, Check>::run);
+}
+
+/// A function that makes the reference which a new instance of its script class is to hold.
+template <auto Function>
+void bindConstructor(Invoker& aInvoker) {
+  aInvoker.setFunction(Function);
+  aInvoker.setThunk(&detail::ConstructorThunk<decltype(Function)>::run);
+}
+
+}  // namespace Kelm::mi

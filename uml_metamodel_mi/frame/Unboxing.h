@@ -1,0 +1,68 @@
+#pragma once
+
+#include "kelm/DeviantRegistry.h"
+#include "kelm/String.h"
+#include "tarn/tarn.h"
+#include "uml_metamodel_mi/frame/Boxing.h"
+#include "uml_metamodel_mi/frame/ScriptClass.h"
+#include "vesk/VeskValue.h"
+
+/// Host values on their way to the metamodel.
+namespace Kelm::mi {
+
+/// One argument as a thunk holds it: the value, and whether the host's array had any element. Without one a
+/// reference is null.
+template <class T>
+struct UnboxedArgument {
+  T fValue{};
+  bool fHasValue = false;
+};
+
+/// The interface that `aTags` name on the object behind element 0 of `aArray`, or null, with the deviant; whether
+/// the array has an element. `aClass` is the declared class of the argument.
+struct UnboxedInterface {
+  void* fInterface = nullptr;
+  Deviant fDeviant;
+  bool fHasValue = false;
+};
+UnboxedInterface unboxInterface(tarnArray const* aArray, vesk::VeskInterned aClass,
+                                CooperativeVisitor::internal::ClassInfo const& aTags);
+
+/// The same for an instance at hand.
+UnboxedInterface unboxInstance(vesk::VeskInterface& aInstance, vesk::VeskInterned aClass,
+                               CooperativeVisitor::internal::ClassInfo const& aTags);
+
+/// A reference in an array whose declared class is not that of T.
+template <Reference T>
+UnboxedArgument<T> unboxReference(vesk::VeskValue aValue, vesk::VeskInterned aClass) {
+  using Intf = typename T::InterfaceType;
+  UnboxedInterface const found = unboxInterface(aValue.array(), aClass, tagPair<Intf, typename T::Domain>());
+  if (!found.fHasValue) return {};
+  return {T(static_cast<Intf*>(found.fInterface), found.fDeviant), true};
+}
+
+/// How a host value becomes a T: `static UnboxedArgument<T> unbox(vesk::VeskValue)`. Libraries specialise it for
+/// their types.
+template <class T>
+struct ArgumentUnboxer;
+
+template <>
+struct ArgumentUnboxer<bool> {
+  static UnboxedArgument<bool> unbox(vesk::VeskValue aValue) noexcept { return {aValue.logical(), true}; }
+};
+template <>
+struct ArgumentUnboxer<int> {
+  static UnboxedArgument<int> unbox(vesk::VeskValue aValue) noexcept { return {aValue.int32(), true}; }
+};
+template <>
+struct ArgumentUnboxer<String> {
+  static UnboxedArgument<String> unbox(vesk::VeskValue aValue);
+};
+template <Reference T>
+struct ArgumentUnboxer<T> {
+  static UnboxedArgument<T> unbox(vesk::VeskValue aValue) {
+    return unboxReference<T>(aValue, ScriptClass<T>::name());
+  }
+};
+
+}  // namespace Kelm::mi

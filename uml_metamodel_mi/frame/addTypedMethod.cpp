@@ -1,0 +1,80 @@
+#include "uml_metamodel_mi/frame/addTypedMethod.h"
+
+#include <algorithm>
+#include <memory>
+
+#include "vesk/factory/FunctionInfo.h"
+
+namespace Kelm::mi {
+
+using vesk::factory::FunctionInfo;
+using vesk::factory::MethodFirstArgumentIsSelf;
+using vesk::factory::MethodStatic;
+using vesk::factory::VeskMethod;
+using vesk::factory::impl::MethodImpl;
+using vesk::factory::impl::VeskConstructor;
+
+namespace {
+
+constexpr bool isMember(Form aForm) {
+  return aForm == Form::MemberFunction || aForm == Form::MemberFunctionWithFlag;
+}
+constexpr bool storesFlag(Form aForm) {
+  return aForm == Form::FreeFunctionWithFlag || aForm == Form::MemberFunctionWithFlag;
+}
+
+void adjustWord(VeskMethod& aMethod, Form aForm) {
+  if (aForm == Form::Constructor) return;
+  if (isMember(aForm))
+    aMethod.clearAttributeBits(MethodFirstArgumentIsSelf);
+  else if (!aMethod.has(MethodFirstArgumentIsSelf))
+    aMethod.setAttributeBits(MethodStatic);
+}
+
+void createSignature(VeskMethod& aMethod, SignatureTexts const& aTexts) {
+  auto const end = std::find(aTexts.fArguments.begin(), aTexts.fArguments.end(), nullptr);
+  Invoker::createSignature(aTexts.fNames, aTexts.fResult, aTexts.fReceiver,
+                           std::span<char const* const>(aTexts.fArguments.begin(), end), aMethod.signature());
+}
+
+template <class Method>
+std::unique_ptr<Method> finish(std::unique_ptr<Method> aMethod, MethodRow const& aRow) {
+  adjustWord(*aMethod, aRow.fForm);
+  createSignature(*aMethod, aRow.fSignature);
+  aRow.fBind(aMethod->invoker());
+  if (storesFlag(aRow.fForm) && aMethod->has(MethodFirstArgumentIsSelf))
+    aMethod->invoker().setFirstArgumentIsSelf(true);
+  return aMethod;
+}
+
+}  // namespace
+
+void addTypedMethod(vesk::VeskClass* aClass, MethodRow const& aMethod) {
+  if (aMethod.fForm == Form::Constructor) {
+    auto constructor = std::make_unique<VeskConstructor>(aClass->getConstructorName(), aMethod.fWord, "");
+    aClass->addMethod(finish(std::move(constructor), aMethod).release());
+    return;
+  }
+  auto method = std::make_unique<MethodImpl>(aMethod.fName, aMethod.fWord, "");
+  aClass->addMethod(finish(std::move(method), aMethod).release());
+}
+
+void addTypedMethods(vesk::VeskClass* aClass, std::span<MethodRow const> aMethods) {
+  for (MethodRow const& method : aMethods) addTypedMethod(aClass, method);
+}
+
+void addPackageFunction(vesk::VeskPackage* aPackage, MethodRow const& aFunction) {
+  auto function = std::make_unique<FunctionInfo>(aFunction.fName, aFunction.fWord);
+  if (!function->has(MethodFirstArgumentIsSelf)) function->setAttributeBits(MethodStatic);
+  createSignature(*function, aFunction.fSignature);
+  aFunction.fBind(function->invoker());
+  if (function->has(MethodFirstArgumentIsSelf)) function->invoker().setFirstArgumentIsSelf(true);
+  aPackage->addFunction(function.release());
+}
+
+void addSuperclass(vesk::VeskClass* aClass, char const* aName) {
+  vesk::VeskInterned const name = vesk::internal::intern(aName);
+  aClass->addSuperclass(&name, 1, 0, 1);
+}
+
+}  // namespace Kelm::mi

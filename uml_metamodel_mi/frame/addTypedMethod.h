@@ -1,0 +1,55 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <span>
+
+#include "uml_metamodel_mi/frame/Thunk.h"
+#include "vesk/VeskClass.h"
+#include "vesk/VeskPackage.h"
+#include "vesk/factory/MethodAttributes.h"
+
+namespace Kelm::mi {
+
+/// How a method is declared; it settles what becomes of the attribute word.
+enum class Form : std::uint8_t {
+  Constructor,
+  FreeFunction,          ///< static unless declared with MethodFirstArgumentIsSelf
+  FreeFunctionWithFlag,  ///< likewise; passes that bit on to the Invoker
+  MemberFunction,        ///< never static; drops that bit
+  MemberFunctionWithFlag,
+};
+
+/// The texts of a signature. Types behind the last one are null.
+struct SignatureTexts {
+  static constexpr std::size_t kMostArguments = 4;
+
+  /// Of the arguments without the receiver, separated by comma and blank.
+  char const* fNames;
+  char const* fResult;
+  /// Full class name, or null: then the receiver, if there is one, stands first among the arguments.
+  char const* fReceiver;
+  std::array<char const*, kMostArguments> fArguments{};
+};
+
+/// A method as a class declares it. Texts are read while the method is added.
+struct MethodRow {
+  /// Not read for a constructor, whose name is the class's affair.
+  char const* fName;
+  std::uint32_t fWord;
+  Form fForm;
+  SignatureTexts fSignature;
+  Bind fBind;
+};
+
+/// Builds a method and gives it to the class.
+void addTypedMethod(vesk::VeskClass* aClass, MethodRow const& aMethod);
+void addTypedMethods(vesk::VeskClass* aClass, std::span<MethodRow const> aMethods);
+
+/// Builds a free function and gives it to the package.
+void addPackageFunction(vesk::VeskPackage* aPackage, MethodRow const& aFunction);
+
+/// Adds one superclass by its full name.
+void addSuperclass(vesk::VeskClass* aClass, char const* aName);
+
+}  // namespace Kelm::mi
