@@ -40,7 +40,11 @@ class Engine:
         return {"Boolean": "Flag", "String": "String", "Enumeration": "Enumeration"}.get(self.value_type(root), "Integer")
 
     def opposite(self, feature: Feature) -> int | str:
-        return feature.opposite.root.index if feature.opposite else _NO_FEATURE
+        """The far end that a link is kept at as well; a computed one follows by itself, unless it shows a containment."""
+        far = feature.opposite and feature.opposite.root
+        if not far or self.storage(far) == "Computed" and self.storage(feature) != "Container":
+            return _NO_FEATURE
+        return far.index
 
     def containment(self, feature: Feature) -> int | str:
         """The topmost stored containment that holds the parts of a containment, or the element of a far end."""

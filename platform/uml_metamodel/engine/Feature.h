@@ -1,0 +1,122 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+/// The metamodel as the engine sees it: one record a feature and a metaclass, made from the catalogue.
+namespace umlmm::engine {
+
+/// Position in the table of features, which stands in order of metaclass and id.
+using FeatureIndex = std::uint16_t;
+inline constexpr FeatureIndex kNoFeature = 0xFFFF;
+
+enum class ValueType : std::uint8_t { Boolean, Integer, UnlimitedNatural, String, Enumeration, Reference };
+
+/// Where a feature's value comes from.
+enum class Storage : std::uint8_t {
+  Flag,           ///< One bit, and a presence bit behind it if optional.
+  Enumeration,    ///< Four bits and a presence bit.
+  Integer,        ///< Half a word.
+  String,         ///< A text record, null when unset.
+  Reference,      ///< An element, null when unset.
+  List,           ///< A list of elements, null when none was ever made.
+  PrimitiveList,  ///< A sequence of values, null when none was ever made.
+  Container,      ///< No slot: the container, if the far end holds the element.
+  Computed        ///< No slot: a rule.
+};
+
+struct Feature {
+  char const* fName;
+  std::uint16_t fOwner;       ///< Metaclass that declares it.
+  std::uint16_t fType;        ///< Metaclass, or enumeration, by index.
+  FeatureIndex fRoot;         ///< The feature whose slot it is; itself unless it redefines one.
+  FeatureIndex fOpposite;     ///< Root of the far end, or none.
+  FeatureIndex fContainment;  ///< Of a containment or its far end: the topmost stored containment that holds the part.
+  std::uint8_t fId;
+  std::int8_t fLower;
+  std::int8_t fUpper;         ///< -1 for unlimited.
+  ValueType fValueType;
+  Storage fStorage;
+  bool fComposite : 1;
+  bool fOrdered : 1;
+  bool fUnique : 1;
+  bool fDerived : 1;
+  bool fUnion : 1;
+  bool fReadOnly : 1;
+  bool fGivesNamespace : 1;            ///< Of a stored containment: the owner is the part's namespace.
+  bool fGivesFeaturingClassifier : 1;  ///< The owner is the part's featuring classifier.
+  bool fGivesContext : 1;              ///< The owner is the part's redefinition context.
+  char const* fDefault;                          ///< As text; empty for none.
+  std::span<FeatureIndex const> fSupersets;      ///< Stored features that hold what this one holds, direct ones.
+  std::span<FeatureIndex const> fSubsets;        ///< Stored features that this one holds the values of, direct ones.
+  std::span<FeatureIndex const> fNarrowings;     ///< Of a root: the redefinitions of it, general ones first.
+  std::span<FeatureIndex const> fAllSupersets;   ///< Direct supersets of any kind, as the tables name them.
+  std::span<FeatureIndex const> fRedefined;      ///< Features that it redefines directly.
+  FeatureIndex fNamedOpposite;                   ///< The far end as the tables name it, or none.
+
+  bool isMany() const noexcept { return fUpper != 1; }
+  bool isOptional() const noexcept { return fLower == 0 && fUpper == 1; }
+  bool isReference() const noexcept { return fValueType == ValueType::Reference; }
+  /// A slot that owns what it holds.
+  bool isContainment() const noexcept {
+    return fComposite && (fStorage == Storage::List || fStorage == Storage::Reference);
+  }
+};
+
+/// A derived union as one metaclass sees it: the direct subsets, in the order in which they add values.
+struct Union {
+  FeatureIndex fFeature;
+  std::span<FeatureIndex const> fMembers;
+};
+
+struct Metaclass {
+  char const* fName;
+  bool fAbstract;
+  FeatureIndex fFirstFeature;
+  std::uint8_t fFeatureCount;
+  std::span<std::uint16_t const> fSupers;
+  /// Itself and all above it, in the order of the meta-property list.
+  std::span<std::uint16_t const> fAncestors;
+  /// Concrete metaclasses below or at it.
+  std::span<std::uint16_t const> fConcrete;
+  /// Features in the order of the meta-property list, hidden ones left out.
+  std::span<FeatureIndex const> fVisible;
+  std::span<Union const> fUnions;
+};
+
+/// How elements of one concrete metaclass are laid out; see Kelm::ClassTable.
+struct Layout {
+  std::uint16_t fMetaclass;
+  std::uint16_t fWords;
+  std::uint32_t fDefaultFlags;
+  std::uint64_t fStringWords;
+  std::uint64_t fReferenceWords;
+  std::uint64_t fListWords;
+  std::uint64_t fSequenceWords;
+  /// By feature: position of its slot, or 0xFF.
+  std::uint8_t const* fSlotOfFeature;
+  /// Required references in the order in which creation takes them.
+  std::span<FeatureIndex const> fRequired;
+};
+
+inline constexpr int kMetaclassCount = 166;
+inline constexpr int kFeatureCount = 368;
+inline constexpr int kConcreteCount = 128;
+inline constexpr int kEnumerationCount = 8;
+
+extern Feature const kFeatures[kFeatureCount];
+extern Metaclass const kMetaclasses[kMetaclassCount];
+extern Layout const kLayouts[kConcreteCount];
+/// Bit (a * kMetaclassCount + b) says that metaclass a is b or a specialization of it.
+extern std::uint64_t const kConformance[];
+
+inline Feature const& feature(FeatureIndex aIndex) noexcept { return kFeatures[aIndex]; }
+inline FeatureIndex indexOf(Feature const& aFeature) noexcept {
+  return static_cast<FeatureIndex>(&aFeature - kFeatures);
+}
+inline bool conforms(int aMetaclass, int aGeneral) noexcept {
+  unsigned const bit = static_cast<unsigned>(aMetaclass * kMetaclassCount + aGeneral);
+  return (kConformance[bit / 64] >> (bit % 64) & 1) != 0;
+}
+
+}  // namespace umlmm::engine

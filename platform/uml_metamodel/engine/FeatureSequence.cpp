@@ -1,0 +1,284 @@
+#include "engine/FeatureSequence.h"
+
+#include <algorithm>
+
+#include "engine/failures.h"
+#include "kelm/kernel/containers/iterator/IteratorProxy.h"
+#include "kelm/kernel/containers/sequence/Ref.h"
+
+namespace umlmm::engine {
+
+namespace {
+
+constexpr char kSource[] = "uml_metamodel/engine/FeatureSequence";
+
+using Kelm::Generic::IteratorIntf;
+using Kelm::Generic::IteratorPtr;
+using Kelm::Generic::Ref;
+using ObjectAccess = Kelm::Generic::RefAccess<Kelm::Object>;
+
+Ref toRef(Element* aElement, Deviant const& aDeviant) {
+  return ObjectAccess::make(Kelm::Object(aElement, aDeviant));
+}
+
+[[noreturn]] void raiseOutOfBounds() { Kelm::raiseFailure(Kelm::words::kIndexOutOfBounds, kSource); }
+[[noreturn]] void raiseEmpty() { Kelm::raiseFailure(Kelm::words::kSequenceEmpty, kSource); }
+
+}  // namespace
+
+Element* elementOf(Kelm::ImmutableObject const& aObject) {
+  return static_cast<Element*>(Kelm::queryInterface<Kelm::NSInterface::ClassObjectIntf>(aObject.get()));
+}
+
+Element* elementOf(Ref const& aValue) { return elementOf(ObjectAccess::get(aValue)); }
+
+/// Stands at an element by its address, which is looked up again when the sequence has changed. The address is
+/// compared and never followed: the element may be gone.
+class FeatureSequence::Iterator final : public Kelm::IteratorProxy {
+ public:
+  Iterator(FeatureSequence const& aSequence, std::uint32_t aPosition)
+      : IteratorProxy(aSequence.stamp()),
+        fSequence(aSequence),
+        fPosition(aPosition),
+        fCurrent(aPosition < aSequence.size() ? aSequence.at(aPosition) : nullptr) {
+    Kelm::keepOwner(this, &aSequence);
+  }
+
+  Ref current(Deviant const& aDeviant) const override {
+    checkReadable(fSequence.element(), aDeviant);
+    refresh();
+    if (fCurrent == nullptr) raiseOutOfBounds();
+    return toRef(fCurrent, aDeviant);
+  }
+  void next(Deviant const& aDeviant) override {
+    checkReadable(fSequence.element(), aDeviant);
+    refresh();
+    if (fCurrent == nullptr) raiseOutOfBounds();
+    moveTo(fPosition + 1);
+  }
+  void previous(Deviant const& aDeviant) override {
+    checkReadable(fSequence.element(), aDeviant);
+    refresh();
+    if (fPosition == 0) raiseOutOfBounds();
+    moveTo(fPosition - 1);
+  }
+  IteratorPtr clone() const override { return IteratorPtr(new Iterator(*this)); }
+  bool equal(IteratorIntf const* aOther) const override {
+    if (aOther == nullptr || typeid(*aOther) != typeid(*this)) return false;
+    auto const& other = static_cast<Iterator const&>(*aOther);
+    return &fSequence == &other.fSequence && fCurrent == other.fCurrent;
+  }
+
+  FeatureSequence const& sequence() const noexcept { return fSequence; }
+  std::uint32_t position() const {
+    refresh();
+    return fPosition;
+  }
+
+ private:
+  Iterator(Iterator const& aOther) = default;
+
+  void moveTo(std::uint32_t aPosition) {
+    fPosition = aPosition;
+    fCurrent = aPosition < fSequence.size() ? fSequence.at(aPosition) : nullptr;
+  }
+
+  void refresh() const {
+    std::uint64_t const stamp = fSequence.stamp();
+    if (stamp == fStamp) [[likely]]
+      return;
+    std::uint32_t const size = fSequence.size();
+    if (fCurrent == nullptr) {
+      fPosition = size;
+    } else {
+      lookUp(size);
+    }
+    fStamp = stamp;
+  }
+
+  void lookUp(std::uint32_t aSize) const {
+    std::uint32_t below = std::min(fPosition, aSize);
+    std::uint32_t above = below;
+    while (below > 0 || above < aSize) {
+      if (above < aSize) {
+        if (fSequence.at(above) == fCurrent) return void(fPosition = above);
+        ++above;
+      }
+      if (below > 0 && fSequence.at(--below) == fCurrent) return void(fPosition = below);
+    }
+    raiseOutOfBounds();
+  }
+
+  FeatureSequence const& fSequence;
+  mutable std::uint32_t fPosition;
+  Element* fCurrent;
+};
+
+std::uint32_t FeatureSequence::checkedPosition(Deviant const& aDeviant, int aIndex, std::uint32_t aLimit) const {
+  checkReadable(fElement, aDeviant);
+  if (aIndex < 0) Kelm::raiseFailure(Kelm::words::kIndexNotPositive, kSource);
+  if (static_cast<std::uint32_t>(aIndex) >= aLimit) raiseOutOfBounds();
+  return static_cast<std::uint32_t>(aIndex);
+}
+
+std::uint32_t FeatureSequence::positionOf(IteratorIntf const* aIterator) const {
+  if (aIterator == nullptr) Kelm::raiseNullReference("Iterator");
+  if (typeid(*aIterator) != typeid(Iterator)) raiseOutOfBounds();
+  auto const& iterator = static_cast<Iterator const&>(*aIterator);
+  if (&iterator.sequence() != this) raiseOutOfBounds();
+  return iterator.position();
+}
+
+IteratorPtr FeatureSequence::iteratorAt(std::uint32_t aPosition) const {
+  return IteratorPtr(new Iterator(*this, aPosition));
+}
+
+void FeatureSequence::checkChange(Deviant const& aDeviant) const {
+  checkWritable(fElement, aDeviant);
+  if (fFeature.fReadOnly) failures::raiseReadOnly(fFeature);
+}
+
+std::uint32_t FeatureSequence::add(Deviant const& aDeviant, std::uint32_t aPosition, Ref const& aValue) {
+  checkChange(aDeviant);
+  Element* const value = elementOf(aValue);
+  if (value == nullptr) failures::raiseNotAValue(fFeature);
+  if (!contains(*value)) {
+    check(*value, nullptr);
+    insert(aPosition, *value);
+  }
+  return aPosition < size() && at(aPosition) == value ? aPosition : find(*value);
+}
+
+Ref FeatureSequence::generic_at(Deviant const& aDeviant, int aIndex) const {
+  checkReadable(fElement, aDeviant);
+  return toRef(at(checkedPosition(aDeviant, aIndex, size())), aDeviant);
+}
+
+Ref FeatureSequence::generic_front(Deviant const& aDeviant) const {
+  checkReadable(fElement, aDeviant);
+  if (size() == 0) raiseEmpty();
+  return toRef(at(0), aDeviant);
+}
+
+Ref FeatureSequence::generic_back(Deviant const& aDeviant) const {
+  checkReadable(fElement, aDeviant);
+  if (size() == 0) raiseEmpty();
+  return toRef(at(size() - 1), aDeviant);
+}
+
+IteratorPtr FeatureSequence::generic_begin(Deviant const& aDeviant) const {
+  checkReadable(fElement, aDeviant);
+  return iteratorAt(0);
+}
+
+IteratorPtr FeatureSequence::generic_end(Deviant const& aDeviant) const {
+  checkReadable(fElement, aDeviant);
+  return iteratorAt(size());
+}
+
+void FeatureSequence::generic_clear(Deviant const& aDeviant) {
+  checkChange(aDeviant);
+  assign(aDeviant, {});
+}
+
+int FeatureSequence::generic_size(Deviant const& aDeviant) const {
+  checkReadable(fElement, aDeviant);
+  return static_cast<int>(size());
+}
+
+void FeatureSequence::generic_insert(Deviant const& aDeviant, int aIndex, Ref aValue) {
+  checkChange(aDeviant);
+  add(aDeviant, checkedPosition(aDeviant, aIndex, size() + 1), aValue);
+}
+
+IteratorPtr FeatureSequence::generic_insert(Deviant const& aDeviant, IteratorIntf const* aPosition, Ref aValue) {
+  checkChange(aDeviant);
+  return iteratorAt(add(aDeviant, positionOf(aPosition), aValue));
+}
+
+IteratorPtr FeatureSequence::generic_erase(Deviant const& aDeviant, IteratorIntf const* aPosition) {
+  checkChange(aDeviant);
+  std::uint32_t const position = positionOf(aPosition);
+  if (position >= size()) raiseOutOfBounds();
+  erase(*at(position));
+  return iteratorAt(position);
+}
+
+IteratorPtr FeatureSequence::generic_erase(Deviant const& aDeviant, IteratorIntf const* aFirst,
+                                           IteratorIntf const* aLast) {
+  checkChange(aDeviant);
+  std::uint32_t const first = positionOf(aFirst);
+  std::uint32_t const last = positionOf(aLast);
+  if (last < first) raiseOutOfBounds();
+  std::vector<Element*> going;
+  for (std::uint32_t position = first; position < last; ++position) going.push_back(at(position));
+  for (Element* const value : going) erase(*value);
+  return iteratorAt(first);
+}
+
+void FeatureSequence::generic_erase(Deviant const& aDeviant, int aIndex) {
+  checkChange(aDeviant);
+  erase(*at(checkedPosition(aDeviant, aIndex, size())));
+}
+
+void FeatureSequence::generic_pop_back(Deviant const& aDeviant) {
+  checkChange(aDeviant);
+  if (size() == 0) raiseEmpty();
+  erase(*at(size() - 1));
+}
+
+void FeatureSequence::generic_pop_front(Deviant const& aDeviant) {
+  checkChange(aDeviant);
+  if (size() == 0) raiseEmpty();
+  erase(*at(0));
+}
+
+void FeatureSequence::generic_push_back(Deviant const& aDeviant, Ref aValue) {
+  checkChange(aDeviant);
+  add(aDeviant, size(), aValue);
+}
+
+void FeatureSequence::generic_push_front(Deviant const& aDeviant, Ref aValue) {
+  checkChange(aDeviant);
+  add(aDeviant, 0, aValue);
+}
+
+void FeatureSequence::generic_replace(Deviant const& aDeviant, int aIndex, Ref aValue) {
+  checkChange(aDeviant);
+  std::uint32_t const position = checkedPosition(aDeviant, aIndex, size());
+  Element* const value = elementOf(aValue);
+  if (value == nullptr) failures::raiseNotAValue(fFeature);
+  if (contains(*value)) return;
+  Element* const old = at(position);
+  check(*value, old);
+  erase(*old);
+  insert(position, *value);
+}
+
+bool FeatureSequence::generic_contains(Deviant const& aDeviant, Ref aValue) const {
+  checkReadable(fElement, aDeviant);
+  Element* const value = elementOf(aValue);
+  return value != nullptr && value->fModel == fElement.fModel && contains(*value);
+}
+
+int FeatureSequence::generic_removeAll(Deviant const& aDeviant, Ref aValue) {
+  checkChange(aDeviant);
+  Element* const value = elementOf(aValue);
+  if (value == nullptr || value->fModel != fElement.fModel || !contains(*value)) return 0;
+  erase(*value);
+  return 1;
+}
+
+int FeatureSequence::readBlock(Deviant const& aDeviant, int aIndex, int aCount, Ref* aOut,
+                               std::uint64_t& aStamp) const {
+  checkReadable(fElement, aDeviant);
+  std::uint32_t const total = size();
+  if (aStamp != 0 && aStamp != stamp()) raiseOutOfBounds();
+  aStamp = stamp();
+  std::uint32_t const first = std::min(static_cast<std::uint32_t>(aIndex), total);
+  std::uint32_t const count = std::min(static_cast<std::uint32_t>(aCount), total - first);
+  for (std::uint32_t step = 0; step < count; ++step) aOut[step] = toRef(at(first + step), aDeviant);
+  return static_cast<int>(count);
+}
+
+}  // namespace umlmm::engine

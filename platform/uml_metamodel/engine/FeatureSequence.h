@@ -1,0 +1,96 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "engine/slots.h"
+
+namespace umlmm::engine {
+
+/// The live sequence of a many-valued reference feature of one element: what scripts and typed handles read and
+/// change. It shares the element's count, so that there is one object for an element and feature as long as anybody
+/// needs it, and no cost for features that nobody looks at. Values are element references in the caller's variant.
+///
+/// Every change goes through the engine, so far ends, subsets and containers follow. All lists of elements are unique:
+/// adding what is there changes nothing. A refused change changes nothing.
+class FeatureSequence : public Kelm::Generic::SequenceIntf {
+ public:
+  /// The sequence of a feature with a list, or of a computed one.
+  static FeatureSequence& of(Element& aElement, Feature const& aFeature);
+  /// Deletes the sequences of computed features of an element.
+  static void forget(Element const& aElement) noexcept;
+
+  Element& element() const noexcept { return fElement; }
+  Feature const& shownFeature() const noexcept { return fFeature; }
+
+  /// Replaces all values; repeated ones are dropped, the first kept. Raises with nothing changed.
+  virtual void assign(Deviant const& aDeviant, std::vector<Element*> const& aValues) = 0;
+
+  int incRef() const override { return fElement.incRef(); }
+  int decRef() const override { return fElement.decRef(); }
+  int numRef() const override { return fElement.numRef(); }
+
+  Kelm::Generic::Ref generic_at(Deviant const& aDeviant, int aIndex) const override;
+  Kelm::Generic::Ref generic_front(Deviant const& aDeviant) const override;
+  Kelm::Generic::Ref generic_back(Deviant const& aDeviant) const override;
+  Kelm::Generic::IteratorPtr generic_begin(Deviant const& aDeviant) const override;
+  Kelm::Generic::IteratorPtr generic_end(Deviant const& aDeviant) const override;
+  void generic_clear(Deviant const& aDeviant) override;
+  int generic_size(Deviant const& aDeviant) const override;
+  void generic_insert(Deviant const& aDeviant, int aIndex, Kelm::Generic::Ref aValue) override;
+  Kelm::Generic::IteratorPtr generic_insert(Deviant const& aDeviant,
+                                            Kelm::Generic::IteratorIntf const* aPosition,
+                                            Kelm::Generic::Ref aValue) override;
+  Kelm::Generic::IteratorPtr generic_erase(Deviant const& aDeviant,
+                                           Kelm::Generic::IteratorIntf const* aPosition) override;
+  Kelm::Generic::IteratorPtr generic_erase(Deviant const& aDeviant, Kelm::Generic::IteratorIntf const* aFirst,
+                                           Kelm::Generic::IteratorIntf const* aLast) override;
+  void generic_erase(Deviant const& aDeviant, int aIndex) override;
+  void generic_pop_back(Deviant const& aDeviant) override;
+  void generic_pop_front(Deviant const& aDeviant) override;
+  void generic_push_back(Deviant const& aDeviant, Kelm::Generic::Ref aValue) override;
+  void generic_push_front(Deviant const& aDeviant, Kelm::Generic::Ref aValue) override;
+  void generic_replace(Deviant const& aDeviant, int aIndex, Kelm::Generic::Ref aValue) override;
+  bool generic_contains(Deviant const& aDeviant, Kelm::Generic::Ref aValue) const override;
+  char const* generic_getVeskName(bool, bool, char const* aName) const override { return aName; }
+  int generic_removeAll(Deviant const& aDeviant, Kelm::Generic::Ref aValue) override;
+  int readBlock(Deviant const& aDeviant, int aIndex, int aCount, Kelm::Generic::Ref* aOut,
+                std::uint64_t& aStamp) const override;
+
+ protected:
+  class Iterator;
+  static constexpr std::uint32_t kNowhere = UINT32_MAX;
+
+  FeatureSequence(Element& aElement, Feature const& aFeature) noexcept
+      : fElement(aElement), fFeature(aFeature) {}
+
+  // Positions count from 0 and are in range; changes come with a writable variant.
+  virtual std::uint32_t size() const = 0;
+  virtual Element* at(std::uint32_t aPosition) const = 0;
+  /// Position of a living element, or kNowhere.
+  virtual std::uint32_t find(Element const& aValue) const = 0;
+  virtual bool contains(Element const& aValue) const = 0;
+  /// Raises when the feature can't take the value, which is not in it.
+  virtual void check(Element const& aValue, Element const* aReplaced) const = 0;
+  virtual void insert(std::uint32_t aPosition, Element& aValue) = 0;
+  virtual void erase(Element& aValue) = 0;
+  /// Differs whenever positions may have moved; never 0.
+  virtual std::uint64_t stamp() const = 0;
+
+  std::uint32_t checkedPosition(Deviant const& aDeviant, int aIndex, std::uint32_t aLimit) const;
+  /// Position of an iterator of this sequence; raises for others.
+  std::uint32_t positionOf(Kelm::Generic::IteratorIntf const* aIterator) const;
+  Kelm::Generic::IteratorPtr iteratorAt(std::uint32_t aPosition) const;
+  /// Adds the value unless it is there; answers where it stands.
+  std::uint32_t add(Deviant const& aDeviant, std::uint32_t aPosition, Kelm::Generic::Ref const& aValue);
+  void checkChange(Deviant const& aDeviant) const;
+
+  Element& fElement;
+  Feature const& fFeature;
+};
+
+/// The element that a value of a sequence names, or null for anything else.
+Element* elementOf(Kelm::Generic::Ref const& aValue);
+Element* elementOf(Kelm::ImmutableObject const& aObject);
+
+}  // namespace umlmm::engine

@@ -1,0 +1,130 @@
+#include "engine/ValueSequence.h"
+
+#include <memory>
+#include <vector>
+
+#include "kelm/kernel/containers/sequence/SequenceCreator.h"
+#include "uml_metamodel/umlmm/Boolean.h"
+#include "uml_metamodel/umlmm/String.h"
+
+namespace umlmm::engine {
+
+namespace {
+
+using Kelm::Generic::Ref;
+using Kelm::Generic::SequenceIntf;
+using Proxy = Kelm::GenericReferenceCountingSequenceProxy;
+
+class ValueSequence final : public Proxy {
+  using Ref = Kelm::Generic::Ref;
+  using IteratorIntf = Kelm::Generic::IteratorIntf;
+  using IteratorPtr = Kelm::Generic::IteratorPtr;
+
+ public:
+  ValueSequence(Element& aElement, Feature const& aRoot, SequenceIntf* aValues) noexcept
+      : Proxy(aValues), fElement(aElement), fRoot(aRoot) {}
+
+  int incRef() const override { return fElement.incRef(); }
+  int decRef() const override { return fElement.decRef(); }
+  int numRef() const override { return fElement.numRef(); }
+
+  void generic_clear(Deviant const& aDeviant) override {
+    change(aDeviant);
+    Proxy::generic_clear(aDeviant);
+  }
+  void generic_insert(Deviant const& aDeviant, int aIndex, Ref aValue) override {
+    if (change(aDeviant, aValue)) Proxy::generic_insert(aDeviant, aIndex, std::move(aValue));
+  }
+  IteratorPtr generic_insert(Deviant const& aDeviant, IteratorIntf const* aPosition, Ref aValue) override {
+    if (change(aDeviant, aValue)) return Proxy::generic_insert(aDeviant, aPosition, std::move(aValue));
+    return find(aDeviant, aValue);
+  }
+  IteratorPtr generic_erase(Deviant const& aDeviant, IteratorIntf const* aPosition) override {
+    change(aDeviant);
+    return Proxy::generic_erase(aDeviant, aPosition);
+  }
+  IteratorPtr generic_erase(Deviant const& aDeviant, IteratorIntf const* aFirst,
+                            IteratorIntf const* aLast) override {
+    change(aDeviant);
+    return Proxy::generic_erase(aDeviant, aFirst, aLast);
+  }
+  void generic_erase(Deviant const& aDeviant, int aIndex) override {
+    change(aDeviant);
+    Proxy::generic_erase(aDeviant, aIndex);
+  }
+  void generic_pop_back(Deviant const& aDeviant) override {
+    change(aDeviant);
+    Proxy::generic_pop_back(aDeviant);
+  }
+  void generic_pop_front(Deviant const& aDeviant) override {
+    change(aDeviant);
+    Proxy::generic_pop_front(aDeviant);
+  }
+  void generic_push_back(Deviant const& aDeviant, Ref aValue) override {
+    if (change(aDeviant, aValue)) Proxy::generic_push_back(aDeviant, std::move(aValue));
+  }
+  void generic_push_front(Deviant const& aDeviant, Ref aValue) override {
+    if (change(aDeviant, aValue)) Proxy::generic_push_front(aDeviant, std::move(aValue));
+  }
+  void generic_replace(Deviant const& aDeviant, int aIndex, Ref aValue) override {
+    if (change(aDeviant, aValue)) Proxy::generic_replace(aDeviant, aIndex, std::move(aValue));
+  }
+  int generic_removeAll(Deviant const& aDeviant, Ref aValue) override {
+    change(aDeviant);
+    return Proxy::generic_removeAll(aDeviant, std::move(aValue));
+  }
+
+ private:
+  void change(Deviant const& aDeviant) const {
+    checkWritable(fElement, aDeviant);
+    fElement.fModel->noteChange();
+  }
+  /// Whether the value may come in: a unique feature refuses what it holds, silently.
+  bool change(Deviant const& aDeviant, Ref const& aValue) const {
+    change(aDeviant);
+    return !fRoot.fUnique || !generic_contains(aDeviant, aValue);
+  }
+  IteratorPtr find(Deviant const& aDeviant, Ref const& aValue) const {
+    IteratorPtr iterator = generic_begin(aDeviant);
+    while (!aValue.fEquals(iterator->current(aDeviant).fHolder, aValue.fHolder)) iterator->next(aDeviant);
+    return iterator;
+  }
+
+  Element& fElement;
+  Feature const& fRoot;
+};
+
+template <class T>
+SequenceIntf* makeValues() {
+  return Kelm::SequenceCreator::create<T>({Deviant(), Kelm::STD_VECTOR, false, false}).get();
+}
+
+}  // namespace
+
+SequenceIntf& valueSequence(Element& aElement, Feature const& aRoot) {
+  auto*& slot = pointerSlot<SequenceIntf>(aElement, indexOf(aRoot));
+  if (slot == nullptr) {
+    std::unique_ptr<SequenceIntf> values(aRoot.fValueType == ValueType::String ? makeValues<String>()
+                                                                                : makeValues<Boolean>());
+    slot = new ValueSequence(aElement, aRoot, values.get());
+    static_cast<void>(values.release());
+  }
+  return *slot;
+}
+
+void assignValues(Element& aElement, Feature const& aRoot, Deviant const& aDeviant, SequenceIntf const* aValues,
+                  Deviant const& aValuesDeviant) {
+  checkWritable(aElement, aDeviant);
+  SequenceIntf& own = valueSequence(aElement, aRoot);
+  if (aValues == &own) return;
+  std::vector<Ref> values;
+  if (aValues != nullptr) {
+    values.resize(static_cast<std::size_t>(aValues->generic_size(aValuesDeviant)));
+    std::uint64_t stamp = 0;
+    aValues->readBlock(aValuesDeviant, 0, static_cast<int>(values.size()), values.data(), stamp);
+  }
+  own.generic_clear(aDeviant);
+  for (Ref& value : values) own.generic_push_back(aDeviant, std::move(value));
+}
+
+}  // namespace umlmm::engine

@@ -1,0 +1,253 @@
+#include "engine/access.h"
+
+#include <cstring>
+
+#include "engine/FeatureSequence.h"
+#include "engine/ValueSequence.h"
+#include "engine/computed.h"
+#include "engine/enumerations.h"
+#include "engine/failures.h"
+#include "engine/links.h"
+#include "kelm/kernel/containers/sequence/Ref.h"
+#include "kelm/values.h"
+
+namespace umlmm::engine {
+
+namespace {
+
+using Kelm::Object;
+using Kelm::PrimitiveKind;
+using Kelm::StringObject;
+
+PrimitiveKind primitiveKind(Feature const& aFeature) noexcept {
+  switch (aFeature.fValueType) {
+    case ValueType::Boolean:
+      return PrimitiveKind::Boolean;
+    case ValueType::Integer:
+      return PrimitiveKind::Integer;
+    default:
+      return PrimitiveKind::UnlimitedNatural;
+  }
+}
+
+Object readText(Element const& aElement, Feature const& aRoot) {
+  auto const* text = pointerSlot<StringObject>(aElement, indexOf(aRoot));
+  if (text == nullptr && aRoot.fLower > 0) text = StringObject::empty();
+  return Object(text, Deviant());
+}
+
+void writeText(Element& aElement, Feature const& aRoot, StringObject const* aText) {
+  auto*& slot = pointerSlot<StringObject>(aElement, indexOf(aRoot));
+  if (aText != nullptr) aText->incRef();
+  if (slot != nullptr) slot->decRef();
+  slot = const_cast<StringObject*>(aText);
+}
+
+/// A Boolean or enumeration with its presence bit, if it has one.
+struct FlagLayout {
+  unsigned fWidth;
+  bool fHasPresence;
+
+  explicit FlagLayout(Feature const& aRoot) noexcept
+      : fWidth(aRoot.fStorage == Storage::Enumeration ? kEnumerationBits : 1),
+        fHasPresence(aRoot.fStorage == Storage::Enumeration || aRoot.isOptional()) {}
+  unsigned width() const noexcept { return fWidth + (fHasPresence ? 1 : 0); }
+  std::uint32_t value(std::uint32_t aBits) const noexcept { return aBits & ((1U << fWidth) - 1); }
+  bool isPresent(std::uint32_t aBits) const noexcept { return !fHasPresence || (aBits >> fWidth) != 0; }
+  std::uint32_t bits(std::uint32_t aValue) const noexcept {
+    return aValue | (fHasPresence ? 1U << fWidth : 0);
+  }
+};
+
+Object readFlag(Element const& aElement, Feature const& aRoot) {
+  FlagLayout const layout(aRoot);
+  std::uint32_t const bits = flagBits(aElement, indexOf(aRoot), layout.width());
+  if (!layout.isPresent(bits)) return Object();
+  if (aRoot.fStorage == Storage::Flag) return Kelm::makePrimitive(PrimitiveKind::Boolean, layout.value(bits));
+  return Object(enumeration(aRoot.fType).object(static_cast<int>(layout.value(bits))), Deviant());
+}
+
+std::uint32_t bitsOf(Feature const& aFeature, Object const& aValue) {
+  if (aFeature.fStorage == Storage::Enumeration) {
+    int const number = Kelm::literalNumber(aValue, enumeration(aFeature.fType));
+    if (number < 0 || number >= static_cast<int>(enumeration(aFeature.fType).literals().size()))
+      failures::raiseNotAValue(aFeature);
+    return static_cast<std::uint32_t>(number);
+  }
+  if (!Kelm::isPrimitive(aValue, primitiveKind(aFeature))) failures::raiseNotAValue(aFeature);
+  return aValue.getDeviant().value();
+}
+
+void writeFlag(Element& aElement, Feature const& aRoot, std::uint32_t aValue) {
+  FlagLayout const layout(aRoot);
+  setFlagBits(aElement, indexOf(aRoot), layout.width(), layout.bits(aValue));
+}
+
+/// The bits of a fresh element.
+void resetFlag(Element& aElement, Feature const& aRoot) {
+  FlagLayout const layout(aRoot);
+  unsigned const position = slotOf(aElement, indexOf(aRoot));
+  bool const required = seenOn(aElement, aRoot).fLower > 0;
+  std::uint32_t const fresh = aElement.fClass->fDefaultFlags >> position & ((1U << layout.width()) - 1);
+  setFlagBits(aElement, indexOf(aRoot), layout.width(), required ? fresh : 0);
+}
+
+Element& referenceIn(Feature const& aFeature, Object const& aValue) {
+  Element* const element = elementOf(aValue);
+  if (element == nullptr) failures::raiseNotAValue(aFeature);
+  return *element;
+}
+
+void writeReference(Element& aElement, Feature const& aFeature, Object const& aValue) {
+  Feature const& root = feature(aFeature.fRoot);
+  Element& value = referenceIn(aFeature, aValue);
+  if (holds(aElement, root, value)) return;
+  checkLink(aElement, root, value, single(aElement, root));
+  setReference(aElement, root, &value);
+}
+
+void checkMutable(Element const& aElement, Deviant const& aDeviant, Feature const& aFeature) {
+  checkWritable(aElement, aDeviant);
+  if (aFeature.fReadOnly) failures::raiseReadOnly(aFeature);
+}
+
+}  // namespace
+
+void setReference(Element& aElement, Feature const& aRoot, Element* aValue) {
+  // A many-valued slot that a redefinition has narrowed to one value is replaced as a whole.
+  Element* const old = single(aElement, aRoot);
+  if (old == aValue) return;
+  if (old != nullptr) unlink(aElement, aRoot, *old);
+  if (aValue != nullptr) link(aElement, aRoot, *aValue);
+}
+
+Object read(Element const& aElement, Deviant const& aDeviant, Feature const& aFeature) {
+  checkReadable(aElement, aDeviant);
+  Feature const& root = feature(aFeature.fRoot);
+  switch (root.fStorage) {
+    case Storage::String:
+      return readText(aElement, root);
+    case Storage::Flag:
+    case Storage::Enumeration:
+      return readFlag(aElement, root);
+    case Storage::Integer:
+      return Kelm::makePrimitive(primitiveKind(root), integerSlot(const_cast<Element&>(aElement), indexOf(root)));
+    case Storage::Reference:
+    case Storage::Container:
+      return Object(single(aElement, root), aDeviant);
+    case Storage::List:
+      return aFeature.isMany() ? Object() : Object(single(aElement, root), aDeviant);
+    case Storage::PrimitiveList:
+      return Object();
+    case Storage::Computed:
+      return aFeature.isMany() ? Object() : computeValue(aElement, aDeviant, aFeature);
+  }
+  return Object();
+}
+
+bool isSet(Element const& aElement, Deviant const& aDeviant, Feature const& aFeature) {
+  checkReadable(aElement, aDeviant);
+  Feature const& root = feature(aFeature.fRoot);
+  switch (root.fStorage) {
+    case Storage::String:
+      return root.fLower > 0 || pointerSlot<StringObject>(aElement, indexOf(root)) != nullptr;
+    case Storage::List:
+      return countOf(aElement, root) != 0;
+    case Storage::PrimitiveList: {
+      auto const* const values = pointerSlot<Kelm::Generic::SequenceIntf>(aElement, indexOf(root));
+      return values != nullptr && !values->generic_empty(aDeviant);
+    }
+    case Storage::Computed:
+      if (aFeature.isMany()) return !valuesOf(aElement, aFeature).empty();
+      [[fallthrough]];
+    default:
+      return !read(aElement, aDeviant, aFeature).isNull();
+  }
+}
+
+void write(Element& aElement, Deviant const& aDeviant, Feature const& aFeature, Object const& aValue) {
+  checkMutable(aElement, aDeviant, aFeature);
+  if (aValue.isNull()) return unset(aElement, aDeviant, aFeature);
+  if (aFeature.isMany()) failures::raiseManyExpected(aFeature);
+  Feature const& root = feature(aFeature.fRoot);
+  switch (root.fStorage) {
+    case Storage::String: {
+      StringObject const* const text = Kelm::asString(aValue);
+      if (text == nullptr) failures::raiseNotAValue(aFeature);
+      writeText(aElement, root, text);
+      break;
+    }
+    case Storage::Flag:
+    case Storage::Enumeration:
+      writeFlag(aElement, root, bitsOf(root, aValue));
+      break;
+    case Storage::Integer:
+      integerSlot(aElement, indexOf(root)) = bitsOf(root, aValue);
+      break;
+    case Storage::Computed:
+      if (aFeature.isReference()) checkComputed(aElement, aFeature, referenceIn(aFeature, aValue));
+      setComputed(aElement, aDeviant, aFeature, aValue);
+      break;
+    default:
+      return writeReference(aElement, aFeature, aValue);
+  }
+  aElement.fModel->noteChange();
+}
+
+void unset(Element& aElement, Deviant const& aDeviant, Feature const& aFeature) {
+  checkMutable(aElement, aDeviant, aFeature);
+  Feature const& root = feature(aFeature.fRoot);
+  switch (root.fStorage) {
+    case Storage::String:
+      writeText(aElement, root, nullptr);
+      break;
+    case Storage::Flag:
+    case Storage::Enumeration:
+      resetFlag(aElement, root);
+      break;
+    case Storage::Integer:
+      integerSlot(aElement, indexOf(root)) = 0;
+      break;
+    case Storage::Reference:
+    case Storage::Container:
+      return setReference(aElement, root, nullptr);
+    case Storage::PrimitiveList:
+    case Storage::List:
+      return assign(aElement, aDeviant, aFeature, nullptr, Deviant());
+    case Storage::Computed:
+      if (aFeature.isMany()) return assign(aElement, aDeviant, aFeature, nullptr, Deviant());
+      setComputed(aElement, aDeviant, aFeature, Object());
+      break;
+  }
+  aElement.fModel->noteChange();
+}
+
+Kelm::Generic::SequenceIntf* sequence(Element const& aElement, Deviant const& aDeviant, Feature const& aFeature) {
+  checkReadable(aElement, aDeviant);
+  if (!aFeature.isMany()) failures::raiseSingleExpected(aFeature);
+  auto& element = const_cast<Element&>(aElement);
+  if (aFeature.fStorage == Storage::PrimitiveList) return &valueSequence(element, feature(aFeature.fRoot));
+  return &FeatureSequence::of(element, aFeature);
+}
+
+void assign(Element& aElement, Deviant const& aDeviant, Feature const& aFeature,
+            Kelm::Generic::SequenceIntf const* aValues, Deviant const& aValuesDeviant) {
+  checkMutable(aElement, aDeviant, aFeature);
+  if (aFeature.fStorage == Storage::PrimitiveList)
+    return assignValues(aElement, feature(aFeature.fRoot), aDeviant, aValues, aValuesDeviant);
+  FeatureSequence& own = FeatureSequence::of(aElement, aFeature);
+  if (aValues == &own) return;
+  std::vector<Element*> values;
+  if (aValues != nullptr) {
+    std::vector<Kelm::Generic::Ref> given(static_cast<std::size_t>(aValues->generic_size(aValuesDeviant)));
+    std::uint64_t stamp = 0;
+    aValues->readBlock(aValuesDeviant, 0, static_cast<int>(given.size()), given.data(), stamp);
+    for (auto const& value : given) {
+      values.push_back(elementOf(value));
+      if (values.back() == nullptr) failures::raiseNotAValue(aFeature);
+    }
+  }
+  own.assign(aDeviant, values);
+}
+
+}  // namespace umlmm::engine

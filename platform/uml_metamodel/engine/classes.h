@@ -1,0 +1,35 @@
+#pragma once
+
+#include <span>
+
+#include "engine/slots.h"
+
+/// The class tables of the concrete metaclasses, and what the engine derives for each from its layout.
+namespace umlmm::engine {
+
+/// How to make an element of one concrete metaclass; see elements.h.
+struct ElementClass {
+  /// Constructs an element in the memory and answers its kernel part.
+  Element* (*fConstruct)(void* aMemory);
+  std::size_t fSize;
+  /// Fills `aOffsets`, by tag: bytes from the kernel part to each interface.
+  void (*fOffsets)(Element& aElement, std::int16_t* aOffsets);
+};
+
+/// By position in kLayouts; defined from the catalogue.
+extern ElementClass const kElementClasses[kConcreteCount];
+
+/// The table of a concrete metaclass; null for an abstract one.
+Kelm::ClassTable const* classTable(int aMetaclass);
+/// Ends the element; the memory stays.
+inline void destruct(Element* aElement) noexcept {
+  static_cast<Kelm::ReferenceCountingIntf*>(aElement)->~ReferenceCountingIntf();
+}
+Layout const& layoutOf(Element const& aElement) noexcept;
+
+/// Root features with a reference or list slot on the element's metaclass.
+std::span<FeatureIndex const> storedReferences(Element const& aElement) noexcept;
+/// The topmost stored containments among them, in the order of the meta-property list.
+std::span<FeatureIndex const> containments(Element const& aElement) noexcept;
+
+}  // namespace umlmm::engine

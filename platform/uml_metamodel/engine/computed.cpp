@@ -1,0 +1,110 @@
+#include "engine/computed.h"
+
+#include <algorithm>
+#include <unordered_set>
+
+#include "engine/FeatureSequence.h"
+#include "engine/failures.h"
+#include "engine/links.h"
+
+namespace umlmm::engine {
+
+namespace {
+
+Union const* unionOn(Element const& aElement, FeatureIndex aFeature) noexcept {
+  for (Union const& candidate : kMetaclasses[metaclassOf(aElement)].fUnions)
+    if (candidate.fFeature == aFeature) return &candidate;
+  return nullptr;
+}
+
+/// Drops repeats from `aStart` on, the first of each kept.
+void dropRepeats(std::vector<Element*>& aValues, std::size_t aStart) {
+  constexpr std::ptrdiff_t kShort = 16;
+  auto const first = aValues.begin() + static_cast<std::ptrdiff_t>(aStart);
+  auto keep = first;
+  if (aValues.end() - first <= kShort) {
+    for (auto next = first; next != aValues.end(); ++next)
+      if (std::find(first, keep, *next) == keep) *keep++ = *next;
+  } else {
+    std::unordered_set<Element*> seen;
+    seen.reserve(static_cast<std::size_t>(aValues.end() - first));
+    for (auto next = first; next != aValues.end(); ++next)
+      if (seen.insert(*next).second) *keep++ = *next;
+  }
+  aValues.erase(keep, aValues.end());
+}
+
+void unionValues(Element const& aElement, Feature const& aFeature, std::vector<Element*>& aOut) {
+  Union const* const own = unionOn(aElement, indexOf(aFeature));
+  if (own == nullptr) return;
+  std::size_t const start = aOut.size();
+  std::size_t contributors = 0;
+  for (FeatureIndex const member : own->fMembers) {
+    std::size_t const before = aOut.size();
+    valuesOf(aElement, feature(member), aOut);
+    if (aOut.size() != before) ++contributors;
+  }
+  // The parts of an element are held by one containment each, so only other unions can repeat a value.
+  if (contributors > 1 && !aFeature.fComposite) dropRepeats(aOut, start);
+}
+
+Rule const& ruleOf(Feature const& aFeature) noexcept { return *kRules[indexOf(aFeature)]; }
+bool hasRule(Feature const& aFeature) noexcept { return kRules[indexOf(aFeature)] != nullptr; }
+
+}  // namespace
+
+void computeValues(Element const& aElement, Feature const& aFeature, std::vector<Element*>& aOut) {
+  if (!hasRule(aFeature)) return unionValues(aElement, aFeature, aOut);
+  Rule const& rule = ruleOf(aFeature);
+  if (rule.fValues != nullptr) return rule.fValues(aElement, aOut);
+  if (Element* const value = elementOf(rule.fValue(aElement, aElement.fModel->baseDeviant())))
+    aOut.push_back(value);
+}
+
+Kelm::Object computeValue(Element const& aElement, Deviant const& aDeviant, Feature const& aFeature) {
+  if (hasRule(aFeature)) return ruleOf(aFeature).fValue(aElement, aDeviant);
+  std::vector<Element*> values;
+  unionValues(aElement, aFeature, values);
+  return values.empty() ? Kelm::Object() : Kelm::Object(values.front(), aDeviant);
+}
+
+void setComputed(Element& aElement, Deviant const& aDeviant, Feature const& aFeature, Kelm::Object const& aValue) {
+  ruleOf(aFeature).fSet(aElement, aDeviant, aValue);
+}
+
+void checkComputed(Element const& aElement, Feature const& aFeature, Element const& aValue) {
+  if (aValue.fModel != aElement.fModel) failures::raiseOtherModel(aFeature);
+  if (!isA(aValue, aFeature.fType)) failures::raiseWrongType(aFeature, aValue);
+  // A filtered view of a containment takes what the containment takes.
+  if (aFeature.fComposite && aFeature.fContainment != kNoFeature)
+    checkLink(aElement, feature(aFeature.fContainment), aValue);
+}
+
+void insertComputed(Element& aElement, Feature const& aFeature, Element& aValue, Element* aBefore) {
+  ruleOf(aFeature).fInsert(aElement, aValue, aBefore);
+  aElement.fModel->noteChange();
+}
+
+void eraseComputed(Element& aElement, Feature const& aFeature, Element& aValue) {
+  ruleOf(aFeature).fErase(aElement, aValue);
+  aElement.fModel->noteChange();
+}
+
+void assignComputed(Element& aElement, Feature const& aFeature, std::vector<Element*> const& aValues) {
+  std::vector<Element*> const old = valuesOf(aElement, aFeature);
+  std::unordered_set<Element*> const held(old.begin(), old.end());
+  for (Element* const value : aValues)
+    if (!held.contains(value)) checkComputed(aElement, aFeature, *value);
+  std::unordered_set<Element*> const staying(aValues.begin(), aValues.end());
+  for (Element* const value : old)
+    if (!staying.contains(value)) eraseComputed(aElement, aFeature, *value);
+  for (Element* const value : aValues)
+    if (!held.contains(value)) insertComputed(aElement, aFeature, *value, nullptr);
+}
+
+void valuesOf(Element const& aElement, Feature const& aFeature, std::vector<Element*>& aOut) {
+  if (aFeature.fStorage == Storage::Computed) return computeValues(aElement, aFeature, aOut);
+  collect(aElement, feature(aFeature.fRoot), aOut);
+}
+
+}  // namespace umlmm::engine

@@ -1,0 +1,25 @@
+#pragma once
+
+#include "engine/slots.h"
+
+/// The life of elements.
+namespace umlmm::engine {
+
+/// What the kernel calls in the engine.
+extern Kelm::ElementEngine const kElementEngine;
+
+/// A new element with the defaults of its metaclass, at the top level of the model.
+Element& create(int aMetaclass, Kelm::ModelObject& aModel);
+
+/// Destroys the element with all that it owns, innermost first: no feature of any other element refers to one of
+/// them afterwards. Handles to them answer false to `isvalid`. Costs what is touched, after the first call in a model,
+/// which makes the index of references.
+void destroy(Element& aElement, Deviant const& aDeviant);
+
+/// Drops all elements of a model that is being closed.
+void dropAll(Kelm::ModelObject& aModel);
+
+/// Number of elements whose memory is in use, destroyed ones with handles included.
+std::size_t livingElements() noexcept;
+
+}  // namespace umlmm::engine

@@ -1,0 +1,154 @@
+#include "engine/kernel_features.h"
+
+#include <algorithm>
+#include <unordered_map>
+
+#include "engine/FeatureSequence.h"
+#include "engine/ModelIndex.h"
+#include "engine/classes.h"
+#include "engine/engine.h"
+#include "engine/failures.h"
+#include "engine/ids.h"
+#include "engine/links.h"
+#include "kelm/ElementQueries.h"
+#include "kelm/kernel/containers/sequence/SequenceCreator.h"
+#include "kelm/values.h"
+#include "reflection/meta.h"
+
+namespace umlmm::engine {
+
+namespace {
+
+using Kelm::NSInterface::ClassObjectIntf;
+using Sequence = Kelm::Generic::SequenceIntf;
+
+Element const& root(Element const& aElement) noexcept {
+  Element const* element = &aElement;
+  while (element->fContainer != nullptr) element = element->fContainer;
+  return *element;
+}
+
+/// "untitled1#//0/3/1": the model's uri and the way down from its top level, by position among the contents.
+std::u16string uriOf(Element const& aElement) {
+  std::vector<Element const*> way;
+  for (Element const* step = &aElement; step != nullptr; step = step->fContainer) way.push_back(step);
+  std::string path;
+  ElementList* const roots = aElement.fModel->roots();
+  path = std::to_string(roots->positionOf(way.back(), true));
+  std::vector<Element*> contents;
+  for (std::size_t at = way.size() - 1; at > 0; --at) {
+    contents.clear();
+    collectContents(*way[at], contents);
+    auto const found = std::find(contents.begin(), contents.end(), way[at - 1]);
+    path += "/" + std::to_string(found - contents.begin());
+  }
+  return std::u16string(aElement.fModel->getModelUri(aElement.fModel->baseDeviant()).text()) +
+         Kelm::toUtf16("#//" + path);
+}
+
+Kelm::Object textObject(std::u16string_view aText) {
+  Kelm::String const text{std::u16string(aText)};
+  return Kelm::Object(text.record(), Deviant());
+}
+
+/// A new counted sequence of elements.
+Sequence* snapshot(std::vector<Element*> const& aElements, Deviant const& aDeviant) {
+  auto const result =
+      Kelm::SequenceCreator::create<Kelm::Object>({aDeviant, Kelm::STD_VECTOR, false, true});
+  for (Element* const element : aElements) result.push_back(Kelm::Object(element, aDeviant));
+  result.get()->incRef();
+  return result.get();
+}
+
+std::vector<Element*> referrers(Element const& aElement) {
+  std::vector<Element*> found;
+  for (auto const& reference : ModelIndex::of(*aElement.fModel).referencesTo(aElement))
+    found.push_back(reference.fOwner);
+  for (FeatureIndex const index : storedReferences(aElement))
+    if (feature(index).fOpposite != kNoFeature && !ownsHints(feature(index))) {
+      Feature const& far = feature(feature(index).fOpposite);
+      if (far.fStorage != Storage::Container) collect(aElement, feature(index), found);
+    }
+  std::unordered_map<Element*, bool> seen;
+  std::erase_if(found, [&](Element* const element) { return !seen.emplace(element, true).second; });
+  return found;
+}
+
+/// Texts of other tools about elements, beside the model: few elements have them.
+struct ToolTexts final {
+  std::unordered_map<Element const*, Kelm::String> fTexts[2];
+};
+
+ToolTexts& toolTexts() {
+  static auto& texts = *new ToolTexts();
+  return texts;
+}
+
+std::size_t toolPlace(unsigned aId) noexcept { return aId == ClassObjectIntf::ExternalId ? 0 : 1; }
+
+}  // namespace
+
+void forgetToolTexts(Element const& aElement) noexcept {
+  for (auto& texts : toolTexts().fTexts) texts.erase(&aElement);
+}
+
+Kelm::Object kernelEntry(Element const* aElement, Deviant const& aDeviant, unsigned aId) {
+  checkReadable(*aElement, aDeviant);
+  switch (aId) {
+    case ClassObjectIntf::ModelKelm:
+      return Kelm::Object(aElement->fModel, aDeviant);
+    case ClassObjectIntf::ContainerKelm:
+      return Kelm::Object(aElement->fContainer, aDeviant);
+    case ClassObjectIntf::RootModel:
+      return Kelm::Object(&root(*aElement), aDeviant);
+    case ClassObjectIntf::Uri:
+      return textObject(uriOf(*aElement));
+    case ClassObjectIntf::ExternalId:
+    case ClassObjectIntf::ExternalToolInfo: {
+      auto const& texts = toolTexts().fTexts[toolPlace(aId)];
+      auto const found = texts.find(aElement);
+      return found == texts.end() ? Kelm::Object() : Kelm::Object(found->second.record(), Deviant());
+    }
+    default:
+      return Kelm::Object();
+  }
+}
+
+void setKernelEntry(Element* aElement, Deviant const& aDeviant, unsigned aId, Kelm::Object const& aValue) {
+  checkWritable(*aElement, aDeviant);
+  if (aId != ClassObjectIntf::ExternalId && aId != ClassObjectIntf::ExternalToolInfo)
+    failures::raise("Only externalId and externalToolInfo of the kernel's features can be set");
+  auto& texts = toolTexts().fTexts[toolPlace(aId)];
+  if (aValue.isNull()) {
+    texts.erase(aElement);
+    return;
+  }
+  Kelm::StringObject const* const text = Kelm::asString(aValue);
+  if (text == nullptr) kelm::Error_IncorrectType("String");
+  texts[aElement] = Kelm::String(text);
+  aElement->fMarks |= Element::HasToolTexts;
+}
+
+Sequence* kernelSequence(Element const* aElement, Deviant const& aDeviant, unsigned aId) {
+  checkReadable(*aElement, aDeviant);
+  if (aId == ClassObjectIntf::ContaineeKelm)
+    return &FeatureSequence::of(const_cast<Element&>(*aElement), feature(ids::Element::OwnedElement));
+  return nullptr;
+}
+
+void installQueries() {
+  Kelm::ElementQueries queries;
+  queries.instancesOf = [](Kelm::ModelObject& aModel, Deviant const& aDeviant,
+                           Kelm::NSInterface::ClassIntf const& aClass) {
+    int const metaclass = reflection::metaclassIndex(aClass);
+    return snapshot(metaclass < 0 ? std::vector<Element*>() : ModelIndex::of(aModel).instancesOf(metaclass), aDeviant);
+  };
+  queries.referencedBy = [](Element const& aElement, Deviant const& aDeviant) {
+    checkReadable(aElement, aDeviant);
+    return snapshot(referrers(aElement), aDeviant);
+  };
+  Kelm::setElementQueries(queries);
+  Kelm::dropElements = dropAll;
+}
+
+}  // namespace umlmm::engine

@@ -1,0 +1,218 @@
+#include "engine/links.h"
+
+#include "engine/ModelIndex.h"
+#include "engine/failures.h"
+
+namespace umlmm::engine {
+
+namespace {
+
+/// Where a container view leads: the stored containment that holds the element.
+bool isView(Feature const& aRoot) noexcept { return aRoot.fStorage == Storage::Container; }
+
+bool isOwnersFeature(Element const& aElement, Element const& aOwner, Feature const& aContainment) noexcept {
+  return aElement.fContainer == &aOwner && aElement.fContainerFeature == indexOf(aContainment);
+}
+
+/// Puts the value into the owner's slot, and the owner into the container fields of a part.
+void store(Element& aOwner, Feature const& aRoot, Element& aValue, std::uint32_t aPosition) {
+  bool const owning = ownsHints(aRoot);
+  if (owning) {
+    if (aValue.fContainer != nullptr)
+      leaveContainer(aValue);
+    // Room first: between leaving the model and entering the list nothing may fail.
+    if (aRoot.fStorage == Storage::List) ElementList::reserveOne(pointerSlot<ElementList>(aOwner, indexOf(aRoot)));
+    aValue.fModel->removeRoot(&aValue);
+  }
+  if (aRoot.fStorage == Storage::List) {
+    auto& list = pointerSlot<ElementList>(aOwner, indexOf(aRoot));
+    if (aPosition >= ElementList::size(list))
+      ElementList::append(list, &aValue, owning);
+    else
+      ElementList::insert(list, aPosition, &aValue, owning);
+  } else {
+    pointerSlot<Element>(aOwner, indexOf(aRoot)) = &aValue;
+  }
+  if (owning) {
+    aValue.fContainer = &aOwner;
+    aValue.fContainerFeature = indexOf(aRoot);
+    aOwner.fMarks |= Element::HasContents;
+  } else if (aRoot.fOpposite == kNoFeature) {
+    ModelIndex::noteReference(aOwner, aRoot, aValue);
+  }
+  aOwner.fModel->noteChange();
+}
+
+/// Takes the value out of the owner's slot; a part goes to its model's top level.
+void drop(Element& aOwner, Feature const& aRoot, Element& aValue) {
+  bool const owning = ownsHints(aRoot);
+  if (aRoot.fStorage == Storage::List)
+    pointerSlot<ElementList>(aOwner, indexOf(aRoot))->erase(&aValue, owning);
+  else
+    pointerSlot<Element>(aOwner, indexOf(aRoot)) = nullptr;
+  if (owning) {
+    aValue.fContainer = nullptr;
+    aValue.fModel->addRoot(&aValue);
+  } else if (aRoot.fOpposite == kNoFeature) {
+    ModelIndex::forgetReference(aOwner, aRoot, aValue);
+  }
+  aOwner.fModel->noteChange();
+}
+
+/// The features that must hold the value as well, as far as the element has them.
+template <class Action>
+void forEachHere(Element const& aElement, std::span<FeatureIndex const> aFeatures, Action aAction) {
+  for (FeatureIndex const index : aFeatures) {
+    Feature const& other = feature(index);
+    if (isView(other) ? isA(aElement, other.fOwner) : hasSlot(aElement, index)) aAction(other);
+  }
+}
+
+/// A single-valued subset of the client or supplier of a dependency takes its old value out of the set, too.
+bool clearsSupersets(Feature const& aRoot) noexcept {
+  if (aRoot.fUpper != 1 || aRoot.fSupersets.empty()) return false;
+  Feature const& wide = feature(aRoot.fSupersets.front());
+  return wide.fStorage == Storage::List && !wide.fComposite;
+}
+
+/// What the far end of a root feature is on the value's side: the opposite of the row that the owner sees.
+Feature const* farEnd(Element const& aOwner, Feature const& aRoot) noexcept {
+  FeatureIndex const opposite = seenOn(aOwner, aRoot).fOpposite;
+  return opposite == kNoFeature ? nullptr : &feature(opposite);
+}
+
+void linkSupersets(Element& aElement, Feature const& aFeature, Element& aValue) {
+  forEachHere(aElement, aFeature.fSupersets, [&](Feature const& aWide) { link(aElement, aWide, aValue); });
+}
+
+}  // namespace
+
+Element* containerThrough(Element const& aElement, Feature const& aView) noexcept {
+  Element* const container = aElement.fContainer;
+  if (container == nullptr || aElement.fContainerFeature != aView.fContainment) return nullptr;
+  return isA(*container, aView.fType) ? container : nullptr;
+}
+
+Element* single(Element const& aOwner, Feature const& aRoot) noexcept {
+  if (isView(aRoot)) return containerThrough(aOwner, aRoot);
+  if (aRoot.fStorage == Storage::Reference) return pointerSlot<Element>(aOwner, indexOf(aRoot));
+  auto* const list = pointerSlot<ElementList>(aOwner, indexOf(aRoot));
+  return ElementList::size(list) == 0 ? nullptr : list->at(0);
+}
+
+bool holds(Element const& aOwner, Feature const& aRoot, Element const& aValue) {
+  if (aRoot.fStorage != Storage::List) return single(aOwner, aRoot) == &aValue;
+  auto* const list = pointerSlot<ElementList>(aOwner, indexOf(aRoot));
+  if (ElementList::size(list) == 0) return false;
+  if (ownsHints(aRoot)) return isOwnersFeature(aValue, aOwner, aRoot);
+  // The value knows its side of a pair, which may be the shorter one.
+  if (aRoot.fOpposite != kNoFeature) {
+    Feature const& far = feature(aRoot.fOpposite);
+    if (!isA(aValue, far.fOwner)) return false;
+    if (far.fStorage != Storage::List) return single(aValue, far) == &aOwner;
+    auto* const back = pointerSlot<ElementList>(aValue, aRoot.fOpposite);
+    if (ElementList::size(back) < ElementList::size(list))
+      return back != nullptr && back->contains(&aOwner, false);
+  }
+  return list->contains(&aValue, false);
+}
+
+std::uint32_t countOf(Element const& aOwner, Feature const& aRoot) noexcept {
+  if (aRoot.fStorage == Storage::List) return ElementList::size(pointerSlot<ElementList>(aOwner, indexOf(aRoot)));
+  return single(aOwner, aRoot) != nullptr ? 1 : 0;
+}
+
+void collect(Element const& aOwner, Feature const& aRoot, std::vector<Element*>& aOut) {
+  if (aRoot.fStorage != Storage::List) {
+    if (Element* const value = single(aOwner, aRoot)) aOut.push_back(value);
+    return;
+  }
+  if (auto* const list = pointerSlot<ElementList>(aOwner, indexOf(aRoot)))
+    for (Element* const value : *list)
+      if (value != nullptr) aOut.push_back(value);
+}
+
+void checkLink(Element const& aOwner, Feature const& aRoot, Element const& aValue, Element const* aReplaced) {
+  Feature const& seen = seenOn(aOwner, aRoot);
+  if (aValue.fModel != aOwner.fModel) failures::raiseOtherModel(seen);
+  if (!isA(aValue, seen.fType)) failures::raiseWrongType(seen, aValue);
+  if (seen.fUpper == 1 && aRoot.fStorage == Storage::List) {
+    Element const* const held = single(aOwner, aRoot);
+    if (held != nullptr && held != &aValue && held != aReplaced) failures::raiseNoRoom(seen);
+  }
+  bool const contains = aRoot.isContainment();
+  Element const& inner = contains ? aValue : aOwner;
+  Element const& outer = contains ? aOwner : aValue;
+  if ((contains || isView(aRoot)) && (inner.fMarks & Element::HasContents || &inner == &outer)) {
+    for (Element const* step = &outer; step != nullptr; step = step->fContainer)
+      if (step == &inner) failures::raiseOwnsItself(seen, inner);
+  }
+  if (aRoot.fOpposite == kNoFeature) return;
+  Feature const& far = feature(aRoot.fOpposite);
+  Feature const& farSeen = seenOn(aValue, far);
+  if (&farSeen != &far) {
+    if (!isA(aOwner, farSeen.fType)) failures::raiseWrongType(farSeen, aOwner);
+    if (farSeen.fUpper == 1 && far.fStorage == Storage::List) {
+      Element const* const held = single(aValue, far);
+      if (held != nullptr && held != &aOwner) failures::raiseNoRoom(farSeen);
+    }
+  }
+}
+
+void link(Element& aOwner, Feature const& aRoot, Element& aValue, std::uint32_t aPosition) {
+  if (isView(aRoot)) {
+    // The part's side of a containment: the container's list is what is stored.
+    Feature const& containment = feature(feature(aRoot.fOpposite).fStorage == Storage::Computed
+                                             ? aRoot.fContainment
+                                             : aRoot.fOpposite);
+    link(aValue, containment, aOwner);
+    return;
+  }
+  if (holds(aOwner, aRoot, aValue)) return;
+  // A stored subset of a containment: the part enters the whole first, which may take it from another owner.
+  linkSupersets(aOwner, aRoot, aValue);
+  Feature const* const far = farEnd(aOwner, aRoot);
+  if (aRoot.fStorage == Storage::Reference)
+    if (Element* const old = single(aOwner, aRoot)) unlink(aOwner, aRoot, *old);
+  if (far != nullptr && !isView(*far) && far->fUpper == 1)
+    if (Element* const partner = single(aValue, *far)) unlink(*partner, aRoot, aValue);
+  store(aOwner, aRoot, aValue, aPosition);
+  if (far == nullptr) return;
+  if (!isView(*far)) store(aValue, *far, aOwner, kAtEnd);
+  linkSupersets(aValue, *far, aOwner);
+}
+
+void unlink(Element& aOwner, Feature const& aRoot, Element& aValue) {
+  if (isView(aRoot)) {
+    if (containerThrough(aOwner, aRoot) == &aValue) leaveContainer(aOwner);
+    return;
+  }
+  if (!holds(aOwner, aRoot, aValue)) return;
+  Feature const* const far = farEnd(aOwner, aRoot);
+  forEachHere(aOwner, aRoot.fSubsets, [&](Feature const& aNarrow) {
+    if (holds(aOwner, aNarrow, aValue)) unlink(aOwner, aNarrow, aValue);
+  });
+  if (far != nullptr)
+    forEachHere(aValue, far->fSubsets, [&](Feature const& aNarrow) {
+      if (holds(aValue, aNarrow, aOwner)) unlink(aValue, aNarrow, aOwner);
+    });
+  if (!holds(aOwner, aRoot, aValue)) return;  // a subset's removal took it along
+  drop(aOwner, aRoot, aValue);
+  if (far != nullptr && !isView(*far)) drop(aValue, *far, aOwner);
+  if (clearsSupersets(aRoot))
+    forEachHere(aOwner, aRoot.fSupersets, [&](Feature const& aWide) { unlink(aOwner, aWide, aValue); });
+  if (far != nullptr && clearsSupersets(*far))
+    forEachHere(aValue, far->fSupersets, [&](Feature const& aWide) { unlink(aValue, aWide, aOwner); });
+}
+
+void leaveContainer(Element& aElement) {
+  if (aElement.fContainer != nullptr)
+    unlink(*aElement.fContainer, feature(aElement.fContainerFeature), aElement);
+}
+
+void moveValue(Element& aOwner, Feature const& aRoot, std::uint32_t aFrom, std::uint32_t aTo) {
+  pointerSlot<ElementList>(aOwner, indexOf(aRoot))->move(aFrom, aTo, ownsHints(aRoot));
+  aOwner.fModel->noteChange();
+}
+
+}  // namespace umlmm::engine

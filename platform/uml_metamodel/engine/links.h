@@ -1,0 +1,54 @@
+#pragma once
+
+#include <vector>
+
+#include "engine/slots.h"
+
+/// References between elements: stored slots, their far ends, subsets and the one container of an element, all
+/// driven by the table of features. Nothing here asks for writability: see write.h.
+namespace umlmm::engine {
+
+inline constexpr std::uint32_t kAtEnd = UINT32_MAX;
+
+/// The container if the containment that `aView` is the far end of holds the element, else null. `aView` may be a
+/// redefinition or a narrower view of it.
+Element* containerThrough(Element const& aElement, Feature const& aView) noexcept;
+
+/// Whether the stored feature or container view holds the value.
+bool holds(Element const& aOwner, Feature const& aRoot, Element const& aValue);
+
+/// Number of values of a stored or container feature.
+std::uint32_t countOf(Element const& aOwner, Feature const& aRoot) noexcept;
+
+/// Appends the values of a stored or container feature to `aOut`.
+void collect(Element const& aOwner, Feature const& aRoot, std::vector<Element*>& aOut);
+
+/// The single value of a stored or container feature, or null.
+Element* single(Element const& aOwner, Feature const& aRoot) noexcept;
+
+/// Raises, naming feature and value, when the feature of the owner can't take the value: another model, a type
+/// that does not conform, a cycle of ownership, no room in a feature that a redefinition has narrowed. `aReplaced`
+/// is a value that leaves the feature in the same change.
+void checkLink(Element const& aOwner, Feature const& aRoot, Element const& aValue,
+               Element const* aReplaced = nullptr);
+
+/// Makes the link with all that follows from it: the far end, the supersets at both ends, the value's old
+/// container, values that single ends held before. Nothing if the link stands. `aRoot` is a root feature that is
+/// stored or a container view; `aPosition` counts in the owner's list.
+void link(Element& aOwner, Feature const& aRoot, Element& aValue, std::uint32_t aPosition = kAtEnd);
+
+/// Takes the link away, also from the subsets at both ends. A part becomes a top-level element of its model.
+void unlink(Element& aOwner, Feature const& aRoot, Element& aValue);
+
+/// Takes the element out of its container; it becomes a top-level element.
+void leaveContainer(Element& aElement);
+
+/// Moves a value of a list to another position.
+void moveValue(Element& aOwner, Feature const& aRoot, std::uint32_t aFrom, std::uint32_t aTo);
+
+/// Whether the feature's list keeps its hints in its elements.
+inline bool ownsHints(Feature const& aRoot) noexcept {
+  return aRoot.fComposite && aRoot.fContainment == indexOf(aRoot);
+}
+
+}  // namespace umlmm::engine

@@ -1,0 +1,146 @@
+#include <algorithm>
+#include <unordered_map>
+#include <unordered_set>
+
+#include "engine/FeatureSequence.h"
+#include "engine/computed.h"
+#include "engine/failures.h"
+#include "engine/links.h"
+
+namespace umlmm::engine {
+
+namespace {
+
+/// The values without repetitions, the first of each kept.
+std::vector<Element*> withoutRepeats(std::vector<Element*> const& aValues) {
+  std::vector<Element*> kept;
+  std::unordered_set<Element*> seen;
+  for (Element* const value : aValues)
+    if (seen.insert(value).second) kept.push_back(value);
+  return kept;
+}
+
+/// A feature with a list of its own.
+class StoredSequence final : public FeatureSequence {
+ public:
+  StoredSequence(Element& aElement, Feature const& aFeature) noexcept
+      : FeatureSequence(aElement, aFeature), fRoot(feature(aFeature.fRoot)) {}
+
+  void assign(Deviant const&, std::vector<Element*> const& aValues) override {
+    std::vector<Element*> const wanted = withoutRepeats(aValues);
+    for (Element* const value : wanted) checkAssigned(*value, wanted.size());
+    std::unordered_set<Element*> const staying(wanted.begin(), wanted.end());
+    std::vector<Element*> old;
+    collect(fElement, fRoot, old);
+    for (Element* const value : old)
+      if (!staying.contains(value)) unlink(fElement, fRoot, *value);
+    for (Element* const value : wanted) link(fElement, fRoot, *value);
+    if (!wanted.empty()) {
+      list()->reorder(wanted, ownsHints(fRoot));
+      fElement.fModel->noteChange();
+    }
+  }
+
+ private:
+  void checkAssigned(Element const& aValue, std::size_t aCount) const {
+    // What is there now may give way, so the room is that of the new values.
+    Feature const& seen = seenOn(fElement, fRoot);
+    if (seen.fUpper > 0 && aCount > static_cast<std::size_t>(seen.fUpper)) failures::raiseNoRoom(seen);
+    if (!holds(fElement, fRoot, aValue))
+      checkLink(fElement, fRoot, aValue, seen.fUpper == 1 ? single(fElement, fRoot) : nullptr);
+  }
+
+  ElementList* list() const noexcept { return pointerSlot<ElementList>(fElement, indexOf(fRoot)); }
+  std::uint32_t size() const override { return ElementList::size(list()); }
+  Element* at(std::uint32_t aPosition) const override { return list()->at(aPosition); }
+  std::uint32_t find(Element const& aValue) const override {
+    return list() == nullptr ? kNowhere : list()->positionOf(&aValue, ownsHints(fRoot));
+  }
+  bool contains(Element const& aValue) const override { return holds(fElement, fRoot, aValue); }
+  void check(Element const& aValue, Element const* aReplaced) const override {
+    checkLink(fElement, fRoot, aValue, aReplaced);
+  }
+  void insert(std::uint32_t aPosition, Element& aValue) override {
+    link(fElement, fRoot, aValue, aPosition >= size() ? kAtEnd : aPosition);
+  }
+  void erase(Element& aValue) override { unlink(fElement, fRoot, aValue); }
+  std::uint64_t stamp() const override { return list() == nullptr ? 1 : list()->stamp() + std::uint64_t{1}; }
+
+  Feature const& fRoot;
+};
+
+/// A computed feature. Values are kept as long as the model does not change.
+class ComputedSequence final : public FeatureSequence {
+ public:
+  ComputedSequence(Element& aElement, Feature const& aFeature) noexcept : FeatureSequence(aElement, aFeature) {}
+
+  void assign(Deviant const& aDeviant, std::vector<Element*> const& aValues) override {
+    assignComputed(fElement, fFeature, withoutRepeats(aValues));
+    static_cast<void>(aDeviant);
+  }
+
+ private:
+  std::vector<Element*> const& values() const {
+    // A destroyed element has no model and no values; reads are refused before they come here.
+    std::uint64_t const revision = fElement.fModel == nullptr ? 0 : fElement.fModel->revision();
+    if (revision != fRevision) {
+      fValues.clear();
+      if (fElement.fModel != nullptr) computeValues(fElement, fFeature, fValues);
+      fRevision = revision;
+    }
+    return fValues;
+  }
+  std::uint32_t size() const override { return static_cast<std::uint32_t>(values().size()); }
+  Element* at(std::uint32_t aPosition) const override { return values()[aPosition]; }
+  std::uint32_t find(Element const& aValue) const override {
+    auto const& all = values();
+    auto const found = std::find(all.begin(), all.end(), &aValue);
+    return found == all.end() ? kNowhere : static_cast<std::uint32_t>(found - all.begin());
+  }
+  bool contains(Element const& aValue) const override { return find(aValue) != kNowhere; }
+  void check(Element const& aValue, Element const*) const override {
+    checkComputed(fElement, fFeature, aValue);
+  }
+  void insert(std::uint32_t aPosition, Element& aValue) override {
+    insertComputed(fElement, fFeature, aValue, aPosition < size() ? at(aPosition) : nullptr);
+  }
+  void erase(Element& aValue) override { eraseComputed(fElement, fFeature, aValue); }
+  std::uint64_t stamp() const override {
+    values();
+    return fRevision;
+  }
+
+  mutable std::vector<Element*> fValues;
+  mutable std::uint64_t fRevision = 0;
+};
+
+using ComputedSequences = std::unordered_map<Element const*, std::vector<std::unique_ptr<ComputedSequence>>>;
+
+/// Never destroyed: elements may outlive every static.
+ComputedSequences& computedSequences() {
+  static auto& all = *new ComputedSequences();
+  return all;
+}
+
+FeatureSequence& computedSequence(Element& aElement, Feature const& aFeature) {
+  auto& sequences = computedSequences()[&aElement];
+  for (auto const& sequence : sequences)
+    if (&sequence->shownFeature() == &aFeature) return *sequence;
+  sequences.push_back(std::make_unique<ComputedSequence>(aElement, aFeature));
+  aElement.fMarks |= Element::HasComputed;
+  return *sequences.back();
+}
+
+}  // namespace
+
+FeatureSequence& FeatureSequence::of(Element& aElement, Feature const& aFeature) {
+  if (aFeature.fStorage == Storage::Computed) return computedSequence(aElement, aFeature);
+  auto*& list = pointerSlot<ElementList>(aElement, aFeature.fRoot);
+  if (list == nullptr) ElementList::reserveOne(list);
+  if (list->fProxy == nullptr) list->fProxy = new StoredSequence(aElement, feature(aFeature.fRoot));
+  return static_cast<FeatureSequence&>(*list->fProxy);
+}
+
+void FeatureSequence::forget(Element const& aElement) noexcept { computedSequences().erase(&aElement); }
+
+}  // namespace umlmm::engine

@@ -1,0 +1,75 @@
+#pragma once
+
+#include "engine/Feature.h"
+#include "kelm/Generic.h"
+#include "kelm/ModelElementIntf.h"
+#include "kelm/String.h"
+
+/// The one place through which every slot of an element is read and written. Each access takes the deviant: here
+/// it is checked against the element's model, and here other ways of storing variants would come in.
+namespace umlmm::engine {
+
+using Element = Kelm::NSInterface::ModelElementIntf;
+using Kelm::Deviant;
+using Kelm::ElementList;
+
+/// Raises when the element does not exist in the variant.
+[[noreturn]] void raiseNotInVariant();
+inline void checkReadable(Element const& aElement, Deviant const& aDeviant) {
+  if (!aElement.existsIn(aDeviant)) [[unlikely]]
+    raiseNotInVariant();
+}
+/// The same for a change; also raises when the variant can't be written, unless such checks are off.
+inline void checkWritable(Element const& aElement, Deviant const& aDeviant) {
+  if (Kelm::DeviantAssertions::sAssertionsEnabled) aDeviant.internal_assertWritable(&aElement);
+  checkReadable(aElement, aDeviant);
+}
+
+inline std::uint8_t slotOf(Element const& aElement, FeatureIndex aRoot) noexcept {
+  return aElement.fClass->fSlotOfFeature[aRoot];
+}
+inline bool hasSlot(Element const& aElement, FeatureIndex aRoot) noexcept {
+  return slotOf(aElement, aRoot) != Kelm::ClassTable::kNoSlot;
+}
+
+/// The pointer word of a string, reference or list.
+template <class T>
+T*& pointerSlot(Element& aElement, FeatureIndex aRoot) noexcept {
+  return reinterpret_cast<T**>(aElement.slots())[slotOf(aElement, aRoot)];
+}
+template <class T>
+T* pointerSlot(Element const& aElement, FeatureIndex aRoot) noexcept {
+  return pointerSlot<T>(const_cast<Element&>(aElement), aRoot);
+}
+
+inline std::uint32_t& integerSlot(Element& aElement, FeatureIndex aRoot) noexcept {
+  return reinterpret_cast<std::uint32_t*>(aElement.slots())[slotOf(aElement, aRoot)];
+}
+
+/// `aWidth` bits of the flag word from the slot's position on.
+inline std::uint32_t flagBits(Element const& aElement, FeatureIndex aRoot, unsigned aWidth) noexcept {
+  return aElement.fFlags >> slotOf(aElement, aRoot) & ((1U << aWidth) - 1);
+}
+inline void setFlagBits(Element& aElement, FeatureIndex aRoot, unsigned aWidth, std::uint32_t aBits) noexcept {
+  unsigned const position = slotOf(aElement, aRoot);
+  std::uint32_t const mask = ((1U << aWidth) - 1) << position;
+  aElement.fFlags = (aElement.fFlags & ~mask) | (aBits << position & mask);
+}
+
+/// Bits of an enumeration's number; its presence bit follows.
+inline constexpr unsigned kEnumerationBits = 4;
+
+inline int metaclassOf(Element const& aElement) noexcept { return aElement.fClass->fMetaclass; }
+inline bool isA(Element const& aElement, int aMetaclass) noexcept {
+  return conforms(metaclassOf(aElement), aMetaclass);
+}
+
+/// What a root feature is on an element's metaclass: the most special redefinition of it there, or itself.
+inline Feature const& seenOn(Element const& aElement, Feature const& aRoot) noexcept {
+  Feature const* seen = &aRoot;
+  for (FeatureIndex const index : aRoot.fNarrowings)
+    if (isA(aElement, feature(index).fOwner)) seen = &feature(index);
+  return *seen;
+}
+
+}  // namespace umlmm::engine

@@ -1,0 +1,102 @@
+#include <algorithm>
+
+#include "kelm/kernel/containers/sequence/SequenceCreator.h"
+#include "models.h"
+
+class FeatureListTest : public ModelTest {
+ protected:
+  FeatureListTest() : fPackage(make<umlmm::Package>()), fList(fPackage.getPackagedElement()) {
+    for (char16_t const* name : {u"a", u"b", u"c", u"d"}) {
+      fClasses.push_back(named<umlmm::Class>(name));
+      fList.push_back(fClasses.back());
+    }
+  }
+
+  std::u16string order() const {
+    std::u16string names;
+    for (umlmm::PackageableElement const& value : fList.values()) names += value.getName().text();
+    return names;
+  }
+
+  umlmm::Package fPackage;
+  Kelm::Sequence<umlmm::PackageableElement> fList;
+  std::vector<umlmm::Class> fClasses;
+};
+
+TEST_F(FeatureListTest, KeepsTheOrderOfEveryKindOfChange) {
+  fList.insert(0, named<umlmm::Class>(u"x"));
+  fList.insert(5, named<umlmm::Class>(u"z"));
+  EXPECT_EQ(order(), u"xabcdz");
+  fList.erase(1);
+  fList.replace(1, named<umlmm::Class>(u"B"));
+  fList.pop_front();
+  fList.pop_back();
+  EXPECT_EQ(order(), u"Bcd");
+  EXPECT_EQ(fList.removeAll(fClasses[2]), 1);
+  EXPECT_EQ(fList.removeAll(fClasses[2]), 0);
+  fList.push_front(fClasses[0]);
+  EXPECT_EQ(order(), u"aBd");
+}
+
+TEST_F(FeatureListTest, HoldsEachElementOnce) {
+  fList.push_back(fClasses[0]);
+  fList.insert(2, fClasses[3]);
+  fList.replace(0, fClasses[1]);
+  EXPECT_EQ(order(), u"abcd");
+}
+
+TEST_F(FeatureListTest, AssignmentReplacesAllOrNothing) {
+  auto const values = Kelm::SequenceCreator::create<umlmm::PackageableElement>({fModel.getDeviant(), Kelm::MULTI_INDEX});
+  values.push_back(fClasses[3]);
+  values.push_back(named<umlmm::Class>(u"n"));
+  values.push_back(fClasses[0]);
+  values.push_back(fClasses[3]);
+  fPackage.setPackagedElement(values);
+  EXPECT_EQ(order(), u"dna");
+  EXPECT_TRUE(fClasses[1].getPackage().isNull());
+
+  auto const inner = make<umlmm::Package>();
+  fList.push_back(inner);
+  values.clear();
+  values.push_back(fClasses[1]);
+  values.push_back(fPackage);
+  EXPECT_NE(failureOf([&] { inner.setPackagedElement(values); }), "");
+  EXPECT_TRUE(inner.getPackagedElement().empty());
+  fPackage.setPackagedElement(fList);
+  EXPECT_EQ(fList.size(), 4) << "assigning what was read changes nothing";
+}
+
+TEST_F(FeatureListTest, IteratorsSurviveChangesAroundThem) {
+  auto position = fList.begin();
+  position.next();
+  fList.erase(0);
+  fList.push_front(named<umlmm::Class>(u"y"));
+  fList.push_front(named<umlmm::Class>(u"x"));
+  EXPECT_EQ(position.current().getName().text(), u"b");
+  fList.removeAll(fClasses[1]);
+  EXPECT_NE(failureOf([&] { position.next(); }).find(Kelm::words::kIndexOutOfBounds), std::string::npos);
+  auto const end = fList.end();
+  EXPECT_NE(failureOf([&] { end.current(); }).find(Kelm::words::kIndexOutOfBounds), std::string::npos);
+}
+
+TEST_F(FeatureListTest, AnIteratorOutlivesItsElement) {
+  auto position = fList.begin();
+  {
+    auto const going = fClasses[0];
+    fClasses.erase(fClasses.begin());
+    going.destroy();
+  }
+  for (int round = 0; round < 10; ++round) make<umlmm::Class>();
+  EXPECT_NE(failureOf([&] { position.next(); }), "");
+}
+
+TEST_F(FeatureListTest, LongListsAreChangedFromTheMiddleByElement) {
+  std::vector<umlmm::Class> many;
+  for (int count = 0; count < 2000; ++count) {
+    many.push_back(make<umlmm::Class>());
+    fList.push_back(many.back());
+  }
+  for (std::size_t at = 0; at < many.size(); at += 2) fList.removeAll(many[at]);
+  EXPECT_EQ(fList.size(), 1004);
+  for (std::size_t at = 1; at < many.size(); at += 2) EXPECT_EQ(fList.at(4 + static_cast<int>(at / 2)).get(), many[at].get());
+}
