@@ -63,7 +63,7 @@ struct Feature {
   }
 };
 
-/// A derived union as one metaclass sees it: the direct subsets, in the order in which they add values.
+/// A derived union as one metaclass sees it: the stored and computed features whose values it lists, in their order.
 struct Union {
   FeatureIndex fFeature;
   std::span<FeatureIndex const> fMembers;

@@ -2,6 +2,7 @@
 
 #include "engine/ModelIndex.h"
 #include "engine/failures.h"
+#include "engine/ids.h"
 
 namespace umlmm::engine {
 
@@ -43,6 +44,14 @@ void store(Element& aOwner, Feature const& aRoot, Element& aValue, std::uint32_t
   aOwner.fModel->noteChange();
 }
 
+/// A bound whose value was taken away is unset: its default does not come back.
+void forgetDefault(Element& aOwner, Feature const& aRoot) noexcept {
+  if (indexOf(aRoot) == ids::MultiplicityElement::LowerValue)
+    setFlagBits(aOwner, ids::MultiplicityElement::Lower, 1, 0);
+  else if (indexOf(aRoot) == ids::MultiplicityElement::UpperValue)
+    setFlagBits(aOwner, ids::MultiplicityElement::Upper, 1, 0);
+}
+
 /// Takes the value out of the owner's slot; a part goes to its model's top level.
 void drop(Element& aOwner, Feature const& aRoot, Element& aValue) {
   bool const owning = ownsHints(aRoot);
@@ -51,6 +60,7 @@ void drop(Element& aOwner, Feature const& aRoot, Element& aValue) {
   else
     pointerSlot<Element>(aOwner, indexOf(aRoot)) = nullptr;
   if (owning) {
+    forgetDefault(aOwner, aRoot);
     aValue.fContainer = nullptr;
     aValue.fModel->addRoot(&aValue);
   } else if (aRoot.fOpposite == kNoFeature) {

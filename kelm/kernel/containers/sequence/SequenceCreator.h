@@ -28,8 +28,8 @@ struct SequenceRequest {
 
 namespace detail {
 
-/// Makes implementations for values T, empty or filled at once. Defined in SequenceImplementations.h, which is included only by
-/// the units that instantiate it: once for each value type and once for object references.
+/// Makes implementations for values T, empty or filled at once. Defined in SequenceImplementations.h, which
+/// is only for the units that instantiate it: one for each value type and one for object references.
 template <class T>
 struct SequenceImplementations {
   static Generic::SequenceIntf* makeList();

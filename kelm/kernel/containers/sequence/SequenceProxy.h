@@ -30,7 +30,8 @@ class UMLMM_API SequenceProxy : public Generic::SequenceIntf {
   mutable std::int32_t fRefCount = 0;
 };
 
-/// Stands in front of an implementation, owns it, and hands everything on to it.
+/// Stands in front of an implementation, owns it, and hands everything on to it. Each member is marked for
+/// export, as a mark on the class does not reach inline members.
 class UMLMM_API GenericReferenceCountingSequenceProxy : public SequenceProxy {
   using Ref = Generic::Ref;
   using IteratorIntf = Generic::IteratorIntf;
@@ -40,56 +41,63 @@ class UMLMM_API GenericReferenceCountingSequenceProxy : public SequenceProxy {
   /// Takes over `aTarget`; never null.
   explicit GenericReferenceCountingSequenceProxy(Generic::SequenceIntf* aTarget) noexcept
       : fTarget(aTarget) {}
-  ~GenericReferenceCountingSequenceProxy() override { delete fTarget; }
+  UMLMM_API ~GenericReferenceCountingSequenceProxy() override { delete fTarget; }
 
-  Ref generic_at(Deviant const& aDeviant, int aIndex) const override {
+  UMLMM_API Ref generic_at(Deviant const& aDeviant, int aIndex) const override {
     return fTarget->generic_at(aDeviant, aIndex);
   }
-  Ref generic_front(Deviant const& aDeviant) const override { return fTarget->generic_front(aDeviant); }
-  Ref generic_back(Deviant const& aDeviant) const override { return fTarget->generic_back(aDeviant); }
-  IteratorPtr generic_begin(Deviant const& aDeviant) const override {
+  UMLMM_API Ref generic_front(Deviant const& aDeviant) const override {
+    return fTarget->generic_front(aDeviant);
+  }
+  UMLMM_API Ref generic_back(Deviant const& aDeviant) const override {
+    return fTarget->generic_back(aDeviant);
+  }
+  UMLMM_API IteratorPtr generic_begin(Deviant const& aDeviant) const override {
     return owned(fTarget->generic_begin(aDeviant));
   }
-  IteratorPtr generic_end(Deviant const& aDeviant) const override {
+  UMLMM_API IteratorPtr generic_end(Deviant const& aDeviant) const override {
     return owned(fTarget->generic_end(aDeviant));
   }
-  void generic_clear(Deviant const& aDeviant) override { fTarget->generic_clear(aDeviant); }
-  int generic_size(Deviant const& aDeviant) const override { return fTarget->generic_size(aDeviant); }
-  void generic_insert(Deviant const& aDeviant, int aIndex, Ref aValue) override {
+  UMLMM_API void generic_clear(Deviant const& aDeviant) override { fTarget->generic_clear(aDeviant); }
+  UMLMM_API int generic_size(Deviant const& aDeviant) const override {
+    return fTarget->generic_size(aDeviant);
+  }
+  UMLMM_API void generic_insert(Deviant const& aDeviant, int aIndex, Ref aValue) override {
     fTarget->generic_insert(aDeviant, aIndex, std::move(aValue));
   }
-  IteratorPtr generic_insert(Deviant const& aDeviant, IteratorIntf const* aPosition, Ref aValue) override {
+  UMLMM_API IteratorPtr generic_insert(Deviant const& aDeviant, IteratorIntf const* aPosition,
+                                       Ref aValue) override {
     return owned(fTarget->generic_insert(aDeviant, aPosition, std::move(aValue)));
   }
-  IteratorPtr generic_erase(Deviant const& aDeviant, IteratorIntf const* aPosition) override {
+  UMLMM_API IteratorPtr generic_erase(Deviant const& aDeviant, IteratorIntf const* aPosition) override {
     return owned(fTarget->generic_erase(aDeviant, aPosition));
   }
-  IteratorPtr generic_erase(Deviant const& aDeviant, IteratorIntf const* aFirst,
-                            IteratorIntf const* aLast) override {
+  UMLMM_API IteratorPtr generic_erase(Deviant const& aDeviant, IteratorIntf const* aFirst,
+                                      IteratorIntf const* aLast) override {
     return owned(fTarget->generic_erase(aDeviant, aFirst, aLast));
   }
-  void generic_erase(Deviant const& aDeviant, int aIndex) override {
+  UMLMM_API void generic_erase(Deviant const& aDeviant, int aIndex) override {
     fTarget->generic_erase(aDeviant, aIndex);
   }
-  void generic_pop_back(Deviant const& aDeviant) override { fTarget->generic_pop_back(aDeviant); }
-  void generic_pop_front(Deviant const& aDeviant) override { fTarget->generic_pop_front(aDeviant); }
-  void generic_push_back(Deviant const& aDeviant, Ref aValue) override {
+  UMLMM_API void generic_pop_back(Deviant const& aDeviant) override { fTarget->generic_pop_back(aDeviant); }
+  UMLMM_API void generic_pop_front(Deviant const& aDeviant) override { fTarget->generic_pop_front(aDeviant); }
+  UMLMM_API void generic_push_back(Deviant const& aDeviant, Ref aValue) override {
     fTarget->generic_push_back(aDeviant, std::move(aValue));
   }
-  void generic_push_front(Deviant const& aDeviant, Ref aValue) override {
+  UMLMM_API void generic_push_front(Deviant const& aDeviant, Ref aValue) override {
     fTarget->generic_push_front(aDeviant, std::move(aValue));
   }
-  void generic_replace(Deviant const& aDeviant, int aIndex, Ref aValue) override {
+  UMLMM_API void generic_replace(Deviant const& aDeviant, int aIndex, Ref aValue) override {
     fTarget->generic_replace(aDeviant, aIndex, std::move(aValue));
   }
-  bool generic_contains(Deviant const& aDeviant, Ref aValue) const override {
+  UMLMM_API bool generic_contains(Deviant const& aDeviant, Ref aValue) const override {
     return fTarget->generic_contains(aDeviant, std::move(aValue));
   }
-  char const* generic_getVeskName(bool aImmutable, bool aImmutableElements,
-                                  char const* aName) const override {
+  UMLMM_API char const* generic_getVeskName(bool aImmutable, bool aImmutableElements,
+                                            char const* aName) const override {
     return fTarget->generic_getVeskName(aImmutable, aImmutableElements, aName);
   }
-  int generic_removeAll(Deviant const& aDeviant, Ref aValue) override {
+  UMLMM_API int generic_removeAll(Deviant const& aDeviant, Ref aValue) override {
     return fTarget->generic_removeAll(aDeviant, std::move(aValue));
   }
   int readBlock(Deviant const& aDeviant, int aIndex, int aCount, Ref* aOut,

@@ -43,6 +43,15 @@ TEST(SequenceCreator, MakesWhatIsAskedFor) {
   }
 }
 
+TEST(SequenceCreator, ListMayStartFilled) {
+  std::unique_ptr<Kelm::ListQImpl<Number>> list(static_cast<Kelm::ListQImpl<Number>*>(
+      Kelm::detail::SequenceImplementations<Number>::makeList({{4}, {5}})));
+  EXPECT_EQ(list->shareCount(), 1);
+  auto const sequence = counted<Number>(std::move(list));
+  EXPECT_EQ(sequence.size(), 2);
+  EXPECT_EQ(sequence.back().fValue, 5);
+}
+
 TEST(SequenceCreator, UncountedSequenceBelongsToTheCaller) {
   std::unique_ptr<Kelm::Generic::SequenceIntf> const owner(
       SequenceCreator::create<Number>({{}, Kelm::MULTI_INDEX, false, false}).get());

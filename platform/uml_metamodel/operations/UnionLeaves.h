@@ -1,0 +1,35 @@
+#pragma once
+
+#include <array>
+#include <span>
+#include <vector>
+
+#include "engine/Feature.h"
+
+namespace umlmm::queries {
+
+/// The stored features at the bottom of a derived union, by metaclass, in the order in which the union lists
+/// their values: what a walk over many elements reads in place of the union itself. Made for a metaclass when
+/// first asked.
+class UnionLeaves {
+ public:
+  constexpr explicit UnionLeaves(engine::FeatureIndex aUnion) noexcept : fUnion(aUnion) {}
+
+  std::span<engine::FeatureIndex const> of(int aMetaclass) {
+    auto const*& leaves = fLeaves[static_cast<std::size_t>(aMetaclass)];
+    if (leaves == nullptr) leaves = make(aMetaclass);
+    return *leaves;
+  }
+
+ private:
+  std::vector<engine::FeatureIndex> const* make(int aMetaclass) const;
+
+  engine::FeatureIndex fUnion;
+  // Kept for the length of the process.
+  std::array<std::vector<engine::FeatureIndex> const*, engine::kMetaclassCount> fLeaves{};
+};
+
+/// The features that a union lists on a metaclass; none if it has no such union.
+std::span<engine::FeatureIndex const> unionMembers(int aMetaclass, engine::FeatureIndex aUnion) noexcept;
+
+}  // namespace umlmm::queries

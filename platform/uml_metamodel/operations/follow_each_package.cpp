@@ -1,0 +1,135 @@
+#include <algorithm>
+
+#include "operations/ImportWalks.h"
+
+namespace umlmm::queries {
+
+namespace {
+
+constexpr std::size_t kNowhere = SIZE_MAX;
+
+/// Follows the imports of packages with a stack of those in progress. What a package shows is kept for those
+/// who ask again. Where a package in progress had been left out, the answer is kept only as long as that one
+/// is in progress.
+class PackageWalk {
+ public:
+  std::vector<Imports::Entry> run(Element const& aNamespace) {
+    begin(aNamespace);
+    for (;;) {
+      Frame& top = fOpen.back();
+      if (Element const* const package = nextPackage(top)) {
+        descend(*package);
+      } else if (fOpen.size() == 1) {
+        return entriesOf(top).take();
+      } else {
+        finish();
+      }
+    }
+  }
+
+ private:
+  struct Frame {
+    Element const* fNamespace;
+    Element* const* fNext;
+    Element* const* fEnd;
+    /// The outermost package in progress that was left out below here.
+    std::size_t fCut = kNowhere;
+    /// Whose answers depend on this one being in progress.
+    std::vector<Element const*> fDependents;
+  };
+  using Shown = std::vector<Imports::Entry>;
+  struct Answer {
+    std::unique_ptr<Shown> fShown;
+    std::size_t fCut;
+  };
+
+  void begin(Element const& aNamespace) {
+    auto const imports = values::entries(aNamespace, ids::Namespace::PackageImport);
+    fPlaces.emplace(&aNamespace, fOpen.size());
+    fOpen.push_back({&aNamespace, imports.data(), imports.data() + imports.size(), kNowhere, {}});
+  }
+
+  static Element const* nextPackage(Frame& aFrame) noexcept {
+    while (aFrame.fNext != aFrame.fEnd)
+      if (Element const* const import = *aFrame.fNext++)
+        if (auto const* package = values::reference(*import, ids::PackageImport::ImportedPackage))
+          return package;
+    return nullptr;
+  }
+
+  void descend(Element const& aPackage) {
+    if (auto const place = fPlaces.find(&aPackage); place != fPlaces.end()) {
+      noteCut(fOpen.back(), place->second);
+    } else if (auto const answer = fAnswers.find(&aPackage); answer != fAnswers.end()) {
+      noteCut(fOpen.back(), answer->second.fCut);
+    } else {
+      begin(aPackage);
+    }
+  }
+
+  static void noteCut(Frame& aFrame, std::size_t aCut) noexcept { aFrame.fCut = std::min(aFrame.fCut, aCut); }
+
+  void finish() {
+    std::size_t const place = fOpen.size() - 1;
+    Frame& top = fOpen.back();
+    auto shown = std::make_unique<Shown>(shownBy(top));
+    // Left out was the package itself at the most: its answer is the same wherever it is asked.
+    std::size_t const cut = top.fCut < place ? top.fCut : kNowhere;
+    for (Element const* const dependent : top.fDependents) fAnswers.erase(dependent);
+    Element const* const package = top.fNamespace;
+    fPlaces.erase(package);
+    fOpen.pop_back();
+    fAnswers[package] = {std::move(shown), cut};
+    noteCut(fOpen.back(), cut);
+    if (cut != kNowhere) fOpen[cut].fDependents.push_back(package);
+  }
+
+  /// The entries of a namespace whose packages have all been followed.
+  ImportEntries& entriesOf(Frame const& aFrame) {
+    Element const& owner = *aFrame.fNamespace;
+    fEntries = std::make_unique<ImportEntries>(owner);
+    for (Element* const import : values::elements(owner, ids::Namespace::ElementImport))
+      if (Element* const element = values::reference(*import, ids::ElementImport::ImportedElement))
+        fEntries->addElementImport(*import, *element);
+    for (Element* const import : values::elements(owner, ids::Namespace::PackageImport)) {
+      auto const answer = fAnswers.find(values::reference(*import, ids::PackageImport::ImportedPackage));
+      if (answer == fAnswers.end()) continue;
+      bool const isPublic = isPublicImport(*import);
+      for (Imports::Entry const& shown : *answer->second.fShown) fEntries->addShown(shown, isPublic);
+    }
+    if (!fEntries->empty()) fEntries->judgeCollisions();
+    return *fEntries;
+  }
+
+  /// What the package makes visible of its members: owned ones, then imported ones.
+  Shown shownBy(Frame const& aFrame) {
+    Element const& package = *aFrame.fNamespace;
+    Shown const entries = entriesOf(aFrame).take();
+    Visited imported;
+    for (Imports::Entry const& entry : entries)
+      if (entry.fIsPublic) imported.insert(*entry.fElement);
+    Shown shown;
+    for (Element* const owned : ownedMembers(package))
+      if (isA(*owned, ids::metaclass::PackageableElement) &&
+          (isPublicOrAbsent(*owned) || imported.contains(*owned)))
+        shown.push_back({owned, nameOf(*owned), {}, true, false});
+    for (Imports::Entry const& entry : entries)
+      if (entry.fIsKept && entry.fIsPublic && namespaceOf(*entry.fElement) != &package)
+        shown.push_back(entry);
+    return shown;
+  }
+
+  std::vector<Frame> fOpen;
+  /// By package in progress: where it stands in the stack.
+  std::unordered_map<Element const*, std::size_t> fPlaces;
+  std::unordered_map<Element const*, Answer> fAnswers;
+  std::unique_ptr<ImportEntries> fEntries;
+};
+
+}  // namespace
+
+std::vector<Imports::Entry> followEachPackage(Element const& aNamespace) {
+  return PackageWalk().run(aNamespace);
+}
+
+}  // namespace umlmm::queries

@@ -1,0 +1,102 @@
+#include "operations/queries.h"
+#include "operations/results.h"
+#include "uml_metamodel/umlmm/LiteralBoolean.h"
+#include "uml_metamodel/umlmm/LiteralInteger.h"
+#include "uml_metamodel/umlmm/LiteralNull.h"
+#include "uml_metamodel/umlmm/LiteralString.h"
+#include "uml_metamodel/umlmm/LiteralUnlimitedNatural.h"
+#include "uml_metamodel/umlmm/OpaqueExpression.h"
+
+/// What values can be computed: the literals' own, and neutral answers for all others.
+namespace umlmm::NSInterface {
+
+using engine::checkReadable;
+
+Boolean ValueSpecificationIntf::isComputable(Kelm::Deviant const& aDeviant) const {
+  checkReadable(*this, aDeviant);
+  return false;
+}
+Boolean LiteralBooleanIntf::isComputable(Kelm::Deviant const& aDeviant) const {
+  checkReadable(*this, aDeviant);
+  return true;
+}
+Boolean LiteralIntegerIntf::isComputable(Kelm::Deviant const& aDeviant) const {
+  checkReadable(*this, aDeviant);
+  return true;
+}
+Boolean LiteralNullIntf::isComputable(Kelm::Deviant const& aDeviant) const {
+  checkReadable(*this, aDeviant);
+  return true;
+}
+Boolean LiteralStringIntf::isComputable(Kelm::Deviant const& aDeviant) const {
+  checkReadable(*this, aDeviant);
+  return true;
+}
+Boolean LiteralUnlimitedNaturalIntf::isComputable(Kelm::Deviant const& aDeviant) const {
+  checkReadable(*this, aDeviant);
+  return true;
+}
+
+Boolean ValueSpecificationIntf::booleanValue(Kelm::Deviant const& aDeviant) const {
+  checkReadable(*this, aDeviant);
+  return false;
+}
+Boolean LiteralBooleanIntf::booleanValue(Kelm::Deviant const& aDeviant) const {
+  checkReadable(*this, aDeviant);
+  return values::flag(*this, ids::LiteralBoolean::Value);
+}
+
+Boolean ValueSpecificationIntf::isNull(Kelm::Deviant const& aDeviant) const {
+  checkReadable(*this, aDeviant);
+  return false;
+}
+Boolean LiteralNullIntf::isNull(Kelm::Deviant const& aDeviant) const {
+  checkReadable(*this, aDeviant);
+  return true;
+}
+
+Integer ValueSpecificationIntf::integerValue(Kelm::Deviant const& aDeviant) const {
+  checkReadable(*this, aDeviant);
+  return 0;
+}
+Integer LiteralIntegerIntf::integerValue(Kelm::Deviant const& aDeviant) const {
+  checkReadable(*this, aDeviant);
+  return static_cast<int>(values::number(*this, ids::LiteralInteger::Value));
+}
+
+String ValueSpecificationIntf::stringValue(Kelm::Deviant const& aDeviant) const {
+  checkReadable(*this, aDeviant);
+  return {};
+}
+String LiteralStringIntf::stringValue(Kelm::Deviant const& aDeviant) const {
+  checkReadable(*this, aDeviant);
+  return Kelm::String(values::record(*this, ids::LiteralString::Value));
+}
+
+UnlimitedNatural ValueSpecificationIntf::unlimitedValue(Kelm::Deviant const& aDeviant) const {
+  checkReadable(*this, aDeviant);
+  return {};
+}
+UnlimitedNatural LiteralUnlimitedNaturalIntf::unlimitedValue(Kelm::Deviant const& aDeviant) const {
+  checkReadable(*this, aDeviant);
+  return UnlimitedNatural(values::number(*this, ids::LiteralUnlimitedNatural::Value));
+}
+
+Integer OpaqueExpressionIntf::value(Kelm::Deviant const& aDeviant) const {
+  checkReadable(*this, aDeviant);
+  return 0;
+}
+Boolean OpaqueExpressionIntf::isIntegral(Kelm::Deviant const& aDeviant) const {
+  checkReadable(*this, aDeviant);
+  return false;
+}
+Boolean OpaqueExpressionIntf::isPositive(Kelm::Deviant const& aDeviant) const {
+  checkReadable(*this, aDeviant);
+  return false;
+}
+Boolean OpaqueExpressionIntf::isNonNegative(Kelm::Deviant const& aDeviant) const {
+  checkReadable(*this, aDeviant);
+  return false;
+}
+
+}  // namespace umlmm::NSInterface

@@ -1,0 +1,40 @@
+#include "operations/results.h"
+
+#include "engine/FeatureSequence.h"
+#include "kelm/kernel/containers/sequence/SequenceCreator.h"
+
+namespace umlmm::queries {
+
+std::vector<Element*> givenElements(Kelm::SequenceRef const& aArgument) {
+  std::vector<Element*> elements;
+  Kelm::Generic::SequenceIntf const* const sequence = aArgument.get();
+  if (sequence == nullptr) return elements;
+  Deviant const& deviant = aArgument.getDeviant();
+  std::vector<Kelm::Generic::Ref> values(static_cast<std::size_t>(sequence->generic_size(deviant)));
+  std::uint64_t stamp = 0;
+  sequence->readBlock(deviant, 0, static_cast<int>(values.size()), values.data(), stamp);
+  for (auto const& value : values)
+    if (Element* const element = engine::elementOf(value); element != nullptr && element->fModel != nullptr)
+      elements.push_back(element);
+  return elements;
+}
+
+Kelm::Generic::SequenceIntf* newElementList(Deviant const& aDeviant, std::vector<Element*> const& aElements) {
+  std::vector<Kelm::Object> values;
+  values.reserve(aElements.size());
+  for (Element* const element : aElements) values.emplace_back(element, aDeviant);
+  std::unique_ptr<Kelm::Generic::SequenceIntf> list(
+      Kelm::detail::SequenceImplementations<Kelm::Object>::makeList(std::move(values)));
+  auto* const counted = new Kelm::GenericReferenceCountingSequenceProxy(list.get());
+  static_cast<void>(list.release());
+  return counted;
+}
+
+Kelm::ImmutableSequence<String> makeTexts(Deviant const& aDeviant,
+                                          std::vector<std::u16string_view> const& aTexts) {
+  auto const result = Kelm::SequenceCreator::create<String>({aDeviant, Kelm::STD_VECTOR, false, true});
+  for (std::u16string_view const text : aTexts) result.push_back(makeText(text));
+  return result;
+}
+
+}  // namespace umlmm::queries

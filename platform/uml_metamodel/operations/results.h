@@ -1,0 +1,50 @@
+#pragma once
+
+#include <string_view>
+#include <vector>
+
+#include "engine/slots.h"
+#include "kelm/kernel/containers/sequence/SequenceRef.h"
+#include "uml_metamodel/umlmm/Boolean.h"
+#include "uml_metamodel/umlmm/Integer.h"
+#include "uml_metamodel/umlmm/String.h"
+#include "uml_metamodel/umlmm/UnlimitedNatural.h"
+#include "uml_metamodel/umlmm/detail/metamodel.h"
+
+/// What queries take and give as the members of the interface classes see it.
+namespace umlmm::queries {
+
+using engine::Deviant;
+using engine::Element;
+
+/// The element behind an argument; null for a null reference and for an element that is gone.
+template <class Intf>
+Element const* given(Kelm::Handle<Intf> const& aArgument) noexcept {
+  Element const* const element = aArgument.get();
+  return element == nullptr || element->fModel == nullptr ? nullptr : element;
+}
+
+/// The elements of a sequence argument in order; none for a null one.
+std::vector<Element*> givenElements(Kelm::SequenceRef const& aArgument);
+
+/// A new counted list of element references; owned by nobody yet.
+Kelm::Generic::SequenceIntf* newElementList(Deviant const& aDeviant, std::vector<Element*> const& aElements);
+
+template <class T>
+Kelm::ImmutableSequence<T> makeResult(Deviant const& aDeviant, std::vector<Element*> const& aElements) {
+  return Kelm::ImmutableSequence<T>(newElementList(aDeviant, aElements), aDeviant);
+}
+
+/// A reference to an element, or a null one.
+template <class T>
+T makeReference(Deviant const& aDeviant, Element const* aElement) {
+  using Intf = typename T::InterfaceType;
+  return T(Kelm::queryInterface<Intf, VisitationDomain>(aElement), aDeviant);
+}
+
+Kelm::ImmutableSequence<String> makeTexts(Deviant const& aDeviant,
+                                          std::vector<std::u16string_view> const& aTexts);
+
+inline String makeText(std::u16string_view aText) { return String(std::u16string(aText)); }
+
+}  // namespace umlmm::queries

@@ -1,0 +1,45 @@
+#include "engine/ids.h"
+#include "operations/queries.h"
+#include "rules/rules.h"
+
+/// What an element knows of its owner, read from the container and the feature that holds it there.
+namespace umlmm::rules {
+
+namespace {
+
+engine::Feature const& holder(engine::Element const& aElement) noexcept {
+  return engine::feature(aElement.fContainerFeature);
+}
+
+}  // namespace
+
+engine::Rule const Element::Owner{
+    .fValue = [](engine::Element const& aElement, Kelm::Deviant const& aDeviant) {
+      return Kelm::Object(aElement.fContainer, aDeviant);
+    }};
+
+engine::Rule const NamedElement::Namespace{
+    .fValue = [](engine::Element const& aElement, Kelm::Deviant const& aDeviant) {
+      return Kelm::Object(queries::namespaceOf(aElement), aDeviant);
+    }};
+
+engine::Rule const Feature::FeaturingClassifier{
+    .fValues = [](engine::Element const& aElement, std::vector<engine::Element*>& aOut) {
+      if (aElement.fContainer != nullptr && holder(aElement).fGivesFeaturingClassifier)
+        aOut.push_back(aElement.fContainer);
+    }};
+
+// A behavior's context may be a classifier further out than the one that nests it.
+engine::Rule const RedefinableElement::RedefinitionContext{
+    .fValues = [](engine::Element const& aElement, std::vector<engine::Element*>& aOut) {
+      engine::Element* behaviored = nullptr;
+      if (queries::isA(aElement, ids::metaclass::Behavior)) {
+        behaviored = queries::nearestOwner(aElement, ids::metaclass::BehavioredClassifier);
+        if (behaviored != nullptr) aOut.push_back(behaviored);
+      }
+      if (aElement.fContainer != nullptr && aElement.fContainer != behaviored &&
+          holder(aElement).fGivesContext)
+        aOut.push_back(aElement.fContainer);
+    }};
+
+}  // namespace umlmm::rules

@@ -1,0 +1,169 @@
+#include <charconv>
+#include <optional>
+#include <string>
+
+#include "engine/ValueSequence.h"
+#include "engine/access.h"
+#include "engine/engine.h"
+#include "engine/failures.h"
+#include "kelm/kernel/containers/sequence/Ref.h"
+#include "operations/queries.h"
+#include "rules/replace.h"
+#include "rules/rules.h"
+#include "uml_metamodel/umlmm/String.h"
+#include "uml_metamodel/umlmm/UnlimitedNatural.h"
+
+/// Default values as text.
+namespace umlmm::rules {
+
+namespace {
+
+using engine::Element;
+using Kelm::Deviant;
+using Kelm::Object;
+using TextAccess = Kelm::Generic::RefAccess<umlmm::String>;
+
+Object textObject(std::string const& aText) {
+  return values::adopt(Kelm::StringObject::make(Kelm::toUtf16(aText)));
+}
+Object textObject(Element const& aElement, engine::FeatureIndex aRoot) {
+  return Object(values::record(aElement, aRoot), Deviant());
+}
+
+Kelm::Generic::SequenceIntf& bodies(Element const& aExpression) {
+  return engine::valueSequence(const_cast<Element&>(aExpression),
+                               engine::feature(ids::OpaqueExpression::Body));
+}
+
+/// How a value specification of one metaclass shows as text, and takes a text in its place.
+struct Form {
+  int fMetaclass;
+  Object (*fText)(Element const& aValue, Deviant const& aDeviant);
+  /// False if the text does not have the form; null where no text is taken.
+  bool (*fTake)(Element& aValue, Deviant const& aDeviant, Object const& aText);
+};
+
+template <class Number>
+std::optional<Number> numberIn(Object const& aText) {
+  std::string const text = Kelm::toUtf8(Kelm::asString(aText)->text());
+  Number number{};
+  auto const [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
+  return number;
+}
+
+Object stringText(Element const& aValue, Deviant const&) {
+  return textObject(aValue, ids::LiteralString::Value);
+}
+bool takeString(Element& aValue, Deviant const& aDeviant, Object const& aText) {
+  engine::write(aValue, aDeviant, engine::feature(ids::LiteralString::Value), aText);
+  return true;
+}
+
+Object expressionText(Element const& aValue, Deviant const& aDeviant) {
+  auto const& texts = bodies(aValue);
+  if (texts.generic_empty(aDeviant)) return {};
+  return TextAccess::get(texts.generic_at(aDeviant, 0));
+}
+bool takeExpression(Element& aValue, Deviant const& aDeviant, Object const& aText) {
+  auto& texts = bodies(aValue);
+  auto const text = TextAccess::make(umlmm::String(aText));
+  if (texts.generic_empty(aDeviant))
+    texts.generic_push_back(aDeviant, text);
+  else
+    texts.generic_replace(aDeviant, 0, text);
+  return true;
+}
+
+Object booleanText(Element const& aValue, Deviant const&) {
+  return textObject(std::string(values::flag(aValue, ids::LiteralBoolean::Value) ? "true" : "false"));
+}
+bool takeBoolean(Element& aValue, Deviant const& aDeviant, Object const& aText) {
+  std::u16string_view const text = Kelm::asString(aText)->text();
+  if (text != u"true" && text != u"false") return false;
+  engine::write(aValue, aDeviant, engine::feature(ids::LiteralBoolean::Value),
+                Kelm::makePrimitive(Kelm::PrimitiveKind::Boolean, text == u"true" ? 1 : 0));
+  return true;
+}
+
+Object integerText(Element const& aValue, Deviant const&) {
+  return textObject(std::to_string(static_cast<int>(values::number(aValue, ids::LiteralInteger::Value))));
+}
+bool takeInteger(Element& aValue, Deviant const& aDeviant, Object const& aText) {
+  auto const number = numberIn<std::int32_t>(aText);
+  if (!number) return false;
+  engine::write(aValue, aDeviant, engine::feature(ids::LiteralInteger::Value),
+                Kelm::makePrimitive(Kelm::PrimitiveKind::Integer, static_cast<std::uint32_t>(*number)));
+  return true;
+}
+
+Object unlimitedText(Element const& aValue, Deviant const&) {
+  std::uint32_t const number = values::number(aValue, ids::LiteralUnlimitedNatural::Value);
+  return textObject(number == UnlimitedNatural::kUnlimited ? std::string("*") : std::to_string(number));
+}
+bool takeUnlimited(Element& aValue, Deviant const& aDeviant, Object const& aText) {
+  auto number = numberIn<std::uint32_t>(aText);
+  if (number == UnlimitedNatural::kUnlimited) return false;
+  if (Kelm::asString(aText)->text() == u"*") number = UnlimitedNatural::kUnlimited;
+  if (!number) return false;
+  engine::write(aValue, aDeviant, engine::feature(ids::LiteralUnlimitedNatural::Value),
+                Kelm::makePrimitive(Kelm::PrimitiveKind::UnlimitedNatural, *number));
+  return true;
+}
+
+Object symbolText(Element const& aValue, Deviant const&) {
+  return textObject(aValue, ids::Expression::Symbol);
+}
+
+Object instanceText(Element const& aValue, Deviant const&) {
+  Element const* const instance = values::reference(aValue, ids::InstanceValue::Instance);
+  return instance == nullptr ? Object() : textObject(*instance, ids::NamedElement::Name);
+}
+
+constexpr Form kForms[] = {
+    {ids::metaclass::LiteralString, stringText, takeString},
+    {ids::metaclass::OpaqueExpression, expressionText, takeExpression},
+    {ids::metaclass::LiteralBoolean, booleanText, takeBoolean},
+    {ids::metaclass::LiteralInteger, integerText, takeInteger},
+    {ids::metaclass::LiteralUnlimitedNatural, unlimitedText, takeUnlimited},
+    {ids::metaclass::Expression, symbolText, nullptr},
+    {ids::metaclass::InstanceValue, instanceText, nullptr},
+};
+
+Form const* formOf(Element const* aValue) {
+  if (aValue == nullptr) return nullptr;
+  for (Form const& form : kForms)
+    if (queries::isA(*aValue, form.fMetaclass)) return &form;
+  return nullptr;
+}
+
+template <engine::FeatureIndex Default, engine::FeatureIndex Value>
+struct DefaultText {
+  static Object read(Element const& aElement, Deviant const& aDeviant) {
+    Element const* const value = values::reference(aElement, Value);
+    Form const* const form = formOf(value);
+    return form == nullptr ? Object() : form->fText(*value, aDeviant);
+  }
+  static void set(Element& aElement, Deviant const& aDeviant, Object const& aText) {
+    Kelm::StringObject const* const text = Kelm::asString(aText);
+    if (text == nullptr && !aText.isNull()) engine::failures::raiseNotAValue(engine::feature(Default));
+    if (text == nullptr || text->text().empty()) return replaceValue(aElement, Value, nullptr);
+    Element* const value = values::reference(aElement, Value);
+    Form const* const form = formOf(value);
+    if (form != nullptr && form->fTake != nullptr && form->fTake(*value, aDeviant, aText)) return;
+    Element& literal = engine::create(ids::metaclass::LiteralString, *aElement.fModel);
+    takeString(literal, aDeviant, aText);
+    replaceValue(aElement, Value, &literal);
+  }
+
+  static constexpr engine::Rule kRule{.fValue = read, .fSet = set};
+};
+
+}  // namespace
+
+engine::Rule const Parameter::Default =
+    DefaultText<ids::Parameter::Default, ids::Parameter::DefaultValue>::kRule;
+engine::Rule const Property::Default =
+    DefaultText<ids::Property::Default, ids::Property::DefaultValue>::kRule;
+
+}  // namespace umlmm::rules

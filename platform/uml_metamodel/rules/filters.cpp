@@ -1,0 +1,48 @@
+#include "engine/links.h"
+#include "operations/queries.h"
+#include "rules/rules.h"
+#include "uml_metamodel/umlmm/AggregationKind.h"
+
+/// Views of a containment that show what is of one metaclass. They are written through to it.
+namespace umlmm::rules {
+
+namespace {
+
+template <engine::FeatureIndex Base, engine::FeatureIndex View>
+struct Filter {
+  static void read(engine::Element const& aElement, std::vector<engine::Element*>& aOut) {
+    for (engine::Element* const part : values::elements(aElement, Base))
+      if (queries::isA(*part, engine::feature(View).fType)) aOut.push_back(part);
+  }
+  static void insert(engine::Element& aElement, engine::Element& aValue, engine::Element* aBefore) {
+    std::uint32_t position = engine::kAtEnd;
+    if (aBefore != nullptr)
+      position = engine::pointerSlot<engine::ElementList>(aElement, Base)->positionOf(aBefore, true);
+    engine::link(aElement, engine::feature(Base), aValue, position);
+  }
+  static void erase(engine::Element& aElement, engine::Element& aValue) {
+    engine::unlink(aElement, engine::feature(Base), aValue);
+  }
+
+  static constexpr engine::Rule kRule{.fValues = read, .fInsert = insert, .fErase = erase};
+};
+
+}  // namespace
+
+engine::Rule const Package::OwnedType = Filter<ids::Package::PackagedElement, ids::Package::OwnedType>::kRule;
+engine::Rule const Package::NestedPackage =
+    Filter<ids::Package::PackagedElement, ids::Package::NestedPackage>::kRule;
+engine::Rule const Profile::OwnedStereotype =
+    Filter<ids::Package::PackagedElement, ids::Profile::OwnedStereotype>::kRule;
+engine::Rule const EncapsulatedClassifier::OwnedPort =
+    Filter<ids::StructuredClassifier::OwnedAttribute, ids::EncapsulatedClassifier::OwnedPort>::kRule;
+
+engine::Rule const StructuredClassifier::Part{
+    .fValues = [](engine::Element const& aElement, std::vector<engine::Element*>& aOut) {
+      for (engine::Element* const attribute :
+           values::elements(aElement, ids::StructuredClassifier::OwnedAttribute))
+        if (values::literal(*attribute, ids::Property::Aggregation) == AggregationKind::Composite)
+          aOut.push_back(attribute);
+    }};
+
+}  // namespace umlmm::rules

@@ -1,0 +1,79 @@
+#include "engine/access.h"
+#include "engine/engine.h"
+#include "engine/failures.h"
+#include "engine/links.h"
+#include "operations/queries.h"
+#include "rules/rules.h"
+#include "uml_metamodel/umlmm/ParameterDirectionKind.h"
+
+/// What operations and expressions have from the first parameter with direction Return.
+namespace umlmm::rules {
+
+namespace {
+
+engine::Element* resultOf(engine::Element const& aOperation) {
+  return queries::returnParameter(aOperation, ids::BehavioralFeature::OwnedParameter);
+}
+
+engine::Element& makeResult(engine::Element& aOperation, Kelm::Deviant const& aDeviant) {
+  auto& parameter = engine::create(ids::metaclass::Parameter, *aOperation.fModel);
+  engine::write(parameter, aDeviant, engine::feature(ids::Parameter::Direction),
+                ParameterDirectionKind(ParameterDirectionKind::Return));
+  engine::link(aOperation, engine::feature(ids::BehavioralFeature::OwnedParameter), parameter);
+  return parameter;
+}
+
+/// Raises if a feature of primitive values can't take the value.
+void checkPrimitive(engine::Feature const& aFeature, Kelm::Object const& aValue) {
+  auto kind = Kelm::PrimitiveKind::UnlimitedNatural;
+  if (aFeature.fValueType == engine::ValueType::Boolean) kind = Kelm::PrimitiveKind::Boolean;
+  if (aFeature.fValueType == engine::ValueType::Integer) kind = Kelm::PrimitiveKind::Integer;
+  if (!aFeature.isReference() && !Kelm::isPrimitive(aValue, kind)) engine::failures::raiseNotAValue(aFeature);
+}
+
+/// The feature Own of an operation is the feature Shown of its return parameter.
+template <engine::FeatureIndex Own, engine::FeatureIndex Shown>
+struct OfResult {
+  static Kelm::Object read(engine::Element const& aOperation, Kelm::Deviant const& aDeviant) {
+    if (engine::Element const* const parameter = resultOf(aOperation))
+      return engine::read(*parameter, aDeviant, engine::feature(Shown));
+    // Required values have an answer without a parameter, too: that of a fresh one.
+    if constexpr (Own == ids::Operation::IsUnique)
+      return Kelm::makePrimitive(Kelm::PrimitiveKind::Boolean, 1);
+    if constexpr (Own == ids::Operation::IsOrdered)
+      return Kelm::makePrimitive(Kelm::PrimitiveKind::Boolean, 0);
+    return {};
+  }
+  static void set(engine::Element& aOperation, Kelm::Deviant const& aDeviant, Kelm::Object const& aValue) {
+    engine::Element* parameter = resultOf(aOperation);
+    if (aValue.isNull()) {
+      if (parameter != nullptr) engine::unset(*parameter, aDeviant, engine::feature(Shown));
+      return;
+    }
+    checkPrimitive(engine::feature(Own), aValue);
+    if (parameter == nullptr) parameter = &makeResult(aOperation, aDeviant);
+    engine::write(*parameter, aDeviant, engine::feature(Shown), aValue);
+  }
+
+  static constexpr engine::Rule kRule{.fValue = read, .fSet = set};
+};
+
+}  // namespace
+
+engine::Rule const Operation::IsOrdered =
+    OfResult<ids::Operation::IsOrdered, ids::MultiplicityElement::IsOrdered>::kRule;
+engine::Rule const Operation::IsUnique =
+    OfResult<ids::Operation::IsUnique, ids::MultiplicityElement::IsUnique>::kRule;
+engine::Rule const Operation::Lower = OfResult<ids::Operation::Lower, ids::MultiplicityElement::Lower>::kRule;
+engine::Rule const Operation::Upper = OfResult<ids::Operation::Upper, ids::MultiplicityElement::Upper>::kRule;
+engine::Rule const Operation::Type = OfResult<ids::Operation::Type, ids::TypedElement::Type>::kRule;
+
+engine::Rule const OpaqueExpression::Result{
+    .fValue = [](engine::Element const& aElement, Kelm::Deviant const& aDeviant) {
+      engine::Element const* const behavior = values::reference(aElement, ids::OpaqueExpression::Behavior);
+      engine::Element const* const result =
+          behavior == nullptr ? nullptr : queries::returnParameter(*behavior, ids::Behavior::OwnedParameter);
+      return Kelm::Object(result, aDeviant);
+    }};
+
+}  // namespace umlmm::rules
