@@ -5,6 +5,7 @@
 
 #include "kelm/DeviantRegistry.h"
 #include "tarn/tarn.h"
+#include "vesk/VeskInterface.h"
 #include "vesk/factory/BindingRegistry.h"
 
 namespace Kelm::mi {
@@ -15,8 +16,9 @@ using vesk::factory::basic::BindingRegistry;
 
 namespace {
 
-/// Objects answer their class name from permanent texts, so the address tells the token nearly always. The text is
-/// compared all the same: a name in reused memory must not be taken for the one that stood there before.
+/// Objects answer their class name from permanent texts, so the address tells the token nearly always. The
+/// text is compared all the same: a name in reused memory must not be taken for the one that stood there
+/// before.
 struct NameCacheEntry {
   char const* fName = nullptr;
   VeskInterned fToken;
@@ -59,6 +61,10 @@ VeskValue ReferenceBoxer::boxWithDefault(NSInterface::ObjectIntf const* aObject,
   VeskInterned const name =
       aObject == nullptr ? VeskInterned() : internClassName(aObject->getVeskName(aImmutable));
   return announceObject(aObject, aDeviant, aImmutable, name.empty() ? aDefault : name);
+}
+
+void checkConstructing(VeskInterned aClass, VeskValue aHostObject) {
+  static_cast<void>(veskiGetArrayElement(aHostObject.array(), 0)->getNativeObject(aClass));
 }
 
 void bindConstructed(ReferenceCountingIntf const* aObject, Deviant const& aDeviant, VeskInterned aClass,

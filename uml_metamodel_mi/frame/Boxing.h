@@ -18,13 +18,14 @@ template <class T>
 concept Reference = requires {
   typename T::InterfaceType;
   typename T::Domain;
-} && std::derived_from<T, Handle<typename T::InterfaceType>>;
+}
+&&std::derived_from<T, Handle<typename T::InterfaceType>>;
 
 /// The token of a class name as objects answer it; null for a null or empty name.
 vesk::VeskInterned internClassName(char const* aName);
 
-/// The host value of an object in a variant: the host object bound to it, or a new one of class `aClass`, which
-/// then holds one count on the object. `aObject` may be null, and is held by the caller.
+/// The host value of an object in a variant: the host object bound to it, or a new one of class `aClass`,
+/// which then holds one count on the object. `aObject` may be null, and is held by the caller.
 vesk::VeskValue announceObject(ReferenceCountingIntf const* aObject, Deviant const& aDeviant, bool aImmutable,
                                vesk::VeskInterned aClass);
 
@@ -43,7 +44,9 @@ class ReferenceBoxer {
                                         bool aImmutable, vesk::VeskInterned aDefault);
 };
 
-/// Binds a new object to the host object that the host made for a running constructor; `aObject` may be null.
+/// Makes sure that the host made an instance for a running constructor; it has no native side yet.
+void checkConstructing(vesk::VeskInterned aClass, vesk::VeskValue aHostObject);
+/// Binds a new object to that instance; `aObject` may be null.
 void bindConstructed(ReferenceCountingIntf const* aObject, Deviant const& aDeviant, vesk::VeskInterned aClass,
                      vesk::VeskValue aHostObject);
 
@@ -52,7 +55,8 @@ void bindConstructed(ReferenceCountingIntf const* aObject, Deviant const& aDevia
 vesk::VeskValue boxIterator(Generic::IteratorIntf const* aIterator, Deviant const& aDeviant, bool aImmutable,
                             vesk::VeskInterned aClass);
 
-/// How a T becomes a host value: `static vesk::VeskValue box(T const&)`. Libraries specialise it for their types.
+/// How a T becomes a host value: `static vesk::VeskValue box(T const&)`. Libraries specialise it for their
+/// types.
 template <class T>
 struct Boxer;
 

@@ -5,8 +5,8 @@
 
 namespace Kelm::mi {
 
-/// Drops the binding of an id and gives back the count that the host object held. An object that is gone already is
-/// left alone.
+/// Drops the binding of an id and gives back the count that the host object held. An object that is gone
+/// already is left alone.
 void releaseBoundObject(void* aId);
 /// The object of an id and its variant, which the read-only and the changeable view share.
 [[nodiscard]] vesk::Identity identifyBoundObject(void const* aId);
@@ -20,7 +20,8 @@ class ClassMetaData : public vesk::factory::HandleClassInfo<ReferenceCountingInt
   vesk::Identity identify(void const* aId) const override { return identifyBoundObject(aId); }
 };
 
-/// Base of the class infos of meta-property classes, whose instances are bound to stateless markers and own them.
+/// Base of the class infos of meta-property classes, whose instances are bound to stateless markers and own
+/// them.
 template <class Marker>
 class MetaPropertyMetaData : public vesk::factory::HandleClassInfo<Marker, false> {
  public:

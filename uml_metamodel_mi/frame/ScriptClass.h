@@ -6,8 +6,8 @@
 
 namespace Kelm::mi {
 
-/// The script class that shows values of C++ type T: `name()` is its interned full name, `kImmutable` says whether
-/// instances are bound as read-only. Libraries specialise it for the types that they publish.
+/// The script class that shows values of C++ type T: `name()` is its interned full name, `kImmutable` says
+/// whether instances are bound as read-only. Libraries specialise it for the types that they publish.
 template <class T>
 struct ScriptClass;
 

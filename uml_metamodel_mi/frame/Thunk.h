@@ -5,7 +5,6 @@
 
 #include "uml_metamodel_mi/frame/Boxing.h"
 #include "uml_metamodel_mi/frame/Unboxing.h"
-#include "vesk/VeskInterface.h"
 #include "vesk/factory/Invoker.h"
 
 /// Thunks, made from the type of the typed function alone: functions of one type share one thunk.
@@ -13,8 +12,8 @@ namespace Kelm::mi {
 
 using vesk::factory::impl::Invoker;
 
-/// What must be there for a call to go on: the receiver's reference, which may be a null one, or the object behind
-/// it. The second is for functions that call into a receiver without looking.
+/// What must be there for a call to go on: the receiver's reference, which may be a null one, or the object
+/// behind it. The second is for functions that call into a receiver without looking.
 enum class SelfCheck { Reference, Implementation };
 
 namespace detail {
@@ -85,7 +84,8 @@ void giveResult(Call const& aCall, List& aArguments, int& aResultCount, vesk::Ve
   }
 }
 
-/// The thunks of functions of one type. `Receiver` is the class that a member function's receiver is unboxed as.
+/// The thunks of functions of one type. `Receiver` is the class that a member function's receiver is unboxed
+/// as.
 template <class Function, class Receiver, SelfCheck Check>
 struct ThunkOf;
 
@@ -131,8 +131,7 @@ struct ConstructorThunk<Created (*)(Parameters...)> {
                   vesk::VeskValue* aResults, int, vesk::VeskValue const* aValues) {
     auto const function = aInvoker.function<Created (*)(Parameters...)>();
     Arguments<Parameters...> arguments(aValues);
-    // The host object has no native side yet; asking makes sure that there is an instance to bind.
-    (void)veskiGetArrayElement(aResults[0].array(), 0)->getNativeObject(ScriptClass<Created>::name());
+    checkConstructing(ScriptClass<Created>::name(), aResults[0]);
     Created const created = arguments.apply(function);
     bindConstructed(created.get(), created.getDeviant(), ScriptClass<Created>::name(), aResults[0]);
     if (aResultCount == 0) aResultCount = 1;

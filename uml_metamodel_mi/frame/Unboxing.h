@@ -18,8 +18,8 @@ struct UnboxedArgument {
   bool fHasValue = false;
 };
 
-/// The interface that `aTags` name on the object behind element 0 of `aArray`, or null, with the deviant; whether
-/// the array has an element. `aClass` is the declared class of the argument.
+/// The interface that `aTags` name on the object behind element 0 of `aArray`, or null, with the deviant;
+/// whether the array has an element. `aClass` is the declared class of the argument.
 struct UnboxedInterface {
   void* fInterface = nullptr;
   Deviant fDeviant;
@@ -32,17 +32,18 @@ UnboxedInterface unboxInterface(tarnArray const* aArray, vesk::VeskInterned aCla
 UnboxedInterface unboxInstance(vesk::VeskInterface& aInstance, vesk::VeskInterned aClass,
                                CooperativeVisitor::internal::ClassInfo const& aTags);
 
-/// A reference in an array whose declared class is not that of T.
+/// A reference in an array whose declared class is not that of T. Out of line, as it stands in every thunk with such
+/// an argument.
 template <Reference T>
-UnboxedArgument<T> unboxReference(vesk::VeskValue aValue, vesk::VeskInterned aClass) {
+[[gnu::noinline]] UnboxedArgument<T> unboxReference(vesk::VeskValue aValue, vesk::VeskInterned aClass) {
   using Intf = typename T::InterfaceType;
   UnboxedInterface const found = unboxInterface(aValue.array(), aClass, tagPair<Intf, typename T::Domain>());
   if (!found.fHasValue) return {};
   return {T(static_cast<Intf*>(found.fInterface), found.fDeviant), true};
 }
 
-/// How a host value becomes a T: `static UnboxedArgument<T> unbox(vesk::VeskValue)`. Libraries specialise it for
-/// their types.
+/// How a host value becomes a T: `static UnboxedArgument<T> unbox(vesk::VeskValue)`. Libraries specialise it
+/// for their types.
 template <class T>
 struct ArgumentUnboxer;
 

@@ -84,9 +84,9 @@ def test_containers(model):
     assert model.feature("Operation.ownedParameter").gives_namespace
 
 
-def test_unions_list_the_visible_subsets_in_order(model):
+def test_unions_list_the_visible_features_below_them_in_order(model):
     unions = {union.feature.key: [member.key for member in union.members] for union in model.metaclass("Class").unions}
-    assert unions["Classifier.feature"] == ["Class.ownedOperation", "Class.ownedReception", "Classifier.attribute",
+    assert unions["Classifier.feature"] == ["Class.ownedAttribute", "Class.ownedOperation", "Class.ownedReception",
                                            "StructuredClassifier.ownedConnector"]
     assert unions["StructuredClassifier.role"] == ["Class.ownedAttribute"]
 

@@ -99,14 +99,16 @@ def _meta_properties(metaclass: Metaclass, kernel: list[KernelFeature]):
 
 
 def _unions(metaclass: Metaclass) -> list[Union]:
+    """Each union with the stored and computed features that it lists, those of unions below it among them."""
     visible = metaclass.visible
-    return [Union(feature, tuple(other for other in visible if _adds_to(other, feature)))
+    return [Union(feature, tuple(other for other in visible if not other.is_union and _adds_to(other, feature)))
             for feature in visible if feature.is_union]
 
 
 def _adds_to(feature: Feature, union: Feature) -> bool:
-    """Whether a feature, or one that it redefines, is a direct subset of the union."""
-    return union in feature.subsets or any(_adds_to(hidden, union) for hidden in feature.redefines)
+    """Whether a feature, or one that it redefines, is a subset of the union or of a union below it."""
+    return (any(wide is union or wide.is_union and _adds_to(wide, union) for wide in feature.subsets)
+            or any(_adds_to(hidden, union) for hidden in feature.redefines))
 
 
 def _operations(tables: Tables, types: dict[str, ValueType]) -> list[Operation]:

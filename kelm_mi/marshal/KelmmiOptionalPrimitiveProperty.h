@@ -1,0 +1,26 @@
+#pragma once
+
+#include "kelm_mi/KelmmiProperty.h"
+#include "uml_metamodel/umlmm/Boolean.h"
+#include "uml_metamodel/umlmm/Integer.h"
+
+namespace Kelm::mi {
+
+/// A Boolean or Integer that may be absent. It travels as an array; an absent one is the host's empty value
+/// of the data type.
+template <class T>
+class UMLMM_API KelmmiOptionalPrimitiveProperty final : public KelmmiProperty {
+ public:
+  using KelmmiProperty::KelmmiProperty;
+  ~KelmmiOptionalPrimitiveProperty() override;
+
+  /// An empty array unsets the feature; more than one element raises.
+  void setValue(vesk::VeskInterface* aInstance, vesk::VeskValue aValue) override;
+  void releaseValue(vesk::VeskInterface* aInstance, vesk::VeskValue aValue) override;
+  vesk::VeskValue getSingleValuedValue(Kelm::ClassObject& aObject) override;
+};
+
+extern template class KelmmiOptionalPrimitiveProperty<umlmm::Boolean>;
+extern template class KelmmiOptionalPrimitiveProperty<umlmm::Integer>;
+
+}  // namespace Kelm::mi
