@@ -1,0 +1,302 @@
+#include "arguments.h"
+
+#include <cmath>
+#include <cstring>
+
+#include "classes.h"
+#include "failures.h"
+#include "instances.h"
+#include "lists.h"
+#include "names.h"
+#include "tarn/tarn.h"
+#include "vesk/VeskError.h"
+
+namespace vesk::python {
+
+namespace {
+
+namespace cost = host::cost;
+using host::Carrier;
+using host::ClassRecord;
+
+[[noreturn]] void throwRange(PyObject* object, std::string const& accepted) {
+  throw VeskError(shortRepr(object) + " is not accepted: " + accepted + " is expected",
+                  VeskError::Kind::Range);
+}
+
+bool isListOrTuple(PyObject* object) noexcept { return PyList_Check(object) || PyTuple_Check(object); }
+
+/// None, [] and (): how a script says that there is no value.
+bool isEmpty(PyObject* object) noexcept {
+  return object == Py_None || (isListOrTuple(object) && PySequence_Fast_GET_SIZE(object) == 0);
+}
+
+template <class Test>
+bool allItems(PyObject* listOrTuple, Test test) {
+  for (Py_ssize_t i = 0; i < PySequence_Fast_GET_SIZE(listOrTuple); ++i)
+    if (!test(PySequence_Fast_GET_ITEM(listOrTuple, i))) return false;
+  return true;
+}
+
+ClassRecord& classOf(host::Type const& type) noexcept {
+  return const_cast<ClassRecord&>(static_cast<ClassRecord const&>(type));
+}
+
+// --- costs
+
+int costOfLogical(PyObject* object) noexcept {
+  if (PyBool_Check(object)) return cost::kExact;
+  return PyLong_Check(object) ? cost::kCoercion : cost::kNone;
+}
+
+int costOfInt32(PyObject* object) noexcept {
+  if (PyBool_Check(object)) return cost::kCoercion;
+  if (PyLong_Check(object)) return cost::kExact;
+  if (PyFloat_Check(object)) {
+    double const value = PyFloat_AS_DOUBLE(object);
+    return value == std::trunc(value) && std::isfinite(value) ? cost::kWidening : cost::kNone;
+  }
+  return PyIndex_Check(object) ? cost::kWidening : cost::kNone;
+}
+
+/// A scalar, nothing, or a list of scalars.
+template <class Scalar>
+int costOfOptional(PyObject* object, Scalar costOfScalar) {
+  if (isEmpty(object)) return cost::kExact;
+  if (!isListOrTuple(object)) return costOfScalar(object);
+  return allItems(object, [&](PyObject* item) { return costOfScalar(item) >= 0; }) ? cost::kList
+                                                                                   : cost::kNone;
+}
+
+int costOfText(PyObject* object) noexcept {
+  if (PyUnicode_Check(object)) return cost::kExact;
+  return isEmpty(object) ? cost::kWidening : cost::kNone;
+}
+
+int costOfNatural(PyObject* object) noexcept {
+  if (PyUnicode_Check(object) || isEmpty(object)) return cost::kExact;
+  return PyLong_Check(object) && !PyBool_Check(object) ? cost::kWidening : cost::kNone;
+}
+
+/// A list that the host can build from the items of another one.
+int costOfBuiltList(PyObject* object, ClassRecord& cls) {
+  if (!isListOrTuple(object) && !isListInstance(object)) return cost::kNone;
+  Ref const items = Ref::checked(PySequence_Fast(object, "a list is expected"));
+  host::Type const& element = host::typeOf(internal::intern(cls.info().getSequenceHook()->elementType()));
+  bool const fits = allItems(items.get(), [&](PyObject* item) { return conversionCost(item, element) >= 0; });
+  return fits ? cost::kBuiltSequence : cost::kNone;
+}
+
+int costOfObject(PyObject* object, host::Type const& wanted) {
+  ClassRecord& cls = classOf(wanted);
+  bool const isList = cls.info().getSequenceHook() != nullptr;
+  if (isInstance(object)) {
+    int const distance = instanceOf(object).classRecord().distanceTo(cls);
+    if (distance >= 0 || !isList) return distance;
+  }
+  if (isEmpty(object)) return cost::kExact;
+  if (isList) return costOfBuiltList(object, cls);
+  if (PyUnicode_Check(object)) return isEnumeration(cls) ? cost::kCoercion : cost::kNone;
+  if (!isListOrTuple(object)) return cost::kNone;
+  auto const fits = [&](PyObject* item) {
+    return isInstance(item) && instanceOf(item).classRecord().distanceTo(cls) >= 0;
+  };
+  return allItems(object, fits) ? cost::kList : cost::kNone;
+}
+
+// --- values
+
+std::int32_t toInt32(PyObject* object) {
+  Ref const number = Ref::checked(PyFloat_Check(object) ? PyNumber_Long(object) : PyNumber_Index(object));
+  int overflow = 0;
+  long const value = PyLong_AsLongAndOverflow(number.get(), &overflow);
+  if (overflow || value < INT32_MIN || value > INT32_MAX)
+    throw VeskError("value out of range for int32: " + shortRepr(object), VeskError::Kind::Range);
+  return static_cast<std::int32_t>(value);
+}
+
+bool toLogicalElement(PyObject* object) {
+  if (object != Py_True && object != Py_False && toInt32(object) != 0 && toInt32(object) != 1)
+    throwRange(object, "True, False, 1, 0 or None");
+  return PyObject_IsTrue(object) == 1;
+}
+
+void copyUtf16(PyObject* text, char16_t* out) noexcept {
+  Py_ssize_t const length = PyUnicode_GET_LENGTH(text);
+  int const kind = PyUnicode_KIND(text);
+  void const* data = PyUnicode_DATA(text);
+  if (kind == PyUnicode_2BYTE_KIND) {
+    std::memcpy(out, data, static_cast<std::size_t>(length) * 2);
+    return;
+  }
+  for (Py_ssize_t i = 0; i < length; ++i) {
+    Py_UCS4 const character = PyUnicode_READ(kind, data, i);
+    if (character < 0x10000) {
+      *out++ = static_cast<char16_t>(character);
+    } else {
+      *out++ = static_cast<char16_t>(0xD7C0 + (character >> 10));
+      *out++ = static_cast<char16_t>(0xDC00 + (character & 0x3FF));
+    }
+  }
+}
+
+tarnArray* toText(PyObject* text) {
+  auto units = static_cast<std::size_t>(PyUnicode_GET_LENGTH(text));
+  if (units == 0) return tarnCreateEmpty(charClassId);
+  if (PyUnicode_KIND(text) == PyUnicode_4BYTE_KIND) {
+    Py_UCS4 const* data = PyUnicode_4BYTE_DATA(text);
+    for (Py_ssize_t i = 0; i < PyUnicode_GET_LENGTH(text); ++i) units += data[i] >= 0x10000 ? 1 : 0;
+  }
+  tarnArray* array = tarnCreateStringOfLength(nullptr, units);
+  copyUtf16(text, tarn::dataAs<char16_t>(array));
+  return array;
+}
+
+tarnArray* toNatural(PyObject* object) {
+  if (isEmpty(object)) return tarnCreateEmpty(charClassId);
+  if (PyUnicode_Check(object)) return toText(object);
+  Ref const zero = Ref::checked(PyLong_FromLong(0));
+  if (checkedInt(PyObject_RichCompareBool(object, zero.get(), Py_LT)) != 0)
+    throwRange(object, "a natural number or '*'");
+  Ref const digits = Ref::checked(PyObject_Str(object));
+  return toText(digits.get());
+}
+
+/// A row of numbers or truth values of any length.
+template <class Element, class Convert>
+tarnArray* toRow(PyObject* object, tarnClassId classId, Convert convertElement) {
+  if (isEmpty(object)) return tarnCreateEmpty(classId);
+  Ref const items = isListOrTuple(object) ? Ref::shared(object) : Ref::checked(PyTuple_Pack(1, object));
+  Py_ssize_t const count = PySequence_Fast_GET_SIZE(items.get());
+  tarnArray* array = tarnCreateNumericMatrix(1, static_cast<std::uint64_t>(count), classId, 0);
+  try {
+    for (Py_ssize_t i = 0; i < count; ++i)
+      tarn::dataAs<Element>(array)[i] =
+          static_cast<Element>(convertElement(PySequence_Fast_GET_ITEM(items.get(), i)));
+  } catch (...) {
+    tarnDestroyArray(array);
+    throw;
+  }
+  return array;
+}
+
+tarnArray* toObjectRow(PyObject* listOrTuple) {
+  Py_ssize_t const count = PySequence_Fast_GET_SIZE(listOrTuple);
+  tarnArray* array = tarnCreateObjectMatrix(1, static_cast<std::uint64_t>(count));
+  for (Py_ssize_t i = 0; i < count; ++i) {
+    VeskInterface& instance = instanceOf(PySequence_Fast_GET_ITEM(listOrTuple, i));
+    tarnSetObject(array, static_cast<std::size_t>(i), &instance);
+  }
+  return array;
+}
+
+VeskValue toLiteral(PyObject* text, ClassRecord& cls) {
+  host::Member const* fromText = cls.findMember(internal::interned<"fromString">());
+  Arguments source(&text);
+  try {
+    host::MethodRecord const& method = host::resolveMethod(*fromText, host::CallForm::OnClass, source, 1);
+    return host::callMethod(method, host::CallForm::OnClass, nullptr, source, 1).release();
+  } catch (std::exception const&) {
+    throwRange(text, acceptedValues(cls));
+  }
+}
+
+VeskValue toObject(PyObject* object, host::Type const& wanted) {
+  ClassRecord& cls = classOf(wanted);
+  bool const isList = cls.info().getSequenceHook() != nullptr;
+  if (isInstance(object) && (!isList || instanceOf(object).classRecord().distanceTo(cls) >= 0))
+    return instanceOf(object).newReference();
+  if (isEmpty(object)) return tarnCreateEmpty(objectClassId);
+  if (isList) return instanceOf(buildList(cls, object).get()).newReference();
+  if (PyUnicode_Check(object)) return toLiteral(object, cls);
+  return toObjectRow(object);
+}
+
+}  // namespace
+
+int conversionCost(PyObject* object, host::Type const& wanted) {
+  switch (wanted.fCarrier) {
+    case Carrier::Void:
+      return cost::kNone;
+    case Carrier::RawLogical:
+      return costOfLogical(object);
+    case Carrier::RawInt32:
+      return costOfInt32(object);
+    case Carrier::Front:
+      return cost::kExact;
+    case Carrier::Text:
+      return costOfText(object);
+    case Carrier::NaturalText:
+      return costOfNatural(object);
+    case Carrier::OptionalLogical:
+      return costOfOptional(object, costOfLogical);
+    case Carrier::OptionalInt32:
+      return costOfOptional(object, costOfInt32);
+    case Carrier::Object:
+      return costOfObject(object, wanted);
+  }
+  return cost::kNone;
+}
+
+VeskValue convert(PyObject* object, host::Type const& wanted) {
+  switch (wanted.fCarrier) {
+    case Carrier::Void:
+      break;
+    case Carrier::RawLogical:
+      return VeskValue::ofLogical(PyObject_IsTrue(object) == 1);
+    case Carrier::RawInt32:
+      return VeskValue::ofInt32(toInt32(object));
+    case Carrier::Front:
+      return VeskValue::ofWord(reinterpret_cast<std::uintptr_t>(object));
+    case Carrier::Text:
+      return PyUnicode_Check(object) ? toText(object) : tarnCreateEmpty(charClassId);
+    case Carrier::NaturalText:
+      return toNatural(object);
+    case Carrier::OptionalLogical:
+      return toRow<unsigned char>(object, logicalClassId, toLogicalElement);
+    case Carrier::OptionalInt32:
+      return toRow<std::int32_t>(object, int32ClassId, toInt32);
+    case Carrier::Object:
+      return toObject(object, wanted);
+  }
+  throw VeskError("There are no values of type '" + std::string(wanted.fName.view()) + "'",
+                  VeskError::Kind::Match);
+}
+
+std::string acceptedValues(host::Type const& wanted) {
+  switch (wanted.fCarrier) {
+    case Carrier::Void:
+      return "nothing";
+    case Carrier::RawLogical:
+      return "True or False";
+    case Carrier::RawInt32:
+      return "an int of 32 bits";
+    case Carrier::Front:
+      return "any object";
+    case Carrier::Text:
+      return "a str";
+    case Carrier::NaturalText:
+      return "a natural number, '*' or None";
+    case Carrier::OptionalLogical:
+      return "True, False or None";
+    case Carrier::OptionalInt32:
+      return "an int of 32 bits or None";
+    case Carrier::Object:
+      break;
+  }
+  ClassRecord& cls = classOf(wanted);
+  if (SequenceHook const* hook = cls.info().getSequenceHook())
+    return "a list of " + std::string(hook->elementType()) + " or None";
+  if (isEnumeration(cls)) return "one of " + literalNames(cls) + " of " + std::string(cls.fName.view());
+  return std::string(cls.fName.view()) + " or None";
+}
+
+std::string Arguments::describe(int index) {
+  PyObject* object = fObjects[index];
+  if (isInstance(object)) return std::string(instanceOf(object).classRecord().fName.view());
+  if (object == Py_None || PyUnicode_Check(object) || PyLong_Check(object) || PyFloat_Check(object))
+    return shortRepr(object);
+  return Py_TYPE(object)->tp_name;
+}
+
+}  // namespace vesk::python

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <string>
+
+#include "python.h"
+#include "vesk/host/Call.h"
+
+namespace vesk::python {
+
+/// What it costs to take a Python object as a value of a type; host::cost::kNone if it is none. The answer
+/// follows from types alone, so a number out of range is found by convert.
+[[nodiscard]] int conversionCost(PyObject* object, host::Type const& wanted);
+/// The object as a value of the type, whose array is the caller's. Throws a VeskError of kind Range for a
+/// value that does not fit, and one of kind Match for an object that has no conversion.
+[[nodiscard]] VeskValue convert(PyObject* object, host::Type const& wanted);
+
+/// What a type takes, for messages: "a str", "an umlmm.Class or None".
+[[nodiscard]] std::string acceptedValues(host::Type const& wanted);
+
+/// The arguments of one call, borrowed.
+class Arguments final : public host::ArgumentSource {
+ public:
+  explicit Arguments(PyObject* const* objects) noexcept : fObjects(objects) {}
+
+  int conversionCost(int index, host::Type const& wanted) override {
+    return python::conversionCost(fObjects[index], wanted);
+  }
+  VeskValue convert(int index, host::Type const& wanted) override {
+    return python::convert(fObjects[index], wanted);
+  }
+  std::string describe(int index) override;
+
+ private:
+  PyObject* const* fObjects;
+};
+
+}  // namespace vesk::python

@@ -1,0 +1,274 @@
+#include "classes.h"
+
+#include <algorithm>
+#include <memory>
+#include <set>
+#include <string_view>
+
+#include "arguments.h"
+#include "failures.h"
+#include "instances.h"
+#include "lists.h"
+#include "members.h"
+#include "names.h"
+#include "packages.h"
+#include "vesk/host/PackageRecord.h"
+
+namespace vesk::python {
+
+PyTypeObject gMetaType{};
+
+namespace {
+
+using host::ClassRecord;
+using host::MethodRecord;
+
+PyTypeObject gClassDocType{};
+PyObject* gClassDoc = nullptr;
+
+ClassFront& frontOfType(PyObject* type) noexcept { return *reinterpret_cast<ClassObject*>(type)->fFront; }
+
+std::string nameOf(ClassRecord& record) { return std::string(record.fName.view()); }
+std::string_view shortNameOf(ClassRecord& record) {
+  std::string_view const name = record.fName.view();
+  return name.substr(name.find('.') + 1);
+}
+
+// --- making a class
+
+bool isLiteral(MethodRecord const& method) noexcept {
+  return method.fIsStatic && method.fCount == 0 && method.fOwner &&
+         method.fSignature->result() == method.fOwner->fName;
+}
+
+Ref makeBases(ClassRecord& record, bool isChangeableList) {
+  auto const supers = record.superclasses();
+  bool const isList = record.info().getSequenceHook() != nullptr;
+  PyTypeObject* own = isChangeableList ? &gChangeableListType : isList ? &gListType : &gInstanceType;
+  std::vector<PyObject*> bases;
+  bool isCovered = false;
+  for (ClassRecord* super : supers) {
+    PyTypeObject* type = frontOf(*super).fType;
+    bases.push_back(reinterpret_cast<PyObject*>(type));
+    isCovered |= PyType_IsSubtype(type, own) != 0;
+  }
+  if (!isCovered) bases.push_back(reinterpret_cast<PyObject*>(own));
+  Ref tuple = Ref::checked(PyTuple_New(static_cast<Py_ssize_t>(bases.size())));
+  for (std::size_t i = 0; i < bases.size(); ++i)
+    PyTuple_SET_ITEM(tuple.get(), static_cast<Py_ssize_t>(i), Py_NewRef(bases[i]));
+  return tuple;
+}
+
+void addMember(PyObject* dictionary, VeskInterned name, PyObject* member) {
+  checkedInt(PyDict_SetItem(dictionary, pythonName(name), member));
+  if (isReservedWord(name.view()))
+    checkedInt(PyDict_SetItemString(dictionary, (std::string(name.view()) + "_").c_str(), member));
+}
+
+void addMethods(PyObject* dictionary, ClassFront& front) {
+  for (MethodRecord const& method : front.fRecord->methods()) {
+    if (method.fIsConstructor || PyDict_Contains(dictionary, pythonName(method.fName))) continue;
+    if (PyObject* function = functionOf(method)) {
+      addMember(dictionary, method.fName, function);
+    } else if (isLiteral(method)) {
+      front.fLiterals.push_back(method.fName);
+      addMember(dictionary, method.fName, makeLiteral(method.fName, *front.fRecord).get());
+    } else {
+      addMember(dictionary, method.fName, makeMethod(method.fName, *front.fRecord).get());
+    }
+  }
+}
+
+Ref makeDictionary(ClassFront& front) {
+  ClassRecord& record = *front.fRecord;
+  Ref dictionary = Ref::checked(PyDict_New());
+  PyObject* dict = dictionary.get();
+  Ref const slots = Ref::checked(PyTuple_New(0));
+  checkedInt(PyDict_SetItemString(dict, "__slots__", slots.get()));
+  checkedInt(PyDict_SetItemString(dict, "__doc__", gClassDoc));
+  Ref const module = pythonText(record.package() ? moduleNameOf(record.package()->name().view()) : "umlmm");
+  checkedInt(PyDict_SetItemString(dict, "__module__", module.get()));
+  for (host::PropertyRecord const& property : record.properties())
+    addMember(dict, property.fName, makeProperty(property).get());
+  addMethods(dict, front);
+  return dictionary;
+}
+
+host::Member const* comparison(ClassRecord& record, char const* name) {
+  host::Member const* member = record.findMember(internal::intern(name));
+  return member && !member->fProperty ? member : nullptr;
+}
+
+void findSpecialMembers(ClassFront& front) {
+  constexpr char const* kNames[] = {"lt", "le", "eq", "ne", "gt", "ge"};
+  static_assert(Py_LT == 0 && Py_LE == 1 && Py_EQ == 2 && Py_NE == 3 && Py_GT == 4 && Py_GE == 5);
+  for (int i = 0; i < 6; ++i) front.fComparisons[i] = comparison(*front.fRecord, kNames[i]);
+  front.fToText = comparison(*front.fRecord, "toString");
+}
+
+PyObject* construct(PyObject* type, PyObject* const* arguments, std::size_t flaggedCount,
+                    PyObject* keywords) {
+  return guarded<PyObject*>(nullptr, [=] {
+    ClassFront& front = frontOfType(type);
+    checkNoKeywords(keywords, front.fRecord->fName.c_str());
+    int const count = static_cast<int>(PyVectorcall_NARGS(flaggedCount));
+    Arguments source(arguments);
+    MethodRecord const* constructor =
+        front.fConstruction.find(nullptr, host::CallForm::Constructor, arguments, count);
+    if (!constructor) {
+      constructor = &host::resolveConstructor(*front.fRecord, source, count);
+      front.fConstruction.store(nullptr, host::CallForm::Constructor, arguments, count, *constructor);
+    }
+    Ref object(objectOf(*host::makeInstance(*front.fRecord)));
+    host::construct(*constructor, instanceOf(object.get()), source, count);
+    return object.release();
+  });
+}
+
+/// A literal called like the method that it is published as.
+PyObject* callLiteral(PyObject* self, PyObject* arguments, PyObject* keywords) {
+  return guarded<PyObject*>(nullptr, [=] {
+    if (PyTuple_GET_SIZE(arguments) > 0 || (keywords && PyDict_GET_SIZE(keywords) > 0))
+      raise(PyExc_TypeError, "A literal takes no arguments");
+    return Py_NewRef(self);
+  });
+}
+
+void finishType(ClassFront& front, PyTypeObject* type) {
+  reinterpret_cast<ClassObject*>(type)->fFront = &front;
+  front.fType = type;
+  type->tp_vectorcall = construct;
+  type->tp_dealloc = deallocateInstance;
+  // Python tracks objects of all classes made at run time. These hold nothing but their class: they need no
+  // collector and are allocated without the room for its links.
+  type->tp_flags &= ~Py_TPFLAGS_HAVE_GC;
+  type->tp_traverse = nullptr;
+  type->tp_clear = nullptr;
+  type->tp_free = PyObject_Free;
+  if (!front.fLiterals.empty()) type->tp_call = callLiteral;
+}
+
+// --- the class of classes
+
+PyObject* refuseSubclass(PyTypeObject*, PyObject*, PyObject*) {
+  PyErr_SetString(PyExc_TypeError,
+                  "Published classes cannot be subclassed by a script; Kelm.extend adds methods to them");
+  return nullptr;
+}
+
+PyObject* getClassAttribute(PyObject* type, PyObject* name) {
+  PyObject* value = PyType_Type.tp_getattro(type, name);
+  if (value || !PyErr_ExceptionMatches(PyExc_AttributeError) || !PyUnicode_Check(name)) return value;
+  return guarded<PyObject*>(nullptr, [=]() -> PyObject* {
+    std::string const wanted = utf8(name);
+    if (wanted.starts_with("__")) throw PythonError();  // what tools ask for: Python's own error does
+    PyErr_Clear();
+    raiseAttributeError("class '" + nameOf(*frontOfType(type).fRecord) + "' has no attribute '" + wanted +
+                            "'" + didYouMean(wanted, memberNames(reinterpret_cast<PyTypeObject*>(type))),
+                        type, name);
+  });
+}
+
+int setClassAttribute(PyObject* type, PyObject* name, PyObject*) {
+  return guarded(-1, [=]() -> int {
+    raise(PyExc_TypeError,
+          shortRepr(name) + " of class '" + nameOf(*frontOfType(type).fRecord) +
+              "' cannot be set: members of published classes are fixed; Kelm.extend adds methods");
+  });
+}
+
+PyObject* classDoc(PyObject*, PyObject* object, PyObject* type) {
+  return guarded<PyObject*>(nullptr, [=]() -> PyObject* {
+    PyObject* cls = type ? type : reinterpret_cast<PyObject*>(Py_TYPE(object));
+    if (!Py_IS_TYPE(cls, &gMetaType)) return Py_NewRef(Py_None);
+    ClassRecord& record = *frontOfType(cls).fRecord;
+    std::string text = nameOf(record);
+    std::string_view last;
+    for (char const* description : {record.info().getDescription(), record.info().getDetailedDescription()}) {
+      if (!description || !*description || description == last) continue;
+      text.append("\n\n").append(description);
+      last = description;
+    }
+    for (MethodRecord const* constructor : record.constructors()) text += "\n\n" + constructor->text();
+    return pythonText(text).release();
+  });
+}
+
+}  // namespace
+
+ClassFront& frontOf(ClassRecord& record) {
+  if (record.fFront) [[likely]]
+    return *static_cast<ClassFront*>(record.fFront);
+  record.ensureFilled();
+  auto front = std::make_unique<ClassFront>();
+  front->fRecord = &record;
+  front->fSequence = record.info().getSequenceHook();
+  bool const isChangeableList = front->fSequence && record.findMember(internal::interned<"append">());
+  Ref const bases = makeBases(record, isChangeableList);
+  Ref const dictionary = makeDictionary(*front);
+  Ref const name = pythonText(shortNameOf(record));
+  Ref const arguments = Ref::checked(PyTuple_Pack(3, name.get(), bases.get(), dictionary.get()));
+  PyObject* type = checked(PyType_Type.tp_new(&gMetaType, arguments.get(), nullptr));
+  findSpecialMembers(*front);
+  finishType(*front, reinterpret_cast<PyTypeObject*>(type));
+  record.fFront = front.get();
+  return *front.release();
+}
+
+bool isEnumeration(ClassRecord& record) {
+  return !frontOf(record).fLiterals.empty() && record.findMember(internal::interned<"fromString">());
+}
+
+std::string literalNames(ClassRecord& record) {
+  std::string text;
+  for (VeskInterned literal : frontOf(record).fLiterals)
+    text.append(text.empty() ? "" : ", ").append(literal.view());
+  return text;
+}
+
+std::vector<std::string> memberNames(PyTypeObject* type) {
+  std::set<std::string> names;
+  for (Py_ssize_t i = 0; i < PyTuple_GET_SIZE(type->tp_mro); ++i) {
+    auto* base = reinterpret_cast<PyTypeObject*>(PyTuple_GET_ITEM(type->tp_mro, i));
+    PyObject *key, *value;
+    Py_ssize_t position = 0;
+    while (PyDict_Next(base->tp_dict, &position, &key, &value)) {
+      std::string name = utf8(key);
+      if (!name.starts_with("_")) names.insert(std::move(name));
+    }
+  }
+  return {names.begin(), names.end()};
+}
+
+void addToType(ClassRecord& record, PyObject* name, PyObject* function) {
+  PyTypeObject* type = frontOf(record).fType;
+  checkedInt(PyDict_SetItem(type->tp_dict, name, function));
+  PyType_Modified(type);
+}
+
+void prepareMetaType() {
+  Py_SET_REFCNT(reinterpret_cast<PyObject*>(&gClassDocType), 1);
+  gClassDocType.tp_name = "umlmm._host.ClassDoc";
+  gClassDocType.tp_basicsize = sizeof(PyObject);
+  gClassDocType.tp_flags = Py_TPFLAGS_DEFAULT | Py_TPFLAGS_DISALLOW_INSTANTIATION;
+  gClassDocType.tp_descr_get = classDoc;
+  checkedInt(PyType_Ready(&gClassDocType));
+  gClassDoc = checked(gClassDocType.tp_alloc(&gClassDocType, 0));
+
+  PyTypeObject& type = gMetaType;
+  Py_SET_REFCNT(reinterpret_cast<PyObject*>(&type), 1);
+  type.tp_name = "umlmm._host.Class";
+  type.tp_doc = "The class of published classes.";
+  type.tp_base = &PyType_Type;
+  type.tp_basicsize = sizeof(ClassObject);
+  type.tp_itemsize = PyType_Type.tp_itemsize;
+  type.tp_flags = Py_TPFLAGS_DEFAULT | Py_TPFLAGS_HAVE_VECTORCALL;
+  type.tp_vectorcall_offset = offsetof(PyTypeObject, tp_vectorcall);
+  type.tp_call = PyVectorcall_Call;
+  type.tp_new = refuseSubclass;
+  type.tp_getattro = getClassAttribute;
+  type.tp_setattro = setClassAttribute;
+  checkedInt(PyType_Ready(&type));
+}
+
+}  // namespace vesk::python

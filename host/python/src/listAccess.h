@@ -1,0 +1,42 @@
+#pragma once
+
+#include <string>
+
+#include "python.h"
+
+/// What the parts of the front's lists share: reading a published list, whose places count from 0 here.
+namespace vesk::python {
+
+[[nodiscard]] Py_ssize_t sizeOf(PyObject* list);
+/// The element at a place that exists.
+[[nodiscard]] Ref itemAt(PyObject* list, Py_ssize_t place);
+/// A Python list of the elements from `first` to before `last`, or of all.
+[[nodiscard]] Ref readRange(PyObject* list, Py_ssize_t first, Py_ssize_t last);
+[[nodiscard]] Ref readAll(PyObject* list);
+
+/// The number of an index object.
+[[nodiscard]] Py_ssize_t toIndex(PyObject* number);
+/// The place that an index means, counted from the end if it is negative; IndexError outside of the list.
+[[nodiscard]] Py_ssize_t placeOf(PyObject* list, Py_ssize_t index);
+/// The place of the first element equal to `value` in [first, last); ValueError if there is none.
+[[nodiscard]] Py_ssize_t placeOfValue(PyObject* list, PyObject* value, Py_ssize_t first, Py_ssize_t last);
+
+struct Slice {
+  Py_ssize_t fStart, fStop, fStep, fCount;
+};
+[[nodiscard]] Slice resolveSlice(PyObject* list, PyObject* slice);
+
+[[nodiscard]] std::string listClassName(PyObject* list);
+
+/// Appends by the published method.
+void appendTo(PyObject* list, PyObject* value);
+/// Sets the slots and methods by which a list is changed.
+void prepareListChanges(PyTypeObject& type);
+
+/// A function in the form in which Python's tables hold those that take their arguments as an array.
+template <class Function>
+[[nodiscard]] PyCFunction asFastCall(Function function) noexcept {
+  return reinterpret_cast<PyCFunction>(reinterpret_cast<void (*)()>(function));
+}
+
+}  // namespace vesk::python

@@ -1,0 +1,371 @@
+#include "lists.h"
+
+#include <algorithm>
+#include <array>
+#include <string>
+
+#include "arguments.h"
+#include "calls.h"
+#include "classes.h"
+#include "failures.h"
+#include "instances.h"
+#include "listAccess.h"
+#include "names.h"
+#include "results.h"
+#include "vesk/VeskError.h"
+#include "vesk/host/PackageRecord.h"
+
+namespace vesk::python {
+
+PyTypeObject gListType{};
+PyTypeObject gChangeableListType{};
+
+namespace {
+
+using host::ClassRecord;
+
+constexpr std::size_t kBlock = 32;
+
+/// Up to `count` elements from `first` on, as new references; answers how many.
+std::size_t readBlock(PyObject* list, std::size_t first, std::size_t count, PyObject** out) {
+  PyInstance& instance = instanceOf(list);
+  ClassFront& front = frontOf(instance);
+  host::Type const& type = front.elementType();
+  std::array<VeskValue, kBlock> values;
+  std::size_t const read =
+      front.fSequence->readBlock(&instance, first, std::min(count, kBlock), values.data());
+  std::size_t done = 0;
+  try {
+    for (; done < read; ++done) out[done] = toPython(host::OwnedValue(type, values[done])).release();
+  } catch (...) {
+    for (std::size_t i = done + 1; i < read; ++i) host::destroyValue(type, values[i]);
+    while (done > 0) Py_DECREF(out[--done]);
+    throw;
+  }
+  return read;
+}
+
+/// The place of the first element equal to `value` in [first, last), or -1.
+Py_ssize_t findPlace(PyObject* self, PyObject* value, Py_ssize_t first, Py_ssize_t last) {
+  while (first < last) {
+    Ref const items = readRange(self, first, std::min(last, first + static_cast<Py_ssize_t>(kBlock)));
+    Py_ssize_t const count = PyList_GET_SIZE(items.get());
+    if (count == 0) break;
+    for (Py_ssize_t i = 0; i < count; ++i)
+      if (checkedInt(PyObject_RichCompareBool(PyList_GET_ITEM(items.get(), i), value, Py_EQ)))
+        return first + i;
+    first += count;
+  }
+  return -1;
+}
+
+}  // namespace
+
+// --- reading
+
+std::string listClassName(PyObject* list) { return std::string(instanceOf(list).classRecord().fName.view()); }
+
+Py_ssize_t sizeOf(PyObject* list) {
+  PyInstance& instance = instanceOf(list);
+  return static_cast<Py_ssize_t>(frontOf(instance).fSequence->size(&instance));
+}
+
+Ref readRange(PyObject* list, Py_ssize_t first, Py_ssize_t last) {
+  Ref result = Ref::checked(PyList_New(0));
+  std::array<PyObject*, kBlock> block;
+  while (first < last) {
+    std::size_t const read = readBlock(list, static_cast<std::size_t>(first),
+                                       static_cast<std::size_t>(last - first), block.data());
+    if (read == 0) break;
+    int failed = 0;
+    for (std::size_t i = 0; i < read; ++i) {
+      failed |= PyList_Append(result.get(), block[i]);
+      Py_DECREF(block[i]);
+    }
+    checkedInt(failed);
+    first += static_cast<Py_ssize_t>(read);
+  }
+  return result;
+}
+
+Ref readAll(PyObject* list) { return readRange(list, 0, sizeOf(list)); }
+
+Py_ssize_t placeOf(PyObject* list, Py_ssize_t index) {
+  Py_ssize_t const size = sizeOf(list);
+  Py_ssize_t const place = index < 0 ? index + size : index;
+  if (place < 0 || place >= size)
+    raise(PyExc_IndexError,
+          "index " + std::to_string(index) + " is out of range for a list of " + std::to_string(size));
+  return place;
+}
+
+Ref itemAt(PyObject* list, Py_ssize_t place) {
+  PyObject* item = nullptr;
+  if (readBlock(list, static_cast<std::size_t>(place), 1, &item) == 0)
+    raise(PyExc_IndexError, "index out of range");
+  return Ref(item);
+}
+
+Py_ssize_t toIndex(PyObject* number) {
+  Py_ssize_t const index = PyNumber_AsSsize_t(number, PyExc_IndexError);
+  if (index == -1 && PyErr_Occurred()) throw PythonError();
+  return index;
+}
+
+Slice resolveSlice(PyObject* list, PyObject* slice) {
+  Slice result{};
+  checkedInt(PySlice_Unpack(slice, &result.fStart, &result.fStop, &result.fStep));
+  result.fCount = PySlice_AdjustIndices(sizeOf(list), &result.fStart, &result.fStop, result.fStep);
+  return result;
+}
+
+Py_ssize_t placeOfValue(PyObject* self, PyObject* value, Py_ssize_t first, Py_ssize_t last) {
+  Py_ssize_t const place = findPlace(self, value, first, last);
+  if (place < 0) raise(PyExc_ValueError, shortRepr(value) + " is not in the list");
+  return place;
+}
+
+namespace {
+
+Ref readSlice(PyObject* list, PyObject* slice) {
+  Slice const range = resolveSlice(list, slice);
+  if (range.fStep == 1) return readRange(list, range.fStart, range.fStart + range.fCount);
+  Ref const all = readAll(list);
+  return Ref::checked(PyObject_GetItem(all.get(), slice));
+}
+
+// --- iteration
+
+struct IteratorObject {
+  PyObject_HEAD PyObject* fList;
+  Py_ssize_t fExpectedSize;
+  std::size_t fNext;  ///< index in the list of the next block
+  std::size_t fRead;  ///< elements in the block
+  std::size_t fGiven;
+  PyObject* fBlock[kBlock];
+};
+
+PyTypeObject gIteratorType{};
+
+IteratorObject& asIterator(PyObject* object) noexcept { return *reinterpret_cast<IteratorObject*>(object); }
+
+PyObject* iterate(PyObject* list) {
+  return guarded<PyObject*>(nullptr, [=] {
+    Py_ssize_t const size = sizeOf(list);
+    auto* iterator = PyObject_New(IteratorObject, &gIteratorType);
+    if (!iterator) throw PythonError();
+    iterator->fList = Py_NewRef(list);
+    iterator->fExpectedSize = size;
+    iterator->fNext = iterator->fRead = iterator->fGiven = 0;
+    return reinterpret_cast<PyObject*>(iterator);
+  });
+}
+
+/// A list that changes under an iterator ends in a clear error: elements are read ahead in blocks, and what
+/// was read could be stale.
+PyObject* nextItem(PyObject* self) {
+  return guarded<PyObject*>(nullptr, [self]() -> PyObject* {
+    IteratorObject& iterator = asIterator(self);
+    if (!iterator.fList) return nullptr;
+    if (sizeOf(iterator.fList) != iterator.fExpectedSize)
+      raise(PyExc_RuntimeError,
+            "The list changed its size while it was iterated; iterate over list(...) of it instead");
+    if (iterator.fGiven == iterator.fRead) {
+      iterator.fGiven = iterator.fRead = 0;
+      iterator.fRead = readBlock(iterator.fList, iterator.fNext, kBlock, iterator.fBlock);
+      iterator.fNext += iterator.fRead;
+      if (iterator.fRead == 0) {
+        Py_CLEAR(iterator.fList);
+        return nullptr;
+      }
+    }
+    return iterator.fBlock[iterator.fGiven++];
+  });
+}
+
+void deallocateIterator(PyObject* self) {
+  IteratorObject& iterator = asIterator(self);
+  while (iterator.fGiven < iterator.fRead) Py_DECREF(iterator.fBlock[iterator.fGiven++]);
+  Py_XDECREF(iterator.fList);
+  PyObject_Free(self);
+}
+
+// --- slots of all lists
+
+Py_ssize_t length(PyObject* self) {
+  return guarded<Py_ssize_t>(-1, [=] { return sizeOf(self); });
+}
+
+PyObject* itemOfSequence(PyObject* self, Py_ssize_t index) {
+  return guarded<PyObject*>(nullptr, [=] { return itemAt(self, placeOf(self, index)).release(); });
+}
+
+PyObject* subscript(PyObject* self, PyObject* key) {
+  return guarded<PyObject*>(nullptr, [=] {
+    if (PySlice_Check(key)) return readSlice(self, key).release();
+    if (!PyIndex_Check(key))
+      raise(PyExc_TypeError,
+            "indices of a list must be integers or slices, not " + std::string(Py_TYPE(key)->tp_name));
+    return itemAt(self, placeOf(self, toIndex(key))).release();
+  });
+}
+
+int contains(PyObject* self, PyObject* value) {
+  return guarded(-1, [=] { return findPlace(self, value, 0, sizeOf(self)) >= 0 ? 1 : 0; });
+}
+
+PyObject* compareLists(PyObject* self, PyObject* other, int operation) {
+  if (!PyList_Check(other) && !isListInstance(other)) return Py_NewRef(Py_NotImplemented);
+  return guarded<PyObject*>(nullptr, [=] {
+    Ref const left = readAll(self);
+    Ref const right = PyList_Check(other) ? Ref::shared(other) : readAll(other);
+    return PyObject_RichCompare(left.get(), right.get(), operation);
+  });
+}
+
+PyObject* concatenate(PyObject* self, PyObject* other) {
+  return guarded<PyObject*>(nullptr, [=] {
+    if (!PyList_Check(other) && !PyTuple_Check(other) && !isListInstance(other))
+      raise(PyExc_TypeError,
+            "can only concatenate a list to a list, not " + std::string(Py_TYPE(other)->tp_name));
+    Ref const left = isListInstance(self) ? readAll(self) : Ref::checked(PySequence_List(self));
+    Ref const right = Ref::checked(PySequence_List(other));
+    return PySequence_Concat(left.get(), right.get());
+  });
+}
+
+PyObject* representList(PyObject* self) {
+  return guarded<PyObject*>(nullptr, [=] {
+    constexpr Py_ssize_t kShown = 8;
+    Py_ssize_t const size = sizeOf(self);
+    Ref const items = readRange(self, 0, std::min(size, kShown));
+    Ref const text = Ref::checked(PyObject_Repr(items.get()));
+    std::string const more = size > kShown ? ", " + std::to_string(size - kShown) + " more" : "";
+    return PyUnicode_FromFormat("<%s %U%s>", listClassName(self).c_str(), text.get(), more.c_str());
+  });
+}
+
+// --- methods that only read
+
+PyObject* indexOf(PyObject* self, PyObject* const* arguments, Py_ssize_t count) {
+  return guarded<PyObject*>(nullptr, [=] {
+    if (count < 1 || count > 3) raise(PyExc_TypeError, "index takes a value and at most two indices");
+    Py_ssize_t const size = sizeOf(self);
+    Py_ssize_t first = count > 1 ? toIndex(arguments[1]) : 0;
+    Py_ssize_t last = count > 2 ? toIndex(arguments[2]) : size;
+    PySlice_AdjustIndices(size, &first, &last, 1);
+    return PyLong_FromSsize_t(placeOfValue(self, arguments[0], first, last));
+  });
+}
+
+PyObject* countOf(PyObject* self, PyObject* value) {
+  return guarded<PyObject*>(nullptr, [=] {
+    Ref const items = readAll(self);
+    return PyLong_FromSsize_t(checkedInt(PySequence_Count(items.get(), value)));
+  });
+}
+
+PyObject* iterateBackwards(PyObject* self, PyObject*) {
+  return guarded<PyObject*>(nullptr, [=] {
+    Ref const items = readAll(self);
+    return PyObject_CallOneArg(reinterpret_cast<PyObject*>(&PyReversed_Type), items.get());
+  });
+}
+
+PyMethodDef sListMethods[] = {
+    {"index", asFastCall(indexOf), METH_FASTCALL, "index(value, start=0, stop=len) -> place, counted from 0"},
+    {"count", countOf, METH_O, "count(value) -> number of elements equal to the value"},
+    {"__reversed__", iterateBackwards, METH_NOARGS, "Iterator from the last element to the first."},
+    {nullptr, nullptr, 0, nullptr}};
+
+PySequenceMethods sListSequence{};
+PyMappingMethods sListMapping{};
+
+void prepareBase(PyTypeObject& type, PyTypeObject& base, char const* name, char const* doc) {
+  Py_SET_REFCNT(reinterpret_cast<PyObject*>(&type), 1);
+  type.tp_name = name;
+  type.tp_doc = doc;
+  type.tp_base = &base;
+  type.tp_basicsize = base.tp_basicsize;
+  type.tp_flags =
+      Py_TPFLAGS_DEFAULT | Py_TPFLAGS_BASETYPE | Py_TPFLAGS_SEQUENCE | Py_TPFLAGS_DISALLOW_INSTANTIATION;
+  checkedInt(PyType_Ready(&type));
+}
+
+void registerAs(char const* abstractClass, PyTypeObject& type) {
+  Ref const module = Ref::checked(PyImport_ImportModule("_collections_abc"));
+  Ref const base = Ref::checked(PyObject_GetAttrString(module.get(), abstractClass));
+  Ref const done =
+      Ref::checked(PyObject_CallMethod(base.get(), "register", "O", reinterpret_cast<PyObject*>(&type)));
+}
+
+void prepareIterator() {
+  Py_SET_REFCNT(reinterpret_cast<PyObject*>(&gIteratorType), 1);
+  gIteratorType.tp_name = "umlmm._host.ListIterator";
+  gIteratorType.tp_basicsize = sizeof(IteratorObject);
+  gIteratorType.tp_flags = Py_TPFLAGS_DEFAULT | Py_TPFLAGS_DISALLOW_INSTANTIATION;
+  gIteratorType.tp_dealloc = deallocateIterator;
+  gIteratorType.tp_iter = PyObject_SelfIter;
+  gIteratorType.tp_iternext = nextItem;
+  checkedInt(PyType_Ready(&gIteratorType));
+}
+
+/// The class whose `make` gives an empty list that is a `wanted`: the class itself, or for a class of lists
+/// that can't be changed the one named without the leading "Immutable".
+ClassRecord& builderOf(ClassRecord& wanted) {
+  constexpr std::string_view kImmutable = "Immutable";
+  if (wanted.findMember(internal::interned<"make">())) return wanted;
+  std::string name(wanted.fName.view());
+  std::size_t const start = name.find('.') + 1;
+  if (std::string_view(name).substr(start).starts_with(kImmutable)) {
+    name.erase(start, kImmutable.size());
+    ClassRecord* builder = host::findClass(internal::findInterned(name));
+    if (builder && builder->distanceTo(wanted) >= 0 && builder->findMember(internal::interned<"make">()))
+      return *builder;
+  }
+  throw VeskError("No list of class '" + std::string(wanted.fName.view()) + "' can be made from other values",
+                  VeskError::Kind::Match);
+}
+
+}  // namespace
+
+bool isListInstance(PyObject* object) noexcept { return PyObject_TypeCheck(object, &gListType) != 0; }
+
+Ref buildList(ClassRecord& wanted, PyObject* items) {
+  ClassRecord& builder = builderOf(wanted);
+  PyObject* const noModel = Py_None;
+  Arguments source(&noModel);
+  host::Member const& make = *builder.findMember(internal::interned<"make">());
+  host::MethodRecord const& method = host::resolveMethod(make, host::CallForm::OnClass, source, 1);
+  Ref list = toPython(host::callMethod(method, host::CallForm::OnClass, nullptr, source, 1));
+  Ref const values = Ref::checked(PySequence_List(items));
+  for (Py_ssize_t i = 0; i < PyList_GET_SIZE(values.get()); ++i)
+    appendTo(list.get(), PyList_GET_ITEM(values.get(), i));
+  return list;
+}
+
+void prepareListTypes() {
+  prepareIterator();
+  sListSequence.sq_length = sListMapping.mp_length = length;
+  sListSequence.sq_item = itemOfSequence;
+  sListSequence.sq_contains = contains;
+  sListSequence.sq_concat = concatenate;
+  sListMapping.mp_subscript = subscript;
+  gListType.tp_as_sequence = &sListSequence;
+  gListType.tp_as_mapping = &sListMapping;
+  gListType.tp_methods = sListMethods;
+  gListType.tp_iter = iterate;
+  gListType.tp_richcompare = compareLists;
+  gListType.tp_hash = PyObject_HashNotImplemented;
+  gListType.tp_repr = gListType.tp_str = representList;
+  prepareBase(gListType, gInstanceType, "umlmm._host.List", "What all published lists can do.");
+
+  prepareListChanges(gChangeableListType);
+  prepareBase(gChangeableListType, gListType, "umlmm._host.ChangeableList",
+              "What published lists that can be changed can do.");
+
+  registerAs("Sequence", gListType);
+  registerAs("MutableSequence", gChangeableListType);
+}
+
+}  // namespace vesk::python

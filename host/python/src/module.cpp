@@ -1,0 +1,140 @@
+#include <string>
+
+#include "arguments.h"
+#include "classes.h"
+#include "failures.h"
+#include "instances.h"
+#include "lists.h"
+#include "members.h"
+#include "names.h"
+#include "packages.h"
+#include "tarn/tarn.h"
+#include "vesk/VeskError.h"
+#include "vesk/factory/BindingRegistry.h"
+#include "vesk/host/PackageRecord.h"
+
+namespace vesk::python {
+
+namespace {
+
+Ref tupleOfNames(std::vector<std::string_view> const& names) {
+  Ref tuple = Ref::checked(PyTuple_New(static_cast<Py_ssize_t>(names.size())));
+  for (std::size_t i = 0; i < names.size(); ++i)
+    PyTuple_SET_ITEM(tuple.get(), static_cast<Py_ssize_t>(i), pythonText(names[i]).release());
+  return tuple;
+}
+
+PyObject* load(PyObject*, PyObject* library) {
+  return guarded<PyObject*>(nullptr, [=] {
+    std::vector<std::string_view> names;
+    for (host::PackageRecord* package : host::load(utf8(library))) names.push_back(package->name().view());
+    return tupleOfNames(names).release();
+  });
+}
+
+PyObject* attach(PyObject*, PyObject* arguments) {
+  return guarded<PyObject*>(nullptr, [=] {
+    PyObject* module = nullptr;
+    char const* package = nullptr;
+    if (!PyArg_ParseTuple(arguments, "O!s", &PyModule_Type, &module, &package)) throw PythonError();
+    attachPackage(module, package);
+    return Py_NewRef(Py_None);
+  });
+}
+
+PyObject* extend(PyObject*, PyObject* arguments) {
+  return guarded<PyObject*>(nullptr, [=] {
+    PyObject *className = nullptr, *name = nullptr, *function = nullptr;
+    if (!PyArg_ParseTuple(arguments, "UUO:extend", &className, &name, &function)) throw PythonError();
+    extendClass(className, name, function);
+    return Py_NewRef(Py_None);
+  });
+}
+
+host::PackageRecord& packageOf(PyObject* name) {
+  host::PackageRecord* package = host::findPackage(utf8(name));
+  if (!package) raise(PyExc_ValueError, "Package " + shortRepr(name) + " is not loaded");
+  return *package;
+}
+
+PyObject* classNames(PyObject*, PyObject* package) {
+  return guarded<PyObject*>(nullptr, [=] {
+    std::vector<std::string_view> names;
+    for (host::ClassRecord* cls : packageOf(package).classes()) names.push_back(cls->fName.view());
+    return tupleOfNames(names).release();
+  });
+}
+
+PyObject* describe(PyObject*, PyObject* className) {
+  return guarded<PyObject*>(nullptr,
+                            [=] { return describeClass(host::classOf(internedName(className))).release(); });
+}
+
+PyObject* describePackageFunctions(PyObject*, PyObject* package) {
+  return guarded<PyObject*>(nullptr, [=] { return describeFunctions(utf8(package)).release(); });
+}
+
+PyObject* liveCounts(PyObject*, PyObject*) {
+  return Py_BuildValue("{s:n,s:n,s:n}", "instances", static_cast<Py_ssize_t>(host::Instance::liveCount()),
+                       "bindings", static_cast<Py_ssize_t>(factory::basic::BindingRegistry::size()), "arrays",
+                       static_cast<Py_ssize_t>(tarn::liveArrayCount()));
+}
+
+PyMethodDef sFunctions[] = {
+    {"load", load, METH_O, "load(name) -> names of the packages that the library lib<name>.so brings"},
+    {"attach", attach, METH_VARARGS, "attach(module, package): shows a package's members in a module"},
+    {"extend", extend, METH_VARARGS,
+     "extend(class_name, name, function): adds a method to a published class\n\n"
+     "The class is named by the full name of its changeable form, such as 'umlmm.Comment'; the method is on "
+     "its\n"
+     "read-only form too. The function is called with the object and the arguments of the call."},
+    {"class_names", classNames, METH_O, "class_names(package) -> full names in the order of announcement"},
+    {"describe_class", describe, METH_O, "describe_class(name) -> what the filled class tells of itself"},
+    {"describe_functions", describePackageFunctions, METH_O,
+     "describe_functions(package) -> list of descriptions"},
+    {"live_counts", liveCounts, METH_NOARGS,
+     "live_counts() -> numbers of living instances, bindings and arrays"},
+    {nullptr, nullptr, 0, nullptr}};
+
+void terminateHost() noexcept {
+  try {
+    host::terminate();
+  } catch (...) {  // the process ends: there is no one left to tell
+  }
+}
+
+/// The host's counts and registries are those of the process and know one interpreter.
+int execute(PyObject*) {
+  return guarded(-1, [] {
+    static bool sIsLoaded = false;
+    if (sIsLoaded || PyInterpreterState_Get() != PyInterpreterState_Main())
+      raise(PyExc_ImportError, "umlmm can be loaded once in a process, by its main interpreter");
+    sIsLoaded = true;
+    prepareInstanceType();
+    prepareMetaType();
+    prepareMemberTypes();
+    prepareListTypes();
+    preparePackageType();
+    host::setInstanceMaker(&makePyInstance);
+    Py_AtExit(terminateHost);
+    return 0;
+  });
+}
+
+PyModuleDef_Slot sSlots[] = {{Py_mod_exec, reinterpret_cast<void*>(&execute)}, {0, nullptr}};
+
+PyModuleDef sModule = {PyModuleDef_HEAD_INIT,
+                       "umlmm._host",
+                       "The host of the published classes: loads libraries and shows what they announce.",
+                       0,
+                       sFunctions,
+                       sSlots,
+                       nullptr,
+                       nullptr,
+                       nullptr};
+
+}  // namespace
+
+}  // namespace vesk::python
+
+PyMODINIT_FUNC PyInit__host() { return PyModuleDef_Init(&vesk::python::sModule); }

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "python.h"
+#include "vesk/host/ClassRecord.h"
+
+namespace vesk::python {
+
+/// Makes a Python module the place where the members of a package are found: each class is made when it is
+/// first asked for.
+void attachPackage(PyObject* module, std::string_view package);
+void preparePackageType();
+
+/// The name of the module that shows a package; the package's own name until one is attached.
+[[nodiscard]] std::string moduleNameOf(std::string_view package);
+
+/// Hands a method with a Python body to the library of a class. Throws PythonError.
+void extendClass(PyObject* className, PyObject* name, PyObject* function);
+/// The Python function that is the body of a method, borrowed, or null.
+[[nodiscard]] PyObject* functionOf(host::MethodRecord const& method) noexcept;
+
+/// All that a class tells of itself, as a dictionary.
+[[nodiscard]] Ref describeClass(host::ClassRecord& record);
+/// The functions of a package, as a list of dictionaries.
+[[nodiscard]] Ref describeFunctions(std::string_view package);
+
+}  // namespace vesk::python

@@ -1,0 +1,53 @@
+#pragma once
+
+#define PY_SSIZE_T_CLEAN
+#include <Python.h>
+
+#include <utility>
+
+namespace vesk::python {
+
+/// Thrown where Python has set an error: it travels to the nearest C function and is left as it stands.
+struct PythonError {};
+
+/// Owns one reference to a Python object, or none.
+class Ref {
+ public:
+  constexpr Ref() noexcept = default;
+  /// Takes over a reference.
+  explicit Ref(PyObject* object) noexcept : fObject(object) {}
+  Ref(Ref&& other) noexcept : fObject(std::exchange(other.fObject, nullptr)) {}
+  Ref& operator=(Ref&& other) noexcept {
+    std::swap(fObject, other.fObject);
+    return *this;
+  }
+  ~Ref() { Py_XDECREF(fObject); }
+
+  /// Takes over the result of a Python call; throws PythonError for null.
+  [[nodiscard]] static Ref checked(PyObject* object) {
+    if (!object) throw PythonError();
+    return Ref(object);
+  }
+  [[nodiscard]] static Ref shared(PyObject* object) noexcept { return Ref(Py_XNewRef(object)); }
+
+  [[nodiscard]] PyObject* get() const noexcept { return fObject; }
+  [[nodiscard]] PyObject* release() noexcept { return std::exchange(fObject, nullptr); }
+  explicit operator bool() const noexcept { return fObject != nullptr; }
+
+ private:
+  PyObject* fObject = nullptr;
+};
+
+/// Passes an object of a Python call on; throws PythonError for null.
+inline PyObject* checked(PyObject* object) {
+  if (!object) throw PythonError();
+  return object;
+}
+/// The same for calls that answer -1 for an error.
+template <class Int>
+Int checkedInt(Int result) {
+  if (result < 0) throw PythonError();
+  return result;
+}
+
+}  // namespace vesk::python

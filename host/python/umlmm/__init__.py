@@ -1,0 +1,32 @@
+"""UML models as Python objects.
+
+    import umlmm
+
+    model = umlmm.Factory.createNewModel()
+    package = umlmm.Package(model)
+    package.name = "shop"
+
+The classes of the metamodel are members of this package, those of the kernel below it members of
+`umlmm.Kelm`. A class is made when it is first touched.
+"""
+
+import sys as _sys
+
+from umlmm import _host
+
+__version__ = "0.1.0"
+
+
+def _show(name, package):
+    """The module `name`, which shows the members of a package."""
+    module = _sys.modules.get(name)
+    if module is None:
+        module = _sys.modules[name] = type(_sys)(name)
+    _host.attach(module, package)
+    return module
+
+
+_host.load("uml_metamodel_mi")
+Kelm = _show("umlmm.Kelm", "Kelm")
+Kelm.extend = _host.extend
+_show(__name__, "umlmm")
