@@ -66,3 +66,23 @@ function(umlmm_benchmark name)
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/benchmarks)
   target_link_libraries(${name} PRIVATE ${ARG_DEPENDS} benchmark::benchmark umlmm_settings)
 endfunction()
+
+# Python itself is built without sanitizers: their libraries have to be there before it starts.
+set(UMLMM_PYTHON_ENVIRONMENT "PYTHONPATH=${CMAKE_BINARY_DIR}/python" PYTHONDONTWRITEBYTECODE=1)
+if(UMLMM_SANITIZE)
+  set(preloaded)
+  foreach(library libasan.so libubsan.so)
+    execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${library}
+      OUTPUT_VARIABLE path OUTPUT_STRIP_TRAILING_WHITESPACE)
+    list(APPEND preloaded ${path})
+  endforeach()
+  list(JOIN preloaded " " preloaded)
+  list(APPEND UMLMM_PYTHON_ENVIRONMENT "LD_PRELOAD=${preloaded}" ASAN_OPTIONS=detect_leaks=0 PYTHONMALLOC=malloc)
+endif()
+
+# umlmm_python_test(name folder): the pytest files of a folder, with the package of this build.
+function(umlmm_python_test name folder)
+  add_test(NAME ${name}
+    COMMAND ${Python3_EXECUTABLE} -m pytest -q -p no:cacheprovider ${CMAKE_CURRENT_SOURCE_DIR}/${folder})
+  set_tests_properties(${name} PROPERTIES ENVIRONMENT "${UMLMM_PYTHON_ENVIRONMENT}")
+endfunction()

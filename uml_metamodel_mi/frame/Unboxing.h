@@ -32,8 +32,8 @@ UnboxedInterface unboxInterface(tarnArray const* aArray, vesk::VeskInterned aCla
 UnboxedInterface unboxInstance(vesk::VeskInterface& aInstance, vesk::VeskInterned aClass,
                                CooperativeVisitor::internal::ClassInfo const& aTags);
 
-/// A reference in an array whose declared class is not that of T. Out of line, as it stands in every thunk with such
-/// an argument.
+/// A reference in an array whose declared class is not that of T. Out of line, as it stands in every thunk
+/// with such an argument.
 template <Reference T>
 [[gnu::noinline]] UnboxedArgument<T> unboxReference(vesk::VeskValue aValue, vesk::VeskInterned aClass) {
   using Intf = typename T::InterfaceType;

@@ -40,7 +40,8 @@ std::u16string uriOf(Element const& aElement) {
     contents.clear();
     collectContents(*way[at], contents);
     auto const found = std::find(contents.begin(), contents.end(), way[at - 1]);
-    path += "/" + std::to_string(found - contents.begin());
+    path += '/';
+    path += std::to_string(found - contents.begin());
   }
   return std::u16string(aElement.fModel->getModelUri(aElement.fModel->baseDeviant()).text()) +
          Kelm::toUtf16("#//" + path);

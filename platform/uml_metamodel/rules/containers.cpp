@@ -7,8 +7,9 @@ namespace umlmm::rules {
 
 namespace {
 
+/// The feature that holds the element, as its container has it.
 engine::Feature const& holder(engine::Element const& aElement) noexcept {
-  return engine::feature(aElement.fContainerFeature);
+  return engine::seenOn(*aElement.fContainer, engine::feature(aElement.fContainerFeature));
 }
 
 }  // namespace
