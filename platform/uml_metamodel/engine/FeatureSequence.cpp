@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "engine/ElementRef.h"
 #include "engine/failures.h"
 #include "kelm/kernel/containers/iterator/IteratorProxy.h"
 #include "kelm/kernel/containers/sequence/Ref.h"
@@ -16,10 +17,6 @@ using Kelm::Generic::IteratorIntf;
 using Kelm::Generic::IteratorPtr;
 using Kelm::Generic::Ref;
 using ObjectAccess = Kelm::Generic::RefAccess<Kelm::Object>;
-
-Ref toRef(Element* aElement, Deviant const& aDeviant) {
-  return ObjectAccess::make(Kelm::Object(aElement, aDeviant));
-}
 
 [[noreturn]] void raiseOutOfBounds() { Kelm::raiseFailure(Kelm::words::kIndexOutOfBounds, kSource); }
 [[noreturn]] void raiseEmpty() { Kelm::raiseFailure(Kelm::words::kSequenceEmpty, kSource); }
@@ -48,7 +45,7 @@ class FeatureSequence::Iterator final : public Kelm::IteratorProxy {
     checkReadable(fSequence.element(), aDeviant);
     refresh();
     if (fCurrent == nullptr) raiseOutOfBounds();
-    return toRef(fCurrent, aDeviant);
+    return refTo(*fCurrent, aDeviant);
   }
   void next(Deviant const& aDeviant) override {
     checkReadable(fSequence.element(), aDeviant);
@@ -151,19 +148,19 @@ std::uint32_t FeatureSequence::add(Deviant const& aDeviant, std::uint32_t aPosit
 
 Ref FeatureSequence::generic_at(Deviant const& aDeviant, int aIndex) const {
   checkReadable(fElement, aDeviant);
-  return toRef(at(checkedPosition(aDeviant, aIndex, size())), aDeviant);
+  return refTo(*at(checkedPosition(aDeviant, aIndex, size())), aDeviant);
 }
 
 Ref FeatureSequence::generic_front(Deviant const& aDeviant) const {
   checkReadable(fElement, aDeviant);
   if (size() == 0) raiseEmpty();
-  return toRef(at(0), aDeviant);
+  return refTo(*at(0), aDeviant);
 }
 
 Ref FeatureSequence::generic_back(Deviant const& aDeviant) const {
   checkReadable(fElement, aDeviant);
   if (size() == 0) raiseEmpty();
-  return toRef(at(size() - 1), aDeviant);
+  return refTo(*at(size() - 1), aDeviant);
 }
 
 IteratorPtr FeatureSequence::generic_begin(Deviant const& aDeviant) const {
@@ -277,7 +274,7 @@ int FeatureSequence::readBlock(Deviant const& aDeviant, int aIndex, int aCount, 
   aStamp = stamp();
   std::uint32_t const first = std::min(static_cast<std::uint32_t>(aIndex), total);
   std::uint32_t const count = std::min(static_cast<std::uint32_t>(aCount), total - first);
-  for (std::uint32_t step = 0; step < count; ++step) aOut[step] = toRef(at(first + step), aDeviant);
+  if (count != 0) copyRefs(all().subspan(first), count, aDeviant, aOut);
   return static_cast<int>(count);
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <span>
 #include <vector>
 
 #include "engine/slots.h"
@@ -67,6 +68,8 @@ class FeatureSequence : public Kelm::Generic::SequenceIntf {
   // Positions count from 0 and are in range; changes come with a writable variant.
   virtual std::uint32_t size() const = 0;
   virtual Element* at(std::uint32_t aPosition) const = 0;
+  /// All values in order, if there are any; valid until the next change.
+  virtual std::span<Element* const> all() const = 0;
   /// Position of a living element, or kNowhere.
   virtual std::uint32_t find(Element const& aValue) const = 0;
   virtual bool contains(Element const& aValue) const = 0;

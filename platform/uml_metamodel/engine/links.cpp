@@ -137,9 +137,10 @@ void collect(Element const& aOwner, Feature const& aRoot, std::vector<Element*>&
     if (Element* const value = single(aOwner, aRoot)) aOut.push_back(value);
     return;
   }
-  if (auto* const list = pointerSlot<ElementList>(aOwner, indexOf(aRoot)))
-    for (Element* const value : *list)
-      if (value != nullptr) aOut.push_back(value);
+  if (auto* const list = pointerSlot<ElementList>(aOwner, indexOf(aRoot))) {
+    auto const values = list->dense();
+    aOut.insert(aOut.end(), values.begin(), values.end());
+  }
 }
 
 void checkLink(Element const& aOwner, Feature const& aRoot, Element const& aValue, Element const* aReplaced) {

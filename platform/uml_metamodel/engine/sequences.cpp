@@ -53,6 +53,7 @@ class StoredSequence final : public FeatureSequence {
   ElementList* list() const noexcept { return pointerSlot<ElementList>(fElement, indexOf(fRoot)); }
   std::uint32_t size() const override { return ElementList::size(list()); }
   Element* at(std::uint32_t aPosition) const override { return list()->at(aPosition); }
+  std::span<Element* const> all() const override { return list()->dense(); }
   std::uint32_t find(Element const& aValue) const override {
     return list() == nullptr ? kNowhere : list()->positionOf(&aValue, ownsHints(fRoot));
   }
@@ -92,6 +93,7 @@ class ComputedSequence final : public FeatureSequence {
   }
   std::uint32_t size() const override { return static_cast<std::uint32_t>(values().size()); }
   Element* at(std::uint32_t aPosition) const override { return values()[aPosition]; }
+  std::span<Element* const> all() const override { return values(); }
   std::uint32_t find(Element const& aValue) const override {
     auto const& all = values();
     auto const found = std::find(all.begin(), all.end(), &aValue);

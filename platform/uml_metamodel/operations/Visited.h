@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 #include "engine/slots.h"
@@ -10,29 +11,24 @@ namespace umlmm::queries {
 
 using engine::Element;
 
-/// A set of elements for the length of one walk. Members carry a mark bit of their own, so that asking costs
-/// a read of the element that is at hand anyway; the marks go with the set. There are five bits; walks nested
-/// deeper fall back to hashing.
+/// A set of elements for the length of one walk, in the order in which they came. Members carry a mark bit of
+/// their own, so that asking costs a read of the element that is at hand anyway; the marks go with the set.
+/// There are five bits; walks nested deeper fall back to hashing.
 class Visited {
  public:
-  Visited() noexcept : fMark(static_cast<std::uint8_t>(sFree & -sFree)) {
-    sFree = static_cast<std::uint8_t>(sFree & ~fMark);
-  }
+  Visited() noexcept : fMark(takeBit()) {}
   Visited(Visited const&) = delete;
   Visited& operator=(Visited const&) = delete;
   ~Visited() {
-    for (Element* const element : fMarked)
-      element->fMarks = static_cast<std::uint8_t>(element->fMarks & ~fMark);
-    sFree = static_cast<std::uint8_t>(sFree | fMark);
+    clearMarks();
+    sFree = static_cast<std::uint8_t>(sFree | fMark | fFollowedMark);
   }
 
   /// Whether the element is new to the set.
   bool insert(Element const& aElement) {
     auto& element = const_cast<Element&>(aElement);
-    if (fMark == 0) return fHashed.insert(&element).second;
-    if ((element.fMarks & fMark) != 0) return false;
-    fMarked.push_back(&element);
-    element.fMarks = static_cast<std::uint8_t>(element.fMarks | fMark);
+    if (!setMark(element, fMark, fHashed)) return false;
+    fMembers.push_back(&element);
     return true;
   }
   bool contains(Element const& aElement) const {
@@ -40,13 +36,47 @@ class Visited {
     return (aElement.fMarks & fMark) != 0;
   }
 
+  /// Whether a member is followed for the first time: a second mark on members, only for sets that ask.
+  bool follow(Element& aMember) { return setMark(aMember, fFollowedMark, fHashedFollowed); }
+  /// To be called once, before the first `follow`.
+  void allowFollow() noexcept { fFollowedMark = takeBit(); }
+
+  /// The members; the set is empty then.
+  std::vector<Element*> take() noexcept {
+    clearMarks();
+    fHashed.clear();
+    fHashedFollowed.clear();
+    return std::exchange(fMembers, {});
+  }
+
  private:
+  using Hashed = std::unordered_set<Element*>;
+
+  static std::uint8_t takeBit() noexcept {
+    auto const bit = static_cast<std::uint8_t>(sFree & -sFree);
+    sFree = static_cast<std::uint8_t>(sFree & ~bit);
+    return bit;
+  }
+  static bool setMark(Element& aElement, std::uint8_t aMark, Hashed& aHashed) {
+    if (aMark == 0) return aHashed.insert(&aElement).second;
+    if ((aElement.fMarks & aMark) != 0) return false;
+    aElement.fMarks = static_cast<std::uint8_t>(aElement.fMarks | aMark);
+    return true;
+  }
+  void clearMarks() noexcept {
+    auto const kept = static_cast<std::uint8_t>(~(fMark | fFollowedMark));
+    for (Element* const element : fMembers)
+      element->fMarks = static_cast<std::uint8_t>(element->fMarks & kept);
+  }
+
   /// Bits of Element::fMarks that no walk uses; those below are the kernel's.
   static inline std::uint8_t sFree = 0xF8;
 
   std::uint8_t fMark;
-  std::vector<Element*> fMarked;
-  std::unordered_set<Element*> fHashed;
+  std::uint8_t fFollowedMark = 0;
+  std::vector<Element*> fMembers;
+  Hashed fHashed;
+  Hashed fHashedFollowed;
 };
 
 }  // namespace umlmm::queries

@@ -14,19 +14,6 @@ namespace umlmm {
 
 namespace queries {
 
-namespace {
-
-Elements closureOf(Element const& aStart, Step const& aStep) {
-  Elements all;
-  walkClosure(aStart, aStep, [&](Element& aElement) {
-    all.push_back(&aElement);
-    return true;
-  });
-  return all;
-}
-
-}  // namespace
-
 Elements parents(Element const& aClassifier) {
   Elements found;
   Visited seen;
@@ -39,20 +26,14 @@ Elements parents(Element const& aClassifier) {
 Elements allParents(Element const& aClassifier) { return closureOf(aClassifier, kToGeneral); }
 
 bool hasAncestor(Element const& aClassifier, Element const& aAncestor) {
-  bool isFound = false;
-  walkClosure(aClassifier, kToGeneral, [&](Element& aElement) {
-    isFound = &aElement == &aAncestor;
-    return !isFound;
-  });
-  return isFound;
+  Elements const all = closureOf(aClassifier, kToGeneral, &aAncestor);
+  return !all.empty() && all.back() == &aAncestor;
 }
 
 Elements withAllParents(Element& aClassifier) {
-  Elements all{&aClassifier};
-  walkClosure(aClassifier, kToGeneral, [&](Element& aElement) {
-    if (&aElement != &aClassifier) all.push_back(&aElement);
-    return true;
-  });
+  Elements all = allParents(aClassifier);
+  std::erase(all, &aClassifier);
+  all.insert(all.begin(), &aClassifier);
   return all;
 }
 
@@ -75,7 +56,7 @@ Kelm::ImmutableSequence<ImmutableFeature> ClassifierIntf::allFeatures(Kelm::Devi
   queries::Elements features = queries::members(*this);
   std::erase_if(features,
                 [](engine::Element* aMember) { return !queries::isA(*aMember, ids::metaclass::Feature); });
-  return makeResult<ImmutableFeature>(aDeviant, features);
+  return makeResult<ImmutableFeature>(aDeviant, std::move(features));
 }
 
 Kelm::ImmutableSequence<ImmutableClassifier> ClassifierIntf::parents(Kelm::Deviant const& aDeviant) const {

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <unordered_map>
 
+#include "engine/ElementRef.h"
 #include "engine/computed.h"
 #include "operations/AncestorGraph.h"
 #include "operations/UnionLeaves.h"
@@ -18,16 +19,42 @@ UnionLeaves sRedefined(ids::RedefinableElement::RedefinedElement);
 void addRedefined(Element const& aElement, Elements& aOut) {
   if (!isA(aElement, ids::metaclass::RedefinableElement)) return;
   for (engine::FeatureIndex const index : sRedefined.of(engine::metaclassOf(aElement)))
-    engine::collect(aElement, engine::feature(index), aOut);
+    for (Element* const redefined : values::elements(aElement, index)) aOut.push_back(redefined);
 }
 
 /// What the owned members of a classifier redefine, if its metaclass keeps that back.
-Elements keptBack(Element const& aClassifier) {
+Elements keptBackBy(Element const& aClassifier) {
   Elements redefined;
-  if (isA(aClassifier, ids::metaclass::Class) || isA(aClassifier, ids::metaclass::DataType))
-    for (Element* const owned : ownedMembers(aClassifier)) addRedefined(*owned, redefined);
+  if (!isA(aClassifier, ids::metaclass::Class) && !isA(aClassifier, ids::metaclass::DataType))
+    return redefined;
+  Elements const owned = ownedMembers(aClassifier);
+  for (std::size_t at = 0; at < owned.size(); ++at) {
+    engine::prefetch(owned, at);
+    addRedefined(*owned[at], redefined);
+  }
   return redefined;
 }
+
+/// What each classifier of a graph keeps back, found when first asked.
+class KeptBack {
+ public:
+  explicit KeptBack(AncestorGraph const& aGraph) : fGraph(aGraph), fLists(aGraph.size()) {}
+
+  Elements const& by(Node aNode) {
+    auto& list = fLists[aNode];
+    if (!list) list = keptBackBy(fGraph.classifier(aNode));
+    return *list;
+  }
+  bool isAny() {
+    for (Node node = 0; node < fGraph.size(); ++node)
+      if (!by(node).empty()) return true;
+    return false;
+  }
+
+ private:
+  AncestorGraph const& fGraph;
+  std::vector<std::optional<Elements>> fLists;
+};
 
 /// Members without the inherited ones, with those of each union member handed over in turn; null stands for
 /// the inherited ones in their place.
@@ -50,7 +77,7 @@ void forEachMemberList(Element const& aClassifier, Visit aVisit) {
 /// classifier is reached in two ways or nothing is kept back, as else what passes depends on the way.
 class UpwardWalk {
  public:
-  UpwardWalk(AncestorGraph const& aGraph, std::vector<Elements> const& aKeptBack)
+  UpwardWalk(AncestorGraph const& aGraph, KeptBack& aKeptBack)
       : fGraph(aGraph), fKeptBack(aKeptBack), fIsEntered(aGraph.size()) {}
 
   Elements run() {
@@ -67,7 +94,7 @@ class UpwardWalk {
       hold(done.fNode, -1);
       for (Elements const& later : done.fLater) take(later);
     }
-    return std::move(fFound);
+    return fFound.take();
   }
 
  private:
@@ -101,7 +128,7 @@ class UpwardWalk {
   }
 
   void hold(Node aNode, int aChange) {
-    for (Element* const redefined : fKeptBack[aNode]) fHeldBack[redefined] += aChange;
+    for (Element* const redefined : fKeptBack.by(aNode)) fHeldBack[redefined] += aChange;
   }
 
   void take(Elements const& aMembers) {
@@ -109,24 +136,23 @@ class UpwardWalk {
       if (isPrivate(*member)) continue;
       if (!fHeldBack.empty())
         if (auto const held = fHeldBack.find(member); held != fHeldBack.end() && held->second > 0) continue;
-      if (fSeen.insert(*member)) fFound.push_back(member);
+      fFound.insert(*member);
     }
   }
 
   AncestorGraph const& fGraph;
-  std::vector<Elements> const& fKeptBack;
+  KeptBack& fKeptBack;
   std::vector<bool> fIsEntered;
   std::vector<Frame> fOpen;
   /// How many classifiers on the way back to the start redefine an element.
   std::unordered_map<Element const*, int> fHeldBack;
-  Visited fSeen;
-  Elements fFound;
+  Visited fFound;
 };
 
 /// Members of classifiers from above downwards, one list a classifier.
 class DownwardWalk {
  public:
-  DownwardWalk(AncestorGraph const& aGraph, std::vector<Elements> const& aKeptBack)
+  DownwardWalk(AncestorGraph const& aGraph, KeptBack& aKeptBack)
       : fGraph(aGraph), fKeptBack(aKeptBack), fMembers(aGraph.size()) {}
 
   Elements run() {
@@ -145,9 +171,9 @@ class DownwardWalk {
   }
 
  private:
-  Elements inheritedBy(Node aNode) const {
+  Elements inheritedBy(Node aNode) {
     Visited held;
-    for (Element* const redefined : fKeptBack[aNode]) held.insert(*redefined);
+    for (Element* const redefined : fKeptBack.by(aNode)) held.insert(*redefined);
     Visited seen;
     Elements inherited;
     for (Node const parent : fGraph.parents(aNode))
@@ -158,7 +184,7 @@ class DownwardWalk {
   }
 
   AncestorGraph const& fGraph;
-  std::vector<Elements> const& fKeptBack;
+  KeptBack& fKeptBack;
   std::vector<Elements> fMembers;
 };
 
@@ -173,19 +199,14 @@ Elements redefinedElements(Element const& aElement) {
 Elements inheritedMembers(Element const& aClassifier) {
   if (values::entries(aClassifier, ids::Classifier::Generalization).empty()) return {};
   AncestorGraph const graph(aClassifier);
-  std::vector<Elements> held;
-  bool isAnyHeld = false;
-  for (Node node = 0; node < graph.size(); ++node) {
-    held.push_back(keptBack(graph.classifier(node)));
-    isAnyHeld |= !held.back().empty();
-  }
-  if (graph.hasJoins() && isAnyHeld) return DownwardWalk(graph, held).run();
-  return UpwardWalk(graph, held).run();
+  KeptBack keptBack(graph);
+  if (graph.hasJoins() && keptBack.isAny()) return DownwardWalk(graph, keptBack).run();
+  return UpwardWalk(graph, keptBack).run();
 }
 
 Elements inherit(Element const& aClassifier, Elements const& aCandidates) {
   Visited held;
-  for (Element* const redefined : keptBack(aClassifier)) held.insert(*redefined);
+  for (Element* const redefined : keptBackBy(aClassifier)) held.insert(*redefined);
   Visited seen;
   Elements passing;
   for (Element* const candidate : aCandidates)
@@ -207,16 +228,15 @@ bool hasVisibilityOf(Element const& aClassifier, Element const* aMember) {
   if (aMember == nullptr) return false;
   if (!isPrivate(*aMember)) return true;
   // Nobody inherits a private member, so an ancestor has it otherwise or not at all.
-  bool isHidden = false;
-  walkClosure(aClassifier, kToGeneral, [&](Element& aAncestor) {
-    isHidden = namespaceOf(*aMember) == &aAncestor;
-    if (!isHidden)
-      forEachMemberList(aAncestor, [&](Elements const* aList) {
-        if (aList != nullptr) isHidden |= std::find(aList->begin(), aList->end(), aMember) != aList->end();
+  for (Element* const ancestor : allParents(aClassifier)) {
+    bool hasMember = namespaceOf(*aMember) == ancestor;
+    if (!hasMember)
+      forEachMemberList(*ancestor, [&](Elements const* aList) {
+        if (aList != nullptr) hasMember |= std::find(aList->begin(), aList->end(), aMember) != aList->end();
       });
-    return !isHidden;
-  });
-  return !isHidden;
+    if (hasMember) return false;
+  }
+  return true;
 }
 
 }  // namespace umlmm::queries

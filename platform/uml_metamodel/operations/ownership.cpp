@@ -1,3 +1,4 @@
+#include "engine/ElementRef.h"
 #include "operations/UnionLeaves.h"
 #include "operations/queries.h"
 #include "operations/results.h"
@@ -49,6 +50,7 @@ Elements allOwnedElements(Element const& aElement) {
       open.pop_back();
       continue;
     }
+    engine::prefetch(all, open.back().fNext);
     Element const& next = *all[open.back().fNext++];
     std::size_t const start = all.size();
     addOwned(next, all);

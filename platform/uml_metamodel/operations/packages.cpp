@@ -5,15 +5,10 @@
 #include "uml_metamodel/umlmm/NamedElement.h"
 #include "uml_metamodel/umlmm/Package.h"
 #include "uml_metamodel/umlmm/PackageableElement.h"
-#include "uml_metamodel/umlmm/VisibilityKind.h"
 
 namespace umlmm {
 
 namespace queries {
-
-bool isPrivate(Element const& aNamed) noexcept {
-  return values::literal(aNamed, ids::NamedElement::Visibility) == VisibilityKind::Private;
-}
 
 bool isPublicOrAbsent(Element const& aNamed) noexcept {
   int const visibility = values::literal(aNamed, ids::NamedElement::Visibility);

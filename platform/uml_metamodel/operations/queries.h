@@ -8,6 +8,7 @@
 #include "engine/ids.h"
 #include "engine/slots.h"
 #include "operations/walks.h"
+#include "uml_metamodel/umlmm/VisibilityKind.h"
 
 /// The queries of the metamodel on plain elements, for the members of the interface classes and for the rules
 /// of computed features. They change nothing, ask for no variant, and dispatch on the metaclass of the first
@@ -57,7 +58,9 @@ bool metaclassesCollide(int aLeft, int aRight) noexcept;
 
 // Visibility and imports.
 
-bool isPrivate(Element const& aNamed) noexcept;
+inline bool isPrivate(Element const& aNamed) noexcept {
+  return values::literal(aNamed, ids::NamedElement::Visibility) == VisibilityKind::Private;
+}
 bool isPublicOrAbsent(Element const& aNamed) noexcept;
 /// The name that an element import gives to what it imports; empty for none.
 std::u16string_view importName(Element const& aElementImport) noexcept;

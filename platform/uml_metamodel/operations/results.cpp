@@ -19,17 +19,6 @@ std::vector<Element*> givenElements(Kelm::SequenceRef const& aArgument) {
   return elements;
 }
 
-Kelm::Generic::SequenceIntf* newElementList(Deviant const& aDeviant, std::vector<Element*> const& aElements) {
-  std::vector<Kelm::Object> values;
-  values.reserve(aElements.size());
-  for (Element* const element : aElements) values.emplace_back(element, aDeviant);
-  std::unique_ptr<Kelm::Generic::SequenceIntf> list(
-      Kelm::detail::SequenceImplementations<Kelm::Object>::makeList(std::move(values)));
-  auto* const counted = new Kelm::GenericReferenceCountingSequenceProxy(list.get());
-  static_cast<void>(list.release());
-  return counted;
-}
-
 Kelm::ImmutableSequence<String> makeTexts(Deviant const& aDeviant,
                                           std::vector<std::u16string_view> const& aTexts) {
   auto const result = Kelm::SequenceCreator::create<String>({aDeviant, Kelm::STD_VECTOR, false, true});

@@ -5,6 +5,7 @@
 
 #include "engine/slots.h"
 #include "kelm/kernel/containers/sequence/SequenceRef.h"
+#include "operations/ElementResult.h"
 #include "uml_metamodel/umlmm/Boolean.h"
 #include "uml_metamodel/umlmm/Integer.h"
 #include "uml_metamodel/umlmm/String.h"
@@ -27,12 +28,10 @@ Element const* given(Kelm::Handle<Intf> const& aArgument) noexcept {
 /// The elements of a sequence argument in order; none for a null one.
 std::vector<Element*> givenElements(Kelm::SequenceRef const& aArgument);
 
-/// A new counted list of element references; owned by nobody yet.
-Kelm::Generic::SequenceIntf* newElementList(Deviant const& aDeviant, std::vector<Element*> const& aElements);
-
+/// A new counted list of element references.
 template <class T>
-Kelm::ImmutableSequence<T> makeResult(Deviant const& aDeviant, std::vector<Element*> const& aElements) {
-  return Kelm::ImmutableSequence<T>(newElementList(aDeviant, aElements), aDeviant);
+Kelm::ImmutableSequence<T> makeResult(Deviant const& aDeviant, std::vector<Element*> aElements) {
+  return Kelm::ImmutableSequence<T>(new ElementResult(std::move(aElements), aDeviant), aDeviant);
 }
 
 /// A reference to an element, or a null one.

@@ -24,40 +24,9 @@ struct Step {
   }
 };
 
-/// The targets of an element in order, then for each of them in order all of its own, each once: `aVisit` is
-/// called with each and answers whether to go on. The start is visited only if a cycle leads back to it.
-template <class Visit>
-void walkClosure(Element const& aStart, Step const& aStep, Visit aVisit) {
-  struct Frame {
-    Element* const* fNext;
-    Element* const* fEnd;
-  };
-  Visited listed;
-  Visited expanded;
-  std::vector<Frame> open;
-  // Targets are listed before the first of them is followed, so that nearer ones come before those further
-  // off.
-  auto const expand = [&](Element const& aElement) {
-    bool goOn = true;
-    aStep.forEachTarget(aElement, [&](Element& aTarget) {
-      if (goOn && listed.insert(aTarget)) goOn = aVisit(aTarget);
-    });
-    auto const entries = values::entries(aElement, aStep.fList);
-    if (!entries.empty()) open.push_back({entries.data(), entries.data() + entries.size()});
-    return goOn;
-  };
-  expanded.insert(aStart);
-  if (!expand(aStart)) return;
-  while (!open.empty()) {
-    Frame& top = open.back();
-    if (top.fNext == top.fEnd) {
-      open.pop_back();
-      continue;
-    }
-    Element const* const entry = *top.fNext++;
-    Element const* const next = entry == nullptr ? nullptr : aStep.target(*entry);
-    if (next != nullptr && expanded.insert(*next) && !expand(*next)) return;
-  }
-}
+/// The targets of an element in order, then for each of them in order all of its own, each once. The start is
+/// among them only if a cycle leads back to it. Ends early, with `aUntil` as the last, once that one is
+/// found.
+std::vector<Element*> closureOf(Element const& aStart, Step const& aStep, Element const* aUntil = nullptr);
 
 }  // namespace umlmm::queries

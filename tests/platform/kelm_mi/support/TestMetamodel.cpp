@@ -168,4 +168,8 @@ void publishZoo() {
   });
 }
 
+Kelm::ClassObject makeBeast(ClassIntf const& aClass, Deviant aDeviant) {
+  return Kelm::ClassObject(new Beast(aClass), aDeviant);
+}
+
 }  // namespace kelm_mi_test

@@ -98,9 +98,7 @@ class Beast final : public ClassObjectIntf {
 };
 
 /// A new element with a handle, in a variant of its own making.
-inline Kelm::ClassObject makeBeast(ClassIntf const& aClass, Deviant aDeviant = Deviant()) {
-  return Kelm::ClassObject(new Beast(aClass), aDeviant);
-}
+Kelm::ClassObject makeBeast(ClassIntf const& aClass, Deviant aDeviant = Deviant());
 inline Beast& beast(Kelm::ClassObject const& aObject) { return *static_cast<Beast*>(aObject.get()); }
 
 /// Announces package "zoo": the classes of Animal and Dog and their sequences. Brings the kernel up first.

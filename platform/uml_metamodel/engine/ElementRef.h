@@ -1,0 +1,42 @@
+#pragma once
+
+#include <span>
+
+#include "engine/slots.h"
+
+namespace umlmm::engine {
+
+/// The manager of references to elements in sequences: as for any object, without a virtual call.
+inline void countElement(void* aHolder, bool aIncrement) {
+  auto const* const element =
+      static_cast<Element const*>(static_cast<Kelm::NSInterface::ObjectIntf*>(aHolder));
+  if (aIncrement)
+    element->incRef();
+  else
+    element->decRef();
+}
+
+/// An element as a value of a sequence of references.
+inline Kelm::Generic::Ref refTo(Element& aElement, Deviant const& aDeviant) {
+  return Kelm::Generic::Ref(static_cast<Kelm::NSInterface::ObjectIntf*>(&aElement), aDeviant.word(),
+                            &countElement,
+                            [](void const* aLeft, void const* aRight) { return aLeft == aRight; });
+}
+
+/// How far ahead of a walk over many elements memory is asked for.
+inline constexpr std::size_t kLookAhead = 16;
+
+inline void prefetch(std::span<Element* const> aElements, std::size_t aPosition) noexcept {
+  if (aPosition + kLookAhead < aElements.size()) __builtin_prefetch(aElements[aPosition + kLookAhead], 1);
+}
+
+/// The first `aCount` of the elements as values.
+inline void copyRefs(std::span<Element* const> aElements, std::size_t aCount, Deviant const& aDeviant,
+                     Kelm::Generic::Ref* aOut) {
+  for (std::size_t at = 0; at < aCount; ++at) {
+    prefetch(aElements, at);
+    aOut[at] = refTo(*aElements[at], aDeviant);
+  }
+}
+
+}  // namespace umlmm::engine
