@@ -20,7 +20,8 @@ Kelm::NSInterface::ModelElementIntf* createElement(int aMetaclass, Kelm::Model c
   auto const required = engine::layoutOf(element).fRequired;
   try {
     for (std::size_t at = 0; at < aRequired.size() && at < required.size(); ++at)
-      if (!aRequired[at].isNull()) engine::write(element, aModel.getDeviant(), engine::feature(required[at]), aRequired[at]);
+      if (!aRequired[at].isNull())
+        engine::write(element, aModel.getDeviant(), engine::feature(required[at]), aRequired[at]);
   } catch (...) {
     // Nothing of a refused element stays behind.
     engine::destroy(element, aModel.getDeviant());

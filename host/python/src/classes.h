@@ -36,8 +36,7 @@ struct ClassObject {
   ClassFront* fFront;
 };
 
-extern PyTypeObject gMetaType;
-void prepareMetaType();
+void prepareMetaType();  // the type is gMetaType of instances.h
 
 /// Makes the Python class of a class of the host, unless it is made; fills the class and those above it.
 [[nodiscard]] ClassFront& frontOf(host::ClassRecord& record);

@@ -144,10 +144,12 @@ PyObject* compareInstances(PyObject* left, PyObject* right, int operation) {
 }
 
 host::Instance* makePyInstance(ClassRecord& cls) {
-  PyTypeObject* type = frontOf(cls).fType;
+  ClassFront& front = frontOf(cls);
   auto* object = static_cast<InstanceObject*>(PyObject_Malloc(sizeof(InstanceObject)));
   if (!object) throw std::bad_alloc();
-  PyObject_Init(reinterpret_cast<PyObject*>(object), type);
+  PyObject_Init(reinterpret_cast<PyObject*>(object), front.fType);
+  // Literals are few, stand for values that never end, and are read again and again: they stay.
+  if (!front.fLiterals.empty()) Py_INCREF(object);
   object->fWeakReferences = nullptr;
   return new (object->fInstance) PyInstance(cls);
 }

@@ -27,12 +27,15 @@ inline PyObject* PyInstance::object() noexcept {
   return reinterpret_cast<PyObject*>(reinterpret_cast<char*>(this) - offsetof(InstanceObject, fInstance));
 }
 
-/// The common base of all published classes.
+/// The common base of all published classes, and the class of these classes.
 extern PyTypeObject gInstanceType;
+extern PyTypeObject gMetaType;
 void prepareInstanceType();
 
+/// Whether an object is one of a published class: only these have the class of classes, and scripts can't
+/// subclass them.
 [[nodiscard]] inline bool isInstance(PyObject* object) noexcept {
-  return PyObject_TypeCheck(object, &gInstanceType) != 0;
+  return Py_IS_TYPE(reinterpret_cast<PyObject*>(Py_TYPE(object)), &gMetaType);
 }
 
 /// The instance in an object for which isInstance holds.

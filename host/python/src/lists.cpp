@@ -167,10 +167,11 @@ PyObject* nextItem(PyObject* self) {
   return guarded<PyObject*>(nullptr, [self]() -> PyObject* {
     IteratorObject& iterator = asIterator(self);
     if (!iterator.fList) return nullptr;
-    if (sizeOf(iterator.fList) != iterator.fExpectedSize)
-      raise(PyExc_RuntimeError,
-            "The list changed its size while it was iterated; iterate over list(...) of it instead");
     if (iterator.fGiven == iterator.fRead) {
+      // What a block holds is held; a change in between shows when the next one is read.
+      if (sizeOf(iterator.fList) != iterator.fExpectedSize)
+        raise(PyExc_RuntimeError,
+              "The list changed its size while it was iterated; iterate over list(...) of it instead");
       iterator.fGiven = iterator.fRead = 0;
       iterator.fRead = readBlock(iterator.fList, iterator.fNext, kBlock, iterator.fBlock);
       iterator.fNext += iterator.fRead;
@@ -329,7 +330,9 @@ ClassRecord& builderOf(ClassRecord& wanted) {
 
 }  // namespace
 
-bool isListInstance(PyObject* object) noexcept { return PyObject_TypeCheck(object, &gListType) != 0; }
+bool isListInstance(PyObject* object) noexcept {
+  return isInstance(object) && frontOf(instanceOf(object)).fSequence;
+}
 
 Ref buildList(ClassRecord& wanted, PyObject* items) {
   ClassRecord& builder = builderOf(wanted);

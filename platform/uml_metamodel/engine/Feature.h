@@ -27,14 +27,15 @@ enum class Storage : std::uint8_t {
 
 struct Feature {
   char const* fName;
-  std::uint16_t fOwner;       ///< Metaclass that declares it.
-  std::uint16_t fType;        ///< Metaclass, or enumeration, by index.
-  FeatureIndex fRoot;         ///< The feature whose slot it is; itself unless it redefines one.
-  FeatureIndex fOpposite;     ///< Root of the far end, or none.
-  FeatureIndex fContainment;  ///< Of a containment or its far end: the topmost stored containment that holds the part.
+  std::uint16_t fOwner;    ///< Metaclass that declares it.
+  std::uint16_t fType;     ///< Metaclass, or enumeration, by index.
+  FeatureIndex fRoot;      ///< The feature whose slot it is; itself unless it redefines one.
+  FeatureIndex fOpposite;  ///< Root of the far end, or none.
+  FeatureIndex
+      fContainment;  ///< Of a containment or its far end: the topmost stored containment that holds the part.
   std::uint8_t fId;
   std::int8_t fLower;
-  std::int8_t fUpper;         ///< -1 for unlimited.
+  std::int8_t fUpper;  ///< -1 for unlimited.
   ValueType fValueType;
   Storage fStorage;
   bool fComposite : 1;
@@ -43,16 +44,17 @@ struct Feature {
   bool fDerived : 1;
   bool fUnion : 1;
   bool fReadOnly : 1;
-  bool fGivesNamespace : 1;            ///< Of a stored containment: the owner is the part's namespace.
-  bool fGivesFeaturingClassifier : 1;  ///< The owner is the part's featuring classifier.
-  bool fGivesContext : 1;              ///< The owner is the part's redefinition context.
-  char const* fDefault;                          ///< As text; empty for none.
-  std::span<FeatureIndex const> fSupersets;      ///< Stored features that hold what this one holds, direct ones.
-  std::span<FeatureIndex const> fSubsets;        ///< Stored features that this one holds the values of, direct ones.
-  std::span<FeatureIndex const> fNarrowings;     ///< Of a root: the redefinitions of it, general ones first.
-  std::span<FeatureIndex const> fAllSupersets;   ///< Direct supersets of any kind, as the tables name them.
-  std::span<FeatureIndex const> fRedefined;      ///< Features that it redefines directly.
-  FeatureIndex fNamedOpposite;                   ///< The far end as the tables name it, or none.
+  bool fGivesNamespace : 1;                  ///< Of a stored containment: the owner is the part's namespace.
+  bool fGivesFeaturingClassifier : 1;        ///< The owner is the part's featuring classifier.
+  bool fGivesContext : 1;                    ///< The owner is the part's redefinition context.
+  char const* fDefault;                      ///< As text; empty for none.
+  std::span<FeatureIndex const> fSupersets;  ///< Stored features that hold what this one holds, direct ones.
+  std::span<FeatureIndex const>
+      fSubsets;  ///< Stored features that this one holds the values of, direct ones.
+  std::span<FeatureIndex const> fNarrowings;    ///< Of a root: the redefinitions of it, general ones first.
+  std::span<FeatureIndex const> fAllSupersets;  ///< Direct supersets of any kind, as the tables name them.
+  std::span<FeatureIndex const> fRedefined;     ///< Features that it redefines directly.
+  FeatureIndex fNamedOpposite;                  ///< The far end as the tables name it, or none.
 
   bool isMany() const noexcept { return fUpper != 1; }
   bool isOptional() const noexcept { return fLower == 0 && fUpper == 1; }
@@ -63,7 +65,8 @@ struct Feature {
   }
 };
 
-/// A derived union as one metaclass sees it: the stored and computed features whose values it lists, in their order.
+/// A derived union as one metaclass sees it: the stored and computed features whose values it lists, in their
+/// order.
 struct Union {
   FeatureIndex fFeature;
   std::span<FeatureIndex const> fMembers;

@@ -29,8 +29,8 @@ Element* elementOf(Kelm::ImmutableObject const& aObject) {
 
 Element* elementOf(Ref const& aValue) { return elementOf(ObjectAccess::get(aValue)); }
 
-/// Stands at an element by its address, which is looked up again when the sequence has changed. The address is
-/// compared and never followed: the element may be gone.
+/// Stands at an element by its address, which is looked up again when the sequence has changed. The address
+/// is compared and never followed: the element may be gone.
 class FeatureSequence::Iterator final : public Kelm::IteratorProxy {
  public:
   Iterator(FeatureSequence const& aSequence, std::uint32_t aPosition)
@@ -111,7 +111,8 @@ class FeatureSequence::Iterator final : public Kelm::IteratorProxy {
   Element* fCurrent;
 };
 
-std::uint32_t FeatureSequence::checkedPosition(Deviant const& aDeviant, int aIndex, std::uint32_t aLimit) const {
+std::uint32_t FeatureSequence::checkedPosition(Deviant const& aDeviant, int aIndex,
+                                               std::uint32_t aLimit) const {
   checkReadable(fElement, aDeviant);
   if (aIndex < 0) Kelm::raiseFailure(Kelm::words::kIndexNotPositive, kSource);
   if (static_cast<std::uint32_t>(aIndex) >= aLimit) raiseOutOfBounds();
@@ -188,7 +189,8 @@ void FeatureSequence::generic_insert(Deviant const& aDeviant, int aIndex, Ref aV
   add(aDeviant, checkedPosition(aDeviant, aIndex, size() + 1), aValue);
 }
 
-IteratorPtr FeatureSequence::generic_insert(Deviant const& aDeviant, IteratorIntf const* aPosition, Ref aValue) {
+IteratorPtr FeatureSequence::generic_insert(Deviant const& aDeviant, IteratorIntf const* aPosition,
+                                            Ref aValue) {
   checkChange(aDeviant);
   return iteratorAt(add(aDeviant, positionOf(aPosition), aValue));
 }

@@ -8,12 +8,13 @@
 
 namespace umlmm::engine {
 
-/// The live sequence of a many-valued reference feature of one element: what scripts and typed handles read and
-/// change. It shares the element's count, so that there is one object for an element and feature as long as anybody
-/// needs it, and no cost for features that nobody looks at. Values are element references in the caller's variant.
+/// The live sequence of a many-valued reference feature of one element: what scripts and typed handles read
+/// and change. It shares the element's count, so that there is one object for an element and feature as long
+/// as anybody needs it, and no cost for features that nobody looks at. Values are element references in the
+/// caller's variant.
 ///
-/// Every change goes through the engine, so far ends, subsets and containers follow. All lists of elements are unique:
-/// adding what is there changes nothing. A refused change changes nothing.
+/// Every change goes through the engine, so far ends, subsets and containers follow. All lists of elements
+/// are unique: adding what is there changes nothing. A refused change changes nothing.
 class FeatureSequence : public Kelm::Generic::SequenceIntf {
  public:
   /// The sequence of a feature with a list, or of a computed one.

@@ -10,8 +10,8 @@
 
 namespace umlmm::engine {
 
-/// What a model knows about its elements beyond their own slots. All of it is made when first asked for, by one
-/// walk over the model, and kept up to date from then on; a model that nobody asks pays nothing.
+/// What a model knows about its elements beyond their own slots. All of it is made when first asked for, by
+/// one walk over the model, and kept up to date from then on; a model that nobody asks pays nothing.
 ///
 /// - References through features without a far end, by value: who refers to an element.
 /// - Elements by metaclass, in order of creation.
@@ -34,11 +34,13 @@ class ModelIndex final : public Kelm::ModelCompanion {
 
   // Hooks of the engine; cheap while the index in question was never asked for.
   static void noteReference(Element& aOwner, Feature const& aRoot, Element& aValue) {
-    if (ModelIndex* const index = find(*aOwner.fModel); index != nullptr && index->fHasReferences) [[unlikely]]
+    if (ModelIndex* const index = find(*aOwner.fModel); index != nullptr && index->fHasReferences)
+        [[unlikely]]
       index->addReference(aOwner, indexOf(aRoot), aValue);
   }
   static void forgetReference(Element& aOwner, Feature const& aRoot, Element& aValue) {
-    if (ModelIndex* const index = find(*aOwner.fModel); index != nullptr && index->fHasReferences) [[unlikely]]
+    if (ModelIndex* const index = find(*aOwner.fModel); index != nullptr && index->fHasReferences)
+        [[unlikely]]
       index->removeReference({&aOwner, indexOf(aRoot)}, aValue);
   }
   static void noteCreated(Element& aElement) {

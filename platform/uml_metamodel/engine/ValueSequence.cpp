@@ -105,15 +105,15 @@ SequenceIntf& valueSequence(Element& aElement, Feature const& aRoot) {
   auto*& slot = pointerSlot<SequenceIntf>(aElement, indexOf(aRoot));
   if (slot == nullptr) {
     std::unique_ptr<SequenceIntf> values(aRoot.fValueType == ValueType::String ? makeValues<String>()
-                                                                                : makeValues<Boolean>());
+                                                                               : makeValues<Boolean>());
     slot = new ValueSequence(aElement, aRoot, values.get());
     static_cast<void>(values.release());
   }
   return *slot;
 }
 
-void assignValues(Element& aElement, Feature const& aRoot, Deviant const& aDeviant, SequenceIntf const* aValues,
-                  Deviant const& aValuesDeviant) {
+void assignValues(Element& aElement, Feature const& aRoot, Deviant const& aDeviant,
+                  SequenceIntf const* aValues, Deviant const& aValuesDeviant) {
   checkWritable(aElement, aDeviant);
   SequenceIntf& own = valueSequence(aElement, aRoot);
   if (aValues == &own) return;

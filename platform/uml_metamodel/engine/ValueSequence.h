@@ -4,8 +4,8 @@
 
 namespace umlmm::engine {
 
-/// The live sequence of a many-valued feature of values. It shares the element's count, checks the variant, and, for
-/// a unique feature, ignores a value that is there already.
+/// The live sequence of a many-valued feature of values. It shares the element's count, checks the variant,
+/// and, for a unique feature, ignores a value that is there already.
 Kelm::Generic::SequenceIntf& valueSequence(Element& aElement, Feature const& aRoot);
 
 /// Replaces all values, all or nothing; null clears. Assigning the sequence itself changes nothing.

@@ -131,7 +131,8 @@ Object read(Element const& aElement, Deviant const& aDeviant, Feature const& aFe
     case Storage::Enumeration:
       return readFlag(aElement, root);
     case Storage::Integer:
-      return Kelm::makePrimitive(primitiveKind(root), integerSlot(const_cast<Element&>(aElement), indexOf(root)));
+      return Kelm::makePrimitive(primitiveKind(root),
+                                 integerSlot(const_cast<Element&>(aElement), indexOf(root)));
     case Storage::Reference:
     case Storage::Container:
       return Object(single(aElement, root), aDeviant);
@@ -222,7 +223,8 @@ void unset(Element& aElement, Deviant const& aDeviant, Feature const& aFeature) 
   aElement.fModel->noteChange();
 }
 
-Kelm::Generic::SequenceIntf* sequence(Element const& aElement, Deviant const& aDeviant, Feature const& aFeature) {
+Kelm::Generic::SequenceIntf* sequence(Element const& aElement, Deviant const& aDeviant,
+                                      Feature const& aFeature) {
   checkReadable(aElement, aDeviant);
   if (!aFeature.isMany()) failures::raiseSingleExpected(aFeature);
   auto& element = const_cast<Element&>(aElement);

@@ -2,7 +2,8 @@
 
 #include "engine/slots.h"
 
-/// Reading and writing any feature of an element by its record, checks included: what the accessor tables call.
+/// Reading and writing any feature of an element by its record, checks included: what the accessor tables
+/// call.
 namespace umlmm::engine {
 
 /// The value of a feature, in the caller's variant; a null object when it is unset or many-valued.
@@ -13,7 +14,8 @@ void write(Element& aElement, Deviant const& aDeviant, Feature const& aFeature, 
 /// Takes the value away; a required value goes back to its default, a many-valued feature becomes empty.
 void unset(Element& aElement, Deviant const& aDeviant, Feature const& aFeature);
 /// The live sequence of a many-valued feature.
-Kelm::Generic::SequenceIntf* sequence(Element const& aElement, Deviant const& aDeviant, Feature const& aFeature);
+Kelm::Generic::SequenceIntf* sequence(Element const& aElement, Deviant const& aDeviant,
+                                      Feature const& aFeature);
 /// Replaces all values of a many-valued feature, all or nothing; null clears.
 void assign(Element& aElement, Deviant const& aDeviant, Feature const& aFeature,
             Kelm::Generic::SequenceIntf const* aValues, Deviant const& aValuesDeviant);

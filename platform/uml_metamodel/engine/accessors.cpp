@@ -45,8 +45,8 @@ void setEntry(Base* aElement, Kelm::Deviant const& aDeviant, int aMetaclass, uns
   write(elementWith(aElement, wanted), aDeviant, wanted, aValue);
 }
 
-Kelm::Generic::SequenceIntf* getSequenceEntry(Base const* aElement, Kelm::Deviant const& aDeviant, int aMetaclass,
-                                              unsigned aId) {
+Kelm::Generic::SequenceIntf* getSequenceEntry(Base const* aElement, Kelm::Deviant const& aDeviant,
+                                              int aMetaclass, unsigned aId) {
   Feature const& wanted = featureAt(aMetaclass, aId);
   return sequence(elementWith(aElement, wanted), aDeviant, wanted);
 }

@@ -22,8 +22,8 @@ void setSequenceEntry(Element* aElement, Kelm::Deviant const& aDeviant, int aMet
 bool isReadOnlyEntry(int aMetaclass, unsigned aId);
 }  // namespace accessors
 
-/// The class objects and meta-property tables, filled at start-up. The table of a metaclass starts at its first
-/// feature's number plus its own, so that each has an entry 0 that names no property.
+/// The class objects and meta-property tables, filled at start-up. The table of a metaclass starts at its
+/// first feature's number plus its own, so that each has an entry 0 that names no property.
 extern Kelm::NSInterface::ClassIntf const* metaClasses[kMetaclassCount];
 extern Kelm::MetaPropertyRecord metaProperties[kFeatureCount + kMetaclassCount];
 
@@ -35,8 +35,12 @@ constexpr Kelm::IntrospectiveMethods accessorsOf() {
   using Sequence = Kelm::Generic::SequenceIntf;
   using Element = accessors::Element;
   return {
-      [](Element const* e, Deviant const& d, unsigned id) { return accessors::getEntry(e, d, Metaclass, id); },
-      [](Element const* e, Deviant const& d, unsigned id) { return accessors::isSetEntry(e, d, Metaclass, id); },
+      [](Element const* e, Deviant const& d, unsigned id) {
+        return accessors::getEntry(e, d, Metaclass, id);
+      },
+      [](Element const* e, Deviant const& d, unsigned id) {
+        return accessors::isSetEntry(e, d, Metaclass, id);
+      },
       [](Element* e, Deviant const& d, unsigned id, Object const& v) {
         accessors::setEntry(e, d, Metaclass, id, v);
       },

@@ -68,7 +68,8 @@ Kelm::Object computeValue(Element const& aElement, Deviant const& aDeviant, Feat
   return values.empty() ? Kelm::Object() : Kelm::Object(values.front(), aDeviant);
 }
 
-void setComputed(Element& aElement, Deviant const& aDeviant, Feature const& aFeature, Kelm::Object const& aValue) {
+void setComputed(Element& aElement, Deviant const& aDeviant, Feature const& aFeature,
+                 Kelm::Object const& aValue) {
   ruleOf(aFeature).fSet(aElement, aDeviant, aValue);
 }
 

@@ -7,9 +7,9 @@
 /// Features without a slot: unions of their subsets, and those with a rule of their own.
 namespace umlmm::engine {
 
-/// How one computed feature reads and writes. Members that do not apply are null: a rule has either a value or
-/// values, and a read-only one can't be written. Elements come checked against the variant and values against the
-/// feature's type and model.
+/// How one computed feature reads and writes. Members that do not apply are null: a rule has either a value
+/// or values, and a read-only one can't be written. Elements come checked against the variant and values
+/// against the feature's type and model.
 struct Rule {
   /// A single value; a null object for none.
   Kelm::Object (*fValue)(Element const& aElement, Deviant const& aDeviant) = nullptr;
@@ -22,13 +22,14 @@ struct Rule {
   void (*fErase)(Element& aElement, Element& aValue) = nullptr;
 };
 
-/// By feature; null for stored features and for unions without a rule of their own. Made from the catalogue: a
-/// computed feature without a rule fails to link.
+/// By feature; null for stored features and for unions without a rule of their own. Made from the catalogue:
+/// a computed feature without a rule fails to link.
 extern Rule const* const kRules[kFeatureCount];
 
 void computeValues(Element const& aElement, Feature const& aFeature, std::vector<Element*>& aOut);
 Kelm::Object computeValue(Element const& aElement, Deviant const& aDeviant, Feature const& aFeature);
-void setComputed(Element& aElement, Deviant const& aDeviant, Feature const& aFeature, Kelm::Object const& aValue);
+void setComputed(Element& aElement, Deviant const& aDeviant, Feature const& aFeature,
+                 Kelm::Object const& aValue);
 
 void checkComputed(Element const& aElement, Feature const& aFeature, Element const& aValue);
 void insertComputed(Element& aElement, Feature const& aFeature, Element& aValue, Element* aBefore);

@@ -5,8 +5,8 @@
 #include "engine/classes.h"
 #include "uml_metamodel/umlmm/detail/metamodel.h"
 
-/// The concrete classes of elements. All behaviour is in the kernel part and the engine, so that a class of its own
-/// is nothing but its table of virtual operations.
+/// The concrete classes of elements. All behaviour is in the kernel part and the engine, so that a class of
+/// its own is nothing but its table of virtual operations.
 namespace umlmm::engine {
 
 namespace {

@@ -30,7 +30,8 @@ std::string nameOf(Feature const& aFeature) {
 void raise(std::string const& aText) { Kelm::raiseFailure(aText.c_str(), kSource); }
 
 void raiseOtherModel(Feature const& aFeature) {
-  raise(nameOf(aFeature) + " takes elements of the same model only; the value is of another model or destroyed");
+  raise(nameOf(aFeature) +
+        " takes elements of the same model only; the value is of another model or destroyed");
 }
 
 void raiseWrongType(Feature const& aFeature, Element const& aValue) {
@@ -38,8 +39,8 @@ void raiseWrongType(Feature const& aFeature, Element const& aValue) {
 }
 
 void raiseNotAValue(Feature const& aFeature) {
-  static constexpr char const* kAccepted[] = {"a Boolean", "an Integer", "an UnlimitedNatural",
-                                              "a String",  "an enumeration literal", "an element"};
+  static constexpr char const* kAccepted[] = {
+      "a Boolean", "an Integer", "an UnlimitedNatural", "a String", "an enumeration literal", "an element"};
   raise(nameOf(aFeature) + " takes " + kAccepted[static_cast<int>(aFeature.fValueType)]);
 }
 

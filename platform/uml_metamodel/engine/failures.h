@@ -5,8 +5,8 @@
 
 #include "engine/slots.h"
 
-/// The failures of changes, each naming the feature, what was given and what is accepted. All raise before anything
-/// has changed.
+/// The failures of changes, each naming the feature, what was given and what is accepted. All raise before
+/// anything has changed.
 namespace umlmm::engine::failures {
 
 /// "Property.class"

@@ -54,8 +54,7 @@ Kelm::Object textObject(std::u16string_view aText) {
 
 /// A new counted sequence of elements.
 Sequence* snapshot(std::vector<Element*> const& aElements, Deviant const& aDeviant) {
-  auto const result =
-      Kelm::SequenceCreator::create<Kelm::Object>({aDeviant, Kelm::STD_VECTOR, false, true});
+  auto const result = Kelm::SequenceCreator::create<Kelm::Object>({aDeviant, Kelm::STD_VECTOR, false, true});
   for (Element* const element : aElements) result.push_back(Kelm::Object(element, aDeviant));
   result.get()->incRef();
   return result.get();
@@ -142,7 +141,8 @@ void installQueries() {
   queries.instancesOf = [](Kelm::ModelObject& aModel, Deviant const& aDeviant,
                            Kelm::NSInterface::ClassIntf const& aClass) {
     int const metaclass = reflection::metaclassIndex(aClass);
-    return snapshot(metaclass < 0 ? std::vector<Element*>() : ModelIndex::of(aModel).instancesOf(metaclass), aDeviant);
+    return snapshot(metaclass < 0 ? std::vector<Element*>() : ModelIndex::of(aModel).instancesOf(metaclass),
+                    aDeviant);
   };
   queries.referencedBy = [](Element const& aElement, Deviant const& aDeviant) {
     checkReadable(aElement, aDeviant);

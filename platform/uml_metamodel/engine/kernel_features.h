@@ -2,8 +2,8 @@
 
 #include "engine/slots.h"
 
-/// The features that every element has from the kernel: container, contents, root, model, uri and identifiers of
-/// other tools.
+/// The features that every element has from the kernel: container, contents, root, model, uri and identifiers
+/// of other tools.
 namespace umlmm::engine {
 
 Kelm::Object kernelEntry(Element const* aElement, Deviant const& aDeviant, unsigned aId);

@@ -145,10 +145,8 @@ void dropAll(Kelm::ModelObject& aModel) {
 std::size_t livingElements() noexcept { return sLiving; }
 
 Kelm::ElementEngine const kElementEngine{
-    release,
-    [](Element* aElement, Deviant const& aDeviant) { destroy(*aElement, aDeviant); },
-    kernelEntry,
-    setKernelEntry,
+    release,        [](Element* aElement, Deviant const& aDeviant) { destroy(*aElement, aDeviant); },
+    kernelEntry,    setKernelEntry,
     kernelSequence,
 };
 

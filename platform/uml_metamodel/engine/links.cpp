@@ -19,10 +19,10 @@ bool isOwnersFeature(Element const& aElement, Element const& aOwner, Feature con
 void store(Element& aOwner, Feature const& aRoot, Element& aValue, std::uint32_t aPosition) {
   bool const owning = ownsHints(aRoot);
   if (owning) {
-    if (aValue.fContainer != nullptr)
-      leaveContainer(aValue);
+    if (aValue.fContainer != nullptr) leaveContainer(aValue);
     // Room first: between leaving the model and entering the list nothing may fail.
-    if (aRoot.fStorage == Storage::List) ElementList::reserveOne(pointerSlot<ElementList>(aOwner, indexOf(aRoot)));
+    if (aRoot.fStorage == Storage::List)
+      ElementList::reserveOne(pointerSlot<ElementList>(aOwner, indexOf(aRoot)));
     aValue.fModel->removeRoot(&aValue);
   }
   if (aRoot.fStorage == Storage::List) {
@@ -128,7 +128,8 @@ bool holds(Element const& aOwner, Feature const& aRoot, Element const& aValue) {
 }
 
 std::uint32_t countOf(Element const& aOwner, Feature const& aRoot) noexcept {
-  if (aRoot.fStorage == Storage::List) return ElementList::size(pointerSlot<ElementList>(aOwner, indexOf(aRoot)));
+  if (aRoot.fStorage == Storage::List)
+    return ElementList::size(pointerSlot<ElementList>(aOwner, indexOf(aRoot)));
   return single(aOwner, aRoot) != nullptr ? 1 : 0;
 }
 
@@ -173,9 +174,8 @@ void checkLink(Element const& aOwner, Feature const& aRoot, Element const& aValu
 void link(Element& aOwner, Feature const& aRoot, Element& aValue, std::uint32_t aPosition) {
   if (isView(aRoot)) {
     // The part's side of a containment: the container's list is what is stored.
-    Feature const& containment = feature(feature(aRoot.fOpposite).fStorage == Storage::Computed
-                                             ? aRoot.fContainment
-                                             : aRoot.fOpposite);
+    Feature const& containment = feature(
+        feature(aRoot.fOpposite).fStorage == Storage::Computed ? aRoot.fContainment : aRoot.fOpposite);
     link(aValue, containment, aOwner);
     return;
   }

@@ -4,14 +4,14 @@
 
 #include "engine/slots.h"
 
-/// References between elements: stored slots, their far ends, subsets and the one container of an element, all
-/// driven by the table of features. Nothing here asks for writability: see write.h.
+/// References between elements: stored slots, their far ends, subsets and the one container of an element,
+/// all driven by the table of features. Nothing here asks for writability: see write.h.
 namespace umlmm::engine {
 
 inline constexpr std::uint32_t kAtEnd = UINT32_MAX;
 
-/// The container if the containment that `aView` is the far end of holds the element, else null. `aView` may be a
-/// redefinition or a narrower view of it.
+/// The container if the containment that `aView` is the far end of holds the element, else null. `aView` may
+/// be a redefinition or a narrower view of it.
 Element* containerThrough(Element const& aElement, Feature const& aView) noexcept;
 
 /// Whether the stored feature or container view holds the value.
@@ -26,15 +26,15 @@ void collect(Element const& aOwner, Feature const& aRoot, std::vector<Element*>&
 /// The single value of a stored or container feature, or null.
 Element* single(Element const& aOwner, Feature const& aRoot) noexcept;
 
-/// Raises, naming feature and value, when the feature of the owner can't take the value: another model, a type
-/// that does not conform, a cycle of ownership, no room in a feature that a redefinition has narrowed. `aReplaced`
-/// is a value that leaves the feature in the same change.
+/// Raises, naming feature and value, when the feature of the owner can't take the value: another model, a
+/// type that does not conform, a cycle of ownership, no room in a feature that a redefinition has narrowed.
+/// `aReplaced` is a value that leaves the feature in the same change.
 void checkLink(Element const& aOwner, Feature const& aRoot, Element const& aValue,
                Element const* aReplaced = nullptr);
 
 /// Makes the link with all that follows from it: the far end, the supersets at both ends, the value's old
-/// container, values that single ends held before. Nothing if the link stands. `aRoot` is a root feature that is
-/// stored or a container view; `aPosition` counts in the owner's list.
+/// container, values that single ends held before. Nothing if the link stands. `aRoot` is a root feature that
+/// is stored or a container view; `aPosition` counts in the owner's list.
 void link(Element& aOwner, Feature const& aRoot, Element& aValue, std::uint32_t aPosition = kAtEnd);
 
 /// Takes the link away, also from the subsets at both ends. A part becomes a top-level element of its model.

@@ -73,7 +73,8 @@ class StoredSequence final : public FeatureSequence {
 /// A computed feature. Values are kept as long as the model does not change.
 class ComputedSequence final : public FeatureSequence {
  public:
-  ComputedSequence(Element& aElement, Feature const& aFeature) noexcept : FeatureSequence(aElement, aFeature) {}
+  ComputedSequence(Element& aElement, Feature const& aFeature) noexcept
+      : FeatureSequence(aElement, aFeature) {}
 
   void assign(Deviant const& aDeviant, std::vector<Element*> const& aValues) override {
     assignComputed(fElement, fFeature, withoutRepeats(aValues));

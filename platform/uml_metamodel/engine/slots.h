@@ -5,8 +5,8 @@
 #include "kelm/ModelElementIntf.h"
 #include "kelm/String.h"
 
-/// The one place through which every slot of an element is read and written. Each access takes the deviant: here
-/// it is checked against the element's model, and here other ways of storing variants would come in.
+/// The one place through which every slot of an element is read and written. Each access takes the deviant:
+/// here it is checked against the element's model, and here other ways of storing variants would come in.
 namespace umlmm::engine {
 
 using Element = Kelm::NSInterface::ModelElementIntf;
@@ -50,7 +50,8 @@ inline std::uint32_t& integerSlot(Element& aElement, FeatureIndex aRoot) noexcep
 inline std::uint32_t flagBits(Element const& aElement, FeatureIndex aRoot, unsigned aWidth) noexcept {
   return aElement.fFlags >> slotOf(aElement, aRoot) & ((1U << aWidth) - 1);
 }
-inline void setFlagBits(Element& aElement, FeatureIndex aRoot, unsigned aWidth, std::uint32_t aBits) noexcept {
+inline void setFlagBits(Element& aElement, FeatureIndex aRoot, unsigned aWidth,
+                        std::uint32_t aBits) noexcept {
   unsigned const position = slotOf(aElement, aRoot);
   std::uint32_t const mask = ((1U << aWidth) - 1) << position;
   aElement.fFlags = (aElement.fFlags & ~mask) | (aBits << position & mask);

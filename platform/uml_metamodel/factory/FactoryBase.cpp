@@ -24,9 +24,13 @@ char const* FactoryBase::getVeskName(bool aImmutable) const {
   return aImmutable ? "umlmm.ImmutableFactory" : "umlmm.Factory";
 }
 
-bool FactoryBase::deviant_isValid(Kelm::Deviant aDeviant) const { return fModel.get()->deviant_isValid(aDeviant); }
+bool FactoryBase::deviant_isValid(Kelm::Deviant aDeviant) const {
+  return fModel.get()->deviant_isValid(aDeviant);
+}
 
-Kelm::Model FactoryBase::getModel(Kelm::Deviant const& aDeviant) const { return Kelm::Model(fModel.get(), aDeviant); }
+Kelm::Model FactoryBase::getModel(Kelm::Deviant const& aDeviant) const {
+  return Kelm::Model(fModel.get(), aDeviant);
+}
 
 Kelm::Object FactoryBase::createFromString(Kelm::Deviant const& aDeviant, Kelm::String const& aText) {
   return textual::create(getModel(aDeviant), aText.text());

@@ -12,7 +12,8 @@ bool isBlank(char16_t aCharacter) noexcept {
 }
 bool isDigit(char16_t aCharacter) noexcept { return aCharacter >= u'0' && aCharacter <= u'9'; }
 bool endsWord(char16_t aCharacter) noexcept {
-  return isBlank(aCharacter) || std::u16string_view(u"{}[];=,\"'*").find(aCharacter) != std::u16string_view::npos;
+  return isBlank(aCharacter) ||
+         std::u16string_view(u"{}[];=,\"'*").find(aCharacter) != std::u16string_view::npos;
 }
 
 class Reader {
@@ -94,8 +95,9 @@ class Reader {
     if (tryTake(u'*')) return {Value::Kind::Star, u"*", start};
     if (isQuote(peek())) return {Value::Kind::Text, quoted(), start};
     std::u16string text = word();
-    bool const number = isDigit(text.back()) && text.find_first_not_of(u"0123456789", text[0] == u'-' ? 1 : 0) ==
-                                                    std::u16string::npos;
+    bool const number =
+        isDigit(text.back()) &&
+        text.find_first_not_of(u"0123456789", text[0] == u'-' ? 1 : 0) == std::u16string::npos;
     return {number ? Value::Kind::Number : Value::Kind::Word, std::move(text), start};
   }
 

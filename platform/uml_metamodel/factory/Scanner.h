@@ -12,7 +12,7 @@ struct Value {
   enum class Kind : std::uint8_t { Number, Word, Text, Star };
 
   Kind fKind;
-  std::u16string fText;    ///< Digits, the word with its separators, or the text without its quotes.
+  std::u16string fText;  ///< Digits, the word with its separators, or the text without its quotes.
   std::size_t fPosition;
 };
 

@@ -11,7 +11,6 @@
 #include "engine/failures.h"
 #include "engine/ids.h"
 #include "factory/Scanner.h"
-#include "engine/FeatureSequence.h"
 #include "kelm/kernel/containers/sequence/SequenceCreator.h"
 #include "kelm/values.h"
 #include "uml_metamodel/umlmm/Boolean.h"
@@ -51,7 +50,8 @@ int concreteMetaclass(std::u16string_view aName, std::size_t aPosition) {
 Feature const& featureNamed(int aMetaclass, Assignment const& aAssignment) {
   std::string const name = Kelm::toUtf8(aAssignment.fFeature);
   for (engine::FeatureIndex const index : engine::kMetaclasses[aMetaclass].fVisible)
-    if (name == engine::feature(index).fName && !engine::feature(index).fReadOnly) return engine::feature(index);
+    if (name == engine::feature(index).fName && !engine::feature(index).fReadOnly)
+      return engine::feature(index);
   raiseUnreadable(aAssignment.fFeature, aAssignment.fPosition);
 }
 
@@ -59,7 +59,8 @@ std::int64_t numberOf(Value const& aValue) {
   std::string const digits = Kelm::toUtf8(aValue.fText);
   std::int64_t number = 0;
   auto const [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
-  if (error != std::errc() || end != digits.data() + digits.size()) raiseUnreadable(aValue.fText, aValue.fPosition);
+  if (error != std::errc() || end != digits.data() + digits.size())
+    raiseUnreadable(aValue.fText, aValue.fPosition);
   return number;
 }
 
@@ -131,7 +132,8 @@ Object readValue(Kelm::Model const& aModel, Feature const& aFeature, Value const
     case ValueType::Reference:
       if (kind == Kind::Word || kind == Kind::Text) {
         Element* const element = elementNamed(aModel, aValue.fText);
-        if (element != nullptr && engine::isA(*element, aFeature.fType)) return Object(element, aModel.getDeviant());
+        if (element != nullptr && engine::isA(*element, aFeature.fType))
+          return Object(element, aModel.getDeviant());
       }
       break;
   }
@@ -148,7 +150,8 @@ Setting readSetting(Kelm::Model const& aModel, int aMetaclass, Assignment const&
 }
 
 void apply(Element& aElement, Kelm::Deviant const& aDeviant, Setting const& aSetting) {
-  if (!aSetting.fFeature->isMany()) return engine::write(aElement, aDeviant, *aSetting.fFeature, aSetting.fValues[0]);
+  if (!aSetting.fFeature->isMany())
+    return engine::write(aElement, aDeviant, *aSetting.fFeature, aSetting.fValues[0]);
   Kelm::Generic::SequenceIntf& values = *engine::sequence(aElement, aDeviant, *aSetting.fFeature);
   for (Object const& value : aSetting.fValues) {
     using Kelm::Generic::RefAccess;
@@ -166,11 +169,13 @@ engine::FeatureIndex textFeature(int aMetaclass) {
   if (aMetaclass == ids::metaclass::Comment) return ids::Comment::Body;
   if (aMetaclass == ids::metaclass::LiteralString) return ids::LiteralString::Value;
   if (aMetaclass == ids::metaclass::Expression) return ids::Expression::Symbol;
-  return engine::conforms(aMetaclass, ids::metaclass::NamedElement) ? ids::NamedElement::Name : engine::kNoFeature;
+  return engine::conforms(aMetaclass, ids::metaclass::NamedElement) ? ids::NamedElement::Name
+                                                                    : engine::kNoFeature;
 }
 
 Object make(Kelm::Model const& aModel, int aMetaclass, std::vector<Setting> const& aSettings) {
-  // A factory writes without asking for writability here, as reading from text may fill a read-only variant's model.
+  // A factory writes without asking for writability here, as reading from text may fill a read-only variant's
+  // model.
   struct Unchecked {
     bool fOld = Kelm::DeviantAssertions::enableAssertions(false);
     ~Unchecked() { Kelm::DeviantAssertions::enableAssertions(fOld); }
@@ -195,7 +200,8 @@ Object create(Kelm::Model const& aModel, std::u16string_view aText) {
     engine::FeatureIndex const index = textFeature(metaclass);
     if (index == engine::kNoFeature || engine::feature(index).fValueType != ValueType::String)
       raiseUnreadable(description.fName, description.fMetaclassPosition + description.fMetaclass.size() + 1);
-    settings.push_back({&engine::feature(index), {Object(Kelm::String(description.fName).record(), Kelm::Deviant())}});
+    settings.push_back(
+        {&engine::feature(index), {Object(Kelm::String(description.fName).record(), Kelm::Deviant())}});
   }
   for (Assignment const& assignment : description.fAssignments)
     settings.push_back(readSetting(aModel, metaclass, assignment));
@@ -213,11 +219,11 @@ Object create(Kelm::Model const& aModel, std::u16string_view aType, std::u16stri
   engine::FeatureIndex const index = textFeature(metaclass);
   Value const value{Value::Kind::Number, std::u16string(aText), 0};
   // The value of a literal specification is its text read as a value of its type.
-  engine::FeatureIndex const literal = metaclass == ids::metaclass::LiteralBoolean   ? ids::LiteralBoolean::Value
-                                       : metaclass == ids::metaclass::LiteralInteger ? ids::LiteralInteger::Value
-                                       : metaclass == ids::metaclass::LiteralUnlimitedNatural
-                                           ? ids::LiteralUnlimitedNatural::Value
-                                           : engine::kNoFeature;
+  engine::FeatureIndex const literal =
+      metaclass == ids::metaclass::LiteralBoolean            ? ids::LiteralBoolean::Value
+      : metaclass == ids::metaclass::LiteralInteger          ? ids::LiteralInteger::Value
+      : metaclass == ids::metaclass::LiteralUnlimitedNatural ? ids::LiteralUnlimitedNatural::Value
+                                                             : engine::kNoFeature;
   if (literal != engine::kNoFeature) {
     Value typed = value;
     if (literal == ids::LiteralBoolean::Value) typed.fKind = Value::Kind::Word;
@@ -226,8 +232,9 @@ Object create(Kelm::Model const& aModel, std::u16string_view aType, std::u16stri
     return make(aModel, metaclass, {{&feature, {readValue(aModel, feature, typed)}}});
   }
   if (index == engine::kNoFeature) kelm::Error_IncorrectType(type);
-  return make(aModel, metaclass,
-              {{&engine::feature(index), {Object(Kelm::String(std::u16string(aText)).record(), Kelm::Deviant())}}});
+  return make(
+      aModel, metaclass,
+      {{&engine::feature(index), {Object(Kelm::String(std::u16string(aText)).record(), Kelm::Deviant())}}});
 }
 
 }  // namespace umlmm::factory::textual

@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "engine/slots.h"
+#include "engine/ElementRef.h"
 
 namespace umlmm::queries {
 
@@ -13,7 +13,7 @@ using engine::Element;
 
 /// A set of elements for the length of one walk, in the order in which they came. Members carry a mark bit of
 /// their own, so that asking costs a read of the element that is at hand anyway; the marks go with the set.
-/// There are five bits; walks nested deeper fall back to hashing.
+/// There are four bits; walks nested deeper fall back to hashing.
 class Visited {
  public:
   Visited() noexcept : fMark(takeBit()) {}
@@ -69,8 +69,8 @@ class Visited {
       element->fMarks = static_cast<std::uint8_t>(element->fMarks & kept);
   }
 
-  /// Bits of Element::fMarks that no walk uses; those below are the kernel's.
-  static inline std::uint8_t sFree = 0xF8;
+  /// Bits of Element::fMarks that no walk uses now.
+  static inline std::uint8_t sFree = Element::WalkMarks;
 
   std::uint8_t fMark;
   std::uint8_t fFollowedMark = 0;

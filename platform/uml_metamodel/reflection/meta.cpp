@@ -2,6 +2,7 @@
 
 #include <array>
 #include <deque>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -32,16 +33,11 @@ class MetaClass final : public ClassIntf {
 
   std::string_view getName() const override { return kMetaclasses[fIndex].fName; }
   std::string_view getQualifiedName() const override { return fQualifiedName; }
-  bool conformsTo(TypeIntf const& aOther) const override {
-    auto const* const other = dynamic_cast<MetaClass const*>(&aOther);
-    if (other != nullptr) return engine::conforms(fIndex, other->fIndex);
-    return Kelm::ImmutableClassObject::MetaClass().get() == &aOther;
-  }
+  bool conformsTo(TypeIntf const& aOther) const override;
   bool isAbstract() const override { return kMetaclasses[fIndex].fAbstract; }
   std::span<ClassIntf const* const> superClasses() const override { return fSupers; }
   std::span<PropertyIntf const* const> ownedProperties() const override { return fOwned; }
   std::span<PropertyIntf const* const> allProperties() const override { return fAll; }
-  int index() const noexcept { return fIndex; }
 
  private:
   int fIndex = 0;
@@ -123,6 +119,23 @@ Metamodel* sMetamodel = nullptr;
 
 constexpr std::string_view kPrimitiveNames[] = {"Boolean", "Integer", "UnlimitedNatural", "String"};
 
+/// The index of a class of this metamodel, told by its place in the table; -1 for any other type.
+int indexIn(TypeIntf const& aType) noexcept {
+  auto const* const type = static_cast<void const*>(&aType);
+  auto const& classes = sMetamodel->fClasses;
+  static_assert(std::is_base_of_v<TypeIntf, MetaClass>);
+  if (std::less<>()(type, static_cast<void const*>(classes.data())) ||
+      !std::less<>()(type, static_cast<void const*>(classes.data() + classes.size())))
+    return -1;
+  return static_cast<int>(static_cast<MetaClass const*>(&aType) - classes.data());
+}
+
+bool MetaClass::conformsTo(TypeIntf const& aOther) const {
+  int const other = indexIn(aOther);
+  if (other >= 0) return engine::conforms(fIndex, other);
+  return Kelm::ImmutableClassObject::MetaClass().get() == &aOther;
+}
+
 TypeIntf const* typeOf(engine::Feature const& aFeature) {
   switch (aFeature.fValueType) {
     case engine::ValueType::Reference:
@@ -180,7 +193,8 @@ void fillTables() {
 Metamodel& make() {
   sMetamodel = new Metamodel();
   fillDataTypes();
-  for (int index = 0; index < kMetaclassCount; ++index) sMetamodel->fClasses[static_cast<std::size_t>(index)].fill(index);
+  for (int index = 0; index < kMetaclassCount; ++index)
+    sMetamodel->fClasses[static_cast<std::size_t>(index)].fill(index);
   for (int index = 0; index < kFeatureCount; ++index)
     sMetamodel->fProperties[static_cast<std::size_t>(index)].fill(index);
   fillTables();
@@ -202,14 +216,16 @@ Metamodel& metamodel() {
 
 }  // namespace
 
-ClassIntf const* metaClass(int aMetaclass) { return &metamodel().fClasses[static_cast<std::size_t>(aMetaclass)]; }
+ClassIntf const* metaClass(int aMetaclass) {
+  return &metamodel().fClasses[static_cast<std::size_t>(aMetaclass)];
+}
 PropertyIntf const* metaProperty(int aFeature) {
   return &metamodel().fProperties[static_cast<std::size_t>(aFeature)];
 }
 PackageIntf const* metaPackage() { return &metamodel().fPackage; }
 int metaclassIndex(ClassIntf const& aClass) {
-  auto const* const own = dynamic_cast<MetaClass const*>(&aClass);
-  return own == nullptr ? -1 : own->index();
+  metamodel();
+  return indexIn(aClass);
 }
 
 }  // namespace umlmm::reflection

@@ -113,8 +113,9 @@ TEST_F(Faults, fillingAClassOfEachKindLosesNothing) {
   for (char const* name :
        {"ImmutableClass", "Class", "ClassMetaProperty", "SequenceOfClass", "SequenceOfImmutableClass",
         "ImmutableSequenceOfClass", "ImmutableSequenceOfImmutableClass", "ClassIterator",
-        "ImmutableClassImmutableIterator", "AggregationKind", "SequenceOfInteger", "ImmutableSequenceOfString",
-        "BooleanIterator", "StringImmutableIterator", "Factory", "ImmutableFactory"}) {
+        "ImmutableClassImmutableIterator", "AggregationKind", "SequenceOfInteger",
+        "ImmutableSequenceOfString", "BooleanIterator", "StringImmutableIterator", "Factory",
+        "ImmutableFactory"}) {
     bool failed = true;
     for (int nth = 1; failed; ++nth) {
       RecordingClass cls;

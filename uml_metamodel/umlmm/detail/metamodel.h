@@ -7,8 +7,8 @@
 #include "kelm/meta.h"
 #include "lum/visibility.h"
 
-/// What the generated reference classes call in the metamodel's implementation. Metaclasses are named by their
-/// index (`XIntf::kMetaclassIndex`), features by the declaring metaclass's accessor table and id.
+/// What the generated reference classes call in the metamodel's implementation. Metaclasses are named by
+/// their index (`XIntf::kMetaclassIndex`), features by the declaring metaclass's accessor table and id.
 namespace umlmm {
 
 /// Domain of the metaclass interfaces; see kelm/tags.h.
@@ -20,9 +20,9 @@ class ElementIntf;
 
 namespace detail {
 
-/// A new element of a concrete metaclass in the model, without an owner. `aRequired` holds the required references
-/// in the order of the meta-property list; null ones leave their feature unset. Raises the null-reference failure
-/// for a null model. The answer is counted by the model or its container alone.
+/// A new element of a concrete metaclass in the model, without an owner. `aRequired` holds the required
+/// references in the order of the meta-property list; null ones leave their feature unset. Raises the
+/// null-reference failure for a null model. The answer is counted by the model or its container alone.
 UMLMM_API Kelm::NSInterface::ModelElementIntf* createElement(int aMetaclass, Kelm::Model const& aModel,
                                                              std::span<Kelm::Object const> aRequired = {});
 
@@ -39,8 +39,8 @@ Kelm::Object asObject(Kelm::Handle<Intf> const& aReference) {
 template <class X, class... References>
 X create(Kelm::Model const& aModel, References const&... aReferences) {
   Kelm::Object const required[] = {Kelm::Object(), Kelm::Object(asObject(aReferences))...};
-  auto* const element = createElement(X::InterfaceType::kMetaclassIndex, aModel,
-                                      std::span(required).subspan(1));
+  auto* const element =
+      createElement(X::InterfaceType::kMetaclassIndex, aModel, std::span(required).subspan(1));
   return X(Kelm::queryInterface<typename X::InterfaceType, VisitationDomain>(element), aModel.getDeviant());
 }
 

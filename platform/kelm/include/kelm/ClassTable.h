@@ -12,16 +12,17 @@ struct ElementEngine {
   /// Frees an element whose last count is gone.
   void (*release)(NSInterface::ModelElementIntf* aElement);
   void (*destroy)(NSInterface::ModelElementIntf* aElement, Deviant const& aDeviant);
-  Object (*getKernelEntry)(NSInterface::ModelElementIntf const* aElement, Deviant const& aDeviant, unsigned aId);
+  Object (*getKernelEntry)(NSInterface::ModelElementIntf const* aElement, Deviant const& aDeviant,
+                           unsigned aId);
   void (*setKernelEntry)(NSInterface::ModelElementIntf* aElement, Deviant const& aDeviant, unsigned aId,
                          Object const& aValue);
   Generic::SequenceIntf* (*getKernelSequence)(NSInterface::ModelElementIntf const* aElement,
                                               Deviant const& aDeviant, unsigned aId);
 };
 
-/// Everything that all elements of one concrete metaclass share. Slots are 8-byte words behind the object: one
-/// pointer each for strings, references, lists and sequences, two integers to a word; Booleans and enumerations are bits of
-/// the element's flag word.
+/// Everything that all elements of one concrete metaclass share. Slots are 8-byte words behind the object:
+/// one pointer each for strings, references, lists and sequences, two integers to a word; Booleans and
+/// enumerations are bits of the element's flag word.
 struct ClassTable {
   static constexpr std::int16_t kNoInterface = INT16_MIN;
 

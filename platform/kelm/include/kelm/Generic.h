@@ -10,9 +10,9 @@
 /// The type-erased sequence, iterator and value. All indices count from 0.
 namespace Kelm::Generic {
 
-/// A value behind a pointer, passed by value. `fHolder` points at the value, which stands first in its holder.
-/// An element reference travels as the element itself in `fHolder` with its deviant in `fReserved`, so that it
-/// needs no allocation (see RefAccess in kelm/kernel/containers/sequence/Ref.h).
+/// A value behind a pointer, passed by value. `fHolder` points at the value, which stands first in its
+/// holder. An element reference travels as the element itself in `fHolder` with its deviant in `fReserved`,
+/// so that it needs no allocation (see RefAccess in kelm/kernel/containers/sequence/Ref.h).
 class Ref {
  public:
   using Manager = void (*)(void* aHolder, bool aIncrement);
@@ -68,7 +68,8 @@ class UMLMM_API SequenceIntf : public ReferenceCountingIntf {
   virtual void generic_insert(Deviant const&, int aIndex, Ref aValue) = 0;
   virtual IteratorPtr generic_insert(Deviant const&, IteratorIntf const* aPosition, Ref aValue) = 0;
   virtual IteratorPtr generic_erase(Deviant const&, IteratorIntf const* aPosition) = 0;
-  virtual IteratorPtr generic_erase(Deviant const&, IteratorIntf const* aFirst, IteratorIntf const* aLast) = 0;
+  virtual IteratorPtr generic_erase(Deviant const&, IteratorIntf const* aFirst,
+                                    IteratorIntf const* aLast) = 0;
   virtual void generic_erase(Deviant const&, int aIndex) = 0;
   virtual void generic_pop_back(Deviant const&) = 0;
   virtual void generic_pop_front(Deviant const&) = 0;
@@ -76,7 +77,8 @@ class UMLMM_API SequenceIntf : public ReferenceCountingIntf {
   virtual void generic_push_front(Deviant const&, Ref aValue) = 0;
   virtual void generic_replace(Deviant const&, int aIndex, Ref aValue) = 0;
   virtual bool generic_contains(Deviant const&, Ref aValue) const = 0;
-  virtual char const* generic_getVeskName(bool aImmutable, bool aImmutableElements, char const* aName) const = 0;
+  virtual char const* generic_getVeskName(bool aImmutable, bool aImmutableElements,
+                                          char const* aName) const = 0;
   /// Answers how many values went.
   virtual int generic_removeAll(Deviant const&, Ref aValue) = 0;
   /// Whether `aOther` holds equal values in the same order, into `aResult`.
@@ -84,9 +86,9 @@ class UMLMM_API SequenceIntf : public ReferenceCountingIntf {
   /// Replaces the contents by those of `aOther`; `aResult` becomes true.
   virtual void specialized_assign(SequenceIntf const* aOther, Deviant const&, bool& aResult);
 
-  /// Copies up to `aCount` values from `aIndex` on into `aOut` and answers how many: iteration in blocks, without
-  /// an iterator object. `aStamp` is 0 at the first call and comes back changed; a call with the stamp of a
-  /// sequence that changed in between raises.
+  /// Copies up to `aCount` values from `aIndex` on into `aOut` and answers how many: iteration in blocks,
+  /// without an iterator object. `aStamp` is 0 at the first call and comes back changed; a call with the
+  /// stamp of a sequence that changed in between raises.
   virtual int readBlock(Deviant const&, int aIndex, int aCount, Ref* aOut, std::uint64_t& aStamp) const;
 };
 

@@ -23,12 +23,12 @@ class Handle {
     if (fImpl != nullptr) fImpl->incRef();
   }
   Handle(Handle const& aOther) : Handle(aOther.fImpl, aOther.fDeviant) {}
-  Handle(Handle&& aOther) noexcept
-      : fImpl(std::exchange(aOther.fImpl, nullptr)), fDeviant(aOther.fDeviant) {}
+  Handle(Handle&& aOther) noexcept : fImpl(std::exchange(aOther.fImpl, nullptr)), fDeviant(aOther.fDeviant) {}
   /// A reference to a derived interface is one to its base.
   template <class Derived>
-    requires(!std::same_as<Derived, Intf> && std::derived_from<Derived, Intf>)
-  Handle(Handle<Derived> const& aOther) : Handle(aOther.get(), aOther.getDeviant()) {}
+  requires(!std::same_as<Derived, Intf> && std::derived_from<Derived, Intf>)
+      Handle(Handle<Derived> const& aOther)
+      : Handle(aOther.get(), aOther.getDeviant()) {}
 
   Handle& operator=(Handle aOther) noexcept {
     std::swap(fImpl, aOther.fImpl);
@@ -71,8 +71,8 @@ class Handle {
   mutable Deviant fDeviant;
 };
 
-/// `aFrom` narrowed or widened to reference class `To` by asking the object: null if it has no such interface.
-/// The deviant is kept.
+/// `aFrom` narrowed or widened to reference class `To` by asking the object: null if it has no such
+/// interface. The deviant is kept.
 template <class To, class Domain, class Intf>
 To queryHandle(Handle<Intf> const& aFrom) {
   using Wanted = typename To::InterfaceType;

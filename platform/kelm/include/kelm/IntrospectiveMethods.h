@@ -11,8 +11,8 @@ struct MetaPropertyRecord {
 };
 
 /// The property accessors of one metaclass. Elements come as the kernel sees them and must have the
-/// metaclass's features; ids are those of the metaclass, from 1. An unset feature reads as a null object. Every
-/// write checks the variant and raises with nothing changed when it is refused.
+/// metaclass's features; ids are those of the metaclass, from 1. An unset feature reads as a null object.
+/// Every write checks the variant and raises with nothing changed when it is refused.
 struct IntrospectiveMethods {
   using Element = NSInterface::ClassObjectIntf;
 

@@ -58,9 +58,7 @@ class Model : public ImmutableModel {
   NSInterface::ModelIntf* get() const noexcept { return const_cast<NSInterface::ModelIntf*>(fImpl); }
   /// The implementation behind a non-null model; raises the null-reference failure otherwise.
   UMLMM_API ModelObject& object() const;
-  void setModelUri(String const& aUri) const {
-    writable("kelm/Kelm/Model_h")->setModelUri(fDeviant, aUri);
-  }
+  void setModelUri(String const& aUri) const { writable("kelm/Kelm/Model_h")->setModelUri(fDeviant, aUri); }
 };
 
 class ImmutableFactoryObject : public Handle<NSInterface::FactoryObjectIntf> {

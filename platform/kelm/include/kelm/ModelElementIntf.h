@@ -9,8 +9,8 @@
 namespace Kelm::NSInterface {
 
 /// The kernel part of every element: counts, identity, container and slots. All that does not depend on the
-/// metaclass is implemented here, once, on the class table; a null table means that no element stands behind the
-/// interface, and the members answer as the bare interface does.
+/// metaclass is implemented here, once, on the class table; a null table means that no element stands behind
+/// the interface, and the members answer as the bare interface does.
 class UMLMM_API ModelElementIntf : public ClassObjectIntf {
  public:
   int incRef() const final { return fClass == nullptr ? 0 : ++fCount; }
@@ -58,10 +58,11 @@ class UMLMM_API ModelElementIntf : public ClassObjectIntf {
   std::uint64_t const* slots() const noexcept { return const_cast<ModelElementIntf*>(this)->slots(); }
 
   enum Mark : std::uint8_t {
-    HasContents = 1,  ///< Something was put into it once: only such elements can close a cycle of ownership.
-    HasComputed = 2,  ///< The model keeps sequences of computed features for it.
-    Dying = 4,        ///< Being destroyed or dropped.
-    HasToolTexts = 8  ///< Other tools' texts are kept for it.
+    HasContents = 1,   ///< Something was put into it once: only such elements can close a cycle of ownership.
+    HasComputed = 2,   ///< The model keeps sequences of computed features for it.
+    Dying = 4,         ///< Being destroyed or dropped.
+    HasToolTexts = 8,  ///< Other tools' texts are kept for it.
+    WalkMarks = 0xF0   ///< For walks over the model; clear between them.
   };
   /// Marks, added up.
   std::uint8_t fMarks = 0;
@@ -71,8 +72,8 @@ class UMLMM_API ModelElementIntf : public ClassObjectIntf {
  protected:
   ModelElementIntf() noexcept = default;
   ~ModelElementIntf() override = default;
-  /// Called by the constructor of each interface class with its metaclass: the last call names the class in the
-  /// failure of a bare interface.
+  /// Called by the constructor of each interface class with its metaclass: the last call names the class in
+  /// the failure of a bare interface.
   void noteInterface(int aMetaclass) noexcept { fHint = aMetaclass; }
 
  private:

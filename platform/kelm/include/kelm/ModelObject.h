@@ -13,8 +13,9 @@ class UMLMM_API ModelCompanion {
   virtual ~ModelCompanion();
 };
 
-/// A model. It owns its top-level elements; the rest are owned by their containers. It lives as long as a handle,
-/// a host object or the model cache counts it; when the last goes, or at `close`, its elements go too.
+/// A model. It owns its top-level elements; the rest are owned by their containers. It lives as long as a
+/// handle, a host object or the model cache counts it; when the last goes, or at `close`, its elements go
+/// too.
 class UMLMM_API ModelObject final : public NSInterface::ModelIntf {
  public:
   ModelObject();
@@ -33,7 +34,8 @@ class UMLMM_API ModelObject final : public NSInterface::ModelIntf {
   /// The read-only variant of the same data; one for a model, made at the first call.
   Deviant readOnlyDeviant();
   bool isOpen() const noexcept { return fBase->fModel != nullptr; }
-  /// Unbinds the model, closes its variants and drops its elements. Handles to them answer false to `isvalid`.
+  /// Unbinds the model, closes its variants and drops its elements. Handles to them answer false to
+  /// `isvalid`.
   void close();
 
   /// Takes an element without a container into the model, which takes over one of its counts. Nothing has

@@ -5,8 +5,8 @@
 
 #include "kelm/Object.h"
 
-/// The metamodel about itself: types, classes, data types, properties and packages. All are immortal, read-only
-/// objects; texts and spans they answer live as long as the process.
+/// The metamodel about itself: types, classes, data types, properties and packages. All are immortal,
+/// read-only objects; texts and spans they answer live as long as the process.
 namespace Kelm {
 
 namespace NSInterface {

@@ -8,9 +8,9 @@
 #include "kelm/String.h"
 #include "kelm/meta.h"
 
-/// How values of data types travel as objects without allocation: Boolean, Integer and UnlimitedNatural are one
-/// immortal object each with the value in the deviant word; an enumeration literal is one immortal object; a
-/// string is its counted record.
+/// How values of data types travel as objects without allocation: Boolean, Integer and UnlimitedNatural are
+/// one immortal object each with the value in the deviant word; an enumeration literal is one immortal
+/// object; a string is its counted record.
 namespace Kelm {
 
 enum class PrimitiveKind : std::uint8_t { Boolean, Integer, UnlimitedNatural };

@@ -26,7 +26,8 @@ TEST_F(LifecycleTest, DestroyingTakesContentsAndReferencesAlong) {
   EXPECT_TRUE(typed.getType().isNull());
   EXPECT_EQ(package.getPackagedElement().size(), 1);
   EXPECT_NE(failureOf([&] { base.destroy(); }).find(Kelm::words::kNotInVariant), std::string::npos);
-  EXPECT_NE(failureOf([&] { static_cast<void>(base.getName()); }).find(Kelm::words::kNotInVariant), std::string::npos);
+  EXPECT_NE(failureOf([&] { static_cast<void>(base.getName()); }).find(Kelm::words::kNotInVariant),
+            std::string::npos);
   EXPECT_NE(failureOf([&] { package.getPackagedElement().push_back(base); }), "");
 }
 
@@ -35,7 +36,8 @@ TEST_F(LifecycleTest, AListOutlivesItsElementsWithoutShowingThem) {
   auto const list = package.getPackagedElement();
   list.push_back(make<umlmm::Class>());
   package.destroy();
-  EXPECT_NE(failureOf([&] { static_cast<void>(list.size()); }).find(Kelm::words::kNotInVariant), std::string::npos);
+  EXPECT_NE(failureOf([&] { static_cast<void>(list.size()); }).find(Kelm::words::kNotInVariant),
+            std::string::npos);
 }
 
 TEST_F(LifecycleTest, ClosingAModelEndsItsElementsAndItsName) {
@@ -73,7 +75,8 @@ TEST_F(LifecycleTest, ABareInterfaceAnswersAsNoElement) {
   EXPECT_EQ(view.numRef(), 0);
   EXPECT_FALSE(view.deviant_isValid(fModel.getDeviant()));
   for (bool const immutable : {false, true})
-    EXPECT_NE(failureOf([&] { view.getVeskName(immutable); })
-                  .find("Internal Error at uml_metamodel/umlmm/NSInterface/AssociationClassIntf:"),
+    EXPECT_NE(failureOf([&] {
+                view.getVeskName(immutable);
+              }).find("Internal Error at uml_metamodel/umlmm/NSInterface/AssociationClassIntf:"),
               std::string::npos);
 }

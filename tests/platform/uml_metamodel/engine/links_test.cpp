@@ -37,8 +37,10 @@ TEST_F(LinksTest, OwnershipInACircleIsRefusedAndChangesNothing) {
   auto const outer = make<umlmm::Package>();
   auto const inner = make<umlmm::Package>();
   outer.getPackagedElement().push_back(inner);
-  EXPECT_NE(failureOf([&] { inner.getPackagedElement().push_back(outer); }).find("own itself"), std::string::npos);
-  EXPECT_NE(failureOf([&] { outer.getPackagedElement().push_back(outer); }).find("own itself"), std::string::npos);
+  EXPECT_NE(failureOf([&] { inner.getPackagedElement().push_back(outer); }).find("own itself"),
+            std::string::npos);
+  EXPECT_NE(failureOf([&] { outer.getPackagedElement().push_back(outer); }).find("own itself"),
+            std::string::npos);
   EXPECT_TRUE(inner.getPackagedElement().empty());
   EXPECT_TRUE(outer.getNestingPackage().isNull());
 }
@@ -111,12 +113,15 @@ TEST_F(LinksTest, ARedefinitionNarrowsTheInheritedName) {
   auto const other = make<umlmm::ExtensionEnd>();
   umlmm::Association const asAssociation(extension);
 
-  EXPECT_NE(failureOf([&] { asAssociation.getOwnedEnd().push_back(plain); }).find("ExtensionEnd"), std::string::npos);
-  EXPECT_NE(failureOf([&] { plain.setOwningAssociation(asAssociation); }).find("ExtensionEnd"), std::string::npos);
+  EXPECT_NE(failureOf([&] { asAssociation.getOwnedEnd().push_back(plain); }).find("ExtensionEnd"),
+            std::string::npos);
+  EXPECT_NE(failureOf([&] { plain.setOwningAssociation(asAssociation); }).find("ExtensionEnd"),
+            std::string::npos);
   EXPECT_TRUE(plain.getAssociation().isNull());
   asAssociation.getOwnedEnd().push_back(end);
   EXPECT_EQ(extension.getOwnedEnd(), end) << "one slot under both names";
-  EXPECT_NE(failureOf([&] { asAssociation.getOwnedEnd().push_back(other); }).find("one value"), std::string::npos);
+  EXPECT_NE(failureOf([&] { asAssociation.getOwnedEnd().push_back(other); }).find("one value"),
+            std::string::npos);
   extension.setOwnedEnd(other);
   EXPECT_EQ(asAssociation.getOwnedEnd().size(), 1);
   EXPECT_EQ(asAssociation.getOwnedEnd().front().get(), other.get());
@@ -147,7 +152,8 @@ TEST_F(LinksTest, AReadOnlyVariantShowsTheModelAndRefusesChanges) {
   Kelm::Deviant const frozen = fModel.object().readOnlyDeviant();
   umlmm::Class const view(owner.get(), frozen);
   EXPECT_EQ(view.getName().text(), u"Order");
-  EXPECT_NE(failureOf([&] { view.setName(umlmm::String(std::u16string(u"x"))); }).find("read-only"), std::string::npos);
+  EXPECT_NE(failureOf([&] { view.setName(umlmm::String(std::u16string(u"x"))); }).find("read-only"),
+            std::string::npos);
   EXPECT_NE(failureOf([&] { view.getOwnedAttribute().clear(); }).find("read-only"), std::string::npos);
   EXPECT_NE(failureOf([&] { view.destroy(); }).find("read-only"), std::string::npos);
   owner.setName(umlmm::String(std::u16string(u"Invoice")));

@@ -46,7 +46,8 @@ TEST_F(FeatureListTest, HoldsEachElementOnce) {
 }
 
 TEST_F(FeatureListTest, AssignmentReplacesAllOrNothing) {
-  auto const values = Kelm::SequenceCreator::create<umlmm::PackageableElement>({fModel.getDeviant(), Kelm::MULTI_INDEX});
+  auto const values =
+      Kelm::SequenceCreator::create<umlmm::PackageableElement>({fModel.getDeviant(), Kelm::MULTI_INDEX});
   values.push_back(fClasses[3]);
   values.push_back(named<umlmm::Class>(u"n"));
   values.push_back(fClasses[0]);
@@ -98,5 +99,6 @@ TEST_F(FeatureListTest, LongListsAreChangedFromTheMiddleByElement) {
   }
   for (std::size_t at = 0; at < many.size(); at += 2) fList.removeAll(many[at]);
   EXPECT_EQ(fList.size(), 1004);
-  for (std::size_t at = 1; at < many.size(); at += 2) EXPECT_EQ(fList.at(4 + static_cast<int>(at / 2)).get(), many[at].get());
+  for (std::size_t at = 1; at < many.size(); at += 2)
+    EXPECT_EQ(fList.at(4 + static_cast<int>(at / 2)).get(), many[at].get());
 }

@@ -13,7 +13,8 @@ using Kelm::NSInterface::ObjectIntf;
 using Kelm::NSInterface::PropertyIntf;
 using Access = Kelm::Generic::RefAccess<Kelm::Object>;
 
-/// A model that is written at random through the accessor tables, and what must hold of it whatever was written.
+/// A model that is written at random through the accessor tables, and what must hold of it whatever was
+/// written.
 class RandomWritesTest : public ModelTest, public testing::WithParamInterface<unsigned> {
  protected:
   RandomWritesTest() : fRandom(GetParam()), fDeviant(fModel.getDeviant()) {}
@@ -26,7 +27,8 @@ class RandomWritesTest : public ModelTest, public testing::WithParamInterface<un
     for (std::size_t index = 0; index < classes.size(); ++index)
       if (!classes[index]->isAbstract()) concrete.push_back(static_cast<int>(index));
     for (int count = 0; count < aCount; ++count)
-      fElements.emplace_back(umlmm::detail::createElement(concrete[below(concrete.size())], fModel), fDeviant);
+      fElements.emplace_back(umlmm::detail::createElement(concrete[below(concrete.size())], fModel),
+                             fDeviant);
   }
 
   static bool isReference(PropertyIntf const& aProperty) {
@@ -67,13 +69,17 @@ class RandomWritesTest : public ModelTest, public testing::WithParamInterface<un
       auto const reference = Access::make(Kelm::Object(value.get(), fDeviant));
       switch (below(5)) {
         case 0:
-          if (size > 0) list->generic_erase(fDeviant, static_cast<int>(below(static_cast<std::size_t>(size))));
+          if (size > 0)
+            list->generic_erase(fDeviant, static_cast<int>(below(static_cast<std::size_t>(size))));
           break;
         case 1:
-          if (size > 0) list->generic_replace(fDeviant, static_cast<int>(below(static_cast<std::size_t>(size))), reference);
+          if (size > 0)
+            list->generic_replace(fDeviant, static_cast<int>(below(static_cast<std::size_t>(size))),
+                                  reference);
           break;
         case 2:
-          list->generic_insert(fDeviant, static_cast<int>(below(static_cast<std::size_t>(size) + 1)), reference);
+          list->generic_insert(fDeviant, static_cast<int>(below(static_cast<std::size_t>(size) + 1)),
+                               reference);
           break;
         default:
           list->generic_push_back(fDeviant, reference);
@@ -97,8 +103,8 @@ class RandomWritesTest : public ModelTest, public testing::WithParamInterface<un
     for (PropertyIntf const* const property : metaClass.allProperties()) {
       if (!isReference(*property)) continue;
       auto const values = valuesOf(aElement, *property);
-      auto const label = std::string(metaClass.getName()) + " " + std::string(property->getOwner().getName()) + "." +
-                         std::string(property->getName());
+      auto const label = std::string(metaClass.getName()) + " " +
+                         std::string(property->getOwner().getName()) + "." + std::string(property->getName());
       EXPECT_EQ(std::set<ObjectIntf*>(values.begin(), values.end()).size(), values.size()) << label;
       if (!property->isMultivalued()) {
         EXPECT_LE(values.size(), 1U) << label;

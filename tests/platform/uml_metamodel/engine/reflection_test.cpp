@@ -32,8 +32,9 @@ TEST(ReflectionTest, AccessorsRefuseWhatIsNotTheirs) {
   auto const& methods = umlmm::NSInterface::ClassIntf::sIntrospectiveMethods;
   EXPECT_NE(failureOf([&] { methods.getEntry(comment.get(), model.getDeviant(), 4); }).find("has no feature"),
             std::string::npos);
-  EXPECT_NE(failureOf([&] { methods.getEntry(comment.get(), model.getDeviant(), 99); })
-                .find(Kelm::words::kInvalidMetaPropertyId),
+  EXPECT_NE(failureOf([&] {
+              methods.getEntry(comment.get(), model.getDeviant(), 99);
+            }).find(Kelm::words::kInvalidMetaPropertyId),
             std::string::npos);
   EXPECT_EQ(methods.metaPropertyTable[0].fProperty, nullptr);
   EXPECT_EQ(methods.metaPropertyTable[1].fProperty->getName(), "isAbstract");
@@ -49,8 +50,8 @@ TEST_F(QueryTest, ElementsKnowWhoRefersToThem) {
   comment.getAnnotatedElement().push_back(type);
   auto const& queries = Kelm::elementQueries();
   auto const referrers = [&] {
-    auto const found = Kelm::Sequence<Kelm::Object>::adopt(queries.referencedBy(*type.get(), fModel.getDeviant()),
-                                                           fModel.getDeviant());
+    auto const found = Kelm::Sequence<Kelm::Object>::adopt(
+        queries.referencedBy(*type.get(), fModel.getDeviant()), fModel.getDeviant());
     return valuesOf(found);
   };
   ASSERT_EQ(referrers().size(), 2U);

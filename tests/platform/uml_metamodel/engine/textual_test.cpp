@@ -12,8 +12,8 @@ class TextualTest : public ModelTest {
 
 TEST_F(TextualTest, MakesElementsWithNamesAndFeatures) {
   auto const base = named<umlmm::Class>(u"Base");
-  auto const made = Kelm::queryHandle<umlmm::Class, umlmm::VisitationDomain>(
-      read(u"umlmm.Class \"Order \\\"A\\\"\" { isAbstract = true; visibility = protected; superClass = [Base] }"));
+  auto const made = Kelm::queryHandle<umlmm::Class, umlmm::VisitationDomain>(read(
+      u"umlmm.Class \"Order \\\"A\\\"\" { isAbstract = true; visibility = protected; superClass = [Base] }"));
   ASSERT_FALSE(made.isNull());
   EXPECT_EQ(made.getName().text(), u"Order \"A\"");
   EXPECT_TRUE(made.getIsAbstract().value());
@@ -26,15 +26,16 @@ TEST_F(TextualTest, NamesTheplaceOfAnErrorAndMakesNothing) {
     char16_t const* fText;
     char const* fFailure;
   };
-  for (Case const& wrong : {Case{u"Klass", "cannot read 'Klass' at position 1"},
-                            Case{u"Classifier", "cannot read 'Classifier' at position 1"},
-                            Case{u"Class A { isAbstract = 3; }", "cannot read '3' at position 24"},
-                            Case{u"Class A { isAbstrakt = true; }", "cannot read 'isAbstrakt' at position 11"},
-                            Case{u"Class A { superClass = [Nobody] }", "cannot read 'Nobody' at position 25"},
-                            Case{u"Class A { isAbstract = true", "at position 28"},
-                            Case{u"Class \"A", "cannot read '\"A' at position 7"},
-                            Case{u"", "at position 1"}}) {
-    EXPECT_NE(failureOf([&] { read(wrong.fText); }).find(wrong.fFailure), std::string::npos) << wrong.fFailure;
+  for (Case const& wrong :
+       {Case{u"Klass", "cannot read 'Klass' at position 1"},
+        Case{u"Classifier", "cannot read 'Classifier' at position 1"},
+        Case{u"Class A { isAbstract = 3; }", "cannot read '3' at position 24"},
+        Case{u"Class A { isAbstrakt = true; }", "cannot read 'isAbstrakt' at position 11"},
+        Case{u"Class A { superClass = [Nobody] }", "cannot read 'Nobody' at position 25"},
+        Case{u"Class A { isAbstract = true", "at position 28"},
+        Case{u"Class \"A", "cannot read '\"A' at position 7"}, Case{u"", "at position 1"}}) {
+    EXPECT_NE(failureOf([&] { read(wrong.fText); }).find(wrong.fFailure), std::string::npos)
+        << wrong.fFailure;
     EXPECT_EQ(elements(), 0);
   }
 }
@@ -46,7 +47,8 @@ TEST_F(TextualTest, ReadsAValueOfAType) {
   using umlmm::VisitationDomain;
   auto const comment = Kelm::queryHandle<umlmm::Comment, VisitationDomain>(make(u"Comment", u"a note"));
   EXPECT_EQ(comment.getBody().text(), u"a note");
-  auto const number = Kelm::queryHandle<umlmm::LiteralInteger, VisitationDomain>(make(u"LiteralInteger", u"-12"));
+  auto const number =
+      Kelm::queryHandle<umlmm::LiteralInteger, VisitationDomain>(make(u"LiteralInteger", u"-12"));
   EXPECT_EQ(number.getValue().value(), -12);
   EXPECT_EQ(make(u"AggregationKind", u"shared"), Kelm::Object(umlmm::AggregationKind(1)));
   EXPECT_NE(failureOf([&] { make(u"LiteralInteger", u"many"); }), "");

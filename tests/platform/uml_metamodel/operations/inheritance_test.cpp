@@ -70,7 +70,8 @@ TEST_F(InheritanceTest, ARedefinitionHoldsOnItsOwnWayOnly) {
   generalize(other, fTop);
   EXPECT_EQ(listOf(fBottom.getInheritedMember()), "middleA topA otherA");
   redefine(fMiddleA, fTopA);
-  EXPECT_EQ(listOf(fBottom.getInheritedMember()), "middleA otherA topA") << "it comes by the other parent now";
+  EXPECT_EQ(listOf(fBottom.getInheritedMember()), "middleA otherA topA")
+      << "it comes by the other parent now";
   redefine(attribute(fBottom, u"bottomA"), fTopA);
   EXPECT_EQ(listOf(fBottom.getInheritedMember()), "middleA otherA");
 }

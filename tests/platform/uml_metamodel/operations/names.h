@@ -31,13 +31,15 @@ class NamedModelTest : public ModelTest {
     aOwner.getOwnedOperation().push_back(made);
     return made;
   }
-  umlmm::Generalization generalize(umlmm::Classifier const& aSpecific, umlmm::Classifier const& aGeneral) const {
+  umlmm::Generalization generalize(umlmm::Classifier const& aSpecific,
+                                   umlmm::Classifier const& aGeneral) const {
     return umlmm::Generalization::create(fModel, aSpecific, aGeneral);
   }
   umlmm::PackageImport import(umlmm::Namespace const& aImporting, umlmm::Package const& aImported) const {
     return umlmm::PackageImport::create(fModel, aImporting, aImported);
   }
-  umlmm::ElementImport import(umlmm::Namespace const& aImporting, umlmm::PackageableElement const& aImported) const {
+  umlmm::ElementImport import(umlmm::Namespace const& aImporting,
+                              umlmm::PackageableElement const& aImported) const {
     return umlmm::ElementImport::create(fModel, aImported, aImporting);
   }
 };

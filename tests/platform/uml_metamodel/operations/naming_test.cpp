@@ -60,7 +60,8 @@ TEST_F(NamingTest, OperationsOfOneNameMustDifferInTheTypesOfTheirParameters) {
   second.getOwnedParameter().push_back(parameter);
   EXPECT_TRUE(first.isDistinguishableFrom(second, owner).value()) << "another number of parameters";
   first.getOwnedParameter().push_back(named<umlmm::Parameter>(u"q"));
-  EXPECT_FALSE(first.isDistinguishableFrom(second, owner).value()) << "names do not count, no types are equal";
+  EXPECT_FALSE(first.isDistinguishableFrom(second, owner).value())
+      << "names do not count, no types are equal";
   parameter.setType(owner);
   EXPECT_TRUE(second.isDistinguishableFrom(first, owner).value());
   EXPECT_TRUE(owner.membersAreDistinguishable().value());

@@ -24,7 +24,8 @@ TEST_F(RedefinitionTest, TheContextMustBeAProperDescendant) {
   auto const special = attribute(fSpecial, u"y");
   EXPECT_TRUE(special.isRedefinitionContextValid(general).value());
   EXPECT_FALSE(general.isRedefinitionContextValid(special).value());
-  EXPECT_FALSE(special.isRedefinitionContextValid(attribute(fSpecial, u"z")).value()) << "the same classifier";
+  EXPECT_FALSE(special.isRedefinitionContextValid(attribute(fSpecial, u"z")).value())
+      << "the same classifier";
   EXPECT_FALSE(make<umlmm::Property>().isRedefinitionContextValid(general).value()) << "no context";
   EXPECT_FALSE(special.isRedefinitionContextValid(umlmm::ImmutableRedefinableElement()).value());
 }

@@ -20,7 +20,8 @@ TEST_F(BoundsTest, AFreshBoundReadsAsItsDefault) {
 
 TEST_F(BoundsTest, AWrittenBoundStandsInALiteral) {
   fProperty.setLower(Integer(3));
-  auto const literal = Kelm::queryHandle<umlmm::LiteralInteger, umlmm::VisitationDomain>(fProperty.getLowerValue());
+  auto const literal =
+      Kelm::queryHandle<umlmm::LiteralInteger, umlmm::VisitationDomain>(fProperty.getLowerValue());
   ASSERT_NE(literal.get(), nullptr);
   EXPECT_EQ(literal.getValue().value(), 3);
   EXPECT_EQ(literal.getOwner().get(), static_cast<umlmm::ImmutableElement>(fProperty).get());
@@ -70,7 +71,9 @@ TEST_F(BoundsTest, ABoundRefusesWhatIsNoNumber) {
   auto const& methods = umlmm::NSInterface::MultiplicityElementIntf::sIntrospectiveMethods;
   constexpr unsigned kLower = 4;
   auto* const element = fProperty.get();
-  EXPECT_NE(failureOf([&] { methods.setEntry(element, fProperty.getDeviant(), kLower, umlmm::Boolean(true)); }), "");
+  EXPECT_NE(
+      failureOf([&] { methods.setEntry(element, fProperty.getDeviant(), kLower, umlmm::Boolean(true)); }),
+      "");
   EXPECT_EQ(fProperty.getLower()->value(), 1);
   EXPECT_EQ(fProperty.getLowerValue().get(), nullptr);
 }

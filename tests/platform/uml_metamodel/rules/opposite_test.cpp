@@ -63,7 +63,8 @@ TEST_F(OppositeTest, EndsThatTheAssociationOwnsHaveNoOppositeAndTakeNone) {
 
 TEST_F(OppositeTest, ThreeEndsHaveNoOpposites) {
   auto const association = make<umlmm::Association>();
-  for (auto const& end : {fEmployer, fEmployee, attribute(fFirm, u"third")}) association.getMemberEnd().push_back(end);
+  for (auto const& end : {fEmployer, fEmployee, attribute(fFirm, u"third")})
+    association.getMemberEnd().push_back(end);
   EXPECT_TRUE(fEmployer.getOpposite().isNull());
 }
 

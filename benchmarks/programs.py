@@ -1,0 +1,139 @@
+"""The Google Benchmark programs, and the figures that are made of their times."""
+
+import json
+import pathlib
+import subprocess
+
+from figures import Figure
+
+SIZES = (1_000, 10_000, 100_000)
+MODELS = (10_000, 100_000, 1_000_000)
+KINDS = {"Owning": "owning list", "Referring": "referring list"}
+
+
+class Results:
+    """What one program measured: the fastest of all repetitions, which ran interleaved."""
+
+    def __init__(self, program):
+        command = [
+            program,
+            "--benchmark_format=json",
+            "--benchmark_repetitions=5",
+            "--benchmark_min_time=0.02",
+            "--benchmark_enable_random_interleaving=true",
+        ]
+        output = subprocess.run(command, check=True, stdout=subprocess.PIPE, stderr=subprocess.PIPE).stdout
+        self._runs = {}
+        for run in json.loads(output)["benchmarks"]:
+            if run["run_type"] != "iteration":
+                continue
+            name = run["name"].split("/iterations:")[0].removesuffix("/manual_time")
+            self._runs.setdefault(name, []).append(run)
+
+    def nanoseconds(self, name):
+        """The time of one item, or of one iteration where a benchmark counts no items."""
+        return min(
+            1e9 / run["items_per_second"] if "items_per_second" in run else run["cpu_time"]
+            for run in self._runs[name]
+        )
+
+    def counter(self, name, counter):
+        return max(run[counter] for run in self._runs[name])
+
+
+def measure(build):
+    folder = pathlib.Path(build, "bin")
+    yield from _access(Results(folder / "metamodel_access_benchmark"))
+    yield from _lists(Results(folder / "metamodel_lists_benchmark"))
+    yield from _queries(Results(folder / "metamodel_queries_benchmark"))
+    yield from _memory(Results(folder / "metamodel_memory_benchmark"))
+
+
+def _against(results, title, name, limit, bound=None):
+    return Figure(title, results.nanoseconds(name), limit=results.nanoseconds(limit), bound=bound)
+
+
+def _access(results):
+    subjects = {
+        "cast to an interface": "castToClass",
+        "getEntry of a string": "readText",
+        "set a string": "writeText",
+        "get a boolean": "readBoolean",
+        "set a boolean": "writeBoolean",
+        "get an integer": "readInteger",
+        "set an integer": "writeInteger",
+        "get a reference": "readReference",
+        "set a reference": "writeReference",
+        "create and destroy a Class": "createAndDestroy",
+    }
+    for title, name in subjects.items():
+        yield _against(results, f"C++: {title}, to a plain struct", name, f"{name}Plain")
+    yield _against(results, "C++: getName, to getEntry of a string", "readTextTyped", "readText")
+    title = "C++: property read over 60 mixed classes, to one class"
+    yield _against(results, title, "readTextsOfClasses/60", "readTextsOfClasses/1", 2.0)
+
+
+def _lists(results):
+    changes = {
+        "append": ("append", {"Owning": 2.0, "Referring": 3.0}),
+        "erase by element from the middle": ("eraseFromTheMiddle", dict.fromkeys(KINDS, 3.0)),
+        "destroy out of the middle": ("destroyInTheMiddle", dict.fromkeys(KINDS, 3.0)),
+        "destroy, after the model's first": ("destroyFurther", dict.fromkeys(KINDS, None)),
+    }
+    for title, (name, bounds) in changes.items():
+        for kind, label in KINDS.items():
+            for size in SIZES[1:]:
+                yield _against(
+                    results,
+                    f"C++: {title}, {label}, {size:,} to {SIZES[0]:,}",
+                    f"{name}<{kind}>/{size}",
+                    f"{name}<{kind}>/{SIZES[0]}",
+                    bounds[kind] if size == SIZES[-1] else None,
+                )
+    for size in SIZES:
+        title = f"C++: append with opposite at {size:,}, to plain structs"
+        yield _against(results, title, f"append<Owning>/{size}", f"appendPlain/{size}")
+    for kind, label in KINDS.items():
+        for size in SIZES:
+            yield Figure(
+                f"C++: erase and read by position in turn, {label}, {size:,}",
+                results.nanoseconds(f"eraseAndReadByPosition<{kind}>/{size}") / 1000,
+                "us",
+                bound=20 if size == SIZES[-1] else None,
+                goal=True,
+            )
+    yield _against(results, "C++: iterate 1,000 elements, to counted pointers", "iterate", "iteratePlain")
+
+
+def _queries(results):
+    queries = {
+        "qualifiedName": "qualifiedNames",
+        "member": "members",
+        "inheritedMember": "inheritedMembers",
+        "allOwnedElements": "allOwnedElements",
+        "allParents": "allParents",
+    }
+    for title, name in queries.items():
+        for size in MODELS:
+            row = f"C++: {title} in {size:,}, per answer, to a plain walk"
+            yield _against(results, row, f"{name}/{size}", f"{name}Plain/{size}")
+
+
+def _memory(results):
+    for name, bound in {"Comment": 96, "Property": 208, "Class": 272}.items():
+        benchmark = f"bytesPerElement<umlmm::{name}>"
+        size = results.counter(benchmark, "element")
+        yield Figure(f"memory: {name} with its slots", size, "B", bound=bound)
+        yield Figure(f"memory: heap for a {name} in a model", round(results.counter(benchmark, "heap")), "B")
+    allocations = results.counter("allocationsPerRead", "allocations")
+    yield Figure("memory: allocations of a getEntry read of any kind", allocations, "", bound=0)
+
+
+def sequences(build):
+    """The table that the benchmark of the sequence kernel prints itself, and whether its bounds hold."""
+    program = pathlib.Path(build, "bin", "sequence_benchmark")
+    command = [program, "--benchmark_min_time=0.02"]
+    run = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
+    lines = run.stdout.splitlines()
+    start = next(at for at, line in enumerate(lines) if line.startswith("operation"))
+    return lines[start:], run.returncode == 0

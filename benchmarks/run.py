@@ -1,0 +1,62 @@
+"""Measures everything and prints one table: each figure, its limit measured in the same run, and its bound.
+
+    PYTHONPATH=<build>/python python3 benchmarks/run.py --build <build> [--only PART] [--check]
+
+What the figures mean and how the last ones came about stands in README.md beside this file.
+"""
+
+import argparse
+import pathlib
+import sys
+
+HERE = pathlib.Path(__file__).parent
+sys.path[:0] = [str(HERE), str(HERE / "host" / "python")]
+
+import figures  # noqa: E402
+
+
+def measured(build, only):
+    # Imported when needed: the programs can be measured without the host, and the other way round.
+    if only in (None, "scripts"):
+        import footprint
+        import scripts
+
+        yield from scripts.measure()
+        yield from footprint.measure(build)
+    if only in (None, "programs"):
+        import programs
+
+        yield from programs.measure(build)
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
+    parser.add_argument("--build", required=True, type=pathlib.Path, help="folder of a release build")
+    parser.add_argument("--only", choices=("programs", "scripts", "sequences"), help="measure a part")
+    parser.add_argument("--check", action="store_true", help="exit with 1 if a bound is missed, goals aside")
+    options = parser.parse_args()
+
+    found = []
+    for figure in measured(options.build, options.only):
+        found.append(figure)
+        if sys.stderr.isatty():
+            print(f"\r{len(found)} figures", end="\r", file=sys.stderr)
+    holds = True
+    if found:
+        print(*figures.table(found), sep="\n")
+    if options.only in (None, "sequences"):
+        import programs
+
+        lines, holds = programs.sequences(options.build)
+        print("\nThe sequence kernel, with its own bound:", *lines, sep="\n")
+
+    bounded = [figure for figure in found if figure.met is not None]
+    missed = [figure for figure in bounded if not figure.met]
+    if bounded:
+        print(f"\n{len(bounded) - len(missed)} of {len(bounded)} bounds and goals are met.")
+    if options.check and (not holds or any(not figure.goal for figure in missed)):
+        sys.exit(1)
+
+
+if __name__ == "__main__":
+    main()
