@@ -18,6 +18,7 @@ def measure():
     yield from _creation()
     yield from _lists(model)
     yield from _numbers(model)
+    yield from _sequences(model)
     model.close()
 
 
@@ -173,4 +174,46 @@ def _numbers(model):
         Pass(_walk, lambda: (numbers,), MILLION),
         5,
         rounds=5,
+    )
+
+
+def _sequences(model):
+    """Sequences of integers next to Python's own lists of the same integers. Changes are undone in the statement, so
+    that all find the same length."""
+
+    def once(sequence_code, list_code, title, names, plain_names, repetitions, rounds):
+        return _figure(
+            f"integers: {title}, to a Python list",
+            Statement(sequence_code, names, repetitions),
+            Statement(list_code, plain_names, repetitions),
+            None,
+            rounds=rounds,
+        )
+
+    for count in (LISTED, MILLION):
+        numbers = list(range(count))
+        sequence = umlmm.SequenceOfInteger.make(model)
+        sequence.extend(numbers)
+        middle = count // 2
+        names = {"values": sequence, "middle": middle, "last": count - 1}
+        plain = {"values": numbers, "middle": middle, "last": count - 1}
+        changes = (25, 10) if count == LISTED else (1, 3)
+        for title, code, list_code, repetitions, rounds in (
+            ("at", "values.at(middle)", "values[middle - 1]", 250, 20),
+            ("push_back, pop_back", "values.push_back(7); values.pop_back()", "values.append(7); values.pop()", 250, 20),
+            ("insert and erase in the middle", "values.insert(middle, 7); values.erase(middle)",
+             "values.insert(middle, 7); del values[middle]", *changes),
+            ("contains the last", "last in values", "last in values", *changes),
+            ("push_back, removeAll", "values.push_back(-1); values.removeAll(-1)",
+             "values.append(-1); values.remove(-1)", *changes),
+        ):
+            yield once(code, list_code, f"{title}, {count:,}", names, plain, repetitions, rounds)
+    items = list(range(LISTED))
+    sequence = umlmm.SequenceOfInteger.make(model)
+    sequence.extend(items)
+    yield _figure(
+        f"iterate {LISTED:,} integers, each, to a Python list",
+        Pass(_walk, lambda: (sequence,), LISTED),
+        Pass(_walk, lambda: (items,), LISTED),
+        5,
     )

@@ -59,9 +59,11 @@ bool isDying(Element const& aElement) noexcept { return (aElement.fMarks & Eleme
 
 /// Takes the element out of the features of elements that stay.
 void leaveOthers(Element& aElement, ModelIndex& aIndex) {
-  for (ModelIndex::Reference const& reference : aIndex.referencesTo(aElement))
-    if (!isDying(*reference.fOwner)) unlink(*reference.fOwner, feature(reference.fFeature), aElement);
-  aIndex.forgetValue(aElement);
+  if (aElement.fWasReferenced) {
+    for (ModelIndex::Reference const& reference : aIndex.referencesTo(aElement))
+      if (!isDying(*reference.fOwner)) unlink(*reference.fOwner, feature(reference.fFeature), aElement);
+    aIndex.forgetValue(aElement);
+  }
   std::vector<Element*> values;
   for (FeatureIndex const index : storedReferences(aElement)) {
     Feature const& root = feature(index);
@@ -95,8 +97,6 @@ void letGo(Element& aElement) {
   aElement.decRef();
 }
 
-constexpr std::uint16_t kNoContainer = 0xFFFF;
-
 }  // namespace
 
 Element& create(int aMetaclass, Kelm::ModelObject& aModel) {
@@ -107,7 +107,6 @@ Element& create(int aMetaclass, Kelm::ModelObject& aModel) {
   Element& element = *kElementClasses[table->fIndex].fConstruct(memory);
   element.fClass = table;
   element.fFlags = table->fDefaultFlags;
-  element.fContainerFeature = kNoContainer;
   element.fModel = &aModel;
   element.fCount = 1;
   ++sLiving;

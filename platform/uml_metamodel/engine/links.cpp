@@ -39,6 +39,7 @@ void store(Element& aOwner, Feature const& aRoot, Element& aValue, std::uint32_t
     aValue.fContainerFeature = indexOf(aRoot);
     aOwner.fMarks |= Element::HasContents;
   } else if (aRoot.fOpposite == kNoFeature) {
+    aValue.fWasReferenced = true;
     ModelIndex::noteReference(aOwner, aRoot, aValue);
   }
   aOwner.fModel->noteChange();

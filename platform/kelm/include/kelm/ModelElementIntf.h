@@ -67,7 +67,10 @@ class UMLMM_API ModelElementIntf : public ClassObjectIntf {
   /// Marks, added up.
   std::uint8_t fMarks = 0;
   /// The stored containment feature that holds the element; meaningless without a container.
-  std::uint16_t fContainerFeature = 0;
+  std::uint16_t fContainerFeature : 15 = 0;
+  /// Set once a feature without a far end referred to the element: others need not be looked for when it
+  /// goes.
+  bool fWasReferenced : 1 = false;
 
  protected:
   ModelElementIntf() noexcept = default;
