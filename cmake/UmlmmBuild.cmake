@@ -24,13 +24,15 @@ find_package(Python3 REQUIRED COMPONENTS Interpreter Development.Module)
 
 add_library(umlmm_settings INTERFACE)
 target_compile_options(umlmm_settings INTERFACE
-  -Wall -Wextra -Wpedantic -ffunction-sections -fdata-sections -fno-semantic-interposition
+  -Wall -Wextra -Wpedantic -ffunction-sections -fdata-sections -fno-semantic-interposition -fno-plt
   $<$<BOOL:${UMLMM_WERROR}>:-Werror>)
 # g++ 12 warns of overlaps inside std::string's own operator+ when it optimises.
 if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
   target_compile_options(umlmm_settings INTERFACE -Wno-restrict)
 endif()
-target_link_options(umlmm_settings INTERFACE -Wl,--gc-sections -Wl,-z,pack-relative-relocs -Wl,-z,defs)
+# Functions are bound inside their library, as -fno-semantic-interposition has it; types and data are not, so that
+# exceptions and tags stay one for all libraries.
+target_link_options(umlmm_settings INTERFACE -Wl,-Bsymbolic-functions -Wl,--gc-sections -Wl,-z,pack-relative-relocs -Wl,-z,defs)
 if(UMLMM_SANITIZE)
   add_compile_options(-fsanitize=${UMLMM_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${UMLMM_SANITIZE})

@@ -10,12 +10,12 @@ KelmmiOptionalPrimitiveProperty<T>::~KelmmiOptionalPrimitiveProperty() = default
 
 template <class T>
 void KelmmiOptionalPrimitiveProperty<T>::setValue(vesk::VeskInterface* aInstance, vesk::VeskValue aValue) {
-  Kelm::ClassObject const object = openForSet(aInstance, detail::Primitive<T>::valueType(),
-                                              "kelm_mi/marshal/KelmmiOptionalPrimitiveProperty");
+  Borrowed<ClassObject> const object = openForSet(aInstance, detail::Primitive<T>::valueType(),
+                                                  "kelm_mi/marshal/KelmmiOptionalPrimitiveProperty");
   if (auto const value = OptionalPrimitiveMarshaling<T>::unbox(aValue.array()))
-    methods->setEntry(object.get(), object.getDeviant(), id, *value);
+    methods->setEntry(object->get(), object->getDeviant(), id, *value);
   else
-    methods->unsetEntry(object.get(), object.getDeviant(), id);
+    methods->unsetEntry(object->get(), object->getDeviant(), id);
 }
 
 template <class T>

@@ -9,9 +9,9 @@ KelmmiPrimitiveProperty<T>::~KelmmiPrimitiveProperty() = default;
 
 template <class T>
 void KelmmiPrimitiveProperty<T>::setValue(vesk::VeskInterface* aInstance, vesk::VeskValue aValue) {
-  Kelm::ClassObject const object =
+  Borrowed<ClassObject> const object =
       openForSet(aInstance, detail::Primitive<T>::valueType(), "kelm_mi/marshal/KelmmiPrimitiveProperty");
-  methods->setEntry(object.get(), object.getDeviant(), id, ArgumentUnboxer<T>::unbox(aValue).fValue);
+  methods->setEntry(object->get(), object->getDeviant(), id, ArgumentUnboxer<T>::unbox(aValue).fValue);
 }
 
 template <class T>

@@ -10,13 +10,13 @@ KelmmiStringProperty<T>::~KelmmiStringProperty() = default;
 
 template <class T>
 void KelmmiStringProperty<T>::setValue(vesk::VeskInterface* aInstance, vesk::VeskValue aValue) {
-  Kelm::ClassObject const object = openForSet(aInstance, vesk::internal::interned<"char vector">(),
-                                              "kelm_mi/marshal/KelmmiStringProperty");
+  Borrowed<ClassObject> const object = openForSet(aInstance, vesk::internal::interned<"char vector">(),
+                                                  "kelm_mi/marshal/KelmmiStringProperty");
   T const text = ArgumentUnboxer<T>::unbox(aValue).fValue;
   if (!text.empty() || has(required))
-    methods->setEntry(object.get(), object.getDeviant(), id, text);
+    methods->setEntry(object->get(), object->getDeviant(), id, text);
   else
-    methods->unsetEntry(object.get(), object.getDeviant(), id);
+    methods->unsetEntry(object->get(), object->getDeviant(), id);
 }
 
 template <class T>

@@ -5,6 +5,7 @@
 
 #include "kelm/Object.h"
 #include "lum/visibility.h"
+#include "uml_metamodel/umlmm/detail/primitive.h"
 
 namespace umlmm {
 
@@ -17,9 +18,10 @@ class UMLMM_API Boolean {
   /// From `bool` alone: pointers and numbers do not become truth values unasked.
   constexpr Boolean(std::same_as<bool> auto aValue) noexcept : fValue(aValue) {}
   /// The value that the object carries; raises the incorrect-type failure for a null or any other object.
-  explicit Boolean(Kelm::ImmutableObject const& aObject);
+  explicit Boolean(Kelm::ImmutableObject const& aObject)
+      : fValue(detail::primitiveBits<Boolean>(aObject, Kelm::PrimitiveKind::Boolean) != 0) {}
 
-  operator Kelm::Object() const;
+  operator Kelm::Object() const { return Kelm::makePrimitive(Kelm::PrimitiveKind::Boolean, fValue ? 1 : 0); }
   constexpr bool value() const noexcept { return fValue; }
   friend constexpr auto operator<=>(Boolean const&, Boolean const&) noexcept = default;
 

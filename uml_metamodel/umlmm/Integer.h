@@ -5,6 +5,7 @@
 
 #include "kelm/Object.h"
 #include "lum/visibility.h"
+#include "uml_metamodel/umlmm/detail/primitive.h"
 
 namespace umlmm {
 
@@ -16,9 +17,13 @@ class UMLMM_API Integer {
   constexpr Integer() noexcept = default;
   constexpr Integer(int aValue) noexcept : fValue(aValue) {}
   /// The value that the object carries; raises the incorrect-type failure for a null or any other object.
-  explicit Integer(Kelm::ImmutableObject const& aObject);
+  explicit Integer(Kelm::ImmutableObject const& aObject)
+      : fValue(static_cast<std::int32_t>(
+            detail::primitiveBits<Integer>(aObject, Kelm::PrimitiveKind::Integer))) {}
 
-  operator Kelm::Object() const;
+  operator Kelm::Object() const {
+    return Kelm::makePrimitive(Kelm::PrimitiveKind::Integer, static_cast<std::uint32_t>(fValue));
+  }
   constexpr int value() const noexcept { return fValue; }
   friend constexpr auto operator<=>(Integer const&, Integer const&) noexcept = default;
 

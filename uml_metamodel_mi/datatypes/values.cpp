@@ -31,10 +31,8 @@ UnboxedArgument<std::string> ArgumentUnboxer<std::string>::unbox(vesk::VeskValue
 }
 
 UnboxedArgument<umlmm::String> ArgumentUnboxer<umlmm::String>::unbox(vesk::VeskValue aValue) {
-  UnboxedArgument<umlmm::String> result;
-  result.fValue.assign(tarn::get_ustring(aValue.array()));
-  result.fHasValue = tarn::numberOfElements(aValue.array()) != 0;
-  return result;
+  std::u16string_view const text = tarn::textOf(aValue.array());
+  return {umlmm::String(text), !text.empty()};
 }
 
 vesk::VeskValue Boxer<umlmm::String>::box(umlmm::String const& aValue) {

@@ -18,7 +18,7 @@ UnboxedInterface unboxInterface(tarnArray const* aArray, vesk::VeskInterned aCla
 }
 
 UnboxedArgument<String> ArgumentUnboxer<String>::unbox(vesk::VeskValue aValue) {
-  return {String(tarn::get_ustring(aValue.array())), tarn::numberOfElements(aValue.array()) != 0};
+  return {String(tarn::textOf(aValue.array())), tarn::numberOfElements(aValue.array()) != 0};
 }
 
 }  // namespace Kelm::mi

@@ -263,6 +263,34 @@ VeskValue convert(PyObject* object, host::Type const& wanted) {
                   VeskError::Kind::Match);
 }
 
+bool convertAtOnce(PyObject* object, host::Type const& wanted, VeskValue& value) {
+  switch (wanted.fCarrier) {
+    case Carrier::RawLogical:
+      if (!PyBool_Check(object)) return false;
+      value = VeskValue::ofLogical(object == Py_True);
+      return true;
+    case Carrier::RawInt32: {
+      if (!PyLong_CheckExact(object)) return false;
+      int overflow = 0;
+      long const number = PyLong_AsLongAndOverflow(object, &overflow);
+      if (overflow != 0 || number != static_cast<std::int32_t>(number)) return false;
+      value = VeskValue::ofInt32(static_cast<std::int32_t>(number));
+      return true;
+    }
+    case Carrier::Text:
+      if (!PyUnicode_Check(object)) return false;
+      value = toText(object);
+      return true;
+    case Carrier::Object:
+      if (!isInstance(object) || instanceOf(object).classRecord().distanceTo(classOf(wanted)) < 0)
+        return false;
+      value = instanceOf(object).newReference();
+      return true;
+    default:
+      return false;
+  }
+}
+
 std::string acceptedValues(host::Type const& wanted) {
   switch (wanted.fCarrier) {
     case Carrier::Void:

@@ -14,6 +14,10 @@ namespace vesk::python {
 /// value that does not fit, and one of kind Match for an object that has no conversion.
 [[nodiscard]] VeskValue convert(PyObject* object, host::Type const& wanted);
 
+/// The same for an object that fits as it stands, such as a str for a text; false, with `value` as it was,
+/// for one that has to be looked at more closely. Throws only for want of memory.
+[[nodiscard]] bool convertAtOnce(PyObject* object, host::Type const& wanted, VeskValue& value);
+
 /// What a type takes, for messages: "a str", "an umlmm.Class or None".
 [[nodiscard]] std::string acceptedValues(host::Type const& wanted);
 

@@ -97,14 +97,14 @@ Ref listForListProperty(host::Type const& type, PyObject* value) {
   return isListType && isPlainIterable ? Ref::checked(PySequence_List(value)) : Ref::shared(value);
 }
 
-host::OwnedValue convertForProperty(host::PropertyRecord const& property, PyObject* object, PyObject* value) {
+VeskValue convertForProperty(host::PropertyRecord const& property, PyObject* object, PyObject* value) {
   host::Type const& type = property.type();
   if (conversionCost(value, type) < 0)
     throw VeskError(shownName(property, object) + " cannot be set to " + shortRepr(value) + ": " +
                         acceptedValues(type) + " is expected",
                     VeskError::Kind::Match);
   try {
-    return {type, convert(value, type)};
+    return convert(value, type);
   } catch (VeskError const& error) {
     throw VeskError(shownName(property, object) + " cannot be set: " + error.what(), error.kind());
   }
@@ -304,13 +304,19 @@ PyObject* readProperty(PyObject* property, PyObject* object) {
 
 void writeProperty(PyObject* property, PyObject* object, PyObject* value) {
   host::PropertyRecord const& record = *asProperty(property).fRecord;
-  Ref const given = listForListProperty(record.type(), value);
-  host::OwnedValue const converted = convertForProperty(record, object, given.get());
+  VeskValue converted;
+  Ref list;
+  if (!convertAtOnce(value, record.type(), converted)) {
+    list = listForListProperty(record.type(), value);
+    value = list.get();
+    converted = convertForProperty(record, object, value);
+  }
+  host::OwnedValue const owned(record.type(), converted);
   try {
-    record.fInfo->setValue(&instanceOf(object), converted.value());
+    record.fInfo->setValue(&instanceOf(object), converted);
   } catch (...) {
     raiseCurrentException();
-    addNote([&] { return "while " + shownName(record, object) + " was set to " + shortRepr(given.get()); });
+    addNote([&] { return "while " + shownName(record, object) + " was set to " + shortRepr(value); });
     throw PythonError();
   }
 }

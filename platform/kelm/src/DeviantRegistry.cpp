@@ -96,10 +96,6 @@ RecordPool& pool() {
   return sPool;
 }
 
-IdRecord* recordOf(void const* aId) noexcept {
-  return lum::isTaggedId(aId) ? static_cast<IdRecord*>(lum::hostWordOf(aId)) : nullptr;
-}
-
 /// The permanent record of null references of one deviant and mutability.
 IdRecord* nullRecord(Deviant aDeviant, bool aIsImmutable) {
   static auto& sRecords = *new std::unordered_map<std::uintptr_t, IdRecord[2]>;
@@ -128,17 +124,6 @@ void* DeviantRegistry::getId(ReferenceCountingIntf* aObject, Deviant aDeviant, b
   aObject->fIds = record;
   aObject->fIsRegistered = true;
   return lum::tagId(record);
-}
-
-std::pair<ReferenceCountingIntf*, Deviant> DeviantRegistry::getVariantInfo(void const* aId) noexcept {
-  IdRecord const* const record = recordOf(aId);
-  if (record == nullptr) return {nullptr, Deviant()};
-  return {record->fObject, record->fDeviant};
-}
-
-bool DeviantRegistry::isImmutable(void const* aId) noexcept {
-  IdRecord const* const record = recordOf(aId);
-  return record != nullptr && (record->fImmutable || record->fLocked);
 }
 
 void DeviantRegistry::setIsImmutable(ImmutableObject const& aView, bool aIsImmutable) {

@@ -55,8 +55,6 @@ String::String(String&& aOther) noexcept : String() {
   std::swap(fNarrow, aOther.fNarrow);
 }
 
-String::String(std::u16string const& aText) : fText(StringObject::make(aText)) {}
-
 String::String(StringObject const* aRecord) noexcept
     : fText(aRecord == nullptr ? StringObject::empty() : aRecord) {
   fText->incRef();

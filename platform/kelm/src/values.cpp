@@ -31,9 +31,8 @@ bool isSpelling(std::string_view aText, std::string_view aLiteral) {
 
 }  // namespace
 
-NSInterface::ObjectIntf const* primitiveObject(PrimitiveKind aKind) noexcept {
-  return &sPrimitives[static_cast<std::size_t>(aKind)].fObject;
-}
+NSInterface::ObjectIntf const* const primitiveObjects[3] = {&sPrimitives[0].fObject, &sPrimitives[1].fObject,
+                                                            &sPrimitives[2].fObject};
 
 StringObject const* asString(ImmutableObject const& aObject) noexcept {
   NSInterface::ObjectIntf const* const object = aObject.get();

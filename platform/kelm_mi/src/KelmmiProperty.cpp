@@ -2,7 +2,7 @@
 
 #include "kelm/Asserter.h"
 #include "kelm/DeviantRegistry.h"
-#include "uml_metamodel_mi/frame/Unboxing.h"
+#include "uml_metamodel_mi/frame/ScriptClass.h"
 
 namespace Kelm::mi {
 
@@ -16,20 +16,18 @@ std::uint32_t flagsOf(Multiplicity aMultiplicity, Mutability aMutability) {
          (aMultiplicity == MultiplicitySingle ? KelmmiProperty::required : 0u);
 }
 
-}  // namespace
-
-ClassObject classObjectOf(vesk::VeskInterface* aInstance) {
-  UnboxedInterface const found = unboxInstance(*aInstance, ScriptClass<ClassObject>::name(),
-                                               tagPair<NSInterface::ClassObjectIntf, VisitationDomain>());
-  return ClassObject(static_cast<NSInterface::ClassObjectIntf*>(found.fInterface), found.fDeviant);
-}
-
-ClassObject requiredClassObjectOf(vesk::VeskInterface* aInstance, char const* aSource) {
-  ClassObject object = classObjectOf(aInstance);
-  if (object.isNull()) [[unlikely]]
+/// The element behind an instance in its variant; raises the null-reference failure at `aSource` if the
+/// instance stands for none. The instance, which holds a count, outlives the answer.
+Borrowed<ClassObject> elementOf(vesk::VeskInterface* aInstance, char const* aSource) {
+  void* const instanceId = aInstance->getNativeObject(ScriptClass<ClassObject>::name());
+  auto const [object, deviant] = DeviantRegistry::getVariantInfo(instanceId);
+  auto* const element = queryInterface<NSInterface::ClassObjectIntf>(object);
+  if (element == nullptr) [[unlikely]]
     raiseNullReference(aSource);
-  return object;
+  return {element, deviant};
 }
+
+}  // namespace
 
 KelmmiProperty::KelmmiProperty(char const*, char const* aName, IntrospectiveMethods const* aMethods,
                                unsigned aId, char const* aDataType, Multiplicity aMultiplicity,
@@ -54,8 +52,8 @@ vesk::Details KelmmiProperty::details() const {
 }
 
 vesk::VeskValue KelmmiProperty::getValue(vesk::VeskInterface* aInstance) {
-  ClassObject object = requiredClassObjectOf(aInstance, kSource);
-  return has(multiValued) ? getMultiValuedValue(object, aInstance) : getSingleValuedValue(object);
+  Borrowed<ClassObject> object = elementOf(aInstance, kSource);
+  return has(multiValued) ? getMultiValuedValue(*object, aInstance) : getSingleValuedValue(*object);
 }
 
 vesk::VeskValue KelmmiProperty::getSingleValuedValue(ClassObject&) {
@@ -70,20 +68,21 @@ void KelmmiProperty::throwSetProhibitedException() {
   throw Exception("The object is immutable. Use asMutable() to get an object that can be changed");
 }
 
-ClassObject KelmmiProperty::openForSet(vesk::VeskInterface* aInstance, vesk::VeskInterned aValueType,
-                                       char const* aSource) const {
+Borrowed<ClassObject> KelmmiProperty::openForSet(vesk::VeskInterface* aInstance,
+                                                 vesk::VeskInterned aValueType, char const* aSource) const {
   if (has(multiValued)) [[unlikely]]
     raiseFailure(words::kMultiValuedSet, aSource);
   return openForReplace(aInstance, aValueType, aSource);
 }
 
-ClassObject KelmmiProperty::openForReplace(vesk::VeskInterface* aInstance, vesk::VeskInterned aValueType,
-                                           char const* aSource) const {
+Borrowed<ClassObject> KelmmiProperty::openForReplace(vesk::VeskInterface* aInstance,
+                                                     vesk::VeskInterned aValueType,
+                                                     char const* aSource) const {
   if (has(readOnly)) [[unlikely]]
     raiseFailure(words::kReadOnlySet, aSource);
   if (DeviantRegistry::isImmutable(aInstance->getNativeObject(aValueType))) [[unlikely]]
     throwSetProhibitedException();
-  return requiredClassObjectOf(aInstance, aSource);
+  return elementOf(aInstance, aSource);
 }
 
 }  // namespace Kelm::mi

@@ -50,9 +50,9 @@ KelmmiDataTypeProperty::KelmmiDataTypeProperty(char const* aClassName, char cons
 KelmmiDataTypeProperty::~KelmmiDataTypeProperty() = default;
 
 void KelmmiDataTypeProperty::setValue(VeskInterface* aInstance, VeskValue aValue) {
-  ClassObject object = openForSet(aInstance, fDataTypeName, kDataTypeSource);
-  if (!fHelper->boxAndSet(&object, aValue, methods, id)) {
-    methods->unsetEntry(object.get(), object.getDeviant(), id);
+  Borrowed<ClassObject> object = openForSet(aInstance, fDataTypeName, kDataTypeSource);
+  if (!fHelper->boxAndSet(&*object, aValue, methods, id)) {
+    methods->unsetEntry(object->get(), object->getDeviant(), id);
   }
 }
 
@@ -88,9 +88,9 @@ VeskValue KelmmiClassObjectProperty::getSingleValuedValue(ClassObject& aObject) 
 }
 
 void KelmmiClassObjectProperty::setValue(VeskInterface* aInstance, VeskValue aValue) {
-  ClassObject const object = openForSet(aInstance, fDataTypeName, kClassObjectSource);
+  Borrowed<ClassObject> const object = openForSet(aInstance, fDataTypeName, kClassObjectSource);
   if (isEmpty(aValue)) {
-    methods->unsetEntry(object.get(), object.getDeviant(), id);
+    methods->unsetEntry(object->get(), object->getDeviant(), id);
     return;
   }
   auto const value =
@@ -98,7 +98,7 @@ void KelmmiClassObjectProperty::setValue(VeskInterface* aInstance, VeskValue aVa
   NSInterface::TypeIntf const& type = methods->metaPropertyTable[id].fProperty->getType();
   if (value.isNull() || !value.get()->getMetaClass().get()->conformsTo(type))
     kelm::Error_IncorrectType(dataType);
-  methods->setEntry(object.get(), object.getDeviant(), id, Object(value.get(), value.getDeviant()));
+  methods->setEntry(object->get(), object->getDeviant(), id, Object(value.get(), value.getDeviant()));
 }
 
 void KelmmiClassObjectProperty::releaseValue(VeskInterface*, VeskValue aValue) {
@@ -126,9 +126,9 @@ VeskValue KelmmiSequenceProperty::getMultiValuedValue(ClassObject& aObject, Vesk
 }
 
 void KelmmiSequenceProperty::setValue(VeskInterface* aInstance, VeskValue aValue) {
-  ClassObject const object = openForReplace(aInstance, fDataTypeName, kSequenceSource);
+  Borrowed<ClassObject> const object = openForReplace(aInstance, fDataTypeName, kSequenceSource);
   Generic::SequenceIntf const* values = nullptr;
-  Deviant valuesDeviant = object.getDeviant();
+  Deviant valuesDeviant = object->getDeviant();
   if (!isEmpty(aValue)) {
     UnboxedInterface const found =
         unboxInterface(aValue.array(), fDataTypeName, tagPair<Generic::SequenceIntf, VisitationDomain>());
@@ -136,9 +136,9 @@ void KelmmiSequenceProperty::setValue(VeskInterface* aInstance, VeskValue aValue
     values = static_cast<Generic::SequenceIntf const*>(found.fInterface);
     valuesDeviant = found.fDeviant;
     // Assigning what was read is no change.
-    if (values == methods->getSequenceEntry(object.get(), object.getDeviant(), id)) return;
+    if (values == methods->getSequenceEntry(object->get(), object->getDeviant(), id)) return;
   }
-  methods->setSequenceEntry(object.get(), object.getDeviant(), id, values, valuesDeviant);
+  methods->setSequenceEntry(object->get(), object->getDeviant(), id, values, valuesDeviant);
 }
 
 void KelmmiSequenceProperty::releaseValue(VeskInterface*, VeskValue aValue) {
@@ -154,12 +154,13 @@ VeskValue KelmmiTextProperty::getSingleValuedValue(ClassObject& aObject) {
 }
 
 void KelmmiTextProperty::setValue(VeskInterface* aInstance, VeskValue aValue) {
-  ClassObject const object = openForSet(aInstance, vesk::internal::interned<"char vector">(), kTextSource);
-  String const text(tarn::get_ustring(aValue.array()));
+  Borrowed<ClassObject> const object =
+      openForSet(aInstance, vesk::internal::interned<"char vector">(), kTextSource);
+  String const text(tarn::textOf(aValue.array()));
   if (text.empty() && !has(required)) {
-    methods->unsetEntry(object.get(), object.getDeviant(), id);
+    methods->unsetEntry(object->get(), object->getDeviant(), id);
   } else {
-    methods->setEntry(object.get(), object.getDeviant(), id, Object(text.record(), Deviant()));
+    methods->setEntry(object->get(), object->getDeviant(), id, Object(text.record(), Deviant()));
   }
 }
 

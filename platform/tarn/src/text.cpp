@@ -62,12 +62,6 @@ void appendUtf8(std::string& text, char32_t c) {
   }
 }
 
-std::u16string_view viewOf(tarnArray const* array) {
-  if (!array || array->fClassId != charClassId) return {};
-  std::size_t const length = tarn::numberOfElements(array);
-  return {tarn::dataAs<char16_t>(array), length};
-}
-
 std::string narrow(std::u16string_view text) {
   std::string result;
   result.reserve(text.size());
@@ -89,7 +83,7 @@ tarnArray* tarnCreateString(char const* text) {
 }
 
 char* tarnArrayToString_UTF8(tarnArray const* array) {
-  std::string const text = narrow(viewOf(array));
+  std::string const text = narrow(tarn::textOf(array));
   auto* copy = static_cast<char*>(std::malloc(text.size() + 1));
   if (!copy) throw foundation::core::except::bad_alloc();
   std::memcpy(copy, text.c_str(), text.size() + 1);
@@ -100,4 +94,4 @@ char* tarnArray2String(tarnArray const* array) { return tarnArrayToString_UTF8(a
 
 void tarnFree(void* text) noexcept { lumFree(text); }
 
-std::u16string tarn::get_ustring(tarnArray const* array) { return std::u16string(viewOf(array)); }
+std::u16string tarn::get_ustring(tarnArray const* array) { return std::u16string(textOf(array)); }

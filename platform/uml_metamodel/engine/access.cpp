@@ -4,6 +4,7 @@
 
 #include "engine/FeatureSequence.h"
 #include "engine/ValueSequence.h"
+#include "engine/accessors.h"
 #include "engine/computed.h"
 #include "engine/enumerations.h"
 #include "engine/failures.h"
@@ -121,7 +122,11 @@ void setReference(Element& aElement, Feature const& aRoot, Element* aValue) {
   if (aValue != nullptr) link(aElement, aRoot, *aValue);
 }
 
-Object read(Element const& aElement, Deviant const& aDeviant, Feature const& aFeature) {
+namespace {
+
+/// The body of `read`, which also stands in the accessors' own: every property read goes through it.
+[[gnu::always_inline]] inline Object readValue(Element const& aElement, Deviant const& aDeviant,
+                                               Feature const& aFeature) {
   checkReadable(aElement, aDeviant);
   Feature const& root = feature(aFeature.fRoot);
   switch (root.fStorage) {
@@ -146,6 +151,29 @@ Object read(Element const& aElement, Deviant const& aDeviant, Feature const& aFe
   return Object();
 }
 
+Feature const& featureAt(int aMetaclass, unsigned aId) {
+  Metaclass const& metaclass = kMetaclasses[aMetaclass];
+  if (aId - 1 >= metaclass.fFeatureCount) [[unlikely]]
+    Kelm::raiseFailure(Kelm::words::kInvalidMetaPropertyId, "uml_metamodel/engine");
+  return kFeatures[metaclass.fFirstFeature + aId - 1];
+}
+
+/// The element, if its metaclass has the feature.
+template <class E>
+auto& elementWith(E* aElement, Feature const& aFeature) {
+  using Wanted = std::conditional_t<std::is_const_v<E>, Element const, Element>;
+  auto& element = static_cast<Wanted&>(*aElement);
+  if (!isA(element, aFeature.fOwner)) [[unlikely]]
+    failures::raiseNotMember(element, aFeature);
+  return element;
+}
+
+}  // namespace
+
+Object read(Element const& aElement, Deviant const& aDeviant, Feature const& aFeature) {
+  return readValue(aElement, aDeviant, aFeature);
+}
+
 bool isSet(Element const& aElement, Deviant const& aDeviant, Feature const& aFeature) {
   checkReadable(aElement, aDeviant);
   Feature const& root = feature(aFeature.fRoot);
@@ -162,7 +190,7 @@ bool isSet(Element const& aElement, Deviant const& aDeviant, Feature const& aFea
       if (aFeature.isMany()) return !valuesOf(aElement, aFeature).empty();
       [[fallthrough]];
     default:
-      return !read(aElement, aDeviant, aFeature).isNull();
+      return !readValue(aElement, aDeviant, aFeature).isNull();
   }
 }
 
@@ -251,5 +279,46 @@ void assign(Element& aElement, Deviant const& aDeviant, Feature const& aFeature,
   }
   own.assign(aDeviant, values);
 }
+
+namespace accessors {
+
+using Base = Kelm::NSInterface::ClassObjectIntf;
+
+Kelm::Object getEntry(Base const* aElement, Kelm::Deviant const& aDeviant, int aMetaclass, unsigned aId) {
+  Feature const& wanted = featureAt(aMetaclass, aId);
+  return readValue(elementWith(aElement, wanted), aDeviant, wanted);
+}
+
+bool isSetEntry(Base const* aElement, Kelm::Deviant const& aDeviant, int aMetaclass, unsigned aId) {
+  Feature const& wanted = featureAt(aMetaclass, aId);
+  return isSet(elementWith(aElement, wanted), aDeviant, wanted);
+}
+
+void setEntry(Base* aElement, Kelm::Deviant const& aDeviant, int aMetaclass, unsigned aId,
+              Kelm::Object const& aValue) {
+  Feature const& wanted = featureAt(aMetaclass, aId);
+  write(elementWith(aElement, wanted), aDeviant, wanted, aValue);
+}
+
+Kelm::Generic::SequenceIntf* getSequenceEntry(Base const* aElement, Kelm::Deviant const& aDeviant,
+                                              int aMetaclass, unsigned aId) {
+  Feature const& wanted = featureAt(aMetaclass, aId);
+  return sequence(elementWith(aElement, wanted), aDeviant, wanted);
+}
+
+void unsetEntry(Base* aElement, Kelm::Deviant const& aDeviant, int aMetaclass, unsigned aId) {
+  Feature const& wanted = featureAt(aMetaclass, aId);
+  unset(elementWith(aElement, wanted), aDeviant, wanted);
+}
+
+void setSequenceEntry(Base* aElement, Kelm::Deviant const& aDeviant, int aMetaclass, unsigned aId,
+                      Kelm::Generic::SequenceIntf const* aValues, Kelm::Deviant const& aValuesDeviant) {
+  Feature const& wanted = featureAt(aMetaclass, aId);
+  assign(elementWith(aElement, wanted), aDeviant, wanted, aValues, aValuesDeviant);
+}
+
+bool isReadOnlyEntry(int aMetaclass, unsigned aId) { return featureAt(aMetaclass, aId).fReadOnly; }
+
+}  // namespace accessors
 
 }  // namespace umlmm::engine

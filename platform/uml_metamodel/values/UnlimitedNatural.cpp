@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "brond/TypeInfo.h"
-#include "primitive.h"
+#include "uml_metamodel/umlmm/detail/primitive.h"
 
 namespace umlmm {
 

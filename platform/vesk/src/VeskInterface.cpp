@@ -18,14 +18,17 @@ namespace {
   return true;
 }();
 
+[[noreturn, gnu::noinline]] void throwRange(unsigned long index, std::size_t count) {
+  throw VeskError(
+      "Index " + std::to_string(index) + " exceeds the " + std::to_string(count) + " elements of the array",
+      VeskError::Kind::Range);
+}
+
 VeskInterfacePtr elementOf(tarnArray const* array, unsigned long index) {
   if (!array || array->fClassId != objectClassId)
     throw VeskError("The array does not hold objects", VeskError::Kind::Match);
   std::size_t const count = tarn::numberOfElements(array);
-  if (index >= count)
-    throw VeskError(
-        "Index " + std::to_string(index) + " exceeds the " + std::to_string(count) + " elements of the array",
-        VeskError::Kind::Range);
+  if (index >= count) throwRange(index, count);
   return VeskInterfacePtr(static_cast<VeskInterface*>(tarn::dataAs<void*>(array)[index]));
 }
 

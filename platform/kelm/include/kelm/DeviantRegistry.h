@@ -28,9 +28,16 @@ class UMLMM_API DeviantRegistry {
   /// for each deviant and flag.
   static void* getId(ReferenceCountingIntf* aObject, Deviant aDeviant, bool aIsImmutable);
   /// Object and deviant of an id; a null object for a null or retracted id.
-  static std::pair<ReferenceCountingIntf*, Deviant> getVariantInfo(void const* aId) noexcept;
+  static std::pair<ReferenceCountingIntf*, Deviant> getVariantInfo(void const* aId) noexcept {
+    IdRecord const* const record = recordOf(aId);
+    if (record == nullptr) return {nullptr, Deviant()};
+    return {record->fObject, record->fDeviant};
+  }
   /// Whether no write may go through the id; false for a null id.
-  static bool isImmutable(void const* aId) noexcept;
+  static bool isImmutable(void const* aId) noexcept {
+    IdRecord const* const record = recordOf(aId);
+    return record != nullptr && (record->fImmutable || record->fLocked);
+  }
   /// Locks or unlocks the object of `aView` in its deviant. Read-only ids stay read-only.
   static void setIsImmutable(ImmutableObject const& aView, bool aIsImmutable);
   /// Forgets the ids of a dying object.
@@ -38,6 +45,11 @@ class UMLMM_API DeviantRegistry {
 
   /// Number of records that name a living object.
   static std::size_t liveRecords() noexcept;
+
+ private:
+  static IdRecord* recordOf(void const* aId) noexcept {
+    return lum::isTaggedId(aId) ? static_cast<IdRecord*>(lum::hostWordOf(aId)) : nullptr;
+  }
 };
 
 }  // namespace Kelm

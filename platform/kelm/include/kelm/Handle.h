@@ -20,7 +20,7 @@ class Handle {
 
   Handle() noexcept = default;
   Handle(Intf const* aImpl, Deviant aDeviant) : fImpl(aImpl), fDeviant(aDeviant) {
-    if (fImpl != nullptr) fImpl->incRef();
+    if (isCounted()) fImpl->incRef();
   }
   Handle(Handle const& aOther) : Handle(aOther.fImpl, aOther.fDeviant) {}
   Handle(Handle&& aOther) noexcept : fImpl(std::exchange(aOther.fImpl, nullptr)), fDeviant(aOther.fDeviant) {}
@@ -32,18 +32,19 @@ class Handle {
 
   Handle& operator=(Handle aOther) noexcept {
     std::swap(fImpl, aOther.fImpl);
-    fDeviant = aOther.fDeviant;
+    std::swap(fDeviant, aOther.fDeviant);
     return *this;
   }
   // A count that breaks here has no one to report to: the process ends.
   ~Handle() {
-    if (fImpl != nullptr) fImpl->decRef();
+    if (isCounted()) fImpl->decRef();
   }
 
   Intf const* get() const noexcept { return fImpl; }
   bool isNull() const noexcept { return fImpl == nullptr; }
   explicit operator bool() const noexcept { return fImpl != nullptr; }
   Deviant const& getDeviant() const noexcept { return fDeviant; }
+  /// Neither the old nor the new deviant may be a value word.
   void setDeviant(Deviant const& aDeviant) const noexcept { fDeviant = aDeviant; }
 
   /// Whether the reference names an object that exists in its variant; false for a null reference.
@@ -54,6 +55,11 @@ class Handle {
   }
 
  protected:
+  template <class>
+  friend class Borrowed;
+
+  /// The objects of primitive values are immortal: their deviant is the value.
+  bool isCounted() const noexcept { return fImpl != nullptr && !fDeviant.isValue(); }
   /// The interface of a non-null reference; raises the null-reference failure at `aSource` otherwise.
   Intf const* checked(char const* aSource, int aLine = std::source_location::current().line()) const {
     if (fImpl == nullptr) [[unlikely]]
@@ -69,6 +75,32 @@ class Handle {
 
   Intf const* fImpl = nullptr;
   mutable Deviant fDeviant;
+};
+
+/// A reference that takes no count, for the length of a call in which someone else holds the object. Copies
+/// of the handle count as usual; it must not be moved from.
+template <class H>
+class Borrowed {
+  using Base = Handle<typename H::InterfaceType>;
+
+ public:
+  Borrowed(typename H::InterfaceType const* aImpl, Deviant aDeviant) : fHandle() {
+    Base& base = fHandle;
+    base.fImpl = aImpl;
+    base.fDeviant = aDeviant;
+  }
+  Borrowed(Borrowed const&) = delete;
+  Borrowed& operator=(Borrowed const&) = delete;
+  ~Borrowed() {}
+
+  H& operator*() noexcept { return fHandle; }
+  H const* operator->() const noexcept { return &fHandle; }
+
+ private:
+  // Inside a union the handle is never destroyed.
+  union {
+    H fHandle;
+  };
 };
 
 /// `aFrom` narrowed or widened to reference class `To` by asking the object: null if it has no such

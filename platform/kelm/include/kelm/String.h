@@ -1,5 +1,6 @@
 #pragma once
 
+#include <concepts>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -43,7 +44,8 @@ class UMLMM_API String {
   String() noexcept;
   String(String const& aOther) noexcept;
   String(String&& aOther) noexcept;
-  String(std::u16string const& aText);
+  String(std::u16string const& aText) : fText(StringObject::make(aText)) {}
+  explicit String(std::same_as<std::u16string_view> auto aText) : fText(StringObject::make(aText)) {}
   explicit String(StringObject const* aRecord) noexcept;
   String& operator=(String aOther) noexcept;
   ~String();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string_view>
@@ -15,8 +16,11 @@ namespace Kelm {
 
 enum class PrimitiveKind : std::uint8_t { Boolean, Integer, UnlimitedNatural };
 
-/// The immortal object of a primitive kind.
-UMLMM_API NSInterface::ObjectIntf const* primitiveObject(PrimitiveKind aKind) noexcept;
+/// By kind, the immortal object of its values.
+UMLMM_API extern NSInterface::ObjectIntf const* const primitiveObjects[3];
+inline NSInterface::ObjectIntf const* primitiveObject(PrimitiveKind aKind) noexcept {
+  return primitiveObjects[static_cast<std::size_t>(aKind)];
+}
 inline Object makePrimitive(PrimitiveKind aKind, std::uint32_t aBits) {
   return Object(primitiveObject(aKind), Deviant::ofValue(aBits));
 }

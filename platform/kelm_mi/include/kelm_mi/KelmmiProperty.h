@@ -7,12 +7,6 @@
 
 namespace Kelm::mi {
 
-/// The element behind an instance, in its variant; a null reference if the instance stands for none.
-[[nodiscard]] UMLMM_API ClassObject classObjectOf(vesk::VeskInterface* aInstance);
-/// The same; raises the null-reference failure at `aSource` if there is none.
-[[nodiscard]] UMLMM_API ClassObject requiredClassObjectOf(vesk::VeskInterface* aInstance,
-                                                          char const* aSource);
-
 /// Base of all property descriptors: one structural feature, served by the accessors of the metaclass that
 /// declares it. A descriptor never changes and holds nothing of an element. One descriptor serves the
 /// read-only and the changeable class alike, so whether a write is allowed is asked of the instance.
@@ -55,11 +49,11 @@ class UMLMM_API KelmmiProperty : public vesk::VeskPropInfo {
   /// What every write does before it converts the value: refuses a many-valued and a read-only feature
   /// (naming `aSource`), then an instance whose object is read-only, and answers the element. `aValueType` is
   /// the name under which the instance is asked for its object.
-  ClassObject openForSet(vesk::VeskInterface* aInstance, vesk::VeskInterned aValueType,
-                         char const* aSource) const;
+  Borrowed<ClassObject> openForSet(vesk::VeskInterface* aInstance, vesk::VeskInterned aValueType,
+                                   char const* aSource) const;
   /// The same for descriptors that can replace all values of a many-valued feature.
-  ClassObject openForReplace(vesk::VeskInterface* aInstance, vesk::VeskInterned aValueType,
-                             char const* aSource) const;
+  Borrowed<ClassObject> openForReplace(vesk::VeskInterface* aInstance, vesk::VeskInterned aValueType,
+                                       char const* aSource) const;
 
   /// `dataType`, interned.
   vesk::VeskInterned const fDataTypeName;

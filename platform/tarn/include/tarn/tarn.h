@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "lum/visibility.h"
 
@@ -129,7 +130,13 @@ template <class T>
   return static_cast<T const*>(data(array));
 }
 
-/// The text of a char array; empty for null and for an array of another class.
+/// The text of a char array, which stays the array's; empty for null and for an array of another class.
+[[nodiscard]] inline std::u16string_view textOf(tarnArray const* array) {
+  if (!array || array->fClassId != charClassId) return {};
+  std::size_t const length = numberOfElements(array);
+  return {dataAs<char16_t>(array), length};
+}
+/// A copy of it.
 [[nodiscard]] UMLMM_API std::u16string get_ustring(tarnArray const* array);
 
 /// How many arrays exist that are not part of an instance; for leak checks.

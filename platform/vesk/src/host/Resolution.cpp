@@ -65,8 +65,6 @@ template <class Methods>
 
 }  // namespace
 
-ArgumentSource::~ArgumentSource() = default;
-
 MethodRecord const* findMethod(Member const& member, CallForm form, ArgumentSource& arguments, int count) {
   Best best;
   ClassRecord const* owner = nullptr;

@@ -59,8 +59,4 @@ tarnArray* makeEmpty(Type const& type) {
                   VeskError::Kind::Match);
 }
 
-void destroyValue(Type const& type, VeskValue value) {
-  if (holdsArray(type.fCarrier)) tarnDestroyArray(value.array());
-}
-
 }  // namespace vesk::host

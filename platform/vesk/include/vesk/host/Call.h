@@ -31,7 +31,7 @@ class UMLMM_API ArgumentSource {
   virtual std::string describe(int index) = 0;
 
  protected:
-  ~ArgumentSource();
+  ~ArgumentSource() = default;
 };
 
 /// How a method is called.

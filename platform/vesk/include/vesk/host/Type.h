@@ -2,6 +2,7 @@
 
 #include <cstdint>
 
+#include "tarn/tarn.h"
 #include "vesk/VeskValue.h"
 #include "vesk/interned.h"
 
@@ -55,7 +56,9 @@ UMLMM_API Type& resolveType(VeskInterned name);
 [[nodiscard]] UMLMM_API tarnArray* makeEmpty(Type const& type);
 
 /// Gives back the array in a value of this type, if it holds one.
-UMLMM_API void destroyValue(Type const& type, VeskValue value);
+inline void destroyValue(Type const& type, VeskValue value) {
+  if (holdsArray(type.fCarrier)) tarnDestroyArray(value.array());
+}
 
 /// Owns a value until it is given on.
 class OwnedValue {
