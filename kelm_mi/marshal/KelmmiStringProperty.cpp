@@ -12,9 +12,9 @@ template <class T>
 void KelmmiStringProperty<T>::setValue(vesk::VeskInterface* aInstance, vesk::VeskValue aValue) {
   Borrowed<ClassObject> const object = openForSet(aInstance, vesk::internal::interned<"char vector">(),
                                                   "kelm_mi/marshal/KelmmiStringProperty");
-  T const text = ArgumentUnboxer<T>::unbox(aValue).fValue;
-  if (!text.empty() || has(required))
-    methods->setEntry(object->get(), object->getDeviant(), id, text);
+  UnboxedArgument<T> const text = ArgumentUnboxer<T>::unbox(aValue);
+  if (!text.fValue.empty() || has(required))
+    methods->setEntry(object->get(), object->getDeviant(), id, text.fValue);
   else
     methods->unsetEntry(object->get(), object->getDeviant(), id);
 }

@@ -46,7 +46,8 @@ TEST(Ref, ComparesValues) {
 
 TEST(Ref, ObjectTravelsAsItselfWithItsDeviant) {
   Thing thing;
-  auto const deviant = Kelm::Deviant::ofValue(9);
+  Kelm::Variant const variant{};
+  Kelm::Deviant const deviant(&variant);
   {
     Ref const ref = RefAccess<Kelm::ImmutableObject>::make(Kelm::ImmutableObject(&thing, deviant));
     EXPECT_EQ(ref.fHolder, static_cast<Kelm::NSInterface::ObjectIntf*>(&thing));

@@ -73,10 +73,12 @@ TEST(SequenceRef, BrokenCountsRaise) {
 TEST(SequenceRef, ReferencesReadAsAnythingTheyConvertTo) {
   Thing thing;
   auto const objects = counted<Kelm::Object, Repeating<Kelm::Object>>();
-  objects.push_back(Kelm::Object(&thing, Kelm::Deviant::ofValue(4)));
+  Kelm::Variant const variant{};
+  Kelm::Deviant const deviant(&variant);
+  objects.push_back(Kelm::Object(&thing, deviant));
   Kelm::ImmutableSequence<Kelm::ImmutableObject> const read = objects;
   EXPECT_EQ(read.at(0).get(), &thing);
-  EXPECT_EQ(read.at(0).getDeviant(), Kelm::Deviant::ofValue(4));
+  EXPECT_EQ(read.at(0).getDeviant(), deviant);
   // The same object in another variant is the same value.
   EXPECT_TRUE(read.contains(Kelm::ImmutableObject(&thing, {})));
 }
