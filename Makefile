@@ -42,7 +42,7 @@ packages:
 lint: build-release
 	@tools/install-packages packages.txt packages-dev.txt
 	@$(SOURCES) | xargs clang-format --dry-run --Werror
-	@$(SOURCES) | grep '\.cpp$$' | xargs -P 2 -n 8 clang-tidy -p build/release --quiet
+	@$(SOURCES) | grep '\.cpp$$' | xargs -P 2 -n 8 clang-tidy-16 -p build/release --quiet
 
 format:
 	@tools/install-packages packages-dev.txt

@@ -137,4 +137,5 @@ PyModuleDef sModule = {PyModuleDef_HEAD_INIT,
 
 }  // namespace vesk::python
 
+// NOLINTNEXTLINE(bugprone-reserved-identifier): the name is Python's choice
 PyMODINIT_FUNC PyInit__host() { return PyModuleDef_Init(&vesk::python::sModule); }

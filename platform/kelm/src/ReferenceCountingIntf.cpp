@@ -5,9 +5,6 @@
 
 namespace Kelm {
 
-Cleanup::Cleanup() noexcept = default;
-Cleanup::~Cleanup() = default;
-
 ReferenceCountingIntf::~ReferenceCountingIntf() {
   if (fIsRegistered) DeviantRegistry::retract(this);
 }

@@ -34,8 +34,8 @@ constexpr bool kIsRecycling = true;
 #endif
 
 std::uint8_t poolFor(std::size_t bytes) noexcept {
-  for (std::uint8_t pool = 1; pool < std::size(sLists); ++pool)
-    if (bytes <= sLists[pool].fBytes) return pool;
+  for (std::size_t pool = 1; pool < std::size(sLists); ++pool)
+    if (bytes <= sLists[pool].fBytes) return static_cast<std::uint8_t>(pool);
   return 0;
 }
 

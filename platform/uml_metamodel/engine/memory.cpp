@@ -17,7 +17,7 @@ namespace {
 
 constexpr std::size_t kStep = 8;
 constexpr std::size_t kLargest = 1024;
-constexpr std::size_t kChunk = 64 * 1024;
+constexpr std::size_t kChunk = std::size_t{64} * 1024;
 
 struct Free {
   Free* fNext;

@@ -39,7 +39,7 @@ VeskInterned makeInterned(std::string&& text) { return find(std::move(text)); }
 
 VeskInterned intern(char const* text) { return text ? find(std::string_view(text)) : VeskInterned(); }
 
-VeskInterned intern(std::string_view text) { return find(std::move(text)); }
+VeskInterned intern(std::string_view text) { return find(std::string_view(text)); }
 
 VeskInterned findInterned(std::string_view text) noexcept {
   Pool& all = pool();

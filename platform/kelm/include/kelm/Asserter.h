@@ -53,13 +53,19 @@ class UMLMM_API AsserterEx<Exception> : public Asserter {
   virtual void handle(char const* aFile, int aLine, char const* aExtra) const;
 };
 
+// clang counts a `this` in the specialisation of a static member and refuses the attribute there.
+#ifdef __clang__
+#define UMLMM_FORMAT(text, values)
+#else
+#define UMLMM_FORMAT(text, values) [[gnu::format(printf, text, values)]]
+#endif
 template <>
-[[gnu::format(printf, 2, 3)]] UMLMM_API AsserterEx<Exception> Asserter::Make<Exception>(bool aCondition,
-                                                                                        char const* aFormat,
-                                                                                        ...);
+UMLMM_FORMAT(2, 3)
+UMLMM_API AsserterEx<Exception> Asserter::Make<Exception>(bool aCondition, char const* aFormat, ...);
 template <>
-[[gnu::format(printf, 1, 2)]] UMLMM_API AsserterEx<Exception> Asserter::MakeAlways<Exception>(
-    char const* aFormat, ...);
+UMLMM_FORMAT(1, 2)
+UMLMM_API AsserterEx<Exception> Asserter::MakeAlways<Exception>(char const* aFormat, ...);
+#undef UMLMM_FORMAT
 
 /// Raises `aText` at `aSource` (a fixed source name) and the caller's line.
 [[noreturn]] UMLMM_API void raiseFailure(char const* aText, char const* aSource,

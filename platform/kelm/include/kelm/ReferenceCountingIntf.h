@@ -14,8 +14,8 @@ using LightVector = std::vector<T>;
 
 class UMLMM_API Cleanup {
  protected:
-  Cleanup() noexcept;
-  ~Cleanup();
+  Cleanup() noexcept = default;
+  ~Cleanup() = default;
 };
 
 /// Base of everything that can be given an id. Counting is plain, not atomic: an object stays on one thread.

@@ -14,7 +14,6 @@ namespace Kelm::mi {
 namespace {
 
 using NSInterface::ClassObjectIntf;
-using NSInterface::PropertyIntf;
 
 // The queries of the metamodel know elements as the kernel's own class of elements.
 template <class T>
