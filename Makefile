@@ -4,16 +4,18 @@
 #   make test                                builds and runs all tests
 #   make bench                               measures, against limits taken in the same run
 #   make describe                            writes the published surface to build/describe.json
+#   make install PREFIX=folder               installs libraries, headers, CMake package and Python package
 #   make asan                                all tests under AddressSanitizer and UBSan
 #   make lint, make format                   clang-tidy and clang-format
 
 SCRIPT ?= examples/reverse_python.py
 ARGS ?=
+PREFIX ?= build/installed
 PYTHON = /usr/bin/python3
 HOST = PYTHONPATH=build/release/python $(PYTHON)
 SOURCES = git ls-files '*.cpp' '*.h'
 
-.PHONY: run test bench describe asan debug lint format packages build-release build-debug build-asan
+.PHONY: run test bench describe install asan debug lint format packages build-release build-debug build-asan
 
 run: build-release
 	@$(HOST) $(SCRIPT) $(ARGS)
@@ -30,6 +32,9 @@ bench: build-release
 describe: build-release
 	$(HOST) -m umlmm describe > build/describe.json
 	@echo "build/describe.json"
+
+install: build-release
+	cmake --install build/release --prefix $(abspath $(PREFIX))
 
 build-release build-debug build-asan: build-%: packages
 	@cmake --preset $* > build/$*.log 2>&1 || { cat build/$*.log; exit 1; }

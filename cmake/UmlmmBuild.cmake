@@ -22,6 +22,16 @@ set(UMLMM_GENERATED_DIR ${CMAKE_BINARY_DIR}/generated)
 set(Python3_EXECUTABLE /usr/bin/python3 CACHE FILEPATH "Python that hosts the scripts")
 find_package(Python3 REQUIRED COMPONENTS Interpreter Development.Module)
 
+# What `cmake --install` makes: headers under one include root, libraries, the CMake package, the Python package.
+include(GNUInstallDirs)
+include(CMakePackageConfigHelpers)
+set(UMLMM_INSTALL_INCLUDEDIR ${CMAKE_INSTALL_INCLUDEDIR}/umlmm)
+set(UMLMM_INSTALL_CMAKEDIR ${CMAKE_INSTALL_LIBDIR}/cmake/umlmm)
+set(UMLMM_INSTALL_PYTHONDIR lib/python3/dist-packages CACHE STRING "Folder of the Python package under the prefix")
+write_basic_package_version_file(${CMAKE_BINARY_DIR}/umlmmConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+install(FILES ${CMAKE_BINARY_DIR}/umlmmConfigVersion.cmake DESTINATION ${UMLMM_INSTALL_CMAKEDIR})
+install(EXPORT umlmm FILE umlmmConfig.cmake NAMESPACE umlmm:: DESTINATION ${UMLMM_INSTALL_CMAKEDIR})
+
 add_library(umlmm_settings INTERFACE)
 target_compile_options(umlmm_settings INTERFACE
   -Wall -Wextra -Wpedantic -ffunction-sections -fdata-sections -fno-semantic-interposition -fno-plt
@@ -38,16 +48,35 @@ if(UMLMM_SANITIZE)
   add_link_options(-fsanitize=${UMLMM_SANITIZE})
 endif()
 
-# umlmm_library(name SOURCES file... [DEPENDS target...] [INCLUDE dir...])
+# umlmm_library(name SOURCES file... [DEPENDS target...] [INCLUDE root... [HEADERS folder...]])
 #
 # A shared library of the house: hidden symbols but for what its headers export, found beside the
-# others at run time. INCLUDE lists the public include roots.
+# others at run time. INCLUDE and HEADERS are those of umlmm_publish.
 function(umlmm_library name)
-  cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS;INCLUDE" ${ARGN})
+  cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS;INCLUDE;HEADERS" ${ARGN})
   add_library(${name} SHARED ${ARG_SOURCES})
-  target_include_directories(${name} PUBLIC ${ARG_INCLUDE})
+  target_compile_features(${name} PUBLIC cxx_std_20)
   target_link_libraries(${name} PUBLIC ${ARG_DEPENDS} PRIVATE umlmm_settings)
   set_target_properties(${name} PROPERTIES BUILD_RPATH_USE_ORIGIN ON INSTALL_RPATH "$ORIGIN")
+  umlmm_publish(${name} PUBLIC INCLUDE ${ARG_INCLUDE} HEADERS ${ARG_HEADERS})
+endfunction()
+
+# umlmm_publish(target PUBLIC|INTERFACE INCLUDE root... [HEADERS folder...])
+#
+# Makes a library part of the installed package, as umlmm::target. INCLUDE lists its include roots; their headers
+# are installed under one root: all, or those in the HEADERS folders of each.
+function(umlmm_publish target scope)
+  cmake_parse_arguments(ARG "" "" "INCLUDE;HEADERS" ${ARGN})
+  foreach(root IN LISTS ARG_INCLUDE)
+    target_include_directories(${target} ${scope} $<BUILD_INTERFACE:${root}>)
+    set(folders ${root}/)
+    if(ARG_HEADERS)
+      set(folders ${ARG_HEADERS})
+      list(TRANSFORM folders PREPEND ${root}/)
+    endif()
+    install(DIRECTORY ${folders} DESTINATION ${UMLMM_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h")
+  endforeach()
+  install(TARGETS ${target} EXPORT umlmm INCLUDES DESTINATION ${UMLMM_INSTALL_INCLUDEDIR})
 endfunction()
 
 # umlmm_test(name SOURCES file... [DEPENDS target...]): a GoogleTest program, run by ctest.

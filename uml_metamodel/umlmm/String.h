@@ -1,6 +1,7 @@
 #pragma once
 
 #include <concepts>
+#include <string>
 #include <string_view>
 
 #include "kelm/Object.h"
@@ -14,8 +15,12 @@ class UMLMM_API String : public Kelm::String {
   static constexpr char kName[] = "String";
 
   String() noexcept = default;
-  String(std::u16string const& aText) : Kelm::String(aText) {}
-  explicit String(std::same_as<std::u16string_view> auto aText) : Kelm::String(aText) {}
+  /// From UTF-16: a literal (`u"Order"`), string or view.
+  template <std::convertible_to<std::u16string_view> Text>
+  String(Text const& aText) : Kelm::String(std::u16string_view(aText)) {}
+  /// From UTF-8; what is malformed becomes the replacement character.
+  template <std::convertible_to<std::string_view> Text>
+  String(Text const& aText) : Kelm::String(Kelm::toUtf16(aText)) {}
   String(Kelm::String const& aText) noexcept : Kelm::String(aText) {}
   /// The text that the object carries; raises the incorrect-type failure for a null or any other object.
   explicit String(Kelm::ImmutableObject const& aObject);

@@ -22,6 +22,7 @@ class UMLMM_API UnlimitedNatural {
   constexpr explicit UnlimitedNatural(std::uint32_t aValue) noexcept : fValue(aValue) {}
   /// The value that the object carries; raises the incorrect-type failure for a null or any other object.
   explicit UnlimitedNatural(Kelm::ImmutableObject const& aObject);
+  static constexpr UnlimitedNatural unlimited() noexcept { return UnlimitedNatural(kUnlimited); }
 
   operator Kelm::Object() const;
   constexpr std::uint32_t value() const noexcept { return fValue; }

@@ -89,6 +89,13 @@ class ImmutableIterator : public IteratorRef {
   }
   /// The current value, copied; raises at the end and when the value has gone.
   T current() const { return Generic::RefAccess<T>::get(checked()->current(fDeviant)); }
+  /// What a range-for over a sequence asks for. It allows changes on the way, and costs more than one over
+  /// the sequence's `values()`.
+  T operator*() const { return current(); }
+  ImmutableIterator& operator++() {
+    next();
+    return *this;
+  }
   /// The id under which a host binds the iterator; raises for a null handle.
   void* getId() const { return id(true); }
 };

@@ -1,0 +1,51 @@
+"""What is installed works without the source and build trees: the C++ example, and the Python package."""
+
+import os
+import pathlib
+import shutil
+import subprocess
+import sys
+
+import pytest
+
+EXAMPLE = pathlib.Path(__file__).resolve().parents[2] / "examples" / "cpp"
+if "UMLMM_BUILD" not in os.environ:
+    pytest.skip("ctest tells which build to install", allow_module_level=True)
+BUILD = pathlib.Path(os.environ["UMLMM_BUILD"])
+CMAKE = os.environ["UMLMM_CMAKE"]
+# Tools are no place for the sanitizers of the build; what they make gets them by CXXFLAGS.
+ENVIRONMENT = {name: value for name, value in os.environ.items() if name not in ("LD_PRELOAD", "PYTHONPATH")}
+
+
+def run(*command):
+    done = subprocess.run([str(word) for word in command], env=ENVIRONMENT, capture_output=True, text=True, cwd="/")
+    assert done.returncode == 0, done.stdout + done.stderr
+    return done.stdout
+
+
+@pytest.fixture(scope="module")
+def prefix():
+    folder = BUILD / "installed"
+    shutil.rmtree(folder, ignore_errors=True)
+    run(CMAKE, "--install", BUILD, "--prefix", folder)
+    return folder
+
+
+def test_the_example_builds_against_the_installed_package(prefix, tmp_path):
+    run(CMAKE, "-S", EXAMPLE, "-B", tmp_path, "-G", "Ninja", f"-DCMAKE_PREFIX_PATH={prefix}")
+    run(CMAKE, "--build", tmp_path)
+    assert run(tmp_path / "orders") == (EXAMPLE / "orders.txt").read_text()
+    package = (tmp_path / "CMakeCache.txt").read_text().partition("umlmm_DIR:PATH=")[2].splitlines()[0]
+    assert pathlib.Path(package).is_relative_to(prefix)
+
+
+def test_the_installed_python_package_stands_alone(prefix):
+    (package,) = prefix.glob("lib/python3*/dist-packages")
+    script = (f"import sys; sys.path.insert(0, {str(package)!r}); import umlmm; "
+              "print(umlmm.Class(umlmm.Factory.createNewModel()).qualifiedName == ''); "
+              "print(*{line.split()[-1] for line in open('/proc/self/maps') if 'uml' in line})")
+    preload = {"LD_PRELOAD": os.environ.get("LD_PRELOAD", "")}
+    done = subprocess.run([sys.executable, "-c", script], env=ENVIRONMENT | preload, capture_output=True, text=True)
+    answer, libraries = done.stdout.splitlines()
+    assert answer == "True"
+    assert {pathlib.Path(path).is_relative_to(prefix) for path in libraries.split()} == {True}
