@@ -48,4 +48,5 @@ def test_the_installed_python_package_stands_alone(prefix):
     done = subprocess.run([sys.executable, "-c", script], env=ENVIRONMENT | preload, capture_output=True, text=True)
     answer, libraries = done.stdout.splitlines()
     assert answer == "True"
+    assert {"__init__.pyi", "Kelm.pyi", "_typing.pyi", "py.typed"} <= {path.name for path in package.rglob("*")}
     assert {pathlib.Path(path).is_relative_to(prefix) for path in libraries.split()} == {True}

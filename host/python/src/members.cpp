@@ -1,7 +1,9 @@
 #include "members.h"
 
 #include <cstddef>
+#include <set>
 #include <string>
+#include <string_view>
 
 #include "arguments.h"
 #include "calls.h"
@@ -189,10 +191,15 @@ PyObject* getLiteral(PyObject* self, PyObject*, PyObject*) {
 
 // --- what tools read
 
-/// One line a signature, then the descriptions.
+/// One line a signature, then the description. Superclasses mostly declare a signature again: it is shown
+/// once.
 std::string textOf(host::Member const& member) {
   std::string text;
-  for (host::MethodRecord const* method : member.fMethods) text += method->text() + "\n";
+  std::set<std::string> shown;
+  for (host::MethodRecord const* method : member.fMethods) {
+    std::string line = method->text() + "\n";
+    if (shown.insert(line).second) text += line;
+  }
   for (host::MethodRecord const* method : member.fMethods) {
     char const* description = method->fInfo->getDescription();
     if (description && *description) return text + "\n" + description;
@@ -210,10 +217,13 @@ PyObject* boundDoc(PyObject* self, void*) {
   return guarded<PyObject*>(nullptr, [=] { return pythonText(textOf(*asBound(self).fMember)).release(); });
 }
 
+/// Name and type, the line that the library has for the property, and the descriptions.
 PyObject* propertyDoc(PyObject* self, void*) {
   return guarded<PyObject*>(nullptr, [=] {
     host::PropertyRecord const& property = *asProperty(self).fRecord;
     std::string text = std::string(property.fName.view()) + ": " + property.fInfo->getDataType();
+    for (Detail const& detail : property.fInfo->details())
+      if (detail.fName == std::string_view("summary")) text += "\n\n" + std::get<std::string>(detail.fValue);
     for (char const* more : {property.fInfo->getDescription(), property.fInfo->getDetailedDescription()})
       if (more && *more) text.append("\n\n").append(more);
     return pythonText(text).release();

@@ -1,21 +1,44 @@
-"""Command line: `python -m umlmm describe` prints what the filled classes tell of themselves."""
+"""Command line: `python -m umlmm describe`, `stubs` and `reference` tell of the published classes.
+
+Each reads them back from the filled classes.
+"""
 
 import argparse
 import json
+import pathlib
 import sys
-
-from umlmm import _description
 
 
 def main(arguments=None):
+    options = _parser().parse_args(arguments)
+    options.run(options)
+
+
+def _parser():
     parser = argparse.ArgumentParser(prog="python -m umlmm")
-    commands = parser.add_subparsers(dest="command", required=True)
+    commands = parser.add_subparsers(required=True)
+
     describe = commands.add_parser("describe", help="print all classes of a package as JSON")
     describe.add_argument("--package", default="umlmm", help="full name of the package (default: umlmm)")
     describe.add_argument("--indent", type=int, default=None, help="blanks of indentation (default: one line)")
-    options = parser.parse_args(arguments)
+    describe.set_defaults(run=_describe)
+
+    stubs = commands.add_parser("stubs", help="write the stub package for type checkers and editors")
+    stubs.add_argument("folder", nargs="?", default="umlmm-stubs", type=pathlib.Path,
+                       help="folder of the stub package (default: umlmm-stubs)")
+    stubs.set_defaults(run=_stubs)
+    return parser
+
+
+def _describe(options):
+    from umlmm import _description
     json.dump(_description.describe(options.package), sys.stdout, indent=options.indent)
     print()
+
+
+def _stubs(options):
+    from umlmm import _stubs as stubs
+    stubs.write_stubs(options.folder)
 
 
 if __name__ == "__main__":

@@ -1,36 +1,33 @@
-"""Descriptions of packages, read back from the filled classes."""
+"""Descriptions of packages as plain data, for JSON."""
 
-from umlmm import _host
+from umlmm._classes import Package
 
 
-def describe(package):
+def describe(name):
     """All functions and classes of a package; classes in the order of announcement."""
+    package = Package(name)
     return {
-        "package": package,
-        "functions": [_method(function) for function in _host.describe_functions(package)],
-        "classes": [_class(_host.describe_class(name)) for name in _host.class_names(package)],
+        "package": name,
+        "functions": [_method(function) for function in package.functions],
+        "classes": [_class(cls) for cls in package.classes.values()],
     }
 
 
 def _class(cls):
     # Methods that carry the place of a meta property are listed as such.
-    methods = [method for method in cls["methods"] if "owner" not in method["details"]]
-    accessors = [method for method in cls["methods"] if "owner" in method["details"]]
+    keys = ("name", "short", "description", "detailedDescription", "superclasses")
     return {
-        "name": cls["name"],
-        "short": cls["short"],
-        "description": cls["description"],
-        "detailedDescription": cls["detailedDescription"],
-        "superclasses": cls["superclasses"],
-        "methods": [_method(method) for method in methods],
-        "properties": [_property(entry) for entry in cls["properties"]],
-        "metaProperties": [{"name": entry["name"], **entry["details"]} for entry in accessors],
+        **{key: cls.record[key] for key in keys},
+        "methods": [_method(method) for method in cls.methods if not method.is_meta_property],
+        "properties": [_property(prop.record) for prop in cls.properties],
+        "metaProperties": [{"name": method.name, **method.record["details"]}
+                           for method in cls.methods if method.is_meta_property],
     }
 
 
 def _method(method):
     keys = ("name", "kind", "word", "names", "result", "receiver", "arguments")
-    return {key: method[key] for key in keys}
+    return {key: method.record[key] for key in keys}
 
 
 def _property(entry):

@@ -16,6 +16,22 @@ std::uint32_t flagsOf(Multiplicity aMultiplicity, Mutability aMutability) {
          (aMultiplicity == MultiplicitySingle ? KelmmiProperty::required : 0u);
 }
 
+/// "Property [0..*], composite, ordered; opposite Property.class"
+std::string summaryOf(NSInterface::PropertyIntf const& aProperty) {
+  int const upper = aProperty.getUpper();
+  std::string text(aProperty.getType().getName());
+  text += " [" + std::to_string(aProperty.getLower()) + "..";
+  text += (upper == NSInterface::PropertyIntf::kUnlimited ? "*" : std::to_string(upper)) + "]";
+  if (!aProperty.getDefault().empty()) text.append(" = ").append(aProperty.getDefault());
+  if (aProperty.isComposite()) text += ", composite";
+  if (aProperty.isMultivalued() && aProperty.isOrdered()) text += ", ordered";
+  if (aProperty.isDerived()) text += ", derived";
+  if (aProperty.isReadOnly()) text += ", read-only";
+  if (auto const* const far = aProperty.getOpposite())
+    text.append("; opposite ").append(far->getOwner().getName()).append(".").append(far->getName());
+  return text;
+}
+
 /// The element behind an instance in its variant; raises the null-reference failure at `aSource` if the
 /// instance stands for none. The instance, which holds a count, outlives the answer.
 Borrowed<ClassObject> elementOf(vesk::VeskInterface* aInstance, char const* aSource) {
@@ -46,7 +62,8 @@ vesk::Details KelmmiProperty::details() const {
                                     : has(required)  ? MultiplicitySingle
                                                      : MultiplicityOptional;
   Mutability const mutability = has(readOnly) ? MutabilityReadOnly : MutabilityChangeable;
-  return {{"id", std::int64_t{id}},
+  return {{"summary", summaryOf(*methods->metaPropertyTable[id].fProperty)},
+          {"id", std::int64_t{id}},
           {"multiplicity", std::int64_t{multiplicity}},
           {"mutability", std::int64_t{mutability}}};
 }

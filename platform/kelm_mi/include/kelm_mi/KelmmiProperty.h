@@ -26,7 +26,7 @@ class UMLMM_API KelmmiProperty : public vesk::VeskPropInfo {
   /// 0 for a property that `setValue` may write, else 1. To be shown, not enforced: `setValue` tells why not.
   int getMemberSetAccess() const override { return has(readOnly) || has(multiValued) ? 1 : 0; }
 
-  /// Id within the owner and the two codes.
+  /// A line on the feature, its id within the owner, and the two codes.
   vesk::Details details() const override;
 
   /// Fetches the element and hands on to one of the two below. Raises for a null reference.

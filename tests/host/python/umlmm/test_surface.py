@@ -50,3 +50,13 @@ def test_import_makes_no_class():
     script = ("import sys, umlmm; made = [n for n in vars(umlmm) if isinstance(getattr(umlmm, n), type)]; "
               "assert not made, made; assert 'argparse' not in sys.modules and 'json' not in sys.modules")
     subprocess.run([sys.executable, "-c", script], check=True)
+
+
+def test_help_tells_each_signature_once_and_what_the_metamodel_says():
+    assert umlmm.Comment.cast.__doc__.split("\n") == [
+        "cast(Kelm.Object other) -> Kelm.Object", "cast(Kelm.ImmutableObject other) -> Kelm.ImmutableObject",
+        "cast(Kelm.Object other) -> Kelm.ImmutableObject", ""]
+    assert umlmm.Class.ownedOperation.__doc__ == (
+        "ownedOperation: umlmm.ImmutableSequenceOfImmutableOperation\n\n"
+        "Operation [0..*], composite, ordered; opposite Operation.class")
+    assert umlmm.ImmutableMultiplicityElement.upper.__doc__.endswith("UnlimitedNatural [0..1] = 1, derived")
