@@ -6,6 +6,7 @@
 #include "engine/failures.h"
 #include "kelm/kernel/containers/iterator/IteratorProxy.h"
 #include "kelm/kernel/containers/sequence/Ref.h"
+#include "kelm/kernel/containers/sources.h"
 
 namespace umlmm::engine {
 
@@ -120,7 +121,7 @@ std::uint32_t FeatureSequence::checkedPosition(Deviant const& aDeviant, int aInd
 }
 
 std::uint32_t FeatureSequence::positionOf(IteratorIntf const* aIterator) const {
-  if (aIterator == nullptr) Kelm::raiseNullReference("Iterator");
+  if (aIterator == nullptr) Kelm::raiseNullReference(Kelm::sources::kIterator);
   if (typeid(*aIterator) != typeid(Iterator)) raiseOutOfBounds();
   auto const& iterator = static_cast<Iterator const&>(*aIterator);
   if (&iterator.sequence() != this) raiseOutOfBounds();

@@ -21,8 +21,7 @@ class ValueSequence final : public Proxy {
   using IteratorPtr = Kelm::Generic::IteratorPtr;
 
  public:
-  ValueSequence(Element& aElement, Feature const& aRoot, SequenceIntf* aValues) noexcept
-      : Proxy(aValues), fElement(aElement), fRoot(aRoot) {}
+  ValueSequence(Element& aElement, SequenceIntf* aValues) noexcept : Proxy(aValues), fElement(aElement) {}
 
   int incRef() const override { return fElement.incRef(); }
   int decRef() const override { return fElement.decRef(); }
@@ -33,11 +32,12 @@ class ValueSequence final : public Proxy {
     Proxy::generic_clear(aDeviant);
   }
   void generic_insert(Deviant const& aDeviant, int aIndex, Ref aValue) override {
-    if (change(aDeviant, aValue)) Proxy::generic_insert(aDeviant, aIndex, std::move(aValue));
+    change(aDeviant);
+    Proxy::generic_insert(aDeviant, aIndex, std::move(aValue));
   }
   IteratorPtr generic_insert(Deviant const& aDeviant, IteratorIntf const* aPosition, Ref aValue) override {
-    if (change(aDeviant, aValue)) return Proxy::generic_insert(aDeviant, aPosition, std::move(aValue));
-    return find(aDeviant, aValue);
+    change(aDeviant);
+    return Proxy::generic_insert(aDeviant, aPosition, std::move(aValue));
   }
   IteratorPtr generic_erase(Deviant const& aDeviant, IteratorIntf const* aPosition) override {
     change(aDeviant);
@@ -61,13 +61,16 @@ class ValueSequence final : public Proxy {
     Proxy::generic_pop_front(aDeviant);
   }
   void generic_push_back(Deviant const& aDeviant, Ref aValue) override {
-    if (change(aDeviant, aValue)) Proxy::generic_push_back(aDeviant, std::move(aValue));
+    change(aDeviant);
+    Proxy::generic_push_back(aDeviant, std::move(aValue));
   }
   void generic_push_front(Deviant const& aDeviant, Ref aValue) override {
-    if (change(aDeviant, aValue)) Proxy::generic_push_front(aDeviant, std::move(aValue));
+    change(aDeviant);
+    Proxy::generic_push_front(aDeviant, std::move(aValue));
   }
   void generic_replace(Deviant const& aDeviant, int aIndex, Ref aValue) override {
-    if (change(aDeviant, aValue)) Proxy::generic_replace(aDeviant, aIndex, std::move(aValue));
+    change(aDeviant);
+    Proxy::generic_replace(aDeviant, aIndex, std::move(aValue));
   }
   int generic_removeAll(Deviant const& aDeviant, Ref aValue) override {
     change(aDeviant);
@@ -79,24 +82,15 @@ class ValueSequence final : public Proxy {
     checkWritable(fElement, aDeviant);
     fElement.fModel->noteChange();
   }
-  /// Whether the value may come in: a unique feature refuses what it holds, silently.
-  bool change(Deviant const& aDeviant, Ref const& aValue) const {
-    change(aDeviant);
-    return !fRoot.fUnique || !generic_contains(aDeviant, aValue);
-  }
-  IteratorPtr find(Deviant const& aDeviant, Ref const& aValue) const {
-    IteratorPtr iterator = generic_begin(aDeviant);
-    while (!aValue.fEquals(iterator->current(aDeviant).fHolder, aValue.fHolder)) iterator->next(aDeviant);
-    return iterator;
-  }
 
   Element& fElement;
-  Feature const& fRoot;
 };
 
+/// A unique feature refuses what it holds, silently: the implementation does.
 template <class T>
-SequenceIntf* makeValues() {
-  return Kelm::SequenceCreator::create<T>({Deviant(), Kelm::STD_VECTOR, false, false}).get();
+SequenceIntf* makeValues(bool aIsUnique) {
+  auto const kind = aIsUnique ? Kelm::MULTI_INDEX : Kelm::STD_VECTOR;
+  return Kelm::SequenceCreator::create<T>({Deviant(), kind, aIsUnique, false}).get();
 }
 
 }  // namespace
@@ -104,9 +98,10 @@ SequenceIntf* makeValues() {
 SequenceIntf& valueSequence(Element& aElement, Feature const& aRoot) {
   auto*& slot = pointerSlot<SequenceIntf>(aElement, indexOf(aRoot));
   if (slot == nullptr) {
-    std::unique_ptr<SequenceIntf> values(aRoot.fValueType == ValueType::String ? makeValues<String>()
-                                                                               : makeValues<Boolean>());
-    slot = new ValueSequence(aElement, aRoot, values.get());
+    std::unique_ptr<SequenceIntf> values(aRoot.fValueType == ValueType::String
+                                             ? makeValues<String>(aRoot.fUnique)
+                                             : makeValues<Boolean>(aRoot.fUnique));
+    slot = new ValueSequence(aElement, values.get());
     static_cast<void>(values.release());
   }
   return *slot;
