@@ -234,7 +234,8 @@ void ElementList::closeFront() noexcept {
   std::memmove(items(), begin(), (fEnd - fBegin) * sizeof(Element*));
   sSteps += fEnd - fBegin;
   fDrift += fBegin;
-  if (fFirstHole != kNotFound) fFirstHole -= fBegin;
+  // The first hole may have been trimmed off with the front.
+  if (fFirstHole != kNotFound) fFirstHole -= std::min(fFirstHole, fBegin);
   fEnd -= fBegin;
   fBegin = 0;
   ++fStamp;

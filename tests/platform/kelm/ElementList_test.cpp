@@ -119,6 +119,17 @@ TEST_P(Lists, CanBeEmptiedFromBothEndsAndFilledAgain) {
   }
 }
 
+TEST_P(Lists, CloseHolesThatATrimmedFrontLeavesBehind) {
+  Pair pair(GetParam());
+  for (int i = 0; i < 31; ++i) pair.append();  // as many as fit
+  pair.erase(20);
+  pair.erase(3);
+  for (int i = 0; i < 9; ++i) pair.erase(0);
+  pair.append();
+  pair.checkPosition(pair.size() - 1);
+  pair.checkDense();
+}
+
 TEST_P(Lists, DoNotFindWhatTheyDoNotHold) {
   Pair pair(GetParam());
   for (int i = 0; i < 100; ++i) pair.append();
