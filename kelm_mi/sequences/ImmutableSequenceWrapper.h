@@ -17,7 +17,7 @@ class ImmutableSequenceWrapper final : public ClassMetaData {
   UMLMM_API static T at(ImmutableSequence<T>* aSequence, int aIndex) { return aSequence->at(aIndex - 1); }
 
   void initializeClass(vesk::VeskClass* aClass, vesk::VeskClient const*) override;
-  vesk::SequenceHook const* getSequenceHook() const override { return ValueSequenceHookOf<T>::instance(); }
+  vesk::SequenceHook const* getSequenceHook() const override { return ValueSequenceHook<T>::instance(); }
 };
 
 template <class T>

@@ -35,7 +35,7 @@ class SequenceWrapper final : public ClassMetaData {
   }
 
   void initializeClass(vesk::VeskClass* aClass, vesk::VeskClient const*) override;
-  vesk::SequenceHook const* getSequenceHook() const override { return ValueSequenceHookOf<T>::instance(); }
+  vesk::SequenceHook const* getSequenceHook() const override { return ValueSequenceHook<T>::instance(); }
 
  private:
   static Sequence<T> make(Deviant const& aDeviant, bool aIsUnique) {

@@ -1,11 +1,13 @@
 #pragma once
 
-#include <cstdint>
-#include <initializer_list>
+#include <array>
+#include <cstddef>
+#include <type_traits>
 
+#include "kelm/kernel/containers/sequence/Ref.h"
 #include "uml_metamodel_mi/datatypes/values.h"
+#include "uml_metamodel_mi/frame/KernelSequenceHook.h"
 #include "uml_metamodel_mi/frame/addTypedMethod.h"
-#include "vesk/VeskClassInfo.h"
 
 /// What the classes of value sequences and iterators share.
 namespace Kelm::mi {
@@ -29,30 +31,32 @@ inline MethodRow staticRow(char const* aName, char const* aResult, char const* a
   return {aName, 0, Form::FreeFunction, {"", aResult, nullptr, {aArgument}}, aBind};
 }
 
-/// Lets the host walk a sequence of values in blocks.
-class ValueSequenceHook : public vesk::SequenceHook {
- public:
-  std::size_t size(vesk::VeskInterface* aSequence) const override;
-  std::size_t readBlock(vesk::VeskInterface* aSequence, std::size_t aFirst, std::size_t aCount,
-                        vesk::VeskValue* aValues) const override;
-
- protected:
-  /// Boxes one value of the sequence.
-  virtual vesk::VeskValue box(Generic::Ref const& aValue) const = 0;
-};
-
+/// Lets the host walk and search a sequence of values.
 template <class T>
-class ValueSequenceHookOf final : public ValueSequenceHook {
+class ValueSequenceHook final : public KernelSequenceHook {
  public:
   char const* elementType() const override { return ValueType<T>::element(); }
-  static ValueSequenceHookOf const* instance() {
-    static ValueSequenceHookOf const hook;
+  static ValueSequenceHook const* instance() {
+    static ValueSequenceHook const hook;
     return &hook;
   }
 
  protected:
-  vesk::VeskValue box(Generic::Ref const& aValue) const override {
-    return Boxer<T>::box(Generic::RefAccess<T>::get(aValue));
+  void box(Generic::Loan const* aLoans, std::size_t aCount, vesk::VeskValue* aValues) const override {
+    if constexpr (std::is_trivially_copyable_v<T>) {
+      // Boxing the first literal of an enumeration may fill its class, which can run anything.
+      std::array<T, kBlock> copies;
+      for (std::size_t i = 0; i < aCount; ++i) copies[i] = Generic::RefAccess<T>::get(aLoans[i]);
+      boxEach(aCount, aValues, [&](std::size_t aAt) { return Boxer<T>::box(copies[aAt]); });
+    } else {
+      boxEach(aCount, aValues,
+              [&](std::size_t aAt) { return Boxer<T>::box(Generic::RefAccess<T>::get(aLoans[aAt])); });
+    }
+  }
+  int search(Generic::SequenceIntf const& aSequence, Deviant const& aDeviant, vesk::VeskValue aValue,
+             int aFirst) const override {
+    return aSequence.indexOf(aDeviant, Generic::RefAccess<T>::make(ArgumentUnboxer<T>::unbox(aValue).fValue),
+                             aFirst);
   }
 };
 

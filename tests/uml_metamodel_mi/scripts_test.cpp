@@ -227,7 +227,8 @@ TEST_F(Scripts, iteratorsWalkAndKeepTheirPlace) {
   auto const* const hook = kinds.instance()->classRecord().info().getSequenceHook();
   ASSERT_NE(hook, nullptr);
   vesk::VeskValue values[4];
-  ASSERT_EQ(hook->readBlock(kinds.instance(), 0, 4, values), 1u);
+  std::uint64_t stamp = 0;
+  ASSERT_EQ(hook->readBlock(kinds.instance(), 0, 4, values, stamp), 1u);
   EXPECT_EQ(vesk::host::Instance::fromArray(values[0].array()),
             call("umlmm.MessageSort", "Reply").instance());
   tarnDestroyArray(values[0].array());

@@ -24,16 +24,17 @@ namespace {
 
 using host::ClassRecord;
 
-constexpr std::size_t kBlock = 32;
+constexpr std::size_t kBlock = SequenceHook::kBlock;
 
-/// Up to `count` elements from `first` on, as new references; answers how many.
-std::size_t readBlock(PyObject* list, std::size_t first, std::size_t count, PyObject** out) {
+/// Up to `count` elements from `first` on, as new references; answers how many. `stamp` as in
+/// SequenceHook::readBlock.
+std::size_t readBlock(PyObject* list, std::size_t first, std::size_t count, PyObject** out,
+                      std::uint64_t& stamp) {
   PyInstance& instance = instanceOf(list);
   ClassFront& front = frontOf(instance);
   host::Type const& type = front.elementType();
   std::array<VeskValue, kBlock> values;
-  std::size_t const read =
-      front.fSequence->readBlock(&instance, first, std::min(count, kBlock), values.data());
+  std::size_t const read = front.fSequence->readBlock(&instance, first, count, values.data(), stamp);
   std::size_t done = 0;
   try {
     for (; done < read; ++done) out[done] = toPython(host::OwnedValue(type, values[done])).release();
@@ -45,8 +46,42 @@ std::size_t readBlock(PyObject* list, std::size_t first, std::size_t count, PyOb
   return read;
 }
 
+/// Whether the element of a list that is equal to `value` in Python, if there is one, is found by the value
+/// that `value` converts to: no class of scripts decides what it is equal to.
+bool isPlain(PyObject* value, host::Type const& element) {
+  switch (element.fCarrier) {
+    case host::Carrier::RawLogical:
+      return PyBool_Check(value);
+    case host::Carrier::RawInt32:
+      return PyLong_CheckExact(value) || PyBool_Check(value);
+    case host::Carrier::Text:
+      return PyUnicode_CheckExact(value);
+    case host::Carrier::Object:
+      return isInstance(value) && conversionCost(value, element) >= 0;
+    default:
+      return false;
+  }
+}
+
+/// The place by the search that the list has itself; `value` is plain.
+Py_ssize_t askForPlace(PyObject* self, PyObject* value, Py_ssize_t first, Py_ssize_t last) try {
+  PyInstance& instance = instanceOf(self);
+  ClassFront& front = frontOf(instance);
+  host::OwnedValue const wanted(front.elementType(), convert(value, front.elementType()));
+  std::size_t const place = front.fSequence->find(&instance, wanted.value(), static_cast<std::size_t>(first),
+                                                  static_cast<std::size_t>(last));
+  if (place == SequenceHook::kNotFound) return -1;
+  // The list may tell fewer values apart than Python: texts end at their first zero there.
+  Ref const item = itemAt(self, static_cast<Py_ssize_t>(place));
+  return checkedInt(PyObject_RichCompareBool(item.get(), value, Py_EQ)) ? static_cast<Py_ssize_t>(place) : -1;
+} catch (VeskError const& error) {
+  if (error.kind() != VeskError::Kind::Range) throw;
+  return -1;  // a number that no element can be
+}
+
 /// The place of the first element equal to `value` in [first, last), or -1.
 Py_ssize_t findPlace(PyObject* self, PyObject* value, Py_ssize_t first, Py_ssize_t last) {
+  if (isPlain(value, frontOf(instanceOf(self)).elementType())) return askForPlace(self, value, first, last);
   while (first < last) {
     Ref const items = readRange(self, first, std::min(last, first + static_cast<Py_ssize_t>(kBlock)));
     Py_ssize_t const count = PyList_GET_SIZE(items.get());
@@ -74,8 +109,9 @@ Ref readRange(PyObject* list, Py_ssize_t first, Py_ssize_t last) {
   Ref result = Ref::checked(PyList_New(0));
   std::array<PyObject*, kBlock> block;
   while (first < last) {
+    std::uint64_t stamp = 0;
     std::size_t const read = readBlock(list, static_cast<std::size_t>(first),
-                                       static_cast<std::size_t>(last - first), block.data());
+                                       static_cast<std::size_t>(last - first), block.data(), stamp);
     if (read == 0) break;
     int failed = 0;
     for (std::size_t i = 0; i < read; ++i) {
@@ -101,7 +137,8 @@ Py_ssize_t placeOf(PyObject* list, Py_ssize_t index) {
 
 Ref itemAt(PyObject* list, Py_ssize_t place) {
   PyObject* item = nullptr;
-  if (readBlock(list, static_cast<std::size_t>(place), 1, &item) == 0)
+  std::uint64_t stamp = 0;
+  if (readBlock(list, static_cast<std::size_t>(place), 1, &item, stamp) == 0)
     raise(PyExc_IndexError, "index out of range");
   return Ref(item);
 }
@@ -138,9 +175,9 @@ Ref readSlice(PyObject* list, PyObject* slice) {
 
 struct IteratorObject {
   PyObject_HEAD PyObject* fList;
-  Py_ssize_t fExpectedSize;
-  std::size_t fNext;  ///< index in the list of the next block
-  std::size_t fRead;  ///< elements in the block
+  std::uint64_t fStamp;  ///< state of the list when the first block was read; 0 before
+  std::size_t fNext;     ///< index in the list of the next block
+  std::size_t fRead;     ///< elements in the block
   std::size_t fGiven;
   PyObject* fBlock[kBlock];
 };
@@ -151,37 +188,37 @@ IteratorObject& asIterator(PyObject* object) noexcept { return *reinterpret_cast
 
 PyObject* iterate(PyObject* list) {
   return guarded<PyObject*>(nullptr, [=] {
-    Py_ssize_t const size = sizeOf(list);
     auto* iterator = PyObject_New(IteratorObject, &gIteratorType);
     if (!iterator) throw PythonError();
     iterator->fList = Py_NewRef(list);
-    iterator->fExpectedSize = size;
+    iterator->fStamp = 0;
     iterator->fNext = iterator->fRead = iterator->fGiven = 0;
     return reinterpret_cast<PyObject*>(iterator);
   });
 }
 
-/// A list that changes under an iterator ends in a clear error: elements are read ahead in blocks, and what
-/// was read could be stale.
+/// Reads the next block of an iterator; answers false at the end. A list that changed since the first block
+/// is a clear error: what was read ahead could be stale.
+bool readNextBlock(IteratorObject& iterator) {
+  if (!iterator.fList) return false;
+  bool const isFirst = iterator.fStamp == 0;
+  iterator.fGiven = iterator.fRead = 0;
+  iterator.fRead = readBlock(iterator.fList, iterator.fNext, kBlock, iterator.fBlock, iterator.fStamp);
+  iterator.fNext += iterator.fRead;
+  if (iterator.fRead != 0) return true;
+  bool const changed = !isFirst && iterator.fStamp == 0;
+  Py_CLEAR(iterator.fList);
+  if (changed)
+    raise(PyExc_RuntimeError, "The list changed while it was iterated; iterate over list(...) of it instead");
+  return false;
+}
+
 PyObject* nextItem(PyObject* self) {
-  return guarded<PyObject*>(nullptr, [self]() -> PyObject* {
-    IteratorObject& iterator = asIterator(self);
-    if (!iterator.fList) return nullptr;
-    if (iterator.fGiven == iterator.fRead) {
-      // What a block holds is held; a change in between shows when the next one is read.
-      if (sizeOf(iterator.fList) != iterator.fExpectedSize)
-        raise(PyExc_RuntimeError,
-              "The list changed its size while it was iterated; iterate over list(...) of it instead");
-      iterator.fGiven = iterator.fRead = 0;
-      iterator.fRead = readBlock(iterator.fList, iterator.fNext, kBlock, iterator.fBlock);
-      iterator.fNext += iterator.fRead;
-      if (iterator.fRead == 0) {
-        Py_CLEAR(iterator.fList);
-        return nullptr;
-      }
-    }
-    return iterator.fBlock[iterator.fGiven++];
-  });
+  IteratorObject& iterator = asIterator(self);
+  if (iterator.fGiven == iterator.fRead && !guarded(false, [&iterator] { return readNextBlock(iterator); }))
+      [[unlikely]]
+    return nullptr;
+  return iterator.fBlock[iterator.fGiven++];
 }
 
 void deallocateIterator(PyObject* self) {
@@ -261,8 +298,10 @@ PyObject* indexOf(PyObject* self, PyObject* const* arguments, Py_ssize_t count) 
 
 PyObject* countOf(PyObject* self, PyObject* value) {
   return guarded<PyObject*>(nullptr, [=] {
-    Ref const items = readAll(self);
-    return PyLong_FromSsize_t(checkedInt(PySequence_Count(items.get(), value)));
+    Py_ssize_t const size = sizeOf(self);
+    Py_ssize_t found = 0;
+    for (Py_ssize_t place = 0; (place = findPlace(self, value, place, size)) >= 0; ++place) ++found;
+    return PyLong_FromSsize_t(found);
   });
 }
 

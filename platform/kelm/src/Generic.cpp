@@ -14,21 +14,9 @@ namespace {
 constexpr char kSource[] = "kelm/kernel/containers/sequence/SequenceProxy";
 constexpr int kBlock = 32;
 
-bool equalValues(Ref const& aLeft, Ref const& aRight) {
+bool areEqual(Ref const& aLeft, Loan const& aRight) {
   return aLeft.fHolder == aRight.fHolder ||
          (aLeft.fEquals != nullptr && aLeft.fEquals(aLeft.fHolder, aRight.fHolder));
-}
-
-std::vector<Ref> allValues(SequenceIntf const& aSequence, Deviant const& aDeviant) {
-  std::vector<Ref> values(aSequence.generic_size(aDeviant));
-  std::uint64_t stamp = 0;
-  for (int done = 0; done < std::ssize(values);) {
-    int const read = aSequence.readBlock(aDeviant, done, static_cast<int>(std::ssize(values)) - done,
-                                         values.data() + done, stamp);
-    if (read <= 0) raiseFailure(words::kIndexOutOfBounds, kSource);
-    done += read;
-  }
-  return values;
 }
 
 }  // namespace
@@ -52,17 +40,8 @@ void SequenceIntf::specialized_equal(SequenceIntf const* aOther, Deviant const& 
   int const size = generic_size(aDeviant);
   if (aOther->generic_size(aDeviant) != size) return;
 
-  std::array<Ref, kBlock> mine;
-  std::array<Ref, kBlock> theirs;
-  std::uint64_t myStamp = 0;
-  std::uint64_t theirStamp = 0;
-  for (int done = 0; done < size;) {
-    int const wanted = std::min(kBlock, size - done);
-    int const read = readBlock(aDeviant, done, wanted, mine.data(), myStamp);
-    if (read <= 0 || aOther->readBlock(aDeviant, done, read, theirs.data(), theirStamp) != read) return;
-    if (!std::equal(mine.begin(), mine.begin() + read, theirs.begin(), equalValues)) return;
-    done += read;
-  }
+  for (int i = 0; i < size; ++i)
+    if (!areEqual(generic_at(aDeviant, i), aOther->generic_at(aDeviant, i))) return;
   aResult = true;
 }
 
@@ -70,23 +49,28 @@ void SequenceIntf::specialized_assign(SequenceIntf const* aOther, Deviant const&
   if (aOther != this) {
     // Read first: the other sequence may be a view of this one.
     std::vector<Ref> values;
-    if (aOther != nullptr) values = allValues(*aOther, aDeviant);
+    for (int i = 0; aOther != nullptr && i < aOther->generic_size(aDeviant); ++i)
+      values.push_back(aOther->generic_at(aDeviant, i));
     generic_clear(aDeviant);
     for (Ref& value : values) generic_push_back(aDeviant, std::move(value));
   }
   aResult = true;
 }
 
-int SequenceIntf::readBlock(Deviant const& aDeviant, int aIndex, int aCount, Ref* aOut,
-                            std::uint64_t& aStamp) const {
-  int const size = generic_size(aDeviant);
-  std::uint64_t const stamp = static_cast<std::uint64_t>(size) + 1;
+int SequenceIntf::indexOf(Deviant const& aDeviant, Ref const& aValue, int aFrom) const {
+  std::array<Loan, kBlock> block;
+  int read = kBlock;
+  for (int index = aFrom; read == kBlock; index += read) {
+    read = readBlock(aDeviant, index, kBlock, block.data());
+    for (int i = 0; i < read; ++i)
+      if (areEqual(aValue, block[static_cast<std::size_t>(i)])) return index + i;
+  }
+  return -1;
+}
+
+int SequenceIntf::blockLength(int aIndex, int aCount, std::size_t aSize) {
   if (aIndex < 0) raiseFailure(words::kIndexNotPositive, kSource);
-  if (aStamp != 0 && aStamp != stamp) raiseFailure(words::kIndexOutOfBounds, kSource);
-  aStamp = stamp;
-  int const count = std::clamp(size - aIndex, 0, std::max(aCount, 0));
-  for (int i = 0; i < count; ++i) aOut[i] = generic_at(aDeviant, aIndex + i);
-  return count;
+  return std::clamp(static_cast<int>(aSize) - aIndex, 0, std::max(aCount, 0));
 }
 
 }  // namespace Kelm::Generic

@@ -1,59 +1,77 @@
 #include "RefHook.h"
 
-#include <algorithm>
 #include <array>
-#include <utility>
 
-#include "kelm/Generic.h"
-#include "kelm/kernel/containers/sequence/SequenceRef.h"
+#include "kelm/DeviantRegistry.h"
+#include "kelm/kernel/containers/sequence/Ref.h"
+#include "kelm/values.h"
 #include "tarn/tarn.h"
-#include "uml_metamodel_mi/frame/Unboxing.h"
+#include "vesk/host/Bindings.h"
+#include "vesk/host/Instance.h"
 
 namespace Kelm::mi {
 
 namespace {
 
-constexpr int kBlock = 64;
+using Access = Generic::RefAccess<Object>;
 
-ImmutableSequence<Object> sequenceOf(vesk::VeskInterface* aSequence, vesk::VeskInterned aClass) {
-  UnboxedInterface const found =
-      unboxInstance(*aSequence, aClass, tagPair<Generic::SequenceIntf, VisitationDomain>());
-  return {static_cast<Generic::SequenceIntf*>(found.fInterface), found.fDeviant};
+NSInterface::ObjectIntf* objectOf(Generic::Loan const& aLoan) noexcept {
+  return static_cast<NSInterface::ObjectIntf*>(aLoan.fHolder);
 }
 
-/// Gives back what was boxed when a later element fails.
-struct BoxedSoFar {
-  vesk::VeskValue* fValues;
-  std::size_t fCount = 0;
-  ~BoxedSoFar() {
-    for (std::size_t i = 0; i < fCount; ++i) tarnDestroyArray(fValues[i].array());
+int searchText(Generic::SequenceIntf const& aSequence, Deviant const& aDeviant, vesk::VeskValue aValue,
+               int aFirst) {
+  std::u16string const wanted = tarn::get_ustring(aValue.array());
+  Generic::Loan found;
+  for (int index = aFirst; aSequence.readBlock(aDeviant, index, 1, &found) == 1; ++index) {
+    StringObject const* const text = asString(Access::get(found));
+    if (text != nullptr && wanted == text->data()) return index;
   }
-};
+  return -1;
+}
 
 }  // namespace
 
-std::size_t RefHook::size(vesk::VeskInterface* aSequence) const {
-  return static_cast<std::size_t>(sequenceOf(aSequence, fClass.fName).size());
+/// What scripts mostly meet: all objects have an instance already. Answers false, with nothing boxed, if not.
+bool RefHook::boxBound(Generic::Loan const* aLoans, std::size_t aCount, vesk::VeskValue* aValues) const {
+  bool const immutable = fClass.fElements == Elements::ReadOnly;
+  std::array<vesk::host::Instance*, kBlock> instances;
+  // In steps of their own, so that the memory of several objects is on its way at a time.
+  std::array<void const*, kBlock> ids;
+  for (std::size_t i = 0; i < aCount; ++i) {
+    auto const* const object = objectOf(aLoans[i]);
+    if (object == nullptr) return false;
+    ids[i] = DeviantRegistry::findId(*object, Deviant::fromWord(aLoans[i].fReserved), immutable);
+  }
+  for (std::size_t i = 0; i < aCount; ++i) {
+    instances[i] = ids[i] == nullptr ? nullptr : vesk::host::bindings::lookUp(ids[i]);
+    if (instances[i] == nullptr || !instances[i]->isBound()) return false;
+  }
+  for (std::size_t i = 0; i < aCount; ++i) aValues[i] = instances[i]->newReference();
+  return true;
 }
 
-std::size_t RefHook::readBlock(vesk::VeskInterface* aSequence, std::size_t aFirst, std::size_t aCount,
-                               vesk::VeskValue* aValues) const {
-  ImmutableSequence<Object> const sequence = sequenceOf(aSequence, fClass.fName);
-  std::array<Generic::Ref, kBlock> refs;
-  std::uint64_t stamp = 0;
-  BoxedSoFar boxed{aValues};
-  while (boxed.fCount < aCount) {
-    int const wanted = static_cast<int>(std::min<std::size_t>(kBlock, aCount - boxed.fCount));
-    int const read = sequence.checked()->readBlock(
-        sequence.getDeviant(), static_cast<int>(aFirst + boxed.fCount), wanted, refs.data(), stamp);
-    for (int i = 0; i < read; ++i) {
-      auto const* const object = static_cast<NSInterface::ObjectIntf const*>(refs[i].fHolder);
-      aValues[boxed.fCount] = fClass.box(object, Deviant::fromWord(refs[i].fReserved));
-      ++boxed.fCount;
-    }
-    if (read < wanted) break;
+void RefHook::box(Generic::Loan const* aLoans, std::size_t aCount, vesk::VeskValue* aValues) const {
+  if (fClass.fElements != Elements::Text && boxBound(aLoans, aCount, aValues)) return;
+  // Making an instance may run anything, so all objects are held before the first is boxed.
+  std::array<Object, kBlock> objects;
+  for (std::size_t i = 0; i < aCount; ++i) objects[i] = Access::get(aLoans[i]);
+  boxEach(aCount, aValues,
+          [&](std::size_t aAt) { return fClass.box(objects[aAt].get(), objects[aAt].getDeviant()); });
+}
+
+int RefHook::search(Generic::SequenceIntf const& aSequence, Deviant const& aDeviant, vesk::VeskValue aValue,
+                    int aFirst) const {
+  if (fClass.fElements == Elements::Text) return searchText(aSequence, aDeviant, aValue, aFirst);
+  Generic::Ref const wanted = Access::make(fClass.unboxObject(aValue));
+  Generic::Loan found;
+  for (int index = aFirst;; ++index) {
+    index = aSequence.indexOf(aDeviant, wanted, index);
+    if (index < 0) return index;
+    // The sequence compares objects, a script objects in their variants.
+    aSequence.readBlock(aDeviant, index, 1, &found);
+    if (found.fReserved == wanted.fReserved) return index;
   }
-  return std::exchange(boxed.fCount, 0);
 }
 
 }  // namespace Kelm::mi

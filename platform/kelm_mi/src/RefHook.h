@@ -1,21 +1,25 @@
 #pragma once
 
 #include "RefClass.h"
-#include "vesk/VeskClassInfo.h"
+#include "uml_metamodel_mi/frame/KernelSequenceHook.h"
 
 namespace Kelm::mi {
 
-/// Lets the host walk a sequence of objects in blocks. `aClass` must outlive the hook.
-class RefHook final : public vesk::SequenceHook {
+/// Lets the host walk and search a sequence of objects. `aClass` must outlive the hook.
+class RefHook final : public KernelSequenceHook {
  public:
   explicit RefHook(RefClass const& aClass) noexcept : fClass(aClass) {}
 
-  std::size_t size(vesk::VeskInterface* aSequence) const override;
-  std::size_t readBlock(vesk::VeskInterface* aSequence, std::size_t aFirst, std::size_t aCount,
-                        vesk::VeskValue* aValues) const override;
   char const* elementType() const override { return fClass.fElement.c_str(); }
 
+ protected:
+  void box(Generic::Loan const* aLoans, std::size_t aCount, vesk::VeskValue* aValues) const override;
+  int search(Generic::SequenceIntf const& aSequence, Deviant const& aDeviant, vesk::VeskValue aValue,
+             int aFirst) const override;
+
  private:
+  bool boxBound(Generic::Loan const* aLoans, std::size_t aCount, vesk::VeskValue* aValues) const;
+
   RefClass const& fClass;
 };
 

@@ -30,12 +30,12 @@ inline void prefetch(std::span<Element* const> aElements, std::size_t aPosition)
   if (aPosition + kLookAhead < aElements.size()) __builtin_prefetch(aElements[aPosition + kLookAhead], 1);
 }
 
-/// The first `aCount` of the elements as values.
-inline void copyRefs(std::span<Element* const> aElements, std::size_t aCount, Deviant const& aDeviant,
-                     Kelm::Generic::Ref* aOut) {
-  for (std::size_t at = 0; at < aCount; ++at) {
+/// Lends the first `aCount` of the elements, whose memory will be wanted next.
+inline void lend(std::span<Element* const> aElements, int aCount, Deviant const& aDeviant,
+                 Kelm::Generic::Loan* aOut) {
+  for (std::size_t at = 0; at < static_cast<std::size_t>(aCount); ++at) {
     prefetch(aElements, at);
-    aOut[at] = refTo(*aElements[at], aDeviant);
+    aOut[at] = {static_cast<Kelm::NSInterface::ObjectIntf*>(aElements[at]), aDeviant.word()};
   }
 }
 

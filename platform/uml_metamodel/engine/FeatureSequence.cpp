@@ -28,14 +28,14 @@ Element* elementOf(Kelm::ImmutableObject const& aObject) {
   return static_cast<Element*>(Kelm::queryInterface<Kelm::NSInterface::ClassObjectIntf>(aObject.get()));
 }
 
-Element* elementOf(Ref const& aValue) { return elementOf(ObjectAccess::get(aValue)); }
+Element* elementOf(Kelm::Generic::Loan const& aValue) { return elementOf(ObjectAccess::get(aValue)); }
 
 /// Stands at an element by its address, which is looked up again when the sequence has changed. The address
 /// is compared and never followed: the element may be gone.
 class FeatureSequence::Iterator final : public Kelm::IteratorProxy {
  public:
   Iterator(FeatureSequence const& aSequence, std::uint32_t aPosition)
-      : IteratorProxy(aSequence.stamp()),
+      : IteratorProxy(aSequence.changes()),
         fSequence(aSequence),
         fPosition(aPosition),
         fCurrent(aPosition < aSequence.size() ? aSequence.at(aPosition) : nullptr) {
@@ -82,7 +82,7 @@ class FeatureSequence::Iterator final : public Kelm::IteratorProxy {
   }
 
   void refresh() const {
-    std::uint64_t const stamp = fSequence.stamp();
+    std::uint64_t const stamp = fSequence.changes();
     if (stamp == fStamp) [[likely]]
       return;
     std::uint32_t const size = fSequence.size();
@@ -269,16 +269,27 @@ int FeatureSequence::generic_removeAll(Deviant const& aDeviant, Ref aValue) {
   return 1;
 }
 
-int FeatureSequence::readBlock(Deviant const& aDeviant, int aIndex, int aCount, Ref* aOut,
-                               std::uint64_t& aStamp) const {
+std::uint64_t FeatureSequence::stamp(Deviant const& aDeviant) const {
   checkReadable(fElement, aDeviant);
-  std::uint32_t const total = size();
-  if (aStamp != 0 && aStamp != stamp()) raiseOutOfBounds();
-  aStamp = stamp();
-  std::uint32_t const first = std::min(static_cast<std::uint32_t>(aIndex), total);
-  std::uint32_t const count = std::min(static_cast<std::uint32_t>(aCount), total - first);
-  if (count != 0) copyRefs(all().subspan(first), count, aDeviant, aOut);
-  return static_cast<int>(count);
+  // Closing holes moves entries, not values: it must not look like a change later.
+  if (size() != 0) static_cast<void>(all());
+  return changes();
+}
+
+int FeatureSequence::readBlock(Deviant const& aDeviant, int aIndex, int aCount,
+                               Kelm::Generic::Loan* aOut) const {
+  checkReadable(fElement, aDeviant);
+  int const count = blockLength(aIndex, aCount, size());
+  if (count != 0) lend(all().subspan(static_cast<std::size_t>(aIndex)), count, aDeviant, aOut);
+  return count;
+}
+
+int FeatureSequence::indexOf(Deviant const& aDeviant, Ref const& aValue, int aFrom) const {
+  checkReadable(fElement, aDeviant);
+  Element* const value = elementOf(aValue);
+  if (value == nullptr || value->fModel != fElement.fModel) return -1;
+  std::uint32_t const position = find(*value);
+  return position == kNowhere || static_cast<int>(position) < aFrom ? -1 : static_cast<int>(position);
 }
 
 }  // namespace umlmm::engine

@@ -56,8 +56,9 @@ class FeatureSequence : public Kelm::Generic::SequenceIntf {
   bool generic_contains(Deviant const& aDeviant, Kelm::Generic::Ref aValue) const override;
   char const* generic_getVeskName(bool, bool, char const* aName) const override { return aName; }
   int generic_removeAll(Deviant const& aDeviant, Kelm::Generic::Ref aValue) override;
-  int readBlock(Deviant const& aDeviant, int aIndex, int aCount, Kelm::Generic::Ref* aOut,
-                std::uint64_t& aStamp) const override;
+  std::uint64_t stamp(Deviant const& aDeviant) const override;
+  int readBlock(Deviant const& aDeviant, int aIndex, int aCount, Kelm::Generic::Loan* aOut) const override;
+  int indexOf(Deviant const& aDeviant, Kelm::Generic::Ref const& aValue, int aFrom) const override;
 
  protected:
   class Iterator;
@@ -79,7 +80,7 @@ class FeatureSequence : public Kelm::Generic::SequenceIntf {
   virtual void insert(std::uint32_t aPosition, Element& aValue) = 0;
   virtual void erase(Element& aValue) = 0;
   /// Differs whenever positions may have moved; never 0.
-  virtual std::uint64_t stamp() const = 0;
+  virtual std::uint64_t changes() const = 0;
 
   std::uint32_t checkedPosition(Deviant const& aDeviant, int aIndex, std::uint32_t aLimit) const;
   /// Position of an iterator of this sequence; raises for others.
@@ -94,7 +95,7 @@ class FeatureSequence : public Kelm::Generic::SequenceIntf {
 };
 
 /// The element that a value of a sequence names, or null for anything else.
-Element* elementOf(Kelm::Generic::Ref const& aValue);
+Element* elementOf(Kelm::Generic::Loan const& aValue);
 Element* elementOf(Kelm::ImmutableObject const& aObject);
 
 }  // namespace umlmm::engine

@@ -15,6 +15,7 @@ using Kelm::Generic::Ref;
 using Kelm::Generic::SequenceIntf;
 using Proxy = Kelm::GenericReferenceCountingSequenceProxy;
 
+/// The values of a feature with all that its element demands of whoever reads or changes them.
 class ValueSequence final : public Proxy {
   using Ref = Kelm::Generic::Ref;
   using IteratorIntf = Kelm::Generic::IteratorIntf;
@@ -26,6 +27,29 @@ class ValueSequence final : public Proxy {
   int incRef() const override { return fElement.incRef(); }
   int decRef() const override { return fElement.decRef(); }
   int numRef() const override { return fElement.numRef(); }
+
+  Ref generic_at(Deviant const& aDeviant, int aIndex) const override {
+    return read(aDeviant).generic_at(aDeviant, aIndex);
+  }
+  Ref generic_front(Deviant const& aDeviant) const override { return read(aDeviant).generic_front(aDeviant); }
+  Ref generic_back(Deviant const& aDeviant) const override { return read(aDeviant).generic_back(aDeviant); }
+  IteratorPtr generic_begin(Deviant const& aDeviant) const override {
+    return owned(read(aDeviant).generic_begin(aDeviant));
+  }
+  IteratorPtr generic_end(Deviant const& aDeviant) const override {
+    return owned(read(aDeviant).generic_end(aDeviant));
+  }
+  int generic_size(Deviant const& aDeviant) const override { return read(aDeviant).generic_size(aDeviant); }
+  bool generic_contains(Deviant const& aDeviant, Ref aValue) const override {
+    return read(aDeviant).generic_contains(aDeviant, std::move(aValue));
+  }
+  std::uint64_t stamp(Deviant const& aDeviant) const override { return read(aDeviant).stamp(aDeviant); }
+  int readBlock(Deviant const& aDeviant, int aIndex, int aCount, Kelm::Generic::Loan* aOut) const override {
+    return read(aDeviant).readBlock(aDeviant, aIndex, aCount, aOut);
+  }
+  int indexOf(Deviant const& aDeviant, Ref const& aValue, int aFrom) const override {
+    return read(aDeviant).indexOf(aDeviant, aValue, aFrom);
+  }
 
   void generic_clear(Deviant const& aDeviant) override {
     change(aDeviant);
@@ -78,6 +102,10 @@ class ValueSequence final : public Proxy {
   }
 
  private:
+  SequenceIntf const& read(Deviant const& aDeviant) const {
+    checkReadable(fElement, aDeviant);
+    return target();
+  }
   void change(Deviant const& aDeviant) const {
     checkWritable(fElement, aDeviant);
     fElement.fModel->noteChange();
@@ -113,11 +141,8 @@ void assignValues(Element& aElement, Feature const& aRoot, Deviant const& aDevia
   SequenceIntf& own = valueSequence(aElement, aRoot);
   if (aValues == &own) return;
   std::vector<Ref> values;
-  if (aValues != nullptr) {
-    values.resize(static_cast<std::size_t>(aValues->generic_size(aValuesDeviant)));
-    std::uint64_t stamp = 0;
-    aValues->readBlock(aValuesDeviant, 0, static_cast<int>(values.size()), values.data(), stamp);
-  }
+  for (int i = 0; aValues != nullptr && i < aValues->generic_size(aValuesDeviant); ++i)
+    values.push_back(aValues->generic_at(aValuesDeviant, i));
   own.generic_clear(aDeviant);
   for (Ref& value : values) own.generic_push_back(aDeviant, std::move(value));
 }

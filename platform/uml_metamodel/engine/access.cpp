@@ -269,9 +269,8 @@ void assign(Element& aElement, Deviant const& aDeviant, Feature const& aFeature,
   if (aValues == &own) return;
   std::vector<Element*> values;
   if (aValues != nullptr) {
-    std::vector<Kelm::Generic::Ref> given(static_cast<std::size_t>(aValues->generic_size(aValuesDeviant)));
-    std::uint64_t stamp = 0;
-    aValues->readBlock(aValuesDeviant, 0, static_cast<int>(given.size()), given.data(), stamp);
+    std::vector<Kelm::Generic::Loan> given(static_cast<std::size_t>(aValues->generic_size(aValuesDeviant)));
+    aValues->readBlock(aValuesDeviant, 0, static_cast<int>(given.size()), given.data());
     for (auto const& value : given) {
       values.push_back(elementOf(value));
       if (values.back() == nullptr) failures::raiseNotAValue(aFeature);

@@ -50,7 +50,7 @@ class StoredSequence final : public FeatureSequence {
       checkLink(fElement, fRoot, aValue, seen.fUpper == 1 ? single(fElement, fRoot) : nullptr);
   }
 
-  ElementList* list() const noexcept { return pointerSlot<ElementList>(fElement, indexOf(fRoot)); }
+  ElementList* list() const noexcept { return pointerSlot<ElementList>(fElement, engine::indexOf(fRoot)); }
   std::uint32_t size() const override { return ElementList::size(list()); }
   Element* at(std::uint32_t aPosition) const override { return list()->at(aPosition); }
   std::span<Element* const> all() const override { return list()->dense(); }
@@ -65,7 +65,9 @@ class StoredSequence final : public FeatureSequence {
     link(fElement, fRoot, aValue, aPosition >= size() ? kAtEnd : aPosition);
   }
   void erase(Element& aValue) override { unlink(fElement, fRoot, aValue); }
-  std::uint64_t stamp() const override { return list() == nullptr ? 1 : list()->stamp() + std::uint64_t{1}; }
+  std::uint64_t changes() const override {
+    return list() == nullptr ? 1 : list()->stamp() + std::uint64_t{1};
+  }
 
   Feature const& fRoot;
 };
@@ -86,8 +88,12 @@ class ComputedSequence final : public FeatureSequence {
     // A destroyed element has no model and no values; reads are refused before they come here.
     std::uint64_t const revision = fElement.fModel == nullptr ? 0 : fElement.fModel->revision();
     if (revision != fRevision) {
-      fValues.clear();
-      if (fElement.fModel != nullptr) computeValues(fElement, fFeature, fValues);
+      std::vector<Element*> now;
+      if (fElement.fModel != nullptr) computeValues(fElement, fFeature, now);
+      if (now != fValues) {
+        fValues = std::move(now);
+        ++fChanges;
+      }
       fRevision = revision;
     }
     return fValues;
@@ -108,13 +114,15 @@ class ComputedSequence final : public FeatureSequence {
     insertComputed(fElement, fFeature, aValue, aPosition < size() ? at(aPosition) : nullptr);
   }
   void erase(Element& aValue) override { eraseComputed(fElement, fFeature, aValue); }
-  std::uint64_t stamp() const override {
+  std::uint64_t changes() const override {
     values();
-    return fRevision;
+    return fChanges;
   }
 
   mutable std::vector<Element*> fValues;
   mutable std::uint64_t fRevision = 0;
+  /// Counts the times that other values came out, which is seldom: most changes of a model are elsewhere.
+  mutable std::uint64_t fChanges = 1;
 };
 
 using ComputedSequences = std::unordered_map<Element const*, std::vector<std::unique_ptr<ComputedSequence>>>;

@@ -59,15 +59,17 @@ int ElementResult::generic_size(Deviant const& aDeviant) const {
   return fList != nullptr ? fList->generic_size(aDeviant) : static_cast<int>(fElements.size());
 }
 
-int ElementResult::readBlock(Deviant const& aDeviant, int aIndex, int aCount, Ref* aOut,
-                             std::uint64_t& aStamp) const {
-  if (fList != nullptr || aIndex < 0 || aCount < 0)
-    return list().readBlock(aDeviant, aIndex, aCount, aOut, aStamp);
-  aStamp = kStamp;
-  std::size_t const first = std::min(static_cast<std::size_t>(aIndex), fElements.size());
-  std::size_t const count = std::min(static_cast<std::size_t>(aCount), fElements.size() - first);
-  engine::copyRefs(std::span(fElements).subspan(first), count, fDeviant, aOut);
-  return static_cast<int>(count);
+std::uint64_t ElementResult::stamp(Deviant const& aDeviant) const {
+  return fList != nullptr ? fList->stamp(aDeviant) : kStamp;
+}
+
+int ElementResult::readBlock(Deviant const& aDeviant, int aIndex, int aCount,
+                             Kelm::Generic::Loan* aOut) const {
+  if (fList != nullptr) return fList->readBlock(aDeviant, aIndex, aCount, aOut);
+  int const count = blockLength(aIndex, aCount, fElements.size());
+  if (count != 0)
+    engine::lend(std::span(fElements).subspan(static_cast<std::size_t>(aIndex)), count, fDeviant, aOut);
+  return count;
 }
 
 }  // namespace umlmm::queries

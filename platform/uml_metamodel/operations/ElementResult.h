@@ -24,8 +24,8 @@ class ElementResult final : public Kelm::SequenceProxy {
   Ref generic_at(Deviant const& aDeviant, int aIndex) const override;
   bool generic_empty(Deviant const& aDeviant) const override { return generic_size(aDeviant) == 0; }
   int generic_size(Deviant const& aDeviant) const override;
-  int readBlock(Deviant const& aDeviant, int aIndex, int aCount, Ref* aOut,
-                std::uint64_t& aStamp) const override;
+  std::uint64_t stamp(Deviant const& aDeviant) const override;
+  int readBlock(Deviant const& aDeviant, int aIndex, int aCount, Kelm::Generic::Loan* aOut) const override;
 
   Ref generic_front(Deviant const& aDeviant) const override { return list().generic_front(aDeviant); }
   Ref generic_back(Deviant const& aDeviant) const override { return list().generic_back(aDeviant); }

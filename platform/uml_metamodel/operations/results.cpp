@@ -10,9 +10,8 @@ std::vector<Element*> givenElements(Kelm::SequenceRef const& aArgument) {
   Kelm::Generic::SequenceIntf const* const sequence = aArgument.get();
   if (sequence == nullptr) return elements;
   Deviant const& deviant = aArgument.getDeviant();
-  std::vector<Kelm::Generic::Ref> values(static_cast<std::size_t>(sequence->generic_size(deviant)));
-  std::uint64_t stamp = 0;
-  sequence->readBlock(deviant, 0, static_cast<int>(values.size()), values.data(), stamp);
+  std::vector<Kelm::Generic::Loan> values(static_cast<std::size_t>(sequence->generic_size(deviant)));
+  sequence->readBlock(deviant, 0, static_cast<int>(values.size()), values.data());
   for (auto const& value : values)
     if (Element* const element = engine::elementOf(value); element != nullptr && element->fModel != nullptr)
       elements.push_back(element);

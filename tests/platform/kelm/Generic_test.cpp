@@ -65,6 +65,12 @@ class Numbers final : public SequenceIntf {
   bool generic_contains(Deviant const&, Ref) const override { return false; }
   char const* generic_getVeskName(bool, bool, char const*) const override { return ""; }
   int generic_removeAll(Deviant const&, Ref) override { return 0; }
+  std::uint64_t stamp(Deviant const&) const override { return 1; }
+  int readBlock(Deviant const&, int aIndex, int aCount, Loan* aOut) const override {
+    int const count = blockLength(aIndex, aCount, fValues.size());
+    for (int i = 0; i < count; ++i) aOut[i] = {const_cast<int*>(&fValues[aIndex + i]), 0};
+    return count;
+  }
 
   std::vector<int> fValues;
 };
@@ -130,20 +136,16 @@ TEST(SequenceIntf, AssignmentReplacesTheContents) {
   EXPECT_EQ(sHolders, 0);
 }
 
-TEST(SequenceIntf, BlocksEndAtTheEndAndNoticeAChange) {
-  Numbers numbers(upTo(10));
-  Ref out[8];
-  std::uint64_t stamp = 0;
-  EXPECT_EQ(numbers.readBlock(Deviant(), 0, 8, out, stamp), 8);
-  EXPECT_NE(stamp, 0u);
-  EXPECT_EQ(numbers.readBlock(Deviant(), 8, 8, out, stamp), 2);
-  EXPECT_EQ(*static_cast<int const*>(out[1].fHolder), 9);
-  EXPECT_EQ(numbers.readBlock(Deviant(), 10, 8, out, stamp), 0);
-  EXPECT_TRUE(tells(failureOf([&] { numbers.readBlock(Deviant(), -1, 8, out, stamp); }),
+TEST(SequenceIntf, SearchGoesOnFromAnyIndex) {
+  Numbers numbers(upTo(100));
+  numbers.fValues[90] = 40;
+  Ref const wanted = refOf(40);
+  EXPECT_EQ(numbers.indexOf(Deviant(), wanted, 0), 40);
+  EXPECT_EQ(numbers.indexOf(Deviant(), wanted, 41), 90);
+  EXPECT_EQ(numbers.indexOf(Deviant(), wanted, 91), -1);
+  EXPECT_EQ(numbers.indexOf(Deviant(), wanted, 200), -1);
+  EXPECT_TRUE(tells(failureOf([&] { static_cast<void>(numbers.indexOf(Deviant(), wanted, -1)); }),
                     "sequence index must be positive", "kelm/kernel/containers/sequence/SequenceProxy"));
-  numbers.fValues.push_back(1);
-  EXPECT_TRUE(tells(failureOf([&] { numbers.readBlock(Deviant(), 0, 8, out, stamp); }),
-                    "sequence index out of bounds", "kelm/kernel/containers/sequence/SequenceProxy"));
 }
 
 }  // namespace

@@ -155,12 +155,22 @@ TEST_F(SequenceTest, theHostWalksInBlocksAndSeesWhatTheMethodsSee) {
   ASSERT_NE(hook, nullptr);
   EXPECT_STREQ(hook->elementType(), "zoo.Dog");
   ASSERT_EQ(hook->size(fDogs.object()), 203u);
-  std::vector<VeskValue> values(250);
-  EXPECT_EQ(hook->readBlock(fDogs.object(), 1, values.size(), values.data()), 202u);
+  constexpr std::size_t kBlock = vesk::SequenceHook::kBlock;
+  std::vector<VeskValue> values(kBlock);
+  std::uint64_t stamp = 0;
+  EXPECT_EQ(hook->readBlock(fDogs.object(), 1, 250, values.data(), stamp), kBlock);
   EXPECT_EQ(Instance::fromArray(values[0].array()), fSecond.object());
   EXPECT_EQ(Instance::fromArray(values[1].array()), fThird.object());
-  EXPECT_EQ(Instance::fromArray(values[201].array()), fSecond.object());
-  for (std::size_t i = 0; i < 202; ++i) tarnDestroyArray(values[i].array());
+  EXPECT_EQ(Instance::fromArray(values[kBlock - 1].array()), fSecond.object());
+  for (VeskValue const& value : values) tarnDestroyArray(value.array());
+  EXPECT_EQ(hook->find(fDogs.object(), fThird.object()->array(), 0, 203), 2u);
+  EXPECT_EQ(hook->find(fDogs.object(), fThird.object()->array(), 3, 203), vesk::SequenceHook::kNotFound);
+  EXPECT_EQ(hook->find(fDogs.object(), fSecond.object()->array(), 2, 203), 3u);
+
+  // The same size, but not the same sequence.
+  call(fDogs, "replace", {1, fSecond.object()});
+  EXPECT_EQ(hook->readBlock(fDogs.object(), 32, 250, values.data(), stamp), 0u);
+  EXPECT_EQ(stamp, 0u);
 }
 
 TEST_F(SequenceTest, readOnlyElementsStayReadOnly) {

@@ -33,16 +33,17 @@ struct ValueHolder {
   std::uint32_t fCount = 0;
 };
 
-/// `make` puts a T into a Ref, `get` takes it out again. The holder is copied by the Ref's manager alone, so
-/// both sides need not share a library.
+/// `make` puts a T into a Ref, `get` takes it out again, of a Ref or of what `lend` lent. The holder is
+/// copied by the Ref's manager alone, so both sides need not share a library.
 template <class T>
 struct RefAccess {
   /// What implementations hold for a sequence of T.
   using Stored = T;
 
   static Ref make(T const& aValue) { return Ref(new ValueHolder<T>(aValue), 0, &manage, &equals); }
-  /// `aRef` must come from a `make` of the same T.
-  static T const& get(Ref const& aRef) noexcept { return *static_cast<T const*>(aRef.fHolder); }
+  /// `aValue` must come from a `make` or `lend` of the same T.
+  static T const& get(Loan const& aValue) noexcept { return *static_cast<T const*>(aValue.fHolder); }
+  static Loan lend(T const& aValue) noexcept { return {const_cast<T*>(&aValue), 0}; }
 
  private:
   static void manage(void* aHolder, bool aIncrement) {
@@ -72,14 +73,18 @@ struct RefAccess<T> {
                &equals);
   }
   /// A null reference when the object has no interface of T.
-  static T get(Ref const& aRef) {
-    auto* const object = static_cast<NSInterface::ObjectIntf*>(aRef.fHolder);
-    Deviant const deviant = Deviant::fromWord(aRef.fReserved);
+  static T get(Loan const& aValue) {
+    auto* const object = static_cast<NSInterface::ObjectIntf*>(aValue.fHolder);
+    Deviant const deviant = Deviant::fromWord(aValue.fReserved);
     if constexpr (std::same_as<Interface, NSInterface::ObjectIntf>) {
       return T(object, deviant);
     } else {
       return T(queryInterface<Interface, typename T::Domain>(object), deviant);
     }
+  }
+  static Loan lend(T const& aReference) noexcept {
+    NSInterface::ObjectIntf const* const object = aReference.get();
+    return {const_cast<NSInterface::ObjectIntf*>(object), aReference.getDeviant().word()};
   }
 
  private:

@@ -100,18 +100,23 @@ class UMLMM_API GenericReferenceCountingSequenceProxy : public SequenceProxy {
   UMLMM_API int generic_removeAll(Deviant const& aDeviant, Ref aValue) override {
     return fTarget->generic_removeAll(aDeviant, std::move(aValue));
   }
-  int readBlock(Deviant const& aDeviant, int aIndex, int aCount, Ref* aOut,
-                std::uint64_t& aStamp) const override {
-    return fTarget->readBlock(aDeviant, aIndex, aCount, aOut, aStamp);
+  std::uint64_t stamp(Deviant const& aDeviant) const override { return fTarget->stamp(aDeviant); }
+  int readBlock(Deviant const& aDeviant, int aIndex, int aCount, Generic::Loan* aOut) const override {
+    return fTarget->readBlock(aDeviant, aIndex, aCount, aOut);
+  }
+  int indexOf(Deviant const& aDeviant, Ref const& aValue, int aFrom) const override {
+    return fTarget->indexOf(aDeviant, aValue, aFrom);
   }
 
- private:
+ protected:
+  Generic::SequenceIntf const& target() const noexcept { return *fTarget; }
   /// The iterator with a count on this proxy, so that it cannot outlive what it walks.
   IteratorPtr owned(IteratorPtr aIterator) const {
     keepOwner(aIterator.get(), this);
     return aIterator;
   }
 
+ private:
   Generic::SequenceIntf* fTarget;
 };
 

@@ -1,16 +1,21 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <iterator>
+#include <memory>
+#include <new>
 
+#include "kelm/Asserter.h"
 #include "kelm/Generic.h"
 #include "kelm/kernel/containers/sequence/Ref.h"
+#include "kelm/kernel/containers/sources.h"
 
 namespace Kelm {
 
-/// One pass over the values of a sequence: `for (T value : sequence.values())`. Holds a count on the sequence
-/// and fetches the values in blocks; a change of the sequence in between raises at the next block.
+/// One pass over the values of a sequence: `for (T const& value : sequence.values())`. Holds a count on the
+/// sequence and copies the values in blocks; a change of the sequence in between raises at the next block.
 template <class T>
 class SequenceValues {
  public:
@@ -20,7 +25,10 @@ class SequenceValues {
   }
   SequenceValues(SequenceValues const&) = delete;
   SequenceValues& operator=(SequenceValues const&) = delete;
-  ~SequenceValues() { fSequence->decRef(); }
+  ~SequenceValues() {
+    drop();
+    fSequence->decRef();
+  }
 
   class Cursor {
    public:
@@ -28,7 +36,8 @@ class SequenceValues {
     using difference_type = std::ptrdiff_t;
 
     explicit Cursor(SequenceValues& aValues) noexcept : fValues(&aValues) {}
-    decltype(auto) operator*() const { return Generic::RefAccess<T>::get(fValues->fBlock[fValues->fAt]); }
+    /// Good until the cursor moves on.
+    T const& operator*() const noexcept { return fValues->block()[fValues->fAt]; }
     Cursor& operator++() {
       fValues->advance();
       return *this;
@@ -43,7 +52,7 @@ class SequenceValues {
   /// Starts the pass, from the first value.
   Cursor begin() {
     fIndex = 0;
-    fStamp = 0;
+    fStamp = fSequence->stamp(fDeviant);
     fetch();
     return Cursor(*this);
   }
@@ -52,13 +61,24 @@ class SequenceValues {
  private:
   static constexpr int kBlock = 32;
 
+  T* block() noexcept { return std::launder(reinterpret_cast<T*>(fBlock)); }
+  void drop() noexcept {
+    std::destroy_n(block(), fFilled);
+    fAt = fFilled = 0;
+  }
   void advance() {
-    if (++fAt == fFilled && fFilled == kBlock) fetch();
+    if (++fAt != fFilled || fFilled < kBlock) return;
+    if (fStamp != fSequence->stamp(fDeviant)) raiseFailure(words::kIndexOutOfBounds, sources::kSequenceRef);
+    fetch();
   }
   void fetch() {
-    fAt = fFilled = 0;
-    fFilled = fSequence->readBlock(fDeviant, fIndex, kBlock, fBlock.data(), fStamp);
-    fIndex += fFilled;
+    drop();
+    std::array<Generic::Loan, kBlock> loans;
+    int const read = fSequence->readBlock(fDeviant, fIndex, kBlock, loans.data());
+    for (; fFilled < read; ++fFilled)
+      ::new (fBlock + fFilled * sizeof(T))
+          T(Generic::RefAccess<T>::get(loans[static_cast<std::size_t>(fFilled)]));
+    fIndex += read;
   }
 
   Generic::SequenceIntf const* fSequence;
@@ -67,7 +87,8 @@ class SequenceValues {
   int fIndex = 0;
   int fAt = 0;
   int fFilled = 0;
-  std::array<Generic::Ref, kBlock> fBlock;
+  /// Room for a block of values, the first fFilled of which exist.
+  alignas(T) std::byte fBlock[kBlock * sizeof(T)];
 };
 
 }  // namespace Kelm

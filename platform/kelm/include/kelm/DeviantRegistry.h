@@ -27,6 +27,12 @@ class UMLMM_API DeviantRegistry {
   /// Equal for equal arguments as long as the object lives. A null object is allowed: it has one permanent id
   /// for each deviant and flag.
   static void* getId(ReferenceCountingIntf* aObject, Deviant aDeviant, bool aIsImmutable);
+  /// The id of these arguments if there is one by now, or null.
+  static void* findId(ReferenceCountingIntf const& aObject, Deviant aDeviant, bool aIsImmutable) noexcept {
+    for (IdRecord* record = aObject.fIds; record != nullptr; record = record->fNext)
+      if (record->fDeviant == aDeviant && record->fImmutable == aIsImmutable) return lum::tagId(record);
+    return nullptr;
+  }
   /// Object and deviant of an id; a null object for a null or retracted id.
   static std::pair<ReferenceCountingIntf*, Deviant> getVariantInfo(void const* aId) noexcept {
     IdRecord const* const record = recordOf(aId);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <utility>
@@ -10,10 +11,17 @@
 /// The type-erased sequence, iterator and value. All indices count from 0.
 namespace Kelm::Generic {
 
-/// A value behind a pointer, passed by value. `fHolder` points at the value, which stands first in its
-/// holder. An element reference travels as the element itself in `fHolder` with its deviant in `fReserved`,
-/// so that it needs no allocation (see RefAccess in kelm/kernel/containers/sequence/Ref.h).
-class Ref {
+/// A value that a sequence lends: it holds no count and is good until something else is asked of the sequence
+/// or any code runs that could. `fHolder` points at the value. An element reference is the element itself in
+/// `fHolder` with its deviant in `fReserved` (see RefAccess in kelm/kernel/containers/sequence/Ref.h).
+struct Loan {
+  void* fHolder = nullptr;
+  std::uintptr_t fReserved = 0;
+};
+
+/// A value behind a pointer, passed by value: as lent, but counted in its holder, in which it stands first.
+/// An element reference counts the element, so that it needs no allocation.
+class Ref : public Loan {
  public:
   using Manager = void (*)(void* aHolder, bool aIncrement);
   using Equals = bool (*)(void const* aLeft, void const* aRight);
@@ -21,13 +29,12 @@ class Ref {
   Ref() noexcept = default;
   /// Takes over a holder whose count stands at 0 and counts it.
   Ref(void* aHolder, std::uintptr_t aReserved, Manager aManager, Equals aEquals)
-      : fHolder(aHolder), fReserved(aReserved), fManager(aManager), fEquals(aEquals) {
+      : Loan{aHolder, aReserved}, fManager(aManager), fEquals(aEquals) {
     if (fManager != nullptr) fManager(fHolder, true);
   }
   Ref(Ref const& aOther) : Ref(aOther.fHolder, aOther.fReserved, aOther.fManager, aOther.fEquals) {}
   Ref(Ref&& aOther) noexcept
-      : fHolder(std::exchange(aOther.fHolder, nullptr)),
-        fReserved(aOther.fReserved),
+      : Loan{std::exchange(aOther.fHolder, nullptr), aOther.fReserved},
         fManager(std::exchange(aOther.fManager, nullptr)),
         fEquals(aOther.fEquals) {}
   Ref& operator=(Ref aOther) noexcept {
@@ -41,8 +48,6 @@ class Ref {
     if (fManager != nullptr) fManager(fHolder, false);
   }
 
-  void* fHolder = nullptr;
-  std::uintptr_t fReserved = 0;
   Manager fManager = nullptr;
   Equals fEquals = nullptr;
 };
@@ -86,10 +91,17 @@ class UMLMM_API SequenceIntf : public ReferenceCountingIntf {
   /// Replaces the contents by those of `aOther`; `aResult` becomes true.
   virtual void specialized_assign(SequenceIntf const* aOther, Deviant const&, bool& aResult);
 
-  /// Copies up to `aCount` values from `aIndex` on into `aOut` and answers how many: iteration in blocks,
-  /// without an iterator object. `aStamp` is 0 at the first call and comes back changed; a call with the
-  /// stamp of a sequence that changed in between raises.
-  virtual int readBlock(Deviant const&, int aIndex, int aCount, Ref* aOut, std::uint64_t& aStamp) const;
+  /// The state of the contents: another one whenever values came, went or moved; never 0.
+  virtual std::uint64_t stamp(Deviant const&) const = 0;
+  /// Lends up to `aCount` values from `aIndex` on and answers how many, fewer only at the end: iteration in
+  /// blocks, without an iterator object and without counts. Raises for a negative index.
+  virtual int readBlock(Deviant const&, int aIndex, int aCount, Loan* aOut) const = 0;
+  /// Index of the first value from `aFrom` on that equals `aValue`, or -1.
+  virtual int indexOf(Deviant const&, Ref const& aValue, int aFrom) const;
+
+ protected:
+  /// How many values `readBlock` lends of a sequence that has `aSize`.
+  static int blockLength(int aIndex, int aCount, std::size_t aSize);
 };
 
 class UMLMM_API IteratorIntf : public ReferenceCountingIntf {

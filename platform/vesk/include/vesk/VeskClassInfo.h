@@ -12,16 +12,27 @@ namespace vesk {
 
 using VeskDataTypePtr = host::Type const*;
 
-/// Lets the host walk a sequence in blocks: what a `for` of a script is made of.
+/// Lets the host walk a sequence in blocks and search it: what `for` and `in` of a script are made of.
 class UMLMM_API SequenceHook {
  public:
+  /// Most elements of a block.
+  static constexpr std::size_t kBlock = 32;
+  static constexpr std::size_t kNotFound = SIZE_MAX;
+
   virtual ~SequenceHook();
   /// Number of elements now.
   virtual std::size_t size(VeskInterface* sequence) const = 0;
-  /// Boxes up to `count` elements from index `first`, counted from 0, as a method would return them, and
-  /// answers how many; the values belong to the caller.
+  /// Boxes up to `count` elements, at most a block, from index `first`, counted from 0, as a method would
+  /// return them, and answers how many, 0 behind the end; the values belong to the caller.
+  ///
+  /// `stamp` comes back as the state of the sequence and is given again for the next block: if elements came,
+  /// went or moved meanwhile, nothing is boxed and it comes back 0. A stamp of 0 asks for no such check.
   virtual std::size_t readBlock(VeskInterface* sequence, std::size_t first, std::size_t count,
-                                VeskValue* values) const = 0;
+                                VeskValue* values, std::uint64_t& stamp) const = 0;
+  /// Index of the first element in [first, last) that is the same as `value`, or kNotFound. `value` is of the
+  /// element type and stays the caller's.
+  virtual std::size_t find(VeskInterface* sequence, VeskValue value, std::size_t first,
+                           std::size_t last) const = 0;
   /// Data type or full class name of the elements.
   virtual char const* elementType() const = 0;
 };

@@ -19,8 +19,7 @@ std::size_t sSize = 0;
 
 }  // namespace
 
-Instance* lookUp(void const* id) noexcept {
-  if (lum::isTaggedId(id)) return static_cast<Instance*>(lum::hostWordOf(id)->fHost);
+Instance* lookUpUntagged(void const* id) noexcept {
   auto const found = untagged().find(id);
   return found == untagged().end() ? nullptr : found->second;
 }

@@ -265,12 +265,23 @@ struct Hook final : vesk::SequenceHook {
     return static_cast<List*>(list->getNativeObject({}))->fThings;
   }
   std::size_t size(vesk::VeskInterface* list) const override { return things(list).size(); }
-  std::size_t readBlock(vesk::VeskInterface* list, std::size_t first, std::size_t count,
-                        VeskValue* values) const override {
+  std::size_t readBlock(vesk::VeskInterface* list, std::size_t first, std::size_t count, VeskValue* values,
+                        std::uint64_t& stamp) const override {
     auto const& all = things(list);
-    std::size_t const end = std::min(first + count, all.size());
+    std::uint64_t now = 1;
+    for (ThingPtr const& thing : all) now = now * 31 + reinterpret_cast<std::uintptr_t>(thing.get());
+    bool const changed = stamp != 0 && stamp != now;
+    stamp = changed ? 0 : now;
+    std::size_t const end = changed ? 0 : std::min(first + std::min(count, kBlock), all.size());
     for (std::size_t i = first; i < end; ++i) values[i - first] = box(all[i].get());
     return end > first ? end - first : 0;
+  }
+  std::size_t find(vesk::VeskInterface* list, VeskValue value, std::size_t first,
+                   std::size_t last) const override {
+    auto const& all = things(list);
+    for (std::size_t i = first; i < std::min(last, all.size()); ++i)
+      if (all[i] == thingOf(value)) return i;
+    return kNotFound;
   }
   char const* elementType() const override { return "demo.Thing"; }
 };

@@ -117,7 +117,13 @@ class ListQImplForPrimitives : public Generic::SequenceIntf {
   }
   char const* generic_getVeskName(bool, bool, char const* aName) const override { return aName; }
   int generic_removeAll(Deviant const& aDeviant, Ref aValue) override;
-  int readBlock(Deviant const&, int aIndex, int aCount, Ref* aOut, std::uint64_t& aStamp) const override;
+  std::uint64_t stamp(Deviant const&) const override { return fStamp; }
+  int readBlock(Deviant const&, int aIndex, int aCount, Generic::Loan* aOut) const override {
+    Values const& values = fData.read();
+    int const count = blockLength(aIndex, aCount, values.size());
+    for (int i = 0; i < count; ++i) aOut[i] = Access::lend(values[static_cast<std::size_t>(aIndex + i)]);
+    return count;
+  }
 
   /// How many lists share the data, the shared empty data counting itself too.
   int shareCount() const noexcept { return fData.shareCount(); }
@@ -274,18 +280,6 @@ int ListQImplForPrimitives<T>::removeEach(Deviant const& aDeviant, T const& aVal
     IteratorPtr const following = generic_erase(aDeviant, found.get());
     offset = offsetOf(following.get());
   }
-}
-
-template <class T>
-int ListQImplForPrimitives<T>::readBlock(Deviant const&, int aIndex, int aCount, Ref* aOut,
-                                         std::uint64_t& aStamp) const {
-  if (aIndex < 0) raiseFailure(words::kIndexNotPositive, sources::kList);
-  if (aStamp == 0) aStamp = fStamp;
-  if (aStamp != fStamp) raiseOutOfBounds();
-  Values const& values = fData.read();
-  int const count = std::clamp(static_cast<int>(size()) - aIndex, 0, std::max(aCount, 0));
-  for (int i = 0; i < count; ++i) aOut[i] = Access::make(values[static_cast<std::size_t>(aIndex + i)]);
-  return count;
 }
 
 }  // namespace ListQImplInternal

@@ -125,7 +125,13 @@ class MultiIndexImplForPrimitives : public Generic::SequenceIntf {
     }
   }
   int generic_removeAll(Deviant const&, Ref aValue) override;
-  int readBlock(Deviant const&, int aIndex, int aCount, Ref* aOut, std::uint64_t& aStamp) const override;
+  std::uint64_t stamp(Deviant const&) const override { return fStamp; }
+  int readBlock(Deviant const&, int aIndex, int aCount, Generic::Loan* aOut) const override {
+    int const count = blockLength(aIndex, aCount, fElements.size());
+    for (int i = 0; i < count; ++i) aOut[i] = Access::lend(fElements[static_cast<std::size_t>(aIndex + i)]);
+    return count;
+  }
+  int indexOf(Deviant const& aDeviant, Ref const& aValue, int aFrom) const override;
 
  private:
   [[noreturn]] static void raiseOutOfBounds() {
@@ -266,16 +272,21 @@ int MultiIndexImplForPrimitives<T, IsUnique, KeyExtractor>::generic_removeAll(De
   return static_cast<int>(before - fElements.size());
 }
 
+/// The first of the equal values in the order of the sequence, of which the sorted view knows nothing. When
+/// they are many, a walk over the sequence finds the next one sooner.
 template <class T, bool IsUnique, class KeyExtractor>
-int MultiIndexImplForPrimitives<T, IsUnique, KeyExtractor>::readBlock(Deviant const&, int aIndex, int aCount,
-                                                                      Ref* aOut,
-                                                                      std::uint64_t& aStamp) const {
-  if (aIndex < 0) raiseFailure(words::kIndexNotPositive, sources::kMultiIndex);
-  if (aStamp == 0) aStamp = fStamp;
-  if (aStamp != fStamp) raiseOutOfBounds();
-  int const count = std::clamp(static_cast<int>(fElements.size()) - aIndex, 0, std::max(aCount, 0));
-  for (int i = 0; i < count; ++i) aOut[i] = Access::make(fElements[static_cast<std::size_t>(aIndex + i)]);
-  return count;
+int MultiIndexImplForPrimitives<T, IsUnique, KeyExtractor>::indexOf(Deviant const& aDeviant,
+                                                                    Ref const& aValue, int aFrom) const {
+  constexpr int kMany = 64;
+  auto const& sorted = fElements.template get<2>();
+  auto [equal, last] = sorted.equal_range(Access::get(aValue));
+  std::ptrdiff_t found = -1;
+  for (int seen = 0; equal != last; ++equal) {
+    if (++seen > kMany) return SequenceIntf::indexOf(aDeviant, aValue, aFrom);
+    std::ptrdiff_t const index = fElements.template project<0>(equal) - fElements.begin();
+    if (index >= aFrom && (found < 0 || index < found)) found = index;
+  }
+  return static_cast<int>(found);
 }
 
 }  // namespace MultiIndexImplInternal

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 
+#include "lum/host_word.h"
 #include "lum/visibility.h"
 #include "vesk/fwd.h"
 
@@ -9,8 +10,11 @@
 /// does not hold the instances.
 namespace vesk::host::bindings {
 
+[[nodiscard]] UMLMM_API Instance* lookUpUntagged(void const* id) noexcept;
 /// The instance of an id, also one whose release is running; null for none.
-[[nodiscard]] UMLMM_API Instance* lookUp(void const* id) noexcept;
+[[nodiscard]] inline Instance* lookUp(void const* id) noexcept {
+  return lum::isTaggedId(id) ? static_cast<Instance*>(lum::hostWordOf(id)->fHost) : lookUpUntagged(id);
+}
 /// Binds, in place of an earlier instance.
 UMLMM_API void store(void* id, Instance& instance);
 UMLMM_API void erase(void const* id) noexcept;

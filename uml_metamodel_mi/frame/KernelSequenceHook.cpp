@@ -1,0 +1,59 @@
+#include "uml_metamodel_mi/frame/KernelSequenceHook.h"
+
+#include <algorithm>
+#include <array>
+
+#include "kelm/Asserter.h"
+#include "uml_metamodel_mi/frame/Unboxing.h"
+
+namespace Kelm::mi {
+
+namespace {
+
+struct Found {
+  Generic::SequenceIntf const& fSequence;
+  Deviant fDeviant;
+};
+
+/// The sequence of an instance, which binds its own, whatever class is asked for.
+Found sequenceOf(vesk::VeskInterface* aInstance) {
+  UnboxedInterface const found =
+      unboxInstance(*aInstance, {}, tagPair<Generic::SequenceIntf, VisitationDomain>());
+  if (found.fInterface == nullptr)
+    raiseFailure(words::kNullSequence, "kelm/kernel/containers/sequence/SequenceRef");
+  return {*static_cast<Generic::SequenceIntf const*>(found.fInterface), found.fDeviant};
+}
+
+}  // namespace
+
+std::size_t KernelSequenceHook::size(vesk::VeskInterface* aSequence) const {
+  auto const [sequence, deviant] = sequenceOf(aSequence);
+  return static_cast<std::size_t>(sequence.generic_size(deviant));
+}
+
+std::size_t KernelSequenceHook::readBlock(vesk::VeskInterface* aSequence, std::size_t aFirst,
+                                          std::size_t aCount, vesk::VeskValue* aValues,
+                                          std::uint64_t& aStamp) const {
+  auto const [sequence, deviant] = sequenceOf(aSequence);
+  std::uint64_t const stamp = sequence.stamp(deviant);
+  if (aStamp != 0 && aStamp != stamp) {
+    aStamp = 0;
+    return 0;
+  }
+  aStamp = stamp;
+  std::array<Generic::Loan, kBlock> loans;
+  int const wanted = static_cast<int>(std::min(aCount, kBlock));
+  auto const count =
+      static_cast<std::size_t>(sequence.readBlock(deviant, static_cast<int>(aFirst), wanted, loans.data()));
+  box(loans.data(), count, aValues);
+  return count;
+}
+
+std::size_t KernelSequenceHook::find(vesk::VeskInterface* aSequence, vesk::VeskValue aValue,
+                                     std::size_t aFirst, std::size_t aLast) const {
+  auto const [sequence, deviant] = sequenceOf(aSequence);
+  int const index = search(sequence, deviant, aValue, static_cast<int>(aFirst));
+  return index < 0 || static_cast<std::size_t>(index) >= aLast ? kNotFound : static_cast<std::size_t>(index);
+}
+
+}  // namespace Kelm::mi
