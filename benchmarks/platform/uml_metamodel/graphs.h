@@ -1,9 +1,11 @@
 #pragma once
 
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 #include "TestModel.h"
+#include "plain.h"
 
 /// One graph built twice: in the metamodel and of plain structs. The shapes are templates over either.
 namespace graphs {
@@ -40,22 +42,28 @@ class Metamodel {
   TestModel fModel;
 };
 
+/// Structs as one writes them by hand for the same questions, walked in the order that the metamodel
+/// promises. Answers hold counted pointers, as those of the metamodel do: what was found may be deleted
+/// before the answer is.
 class Structs {
  public:
   enum Kind : char { kPackage, kClass, kProperty, kGeneralization };
   struct Node {
     Kind fKind;
     bool fIsPrivate = false;
+    int fCount = 1;
     unsigned fVisit = 0;
     Node* fOwner = nullptr;
     Node* fGeneral = nullptr;
     std::u16string fName;
-    std::vector<Node*> fOwned;
-    std::vector<Node*> fGeneralizations;
+    std::vector<Node*> fOwned = {};
+    std::vector<Node*> fGeneralizations = {};
+    std::vector<Node*> fRedefined = {};
   };
   using Package = Node*;
   using Class = Node*;
   using Named = Node*;
+  using Answer = std::vector<plain::Counted<Node>>;
 
   Structs() = default;
   Structs(Structs const&) = delete;
@@ -84,30 +92,31 @@ class Structs {
 
   // The same questions, as a walk over the structs answers them.
 
-  std::vector<Node*> allOwnedElements(Node* aNode) {
-    std::vector<Node*> found;
-    addOwned(aNode, found);
-    for (std::size_t next = 0; next < found.size(); ++next) addOwned(found[next], found);
+  /// The parts in order, then for each in order all of its own.
+  static Answer allOwnedElements(Node* aNode) {
+    Answer found;
+    addAllOwned(aNode, found);
     return found;
   }
-  std::vector<Node*> members(Node* aNode) {
-    std::vector<Node*> found;
-    ++fVisit;
-    addMembers(aNode, found);
+  static Answer members(Node* aNode) {
+    Answer found;
+    for (Node* const part : aNode->fOwned) found.emplace_back(part);
     return found;
   }
-  std::vector<Node*> allParents(Node* aNode) {
-    std::vector<Node*> found;
-    ++fVisit;
-    addParents(aNode, found);
-    for (std::size_t next = 0; next < found.size(); ++next) addParents(found[next], found);
+  /// The parents in order, then for each in order all of its own, each once.
+  Answer allParents(Node* aNode) {
+    Answer found;
+    startWalk();
+    addAllParents(aNode, found);
     return found;
   }
-  std::vector<Node*> inheritedMembers(Node* aNode) {
-    std::vector<Node*> const parents = allParents(aNode);
-    std::vector<Node*> found;
-    ++fVisit;
-    for (Node* const parent : parents) addMembers(parent, found);
+  /// What is not private and not redefined on the way, from the nearest parent upwards. For classes that are
+  /// reached in one way only.
+  Answer inheritedMembers(Node* aNode) {
+    Answer found;
+    startWalk();
+    std::unordered_set<Node*> redefined;
+    addInherited(aNode, redefined, found);
     return found;
   }
   static std::u16string qualifiedName(Node const* aNode) {
@@ -128,29 +137,48 @@ class Structs {
 
  private:
   Node* add(Kind aKind, std::u16string const& aName) {
-    fNodes.push_back(new Node{aKind, false, 0, nullptr, nullptr, aName, {}, {}});
+    fNodes.push_back(new Node{.fKind = aKind, .fName = aName});
     return fNodes.back();
   }
-  bool visit(Node* aNode) noexcept {
-    if (aNode->fVisit == fVisit) return false;
-    aNode->fVisit = fVisit;
+
+  static void addAllOwned(Node* aNode, Answer& aOut) {
+    for (Node* const part : aNode->fOwned) aOut.emplace_back(part);
+    for (Node* const part : aNode->fGeneralizations) aOut.emplace_back(part);
+    for (Node* const part : aNode->fOwned) addAllOwned(part, aOut);
+  }
+
+  // A walk has two marks of its own: of what it has listed, and of what it has followed.
+  void startWalk() noexcept { fListed += 2; }
+  bool list(Node* aNode) noexcept {
+    if (aNode->fVisit >= fListed) return false;
+    aNode->fVisit = fListed;
     return true;
   }
-  static void addOwned(Node* aNode, std::vector<Node*>& aOut) {
-    aOut.insert(aOut.end(), aNode->fOwned.begin(), aNode->fOwned.end());
-    aOut.insert(aOut.end(), aNode->fGeneralizations.begin(), aNode->fGeneralizations.end());
+  bool follow(Node* aNode) noexcept {
+    if (aNode->fVisit > fListed) return false;
+    aNode->fVisit = fListed + 1;
+    return true;
   }
-  void addMembers(Node* aNode, std::vector<Node*>& aOut) {
-    for (Node* const part : aNode->fOwned)
-      if (!part->fIsPrivate && visit(part)) aOut.push_back(part);
-  }
-  void addParents(Node* aNode, std::vector<Node*>& aOut) {
+  void addAllParents(Node* aNode, Answer& aOut) {
     for (Node const* const generalization : aNode->fGeneralizations)
-      if (visit(generalization->fGeneral)) aOut.push_back(generalization->fGeneral);
+      if (list(generalization->fGeneral)) aOut.emplace_back(generalization->fGeneral);
+    for (Node const* const generalization : aNode->fGeneralizations)
+      if (follow(generalization->fGeneral)) addAllParents(generalization->fGeneral, aOut);
+  }
+  void addInherited(Node* aNode, std::unordered_set<Node*>& aRedefined, Answer& aOut) {
+    for (Node const* const part : aNode->fOwned)
+      aRedefined.insert(part->fRedefined.begin(), part->fRedefined.end());
+    for (Node const* const generalization : aNode->fGeneralizations) {
+      Node* const general = generalization->fGeneral;
+      for (Node* const part : general->fOwned)
+        if (!part->fIsPrivate && list(part) && (aRedefined.empty() || !aRedefined.contains(part)))
+          aOut.emplace_back(part);
+      addInherited(general, aRedefined, aOut);
+    }
   }
 
   std::vector<Node*> fNodes;
-  unsigned fVisit = 0;
+  unsigned fListed = 0;
 };
 
 inline std::u16string numbered(char16_t const* aName, int aNumber) {

@@ -30,7 +30,7 @@ void timePlain(benchmark::State& aState, Ask aAsk) {
       aState, [] {},
       [&] {
         auto const answer = aAsk();
-        for (Structs::Node* const node : answer) benchmark::DoNotOptimize(node->fOwner);
+        for (auto const& node : answer) benchmark::DoNotOptimize(node.get()->fOwner);
         return answer.size();
       });
 }
