@@ -78,7 +78,6 @@ def _lists(results):
         "append": ("append", {"Owning": 2.0, "Referring": 3.0}),
         "erase by element from the middle": ("eraseFromTheMiddle", dict.fromkeys(KINDS, 3.0)),
         "destroy out of the middle": ("destroyInTheMiddle", dict.fromkeys(KINDS, 3.0)),
-        "destroy, after the model's first": ("destroyFurther", dict.fromkeys(KINDS, None)),
     }
     for title, (name, bounds) in changes.items():
         for kind, label in KINDS.items():

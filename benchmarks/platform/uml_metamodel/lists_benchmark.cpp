@@ -109,18 +109,6 @@ void destroyInTheMiddle(benchmark::State& aState) {
       [](auto const&, umlmm::Class const& aValue) { aValue.destroy(); });
 }
 
-/// The same after the first `destroy` in the model, which finds out who refers to whom.
-template <class Kind>
-void destroyFurther(benchmark::State& aState) {
-  timeChanges<Kind>(
-      aState,
-      [](Filled<Kind> const& aFilled) {
-        umlmm::Class::create(aFilled.fModel).destroy();
-        return aFilled.middle();
-      },
-      [](auto const&, umlmm::Class const& aValue) { aValue.destroy(); });
-}
-
 /// The worst case of holes in a list: each change is followed by a question for a position.
 template <class Kind>
 void eraseAndReadByPosition(benchmark::State& aState) {
@@ -167,8 +155,6 @@ BENCHMARK(eraseFromTheMiddle<Owning>)->Apply(curve);
 BENCHMARK(eraseFromTheMiddle<Referring>)->Apply(curve);
 BENCHMARK(destroyInTheMiddle<Owning>)->Apply(curve);
 BENCHMARK(destroyInTheMiddle<Referring>)->Apply(curve);
-BENCHMARK(destroyFurther<Owning>)->Apply(curve);
-BENCHMARK(destroyFurther<Referring>)->Apply(curve);
 BENCHMARK(eraseAndReadByPosition<Owning>)->Apply(curve);
 BENCHMARK(eraseAndReadByPosition<Referring>)->Apply(curve);
 BENCHMARK(iterate);

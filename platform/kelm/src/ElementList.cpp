@@ -5,9 +5,9 @@
 #include <new>
 #include <utility>
 
-#include "PointerTable.h"
 #include "kelm/Generic.h"
 #include "kelm/ModelElementIntf.h"
+#include "kelm/PointerTable.h"
 
 namespace Kelm {
 

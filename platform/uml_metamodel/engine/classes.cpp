@@ -17,10 +17,10 @@ using Kelm::ClassTable;
 
 /// Everything that is made once for a concrete metaclass.
 struct Entry {
-  ClassTable fTable;
+  ClassTable fTable{};
   std::vector<std::int16_t> fOffsets;
   std::vector<FeatureIndex> fStored;
-  std::vector<FeatureIndex> fContainments;
+  std::vector<FeatureIndex> fFeatureOfWord;
   std::string fVeskName;
   std::string fImmutableVeskName;
 };
@@ -49,14 +49,18 @@ void fillInterfaces(Entry& aEntry, ElementClass const& aClass) {
   aEntry.fTable.fInterfaceLimit = aEntry.fOffsets.size();
 }
 
-void fillFeatures(Entry& aEntry, Metaclass const& aMetaclass) {
+void fillFeatures(Entry& aEntry, Metaclass const& aMetaclass, std::size_t aWords) {
+  aEntry.fFeatureOfWord.assign(aWords, kNoFeature);
   for (FeatureIndex const visible : aMetaclass.fVisible) {
     FeatureIndex const root = feature(visible).fRoot;
     Storage const storage = feature(root).fStorage;
     if (storage != Storage::Reference && storage != Storage::List) continue;
     aEntry.fStored.push_back(root);
-    if (ownsHints(feature(root))) aEntry.fContainments.push_back(root);
+    std::uint8_t const word = aEntry.fTable.fSlotOfFeature[root];
+    aEntry.fFeatureOfWord[word] = root;
+    if (ownsHints(feature(root))) aEntry.fTable.fContentWords |= std::uint64_t{1} << word;
   }
+  aEntry.fTable.fFeatureOfWord = aEntry.fFeatureOfWord.data();
 }
 
 void fillTable(Entry& aEntry, Layout const& aLayout, ElementClass const& aClass) {
@@ -78,7 +82,7 @@ void fillTable(Entry& aEntry, Layout const& aLayout, ElementClass const& aClass)
   table.fIndex = static_cast<std::uint16_t>(&aLayout - kLayouts);
   fillInterfaces(aEntry, aClass);
   table.fSize = static_cast<std::uint16_t>(aClass.fSize + 8U * aLayout.fWords);
-  fillFeatures(aEntry, metaclass);
+  fillFeatures(aEntry, metaclass, aLayout.fWords);
 }
 
 struct Classes {
@@ -113,9 +117,6 @@ Layout const& layoutOf(Element const& aElement) noexcept { return kLayouts[place
 
 std::span<FeatureIndex const> storedReferences(Element const& aElement) noexcept {
   return classes().fEntries[placeOf(aElement)].fStored;
-}
-std::span<FeatureIndex const> containments(Element const& aElement) noexcept {
-  return classes().fEntries[placeOf(aElement)].fContainments;
 }
 
 }  // namespace umlmm::engine

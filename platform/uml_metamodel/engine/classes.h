@@ -29,7 +29,5 @@ Layout const& layoutOf(Element const& aElement) noexcept;
 
 /// Root features with a reference or list slot on the element's metaclass.
 std::span<FeatureIndex const> storedReferences(Element const& aElement) noexcept;
-/// The topmost stored containments among them, in the order of the meta-property list.
-std::span<FeatureIndex const> containments(Element const& aElement) noexcept;
 
 }  // namespace umlmm::engine

@@ -12,8 +12,7 @@ extern Kelm::ElementEngine const kElementEngine;
 Element& create(int aMetaclass, Kelm::ModelObject& aModel);
 
 /// Destroys the element with all that it owns, innermost first: no feature of any other element refers to one
-/// of them afterwards. Handles to them answer false to `isvalid`. Costs what is touched, after the first call
-/// in a model, which makes the index of references.
+/// of them afterwards. Handles to them answer false to `isvalid`. Costs what is touched.
 void destroy(Element& aElement, Deviant const& aDeviant);
 
 /// Drops all elements of a model that is being closed.

@@ -5,6 +5,7 @@
 
 #include "engine/FeatureSequence.h"
 #include "engine/ModelIndex.h"
+#include "engine/Referrers.h"
 #include "engine/classes.h"
 #include "engine/engine.h"
 #include "engine/failures.h"
@@ -62,8 +63,7 @@ Sequence* snapshot(std::vector<Element*> const& aElements, Deviant const& aDevia
 
 std::vector<Element*> referrers(Element const& aElement) {
   std::vector<Element*> found;
-  for (auto const& reference : ModelIndex::of(*aElement.fModel).referencesTo(aElement))
-    found.push_back(reference.fOwner);
+  for (Reference const& reference : Referrers::of(aElement)) found.push_back(reference.fOwner);
   for (FeatureIndex const index : storedReferences(aElement))
     if (feature(index).fOpposite != kNoFeature && !ownsHints(feature(index))) {
       Feature const& far = feature(feature(index).fOpposite);

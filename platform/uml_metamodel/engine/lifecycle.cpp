@@ -1,8 +1,9 @@
 #include <cstring>
-#include <string>
 
 #include "engine/FeatureSequence.h"
+#include "engine/HeldElements.h"
 #include "engine/ModelIndex.h"
+#include "engine/Referrers.h"
 #include "engine/classes.h"
 #include "engine/engine.h"
 #include "engine/kernel_features.h"
@@ -16,16 +17,11 @@ namespace {
 
 std::size_t sLiving = 0;
 
-template <class Action>
-void forEachWord(Element& aElement, std::uint64_t aMask, Action aAction) {
-  for (; aMask != 0; aMask &= aMask - 1)
-    aAction(reinterpret_cast<void**>(aElement.slots())[__builtin_ctzll(aMask)]);
-}
-
 void freeTexts(Element& aElement) {
-  forEachWord(aElement, aElement.fClass->fStringWords, [](void*& aWord) {
-    if (aWord != nullptr) static_cast<Kelm::StringObject*>(aWord)->decRef();
-    aWord = nullptr;
+  forEachWord(aElement.fClass->fStringWords, [&](unsigned aWord) {
+    void*& word = wordAt(aElement, aWord);
+    if (word != nullptr) static_cast<Kelm::StringObject*>(word)->decRef();
+    word = nullptr;
   });
 }
 
@@ -33,10 +29,12 @@ void freeTexts(Element& aElement) {
 void release(Element* aElement) {
   Kelm::ClassTable const& table = *aElement->fClass;
   freeTexts(*aElement);
-  forEachWord(*aElement, table.fListWords,
-              [](void*& aWord) { ElementList::destroy(static_cast<ElementList*>(aWord)); });
-  forEachWord(*aElement, table.fSequenceWords,
-              [](void*& aWord) { delete static_cast<Kelm::Generic::SequenceIntf*>(aWord); });
+  forEachWord(table.fListWords, [&](unsigned aWord) {
+    ElementList::destroy(static_cast<ElementList*>(wordAt(*aElement, aWord)));
+  });
+  forEachWord(table.fSequenceWords, [&](unsigned aWord) {
+    delete static_cast<Kelm::Generic::SequenceIntf*>(wordAt(*aElement, aWord));
+  });
   char* const memory = reinterpret_cast<char*>(aElement) - table.fRootOffset;
   if ((aElement->fMarks & Element::HasComputed) != 0) FeatureSequence::forget(*aElement);
   if ((aElement->fMarks & Element::HasToolTexts) != 0) forgetToolTexts(*aElement);
@@ -57,40 +55,48 @@ std::vector<Element*> subtree(Element& aElement) {
 
 bool isDying(Element const& aElement) noexcept { return (aElement.fMarks & Element::Dying) != 0; }
 
-/// Takes the element out of the features of elements that stay.
-void leaveOthers(Element& aElement, ModelIndex& aIndex) {
-  if (aElement.fWasReferenced) {
-    for (ModelIndex::Reference const& reference : aIndex.referencesTo(aElement))
-      if (!isDying(*reference.fOwner)) unlink(*reference.fOwner, feature(reference.fFeature), aElement);
-    aIndex.forgetValue(aElement);
-  }
+void leaveReferrers(Element& aElement) {
+  if (aElement.fReferrers == 0) return;
+  std::vector<Reference> const references = Referrers::of(aElement);
+  Referrers::clear(aElement);
+  for (Reference const& reference : references)
+    if (!isDying(*reference.fOwner)) unlink(*reference.fOwner, feature(reference.fFeature), aElement);
+}
+
+/// The far ends of what the element refers to lose it.
+void leaveReferred(Element& aElement) {
+  Kelm::ClassTable const& table = *aElement.fClass;
   std::vector<Element*> values;
-  for (FeatureIndex const index : storedReferences(aElement)) {
-    Feature const& root = feature(index);
-    if (ownsHints(root)) continue;
-    values.clear();
-    collect(aElement, root, values);
-    for (Element* const value : values) {
-      if (root.fOpposite == kNoFeature)
-        ModelIndex::forgetReference(aElement, root, *value);
-      else if (!isDying(*value))
-        unlink(aElement, root, *value);
+  forEachWord((table.fReferenceWords | table.fListWords) & ~table.fContentWords, [&](unsigned aWord) {
+    if (wordAt(aElement, aWord) == nullptr) return;
+    Feature const& root = feature(table.fFeatureOfWord[aWord]);
+    if (root.fOpposite == kNoFeature) {
+      forEachIn(aElement, aWord, [&](Element& aValue) {
+        if (!isDying(aValue)) Referrers::remove(aValue, {&aElement, indexOf(root)});
+      });
+      return;
     }
-  }
+    values.clear();
+    forEachIn(aElement, aWord, [&](Element& aValue) {
+      if (!isDying(aValue)) values.push_back(&aValue);
+    });
+    for (Element* const value : values) unlink(aElement, root, *value);
+  });
 }
 
 /// Empties a list but keeps what scripts hold of it; what the slot held is gone with the subtree.
 void emptySlots(Element& aElement) {
   freeTexts(aElement);
-  forEachWord(aElement, aElement.fClass->fReferenceWords, [](void*& aWord) { aWord = nullptr; });
-  forEachWord(aElement, aElement.fClass->fListWords, [](void*& aWord) {
-    auto*& list = reinterpret_cast<ElementList*&>(aWord);
-    if (list != nullptr) list->clear();
+  forEachWord(aElement.fClass->fReferenceWords, [&](unsigned aWord) { wordAt(aElement, aWord) = nullptr; });
+  forEachWord(aElement.fClass->fListWords, [&](unsigned aWord) {
+    if (auto* const list = static_cast<ElementList*>(wordAt(aElement, aWord))) list->clear();
   });
 }
 
 void letGo(Element& aElement) {
-  emptySlots(aElement);
+  // Nobody sees the slots of an element that nobody else holds.
+  if (aElement.fCount > 1) emptySlots(aElement);
+  Referrers::clear(aElement);
   ModelIndex::noteGone(aElement);
   aElement.fContainer = nullptr;
   aElement.fModel = nullptr;
@@ -124,11 +130,14 @@ Element& create(int aMetaclass, Kelm::ModelObject& aModel) {
 
 void destroy(Element& aElement, Deviant const& aDeviant) {
   checkWritable(aElement, aDeviant);
+  HeldElements::countAll();
   Kelm::ModelObject& model = *aElement.fModel;
-  ModelIndex& index = ModelIndex::of(model);
   leaveContainer(aElement);
   std::vector<Element*> const dying = subtree(aElement);
-  for (Element* const element : dying) leaveOthers(*element, index);
+  for (Element* const element : dying) {
+    leaveReferrers(*element);
+    leaveReferred(*element);
+  }
   model.removeRoot(&aElement);
   model.noteChange();
   // Innermost first: an element is let go when nothing that it owns is left.
@@ -136,6 +145,8 @@ void destroy(Element& aElement, Deviant const& aDeviant) {
 }
 
 void dropAll(Kelm::ModelObject& aModel) {
+  HeldElements::countAll();
+  aModel.setCompanion(nullptr);
   std::vector<Element*> all;
   forEachElement(aModel, [&](Element& aElement) { all.push_back(&aElement); });
   for (auto next = all.rbegin(); next != all.rend(); ++next) letGo(**next);
@@ -148,10 +159,5 @@ Kelm::ElementEngine const kElementEngine{
     kernelEntry,    setKernelEntry,
     kernelSequence,
 };
-
-void collectContents(Element const& aElement, std::vector<Element*>& aOut) {
-  if ((aElement.fMarks & Element::HasContents) == 0) return;
-  for (FeatureIndex const index : containments(aElement)) collect(aElement, feature(index), aOut);
-}
 
 }  // namespace umlmm::engine

@@ -1,6 +1,6 @@
 #include "engine/links.h"
 
-#include "engine/ModelIndex.h"
+#include "engine/Referrers.h"
 #include "engine/failures.h"
 #include "engine/ids.h"
 
@@ -18,13 +18,14 @@ bool isOwnersFeature(Element const& aElement, Element const& aOwner, Feature con
 /// Puts the value into the owner's slot, and the owner into the container fields of a part.
 void store(Element& aOwner, Feature const& aRoot, Element& aValue, std::uint32_t aPosition) {
   bool const owning = ownsHints(aRoot);
-  if (owning) {
-    if (aValue.fContainer != nullptr) leaveContainer(aValue);
-    // Room first: between leaving the model and entering the list nothing may fail.
-    if (aRoot.fStorage == Storage::List)
-      ElementList::reserveOne(pointerSlot<ElementList>(aOwner, indexOf(aRoot)));
+  if (owning && aValue.fContainer != nullptr) leaveContainer(aValue);
+  // Room first: once the value has left the model or has noted the reference, nothing may fail.
+  if (aRoot.fStorage == Storage::List)
+    ElementList::reserveOne(pointerSlot<ElementList>(aOwner, indexOf(aRoot)));
+  if (owning)
     aValue.fModel->removeRoot(&aValue);
-  }
+  else if (aRoot.fOpposite == kNoFeature)
+    Referrers::add(aValue, {&aOwner, indexOf(aRoot)});
   if (aRoot.fStorage == Storage::List) {
     auto& list = pointerSlot<ElementList>(aOwner, indexOf(aRoot));
     if (aPosition >= ElementList::size(list))
@@ -38,9 +39,6 @@ void store(Element& aOwner, Feature const& aRoot, Element& aValue, std::uint32_t
     aValue.fContainer = &aOwner;
     aValue.fContainerFeature = indexOf(aRoot);
     aOwner.fMarks |= Element::HasContents;
-  } else if (aRoot.fOpposite == kNoFeature) {
-    aValue.fWasReferenced = true;
-    ModelIndex::noteReference(aOwner, aRoot, aValue);
   }
   aOwner.fModel->noteChange();
 }
@@ -65,7 +63,7 @@ void drop(Element& aOwner, Feature const& aRoot, Element& aValue) {
     aValue.fContainer = nullptr;
     aValue.fModel->addRoot(&aValue);
   } else if (aRoot.fOpposite == kNoFeature) {
-    ModelIndex::forgetReference(aOwner, aRoot, aValue);
+    Referrers::remove(aValue, {&aOwner, indexOf(aRoot)});
   }
   aOwner.fModel->noteChange();
 }

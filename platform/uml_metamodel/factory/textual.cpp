@@ -4,12 +4,12 @@
 #include <vector>
 
 #include "engine/FeatureSequence.h"
-#include "engine/ModelIndex.h"
 #include "engine/access.h"
 #include "engine/engine.h"
 #include "engine/enumerations.h"
 #include "engine/failures.h"
 #include "engine/ids.h"
+#include "engine/words.h"
 #include "factory/Scanner.h"
 #include "kelm/kernel/containers/sequence/SequenceCreator.h"
 #include "kelm/values.h"

@@ -15,31 +15,13 @@ constexpr std::uint64_t kStamp = 1;
 
 }  // namespace
 
-ElementResult::ElementResult(std::vector<engine::Element*> aElements, Deviant const& aDeviant)
-    : fElements(std::move(aElements)), fDeviant(aDeviant) {
-  for (std::size_t at = 0; at < fElements.size(); ++at) {
-    engine::prefetch(fElements, at);
-    fElements[at]->incRef();
-  }
-}
-
-ElementResult::~ElementResult() { letGo(); }
-
-void ElementResult::letGo() const noexcept {
-  for (std::size_t at = 0; at < fElements.size(); ++at) {
-    engine::prefetch(fElements, at);
-    fElements[at]->decRef();
-  }
-  fElements.clear();
-}
-
 Kelm::Generic::SequenceIntf& ElementResult::list() const {
   if (fList == nullptr) {
     std::vector<Kelm::Object> values;
-    values.reserve(fElements.size());
-    for (engine::Element* const element : fElements) values.emplace_back(element, fDeviant);
+    values.reserve(fElements.all().size());
+    for (engine::Element* const element : fElements.all()) values.emplace_back(element, fDeviant);
     fList.reset(Kelm::detail::SequenceImplementations<Kelm::Object>::makeList(std::move(values)));
-    letGo();
+    fElements.letGo();
   }
   return *fList;
 }
@@ -50,13 +32,13 @@ Kelm::Generic::IteratorPtr ElementResult::owned(IteratorPtr aIterator) const {
 }
 
 Kelm::Generic::Ref ElementResult::generic_at(Deviant const& aDeviant, int aIndex) const {
-  if (fList != nullptr || aIndex < 0 || aIndex >= static_cast<int>(fElements.size()))
+  if (fList != nullptr || aIndex < 0 || aIndex >= generic_size(aDeviant))
     return list().generic_at(aDeviant, aIndex);
-  return engine::refTo(*fElements[static_cast<std::size_t>(aIndex)], fDeviant);
+  return engine::refTo(*fElements.all()[static_cast<std::size_t>(aIndex)], fDeviant);
 }
 
 int ElementResult::generic_size(Deviant const& aDeviant) const {
-  return fList != nullptr ? fList->generic_size(aDeviant) : static_cast<int>(fElements.size());
+  return fList != nullptr ? fList->generic_size(aDeviant) : static_cast<int>(fElements.all().size());
 }
 
 std::uint64_t ElementResult::stamp(Deviant const& aDeviant) const {
@@ -66,9 +48,9 @@ std::uint64_t ElementResult::stamp(Deviant const& aDeviant) const {
 int ElementResult::readBlock(Deviant const& aDeviant, int aIndex, int aCount,
                              Kelm::Generic::Loan* aOut) const {
   if (fList != nullptr) return fList->readBlock(aDeviant, aIndex, aCount, aOut);
-  int const count = blockLength(aIndex, aCount, fElements.size());
-  if (count != 0)
-    engine::lend(std::span(fElements).subspan(static_cast<std::size_t>(aIndex)), count, fDeviant, aOut);
+  auto const all = fElements.all();
+  int const count = blockLength(aIndex, aCount, all.size());
+  if (count != 0) engine::lend(all.subspan(static_cast<std::size_t>(aIndex)), count, fDeviant, aOut);
   return count;
 }
 

@@ -3,12 +3,12 @@
 #include <memory>
 #include <vector>
 
-#include "engine/slots.h"
+#include "engine/HeldElements.h"
 #include "kelm/kernel/containers/sequence/SequenceProxy.h"
 
 namespace umlmm::queries {
 
-/// The elements that a query found, all in one variant: a counted list. Reads by position and in blocks go to
+/// The elements that a query found, all in one variant: a list that holds them. Reads by position and in blocks go to
 /// the plain elements; whatever else is asked makes an ordinary list of them first, which then stands for
 /// them.
 class ElementResult final : public Kelm::SequenceProxy {
@@ -18,8 +18,8 @@ class ElementResult final : public Kelm::SequenceProxy {
   using IteratorPtr = Kelm::Generic::IteratorPtr;
 
  public:
-  ElementResult(std::vector<engine::Element*> aElements, Deviant const& aDeviant);
-  ~ElementResult() override;
+  ElementResult(std::vector<engine::Element*> aElements, Deviant const& aDeviant) noexcept
+      : fElements(std::move(aElements)), fDeviant(aDeviant) {}
 
   Ref generic_at(Deviant const& aDeviant, int aIndex) const override;
   bool generic_empty(Deviant const& aDeviant) const override { return generic_size(aDeviant) == 0; }
@@ -71,10 +71,9 @@ class ElementResult final : public Kelm::SequenceProxy {
 
  private:
   Kelm::Generic::SequenceIntf& list() const;
-  void letGo() const noexcept;
   IteratorPtr owned(IteratorPtr aIterator) const;
 
-  mutable std::vector<engine::Element*> fElements;
+  mutable engine::HeldElements fElements;
   Deviant fDeviant;
   mutable std::unique_ptr<Kelm::Generic::SequenceIntf> fList;
 };

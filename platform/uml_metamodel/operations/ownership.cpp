@@ -1,5 +1,5 @@
 #include "engine/ElementRef.h"
-#include "operations/UnionLeaves.h"
+#include "engine/words.h"
 #include "operations/queries.h"
 #include "operations/results.h"
 #include "uml_metamodel/umlmm/Element.h"
@@ -12,19 +12,8 @@ namespace queries {
 
 namespace {
 
-UnionLeaves sOwned(ids::Element::OwnedElement);
-
-/// An element has one container, so nothing comes twice.
-void addOwned(Element const& aElement, Elements& aOut) {
-  if ((aElement.fMarks & Element::HasContents) == 0) return;
-  for (engine::FeatureIndex const index : sOwned.of(engine::metaclassOf(aElement))) {
-    if (engine::feature(index).fStorage == engine::Storage::List) {
-      for (Element* const part : values::elements(aElement, index)) aOut.push_back(part);
-    } else if (Element* const part = values::reference(aElement, index)) {
-      aOut.push_back(part);
-    }
-  }
-}
+/// What the union of owned elements lists: an element has one container, so nothing comes twice.
+void addOwned(Element const& aElement, Elements& aOut) { engine::collectContents(aElement, aOut); }
 
 }  // namespace
 

@@ -1,4 +1,4 @@
-#include "engine/ModelIndex.h"
+#include "engine/Referrers.h"
 #include "operations/queries.h"
 #include "rules/rules.h"
 
@@ -43,9 +43,17 @@ engine::Rule const Extension::IsRequired{.fValue = [](engine::Element const& aEl
 
 engine::Rule const Class::Extension{
     .fValues = [](engine::Element const& aElement, std::vector<engine::Element*>& aOut) {
-      for (engine::Element* const extension :
-           engine::ModelIndex::of(*aElement.fModel).instancesOf(ids::metaclass::Extension))
-        if (metaclassOf(*extension) == &aElement) aOut.push_back(extension);
+      // Extensions have ends that the class types.
+      queries::Visited seen;
+      for (engine::Reference const& reference : engine::Referrers::of(aElement)) {
+        if (reference.fFeature != ids::TypedElement::Type ||
+            !queries::isA(*reference.fOwner, ids::metaclass::Property))
+          continue;
+        engine::Element* const association = values::reference(*reference.fOwner, ids::Property::Association);
+        if (association != nullptr && queries::isA(*association, ids::metaclass::Extension) &&
+            metaclassOf(*association) == &aElement && seen.insert(*association))
+          aOut.push_back(association);
+      }
     }};
 
 }  // namespace umlmm::rules

@@ -1,4 +1,4 @@
-#include "engine/ModelIndex.h"
+#include "engine/Referrers.h"
 #include "engine/access.h"
 #include "operations/queries.h"
 #include "rules/rules.h"
@@ -32,7 +32,7 @@ engine::Rule const ConnectorEnd::DefiningEnd{
 engine::Rule const ConnectableElement::End{
     .fValues =
         [](engine::Element const& aElement, std::vector<engine::Element*>& aOut) {
-          for (auto const& reference : engine::ModelIndex::of(*aElement.fModel).referencesTo(aElement))
+          for (engine::Reference const& reference : engine::Referrers::of(aElement))
             if (reference.fFeature == ids::ConnectorEnd::Role) aOut.push_back(reference.fOwner);
         },
     .fInsert = [](engine::Element& aElement, engine::Element& aValue,

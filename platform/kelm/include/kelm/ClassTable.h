@@ -39,6 +39,9 @@ struct ClassTable {
   std::uint64_t fReferenceWords;  ///< Mask of the words that hold single references.
   std::uint64_t fListWords;       ///< Mask of the words that hold lists of elements.
   std::uint64_t fSequenceWords;   ///< Mask of the words that hold sequences of primitive values.
+  std::uint64_t fContentWords;    ///< Of the references and lists, those that own what they hold.
+  /// By word: the feature whose slot it is; those of strings, references and lists alone.
+  std::uint16_t const* fFeatureOfWord;
   std::uint32_t fDefaultFlags;
   std::uint16_t fMetaclass;   ///< Index of the metaclass.
   std::uint16_t fIndex;       ///< Index among the concrete metaclasses.

@@ -67,10 +67,7 @@ class UMLMM_API ModelElementIntf : public ClassObjectIntf {
   /// Marks, added up.
   std::uint8_t fMarks = 0;
   /// The stored containment feature that holds the element; meaningless without a container.
-  std::uint16_t fContainerFeature : 15 = 0;
-  /// Set once a feature without a far end referred to the element: others need not be looked for when it
-  /// goes.
-  bool fWasReferenced : 1 = false;
+  std::uint16_t fContainerFeature = 0;
 
  protected:
   ModelElementIntf() noexcept = default;
@@ -91,6 +88,8 @@ class UMLMM_API ModelElementIntf : public ClassObjectIntf {
   /// Where the element stood last in the list that owns it.
   std::int32_t fHint = 0;
   std::uint32_t fFlags = 0;
+  /// Who refers to the element through features without a far end; zero for nobody.
+  std::uintptr_t fReferrers = 0;
 };
 
 /// Set by the metamodel: the name of a metaclass by index, for the failure of a bare interface.

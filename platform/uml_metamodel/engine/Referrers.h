@@ -1,0 +1,65 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "engine/slots.h"
+#include "kelm/PointerTable.h"
+
+namespace umlmm::engine {
+
+/// A reference through a feature without a far end, seen from the element that it leads to.
+struct Reference {
+  Element* fOwner;
+  FeatureIndex fFeature;
+};
+
+/// Who refers to an element through features without a far end, in the order in which the references were made.
+/// It stands in one word of the element: most are referred to once or never, which takes no memory beside it.
+/// The others have a list, and a long list gets a table of places once something is taken out of it.
+class Referrers {
+ public:
+  /// Notes a reference that is not noted yet. Nothing has changed if it raises for want of memory.
+  static void add(Element& aValue, Reference aReference);
+  /// Forgets a reference; nothing if it is not noted.
+  static void remove(Element& aValue, Reference aReference) noexcept;
+  /// Moves a reference before another one, or to the end if that is not noted.
+  static void moveBefore(Element& aValue, Reference aReference, Reference aNext);
+  /// Forgets all.
+  static void clear(Element& aValue) noexcept;
+
+  /// A copy, as whoever asks may change links.
+  static std::vector<Reference> of(Element const& aValue);
+
+ private:
+  /// A reference in a word: no address has bits above the 47th, nor the lowest, which tells lists.
+  using Word = std::uintptr_t;
+  static_assert(sizeof(Word) == 8);
+
+  static constexpr Word kIsList = 1;
+  static constexpr unsigned kFeatureShift = 48;
+
+  static Word pack(Reference aReference) noexcept {
+    return reinterpret_cast<Word>(aReference.fOwner) | Word{aReference.fFeature} << kFeatureShift;
+  }
+  static Reference unpack(Word aWord) noexcept {
+    return {reinterpret_cast<Element*>(aWord & ((Word{1} << kFeatureShift) - 1)),
+            static_cast<FeatureIndex>(aWord >> kFeatureShift)};
+  }
+  static Referrers* listIn(Word aWord) noexcept {
+    return (aWord & kIsList) == 0 ? nullptr : reinterpret_cast<Referrers*>(aWord & ~kIsList);
+  }
+
+  void append(Word aReference);
+  void erase(Word aReference) noexcept;
+  std::size_t placeOf(Word aReference) noexcept;
+  bool makePlaces() noexcept;
+  void closeHoles() noexcept;
+
+  /// Null words are holes.
+  std::vector<Word> fWords;
+  std::size_t fHoles = 0;
+  std::unique_ptr<Kelm::PointerTable> fPlaces;
+};
+
+}  // namespace umlmm::engine
