@@ -4,6 +4,7 @@
 #   make test                                builds and runs all tests
 #   make bench                               measures, against limits taken in the same run
 #   make describe                            writes the published surface to build/describe.json
+#   make reference                           writes a page for each metaclass to build/reference
 #   make install PREFIX=folder               installs libraries, headers, CMake package and Python package
 #   make asan                                all tests under AddressSanitizer and UBSan
 #   make lint, make format                   clang-tidy and clang-format
@@ -15,7 +16,7 @@ PYTHON = /usr/bin/python3
 HOST = PYTHONPATH=build/release/python $(PYTHON)
 SOURCES = git ls-files '*.cpp' '*.h'
 
-.PHONY: run test bench describe install asan debug lint format packages build-release build-debug build-asan
+.PHONY: run test bench describe reference install asan debug lint format packages build-release build-debug build-asan
 
 run: build-release
 	@$(HOST) $(SCRIPT) $(ARGS)
@@ -32,6 +33,11 @@ bench: build-release
 describe: build-release
 	$(HOST) -m umlmm describe > build/describe.json
 	@echo "build/describe.json"
+
+reference: build-release
+	@rm -rf build/reference
+	@$(HOST) -m umlmm reference build/reference
+	@echo "build/reference/index.md"
 
 install: build-release
 	cmake --install build/release --prefix $(abspath $(PREFIX))

@@ -27,6 +27,11 @@ def _parser():
     stubs.add_argument("folder", nargs="?", default="umlmm-stubs", type=pathlib.Path,
                        help="folder of the stub package (default: umlmm-stubs)")
     stubs.set_defaults(run=_stubs)
+
+    reference = commands.add_parser("reference", help="write a page for each metaclass, in Markdown")
+    reference.add_argument("folder", nargs="?", default="umlmm-reference", type=pathlib.Path,
+                           help="folder of the pages (default: umlmm-reference)")
+    reference.set_defaults(run=_reference)
     return parser
 
 
@@ -39,6 +44,11 @@ def _describe(options):
 def _stubs(options):
     from umlmm import _stubs as stubs
     stubs.write_stubs(options.folder)
+
+
+def _reference(options):
+    from umlmm import _reference as reference
+    reference.write_reference(options.folder)
 
 
 if __name__ == "__main__":

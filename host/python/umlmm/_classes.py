@@ -3,6 +3,7 @@
 import collections.abc
 import functools
 import keyword
+import re
 import sys
 
 from umlmm import _host
@@ -59,6 +60,12 @@ class Class:
         self.superclasses = record["superclasses"]
         self.methods = [Method(method) for method in record["methods"]]
         self.properties = [Property(entry) for entry in record["properties"]]
+
+    @functools.cached_property
+    def subject(self):
+        """What the class is about: the short name of a metaclass, enumeration or other value."""
+        return re.fullmatch(r"(?:Immutable)?(?:SequenceOf(?:Immutable)?)?(.+?)(?:(?:Immutable)?Iterator|MetaProperty)?",
+                            self.short)[1]
 
     @functools.cached_property
     def python(self):
@@ -162,6 +169,16 @@ class Packages:
             if any(method.overrides_all for method in own):
                 break
         return found
+
+    @functools.cached_property
+    def _makers(self):
+        return {(method.result, *method.arguments): method for cls in self.classes.values()
+                for method in cls.methods if method.names and not method.is_constructor}
+
+    def names_of_constructor(self, method):
+        """A constructor's arguments have no names, but those of the factory method that makes the same."""
+        maker = self._makers.get((method.result, *method.arguments[1:])) if method.is_constructor else None
+        return ["model", *maker.names] if maker else []
 
     def accepts(self, wanted, given):
         """Whether an argument type takes all values of another."""

@@ -3,20 +3,8 @@
 import pathlib
 
 from umlmm._classes import Packages, python_name
+from umlmm._types import Types
 
-# By data type: what a script reads, and what it may give.
-_VALUES = {
-    "void": ("None", "None"),
-    "logical scalar": ("bool", "bool"),
-    "int32 scalar": ("int", "int"),
-    "char": ("str", "str"),
-    "char vector": ("str", "str"),
-    "kelmint32": ("int | None", "int"),
-    "kelmlogical": ("bool | None", "bool"),
-    "kelmunlimitedNatural": ("str | None", "int | str"),
-}
-# Data types that have no value for absence.
-_ALWAYS_PRESENT = ("logical scalar", "int32 scalar")
 _COMPARISONS = {"lt": "__lt__", "le": "__le__", "gt": "__gt__", "ge": "__ge__"}
 
 _HEAD = '''"""{title}
@@ -51,6 +39,7 @@ class _PackageStub:
     def __init__(self, packages, package):
         self._packages = packages
         self._package = package
+        self._types = Types(packages, package.name)
 
     def text(self):
         lines = [_HEAD.format(title=f"The package `{self._package.module.__name__}`."), "from umlmm import _typing"]
@@ -58,7 +47,7 @@ class _PackageStub:
             lines += ["from umlmm import Kelm as Kelm", "", "__version__: str"]
         lines += [""]
         lines += filter(None, (self._member(*member) for member in self._package.other_members.items()))
-        lines += [f"def {function.name}({self._parameters(function)}) -> {self._read(function.result)}: ...\n"
+        lines += [f"def {function.name}({self._types.parameters(function)}) -> {self._types.read(function.result)}: ...\n"
                   for function in self._package.functions]
         for cls in self._package.classes.values():
             lines += self._class(cls)
@@ -74,12 +63,12 @@ class _PackageStub:
     # --- classes
 
     def _class(self, cls):
-        bases = [self._shown(name) for name in cls.superclasses]
+        bases = [self._types.shown(name) for name in cls.superclasses]
         lines = []
         if cls.is_list:
             # A base of its own, before the others, tells checkers of what it is a list.
             kind = "ChangeableList" if cls.is_changeable_list else "List"
-            lines += [f"class _{cls.short}(_typing.{kind}[{self._read(cls.item)}]): ..."]
+            lines += [f"class _{cls.short}(_typing.{kind}[{self._types.read(cls.item)}]): ..."]
             bases.insert(0, f"_{cls.short}")
         lines += [f"class {cls.short}({', '.join(bases or ['_typing.Instance'])}):"]
         body = [f'"""{cls.description}"""'] if cls.description else []
@@ -94,7 +83,7 @@ class _PackageStub:
         return lines + ["    " + line for line in body or ["..."]] + [""]
 
     def _constructors(self, cls):
-        own = [f"def __init__({self._parameters(method, 'self')}) -> None: ..." for method in cls.constructors]
+        own = [f"def __init__({self._types.parameters(method, 'self')}) -> None: ..." for method in cls.constructors]
         inherited = any(base.constructors for base in self._packages.linear(cls)[1:])
         if not own and inherited:
             return ["def __init__(self, has_no_constructor: _NoReturn, /) -> None: ..."]
@@ -106,33 +95,21 @@ class _PackageStub:
                     for prop in self._packages.classes[cls.superclasses[0]].properties]
         body = []
         for prop in cls.properties:
-            body += [f"{python_name(prop.name)}: _typing.ReadOnlyProperty[{self._property_read(prop, prop.type)}]"]
+            body += [f"{python_name(prop.name)}: _typing.ReadOnlyProperty[{self._types.property_read(prop, prop.type)}]"]
             body += [f'"""{prop.summary}"""'] if prop.summary else []
         return body
 
     def _changeable_property(self, prop):
-        read = self._property_read(prop, self._packages.type_through_changeable(prop))
+        read = self._types.property_read(prop, self._packages.type_through_changeable(prop))
         kind = "ReadOnlyProperty" if prop.is_read_only else "Property"
-        given = "" if prop.is_read_only else ", " + self._property_given(prop)
+        given = "" if prop.is_read_only else ", " + self._types.property_given(prop)
         return f"{python_name(prop.name)}: _typing.{kind}[{read}{given}]"
-
-    def _property_read(self, prop, shown):
-        read = self._read(shown)
-        cls = self._packages.classes.get(prop.type)
-        return f"{read} | None" if cls and not cls.is_list and prop.is_optional else read
-
-    def _property_given(self, prop):
-        cls = self._packages.classes.get(prop.type)
-        if cls and cls.is_list:
-            return f"_Iterable[{self._given(cls.item)}] | None"
-        given = self._given(prop.type)
-        return given if prop.type in _ALWAYS_PRESENT else f"{given} | None"
 
     def _method(self, cls, name):
         signatures = self._reachable(self._packages.signatures(cls, name))
         is_static = signatures[0].is_static
         receiver = "" if is_static else "self"
-        lines = [f"def {python_name(name)}({self._parameters(method, receiver)}) -> {self._read(method.result)}: ..."
+        lines = [f"def {python_name(name)}({self._types.parameters(method, receiver)}) -> {self._types.read(method.result)}: ..."
                  for method in signatures]
         body = _overloads(lines, is_static)
         if name in _COMPARISONS:
@@ -157,52 +134,6 @@ class _PackageStub:
     def _covers(self, method, other):
         return len(method.arguments) == len(other.arguments) and all(
             self._packages.accepts(*pair) for pair in zip(method.arguments, other.arguments))
-
-    # --- types
-
-    def _parameters(self, method, receiver=""):
-        texts = [receiver] if receiver else []
-        taken = set()
-        for place, type_name in enumerate(method.arguments):
-            name = method.names[place] if place < len(method.names) else self._name_for(type_name)
-            name = python_name(name)
-            while name in taken:
-                name += "2"
-            taken.add(name)
-            texts.append(f"{name}: {self._given(type_name)}")
-        return ", ".join(texts + ["/"] if method.arguments else texts)
-
-    def _name_for(self, type_name):
-        cls = self._packages.classes.get(type_name)
-        if cls is None:
-            return {"int32 scalar": "number", "logical scalar": "flag"}.get(type_name, "text")
-        short = cls.short.removeprefix("Immutable")
-        return "iterator" if cls.item and not cls.is_list else short[0].lower() + short[1:]
-
-    def _read(self, type_name):
-        """The type of what a script gets."""
-        if type_name not in self._packages.classes:
-            return _value(type_name)[0]
-        return self._shown(type_name)
-
-    def _given(self, type_name):
-        """The type of what a script may hand over."""
-        cls = self._packages.classes.get(type_name)
-        if cls is None:
-            return _value(type_name)[1]
-        if cls.is_list:
-            return f"_Sequence[{self._given(cls.item)}]"
-        return f"{self._shown(type_name)} | str" if cls.literals else self._shown(type_name)
-
-    def _shown(self, class_name):
-        package, _, short = class_name.partition(".")
-        return short if package == self._package.name else f"{package}.{short}"
-
-
-def _value(type_name):
-    if type_name not in _VALUES:
-        raise ValueError(f"Data type '{type_name}' has no Python type; add it to the stubs' table of values")
-    return _VALUES[type_name]
 
 
 def _overloads(definitions, is_static=False):

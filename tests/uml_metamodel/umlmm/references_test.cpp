@@ -114,4 +114,63 @@ TEST_F(References, AFactoryMakesElementsInItsModel) {
   EXPECT_FALSE(special.conformsTo(general).value());
 }
 
+TEST_F(References, TakeTextsAsUtf16AndUtf8) {
+  auto const comment = umlmm::Comment::create(fModel);
+  std::string const narrow = "gr\u00fc\u00df dich \U0001F600";
+  for (umlmm::String const& text : {umlmm::String(narrow), umlmm::String(u"gr\u00fc\u00df dich \U0001F600"),
+                                    umlmm::String(std::u16string_view(Kelm::toUtf16(narrow)))}) {
+    comment.setBody(text);
+    EXPECT_EQ(comment.getBody().to_string(), narrow);
+  }
+  comment.setBody("");
+  EXPECT_TRUE(comment.getBody().empty());
+}
+
+TEST_F(References, ARangeForOverAListAllowsChangesOnTheWay) {
+  auto const package = umlmm::Package::create(fModel);
+  for (char const* name : {"a", "b", "c"}) {
+    auto const cls = umlmm::Class::create(fModel);
+    cls.setName(name);
+    package.getPackagedElement().push_back(cls);
+  }
+  std::string names;
+  for (umlmm::PackageableElement const& element : package.getPackagedElement()) {
+    if (names.empty()) package.getPackagedElement().front().setName("first");
+    if (names.empty()) package.getPackagedElement().erase(2);
+    names += element.getName().to_string() + " ";
+  }
+  EXPECT_EQ(names, "first b ");
+}
+
+TEST_F(References, NarrowOnlyToWhatTheElementIs) {
+  umlmm::Type const type = umlmm::Class::create(fModel);
+  EXPECT_EQ(umlmm::cast<umlmm::Class>(type).getDeviant(), fModel.getDeviant());
+  EXPECT_TRUE(umlmm::cast<umlmm::Class>(type).isvalid());
+  EXPECT_TRUE(umlmm::cast<umlmm::Association>(type).isNull());
+  EXPECT_EQ(umlmm::metaclassName(type), "Class");
+  auto const narrows = []<class X, class From>(X*, From*) {
+    return requires(From const& aFrom) { umlmm::cast<X>(aFrom); };
+  };
+  EXPECT_TRUE(narrows((umlmm::ImmutableClass*)nullptr, (umlmm::ImmutableType*)nullptr));
+  EXPECT_FALSE(narrows((umlmm::Class*)nullptr, (umlmm::ImmutableType*)nullptr));
+}
+
+TEST_F(References, QuestionsToAModelRaiseWhenItIsGone) {
+  auto const cls = umlmm::Class::create(fModel);
+  auto const property = umlmm::Property::create(fModel);
+  property.setType(cls);
+  ASSERT_EQ(umlmm::referencedBy(cls).size(), 1);
+  EXPECT_EQ(umlmm::referencedBy(cls).front(), umlmm::Element(property));
+  EXPECT_EQ(umlmm::instancesOf<umlmm::ImmutableNamedElement>(fModel).size(), 2);
+  property.destroy();
+  EXPECT_TRUE(umlmm::referencedBy(cls).empty());
+  EXPECT_NE(failureOf([&] { umlmm::referencedBy(property); }).find(Kelm::words::kNotInVariant),
+            std::string::npos);
+  fModel.object().close();
+  EXPECT_NE(failureOf([&] { umlmm::instancesOf<umlmm::Class>(fModel); }).find(Kelm::words::kNotInVariant),
+            std::string::npos);
+  EXPECT_NE(failureOf([] { umlmm::instancesOf<umlmm::Class>({}); }).find(Kelm::words::kNullReference),
+            std::string::npos);
+}
+
 }  // namespace
