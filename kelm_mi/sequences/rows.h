@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <type_traits>
 
+#include "kelm/Asserter.h"
 #include "kelm/kernel/containers/sequence/Ref.h"
 #include "uml_metamodel_mi/datatypes/values.h"
 #include "uml_metamodel_mi/frame/KernelSequenceHook.h"
@@ -55,8 +56,13 @@ class ValueSequenceHook final : public KernelSequenceHook {
   }
   int search(Generic::SequenceIntf const& aSequence, Deviant const& aDeviant, vesk::VeskValue aValue,
              int aFirst) const override {
-    return aSequence.indexOf(aDeviant, Generic::RefAccess<T>::make(ArgumentUnboxer<T>::unbox(aValue).fValue),
-                             aFirst);
+    Generic::Ref wanted;
+    try {
+      wanted = Generic::RefAccess<T>::make(ArgumentUnboxer<T>::unbox(aValue).fValue);
+    } catch (Exception const&) {
+      return -1;  // such as a text that is no number: no sequence holds it
+    }
+    return aSequence.indexOf(aDeviant, wanted, aFirst);
   }
 };
 

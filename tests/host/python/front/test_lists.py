@@ -129,6 +129,17 @@ def test_a_list_that_changes_while_it_is_iterated_is_an_error(demo, size):
     assert not owner.parts
 
 
+def test_a_change_of_the_same_size_is_noticed_too(demo):
+    owner = demo.Thing("owner")
+    owner.parts = [demo.Thing(str(i)) for i in range(100)]
+    walk = iter(owner.parts)
+    next(walk)
+    owner.parts[50] = demo.Thing("new")
+    with pytest.raises(RuntimeError, match="iterate over list"):
+        list(walk)
+    assert list(walk) == []
+
+
 def test_long_lists_are_walked_in_blocks(host, demo):
     owner = demo.Thing("owner")
     owner.parts = [demo.Thing(str(i)) for i in range(257)]

@@ -46,6 +46,44 @@ def test_a_property_keeps_its_list_when_it_is_extended_in_place(model, shop):
     assert customer.ownedAttribute == before + [extra]
 
 
+def test_searches_compare_as_python_does(model, shop):
+    """The lists search themselves; what Python calls equal decides all the same."""
+    numbers = umlmm.SequenceOfInteger.make(model)
+    numbers.extend([7, 1, 0, 1] + [5] * 100 + [9])
+    truths = umlmm.SequenceOfBoolean.make(model)
+    truths.extend([False, False])
+    texts = umlmm.SequenceOfString.make(model)
+    texts.extend(["a", "\U0001F600", ""])
+    kinds = umlmm.SequenceOfVisibilityKind.make(model)
+    kinds.append(umlmm.VisibilityKind.Private)
+    naturals = umlmm.SequenceOfUnlimitedNatural.make(model)
+    naturals.extend(["*", "5"])
+    values = [True, False, 0, 1, 1.0, 5, 9, 2**40, -1, "a", "a\0b", "\U0001F600", "\ud83d\ude00", "", "5", "05", "*",
+              None, umlmm.VisibilityKind.Private, umlmm.VisibilityKind.Public, umlmm.AggregationKind.None_, shop, "Private"]
+    elements = shop.packagedElement[0].ownedAttribute
+    values += [*elements, elements[1].asImmutable(), elements[0].asDeviant(model.readOnlyVariant())]
+    for published in (numbers, truths, texts, kinds, naturals, elements, shop.ownedMember, shop.allOwnedElements()):
+        plain = list(published)
+        for value in values:
+            assert (value in published) == (value in plain) and published.count(value) == plain.count(value), value
+            assert not value in plain or published.index(value) == plain.index(value)
+    assert numbers.index(1, 2) == 3 and numbers.index(5, 50) == 50
+    with pytest.raises(ValueError):
+        numbers.index(1, 2, 3)
+
+
+def test_only_changes_of_the_list_itself_end_its_iteration(model, shop):
+    """Derived lists are made again after each change of the model, and mostly hold the same."""
+    for number in range(40):
+        shop.packagedElement.append(umlmm.Class(model))
+    for place, member in enumerate(shop.ownedMember):
+        member.name = f"C{place}"
+    with pytest.raises(RuntimeError, match="iterate over list"):
+        for place, member in enumerate(shop.ownedMember):
+            if place == 20:
+                shop.packagedElement.append(umlmm.Class(model))
+
+
 def test_destroying_while_iterating_is_a_clear_error(model, shop):
     customer = shop.packagedElement[0]
     with pytest.raises(RuntimeError, match="iterate over list"):
