@@ -47,8 +47,7 @@ class _PackageStub:
             lines += ["from umlmm import Kelm as Kelm", "", "__version__: str"]
         lines += [""]
         lines += filter(None, (self._member(*member) for member in self._package.other_members.items()))
-        lines += [f"def {function.name}({self._types.parameters(function)}) -> {self._types.read(function.result)}: ...\n"
-                  for function in self._package.functions]
+        lines += [self._definition(function) + "\n" for function in self._package.functions]
         for cls in self._package.classes.values():
             lines += self._class(cls)
         return "\n".join(lines)
@@ -95,7 +94,8 @@ class _PackageStub:
                     for prop in self._packages.classes[cls.superclasses[0]].properties]
         body = []
         for prop in cls.properties:
-            body += [f"{python_name(prop.name)}: _typing.ReadOnlyProperty[{self._types.property_read(prop, prop.type)}]"]
+            read = self._types.property_read(prop, prop.type)
+            body += [f"{python_name(prop.name)}: _typing.ReadOnlyProperty[{read}]"]
             body += [f'"""{prop.summary}"""'] if prop.summary else []
         return body
 
@@ -109,12 +109,14 @@ class _PackageStub:
         signatures = self._reachable(self._packages.signatures(cls, name))
         is_static = signatures[0].is_static
         receiver = "" if is_static else "self"
-        lines = [f"def {python_name(name)}({self._types.parameters(method, receiver)}) -> {self._types.read(method.result)}: ..."
-                 for method in signatures]
-        body = _overloads(lines, is_static)
+        body = _overloads([self._definition(method, receiver) for method in signatures], is_static)
         if name in _COMPARISONS:
             body += [f"def {_COMPARISONS[name]}(self, other: {cls.short}, /) -> bool: ..."]
         return body
+
+    def _definition(self, method, receiver=""):
+        parameters = self._types.parameters(method, receiver)
+        return f"def {python_name(method.name)}({parameters}) -> {self._types.read(method.result)}: ..."
 
     def _reachable(self, groups):
         """The signatures that a call can come to. In a class a special one goes before a general one; what a nearer
