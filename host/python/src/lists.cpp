@@ -12,6 +12,7 @@
 #include "listAccess.h"
 #include "names.h"
 #include "results.h"
+#include "tarn/tarn.h"
 #include "vesk/VeskError.h"
 #include "vesk/host/PackageRecord.h"
 
@@ -26,6 +27,15 @@ using host::ClassRecord;
 
 constexpr std::size_t kBlock = SequenceHook::kBlock;
 
+/// The Python object of a value of a block, which is used up. What long lists are made of takes the short
+/// way.
+PyObject* takeValue(host::Type const& type, VeskValue value) {
+  if (type.fCarrier == host::Carrier::RawInt32) return checked(PyLong_FromLong(value.int32()));
+  if (type.isClass() && value.array() && (value.array()->fFlags & tarnArray::Embedded) != 0)
+    return objectOf(*static_cast<host::Instance*>(static_cast<VeskInterface*>(value.array()->fData)));
+  return toPython(host::OwnedValue(type, value)).release();
+}
+
 /// Up to `count` elements from `first` on, as new references; answers how many. `stamp` as in
 /// SequenceHook::readBlock.
 std::size_t readBlock(PyObject* list, std::size_t first, std::size_t count, PyObject** out,
@@ -37,7 +47,7 @@ std::size_t readBlock(PyObject* list, std::size_t first, std::size_t count, PyOb
   std::size_t const read = front.fSequence->readBlock(&instance, first, count, values.data(), stamp);
   std::size_t done = 0;
   try {
-    for (; done < read; ++done) out[done] = toPython(host::OwnedValue(type, values[done])).release();
+    for (; done < read; ++done) out[done] = takeValue(type, values[done]);
   } catch (...) {
     for (std::size_t i = done + 1; i < read; ++i) host::destroyValue(type, values[i]);
     while (done > 0) Py_DECREF(out[--done]);

@@ -15,8 +15,8 @@ namespace Kelm::Generic {
 /// or any code runs that could. `fHolder` points at the value. An element reference is the element itself in
 /// `fHolder` with its deviant in `fReserved` (see RefAccess in kelm/kernel/containers/sequence/Ref.h).
 struct Loan {
-  void* fHolder = nullptr;
-  std::uintptr_t fReserved = 0;
+  void* fHolder;
+  std::uintptr_t fReserved;
 };
 
 /// A value behind a pointer, passed by value: as lent, but counted in its holder, in which it stands first.
@@ -26,7 +26,7 @@ class Ref : public Loan {
   using Manager = void (*)(void* aHolder, bool aIncrement);
   using Equals = bool (*)(void const* aLeft, void const* aRight);
 
-  Ref() noexcept = default;
+  Ref() noexcept : Loan{nullptr, 0} {}
   /// Takes over a holder whose count stands at 0 and counts it.
   Ref(void* aHolder, std::uintptr_t aReserved, Manager aManager, Equals aEquals)
       : Loan{aHolder, aReserved}, fManager(aManager), fEquals(aEquals) {

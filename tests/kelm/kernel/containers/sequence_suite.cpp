@@ -157,6 +157,9 @@ std::string outcome(Subject& aSubject, Step const& aStep) {
         answer = aSubject.contains(value);
         return;
       case 14:
+        answer = aSubject.indexOf(value, first);
+        return;
+      case 15:
         return aSubject.clear();
       default:
         return aSubject.push_back(value);
@@ -173,12 +176,17 @@ void compareWithModel(Subject& aSubject, bool aIsUnique, int aValues, unsigned a
   for (int i = 0; i < 500; ++i) {
     // The rare clear leaves room to grow; greater numbers append.
     int const first = below(aValues + 4);
-    Step const step{below(8 * aValues) == 0 ? 14 : below(14) + (below(2) != 0 ? 15 : 0), first,
+    Step const step{below(8 * aValues) == 0 ? 15 : below(15) + (below(2) != 0 ? 16 : 0), first,
                     first - 1 + below(4), below(aValues)};
     if (below(3) == 0) aSubject.share();
+    std::vector<int> const before = model.contents();
+    std::uint64_t const stamp = aSubject.stamp();
     ASSERT_EQ(outcome(aSubject, step), outcome(model, step)) << "seed " << aSeed << ", step " << i;
     ASSERT_EQ(aSubject.contents(), model.contents()) << "seed " << aSeed << ", step " << i;
     ASSERT_EQ(aSubject.size(), model.size());
+    if (model.contents() != before) {
+      ASSERT_NE(aSubject.stamp(), stamp) << "seed " << aSeed << ", step " << i;
+    }
   }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <stdexcept>
@@ -29,6 +30,10 @@ class Subject {
   virtual int front() = 0;
   virtual int back() = 0;
   virtual bool contains(int aValue) = 0;
+  /// Index of the first such value from an index on, or -1.
+  virtual int indexOf(int aValue, int aFrom) = 0;
+  /// Another number after each change.
+  virtual std::uint64_t stamp() = 0;
   virtual void clear() = 0;
   virtual void push_back(int aValue) = 0;
   virtual void push_front(int aValue) = 0;
@@ -91,6 +96,11 @@ class HandleSubject : public Subject {
   int front() override { return fToNumber(fSequence.front()); }
   int back() override { return fToNumber(fSequence.back()); }
   bool contains(int aValue) override { return fSequence.contains(fToValue(aValue)); }
+  int indexOf(int aValue, int aFrom) override {
+    return fSequence.get()->indexOf(fSequence.getDeviant(),
+                                    Kelm::Generic::RefAccess<T>::make(fToValue(aValue)), aFrom);
+  }
+  std::uint64_t stamp() override { return fSequence.get()->stamp(fSequence.getDeviant()); }
   void clear() override { fSequence.clear(); }
   void push_back(int aValue) override { fSequence.push_back(fToValue(aValue)); }
   void push_front(int aValue) override { fSequence.push_front(fToValue(aValue)); }
@@ -142,6 +152,11 @@ class ModelSubject : public Subject {
   int front() override { return notEmpty().front(); }
   int back() override { return notEmpty().back(); }
   bool contains(int aValue) override { return find(aValue) < size(); }
+  int indexOf(int aValue, int aFrom) override {
+    int const found = find(aValue, aFrom);
+    return found < size() ? found : -1;
+  }
+  std::uint64_t stamp() override { return ++fStamps; }
   void clear() override { fValues.clear(); }
   void push_back(int aValue) override { insertAt(size(), aValue); }
   void push_front(int aValue) override { insertAt(0, aValue); }
@@ -182,14 +197,15 @@ class ModelSubject : public Subject {
     if (fValues.empty()) throw std::runtime_error("sequence is empty");
     return fValues;
   }
-  int find(int aValue) {
-    int at = 0;
+  int find(int aValue, int aFrom = 0) {
+    int at = aFrom;
     while (at < size() && fValues[at] != aValue) ++at;
     return at;
   }
 
   bool fIsUnique;
   std::vector<int> fValues;
+  std::uint64_t fStamps = 0;
 };
 
 }  // namespace sequence_suite

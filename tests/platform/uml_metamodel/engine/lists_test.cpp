@@ -23,28 +23,6 @@ class FeatureListTest : public ModelTest {
   std::vector<umlmm::Class> fClasses;
 };
 
-TEST_F(FeatureListTest, KeepsTheOrderOfEveryKindOfChange) {
-  fList.insert(0, named<umlmm::Class>(u"x"));
-  fList.insert(5, named<umlmm::Class>(u"z"));
-  EXPECT_EQ(order(), u"xabcdz");
-  fList.erase(1);
-  fList.replace(1, named<umlmm::Class>(u"B"));
-  fList.pop_front();
-  fList.pop_back();
-  EXPECT_EQ(order(), u"Bcd");
-  EXPECT_EQ(fList.removeAll(fClasses[2]), 1);
-  EXPECT_EQ(fList.removeAll(fClasses[2]), 0);
-  fList.push_front(fClasses[0]);
-  EXPECT_EQ(order(), u"aBd");
-}
-
-TEST_F(FeatureListTest, HoldsEachElementOnce) {
-  fList.push_back(fClasses[0]);
-  fList.insert(2, fClasses[3]);
-  fList.replace(0, fClasses[1]);
-  EXPECT_EQ(order(), u"abcd");
-}
-
 TEST_F(FeatureListTest, AssignmentReplacesAllOrNothing) {
   auto const values =
       Kelm::SequenceCreator::create<umlmm::PackageableElement>({fModel.getDeviant(), Kelm::MULTI_INDEX});

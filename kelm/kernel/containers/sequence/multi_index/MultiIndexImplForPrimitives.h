@@ -128,12 +128,19 @@ class MultiIndexImplForPrimitives : public Generic::SequenceIntf {
   std::uint64_t stamp(Deviant const&) const override { return fStamp; }
   int readBlock(Deviant const&, int aIndex, int aCount, Generic::Loan* aOut) const override {
     int const count = blockLength(aIndex, aCount, fElements.size());
-    for (int i = 0; i < count; ++i) aOut[i] = Access::lend(fElements[static_cast<std::size_t>(aIndex + i)]);
+    auto const first = static_cast<std::size_t>(aIndex);
+    for (std::size_t i = first; i < first + static_cast<std::size_t>(count); ++i) {
+      // Each value lies in a block of its own: those of the next call are on their way by then.
+      if (i + kLookAhead < fElements.size()) __builtin_prefetch(&fElements[i + kLookAhead]);
+      aOut[i - first] = Access::lend(fElements[i]);
+    }
     return count;
   }
   int indexOf(Deviant const& aDeviant, Ref const& aValue, int aFrom) const override;
 
  private:
+  static constexpr std::size_t kLookAhead = 32;
+
   [[noreturn]] static void raiseOutOfBounds() {
     raiseFailure(words::kIndexOutOfBounds, sources::kMultiIndex);
   }

@@ -26,17 +26,6 @@ TEST(SequenceRef, NullHandleRaisesBeforeAnythingElse) {
   EXPECT_EQ(failureText([&] { immutable.values(); }), expected);
 }
 
-TEST(SequenceRef, ImplementationsNameThemselvesInFailures) {
-  auto const check = [](Kelm::Sequence<Number> const& aSequence, std::string const& aSource) {
-    EXPECT_EQ(failureText([&] { aSequence.front(); }), failureAt("sequence is empty", aSource));
-    EXPECT_EQ(failureText([&] { aSequence.at(-1); }), failureAt("sequence index must be positive", aSource));
-    EXPECT_EQ(failureText([&] { aSequence.at(0); }), failureAt("sequence index out of bounds", aSource));
-  };
-  check(counted<Number, List>(), "sequence/list/ListQImplForPrimitives");
-  check(counted<Number, Repeating<Number>>(), "sequence/multi_index/MultiIndexImplForPrimitives");
-  check(counted<Number, Unique<Number>>(), "sequence/multi_index/MultiIndexImplForPrimitives");
-}
-
 TEST(SequenceRef, ProxyLivesAsLongAsItsHandles) {
   {
     auto handle = std::make_unique<Kelm::Sequence<Fragile>>(counted<Fragile, Repeating<Fragile>>());
