@@ -8,6 +8,7 @@
 #include "kelm/Generic.h"
 #include "kelm/ModelElementIntf.h"
 #include "kelm/PointerTable.h"
+#include "kelm/blocks.h"
 
 namespace Kelm {
 
@@ -30,17 +31,22 @@ struct ElementList::Hints {
   bool fRepeats = false;
 };
 
+std::size_t ElementList::bytesFor(std::uint32_t aCapacity) noexcept {
+  return sizeof(ElementList) + aCapacity * sizeof(Element*);
+}
+
 ElementList::ElementList(std::uint32_t aCapacity) noexcept : fCapacity(aCapacity) {}
 ElementList::~ElementList() { delete fProxy; }
 
 ElementList* ElementList::allocate(std::uint32_t aCapacity) {
-  return new (::operator new(sizeof(ElementList) + aCapacity * sizeof(Element*))) ElementList(aCapacity);
+  return new (allocateBlock(bytesFor(aCapacity))) ElementList(aCapacity);
 }
 
 void ElementList::destroy(ElementList* aList) noexcept {
   if (aList == nullptr) return;
+  std::size_t const size = bytesFor(aList->fCapacity);
   aList->~ElementList();
-  ::operator delete(aList);
+  freeBlock(aList, size);
 }
 
 std::uint64_t ElementList::steps() noexcept { return sSteps; }
@@ -130,7 +136,7 @@ std::uint32_t ElementList::searchAround(Element const* aElement, std::int64_t aH
 
 void ElementList::eraseEntry(std::uint32_t aEntry, bool aOwning) {
   Element*& entry = items()[aEntry];
-  if (!aOwning && fHints != nullptr) fHints->fEntries.erase(entry);
+  if (!aOwning && fHints != nullptr) fHints->fEntries.take(entry);
   entry = nullptr;
   --fLive;
   ++fStamp;

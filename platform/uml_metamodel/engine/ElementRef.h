@@ -30,6 +30,13 @@ inline void prefetch(std::span<Element* const> aElements, std::size_t aPosition)
   if (aPosition + kLookAhead < aElements.size()) __builtin_prefetch(aElements[aPosition + kLookAhead], 1);
 }
 
+/// Asks for an element and its slots, as far as most elements reach.
+inline void prefetchSlots(Element const& aElement) noexcept {
+  constexpr std::size_t kLine = 64;
+  for (std::size_t line = 0; line < 3; ++line)
+    __builtin_prefetch(reinterpret_cast<char const*>(&aElement) + line * kLine, 1);
+}
+
 /// Lends the first `aCount` of the elements, whose memory will be wanted next.
 inline void lend(std::span<Element* const> aElements, int aCount, Deviant const& aDeviant,
                  Kelm::Generic::Loan* aOut) {

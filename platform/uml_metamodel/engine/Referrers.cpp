@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <new>
+#include <unordered_set>
 
 namespace umlmm::engine {
 
@@ -37,19 +38,15 @@ void Referrers::remove(Element& aValue, Reference aReference) noexcept {
   }
 }
 
-void Referrers::moveBefore(Element& aValue, Reference aReference, Reference aNext) {
+void Referrers::arrange(Element& aValue, std::vector<Reference> const& aOrder) {
   Referrers* const list = listIn(aValue.fReferrers);
   if (list == nullptr) return;
-  list->closeHoles();
+  std::unordered_set<Word> arranged;
+  for (Reference const& reference : aOrder) arranged.insert(pack(reference));
+  auto next = aOrder.begin();
+  for (Word& word : list->fWords)
+    if (arranged.contains(word)) word = pack(*next++);
   list->fPlaces.reset();
-  auto& words = list->fWords;
-  auto const moved = std::find(words.begin(), words.end(), pack(aReference));
-  if (moved == words.end()) return;
-  auto const next = std::find(words.begin(), words.end(), pack(aNext));
-  if (moved < next)
-    std::rotate(moved, moved + 1, next);
-  else
-    std::rotate(next, moved, moved + 1);
 }
 
 void Referrers::clear(Element& aValue) noexcept {
@@ -80,20 +77,17 @@ void Referrers::append(Word aReference) {
 }
 
 void Referrers::erase(Word aReference) noexcept {
-  std::size_t const place = placeOf(aReference);
+  std::size_t const place = takePlaceOf(aReference);
   if (place == fWords.size()) return;
-  if (fPlaces != nullptr) fPlaces->erase(key(aReference));
   fWords[place] = 0;
   ++fHoles;
   for (; !fWords.empty() && fWords.back() == 0; --fHoles) fWords.pop_back();
-  if (fHoles * 4 > fWords.size()) closeHoles();
+  if (fHoles * 2 > fWords.size()) closeHoles();
 }
 
-std::size_t Referrers::placeOf(Word aReference) noexcept {
-  // What came last often goes first.
-  if (fWords.back() == aReference) return fWords.size() - 1;
-  if (fWords.size() > kSearched && (fPlaces != nullptr || makePlaces())) {
-    std::uint32_t const place = fPlaces->find(key(aReference));
+std::size_t Referrers::takePlaceOf(Word aReference) noexcept {
+  if (fPlaces != nullptr || (fWords.size() > kSearched && fWords.back() != aReference && makePlaces())) {
+    std::uint32_t const place = fPlaces->take(key(aReference));
     return place == Kelm::PointerTable::kNotFound ? fWords.size() : place;
   }
   return static_cast<std::size_t>(std::find(fWords.begin(), fWords.end(), aReference) - fWords.begin());

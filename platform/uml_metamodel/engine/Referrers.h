@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "engine/slots.h"
@@ -14,19 +15,33 @@ struct Reference {
   FeatureIndex fFeature;
 };
 
-/// Who refers to an element through features without a far end, in the order in which the references were made.
-/// It stands in one word of the element: most are referred to once or never, which takes no memory beside it.
-/// The others have a list, and a long list gets a table of places once something is taken out of it.
+/// Who refers to an element through features without a far end, in the order in which the references were
+/// made. It stands in one word of the element: most are referred to once or never, which takes no memory
+/// beside it. The others have a list, and a long list gets a table of places once something is taken out of
+/// it.
 class Referrers {
  public:
   /// Notes a reference that is not noted yet. Nothing has changed if it raises for want of memory.
   static void add(Element& aValue, Reference aReference);
   /// Forgets a reference; nothing if it is not noted.
   static void remove(Element& aValue, Reference aReference) noexcept;
-  /// Moves a reference before another one, or to the end if that is not noted.
-  static void moveBefore(Element& aValue, Reference aReference, Reference aNext);
+  /// Puts noted references, each once, into the order given; the places that they have together stay theirs.
+  static void arrange(Element& aValue, std::vector<Reference> const& aOrder);
   /// Forgets all.
   static void clear(Element& aValue) noexcept;
+
+  /// Calls `aVisit` with each reference, after all have been forgotten.
+  template <class Visit>
+  static void take(Element& aValue, Visit aVisit) {
+    Word const word = std::exchange(aValue.fReferrers, 0);
+    std::unique_ptr<Referrers> const list(listIn(word));
+    if (list == nullptr) {
+      if (word != 0) aVisit(unpack(word));
+      return;
+    }
+    for (Word const reference : list->fWords)
+      if (reference != 0) aVisit(unpack(reference));
+  }
 
   /// A copy, as whoever asks may change links.
   static std::vector<Reference> of(Element const& aValue);
@@ -52,7 +67,8 @@ class Referrers {
 
   void append(Word aReference);
   void erase(Word aReference) noexcept;
-  std::size_t placeOf(Word aReference) noexcept;
+  /// Where the reference stands, or the size; it is no longer in the table of places.
+  std::size_t takePlaceOf(Word aReference) noexcept;
   bool makePlaces() noexcept;
   void closeHoles() noexcept;
 

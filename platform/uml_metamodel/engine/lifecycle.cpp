@@ -1,5 +1,6 @@
 #include <cstring>
 
+#include "engine/ElementRef.h"
 #include "engine/FeatureSequence.h"
 #include "engine/HeldElements.h"
 #include "engine/ModelIndex.h"
@@ -8,7 +9,7 @@
 #include "engine/engine.h"
 #include "engine/kernel_features.h"
 #include "engine/links.h"
-#include "engine/memory.h"
+#include "kelm/blocks.h"
 #include "reflection/meta.h"
 
 namespace umlmm::engine {
@@ -30,7 +31,7 @@ void release(Element* aElement) {
   Kelm::ClassTable const& table = *aElement->fClass;
   freeTexts(*aElement);
   forEachWord(table.fListWords, [&](unsigned aWord) {
-    ElementList::destroy(static_cast<ElementList*>(wordAt(*aElement, aWord)));
+    if (void* const list = wordAt(*aElement, aWord)) ElementList::destroy(static_cast<ElementList*>(list));
   });
   forEachWord(table.fSequenceWords, [&](unsigned aWord) {
     delete static_cast<Kelm::Generic::SequenceIntf*>(wordAt(*aElement, aWord));
@@ -39,16 +40,22 @@ void release(Element* aElement) {
   if ((aElement->fMarks & Element::HasComputed) != 0) FeatureSequence::forget(*aElement);
   if ((aElement->fMarks & Element::HasToolTexts) != 0) forgetToolTexts(*aElement);
   destruct(aElement);
-  freeElement(memory, table.fSize);
+  Kelm::freeBlock(memory, table.fSize);
   --sLiving;
 }
 
 /// An element and all below it, owners first.
 std::vector<Element*> subtree(Element& aElement) {
-  std::vector<Element*> all{&aElement};
+  std::vector<Element*> all;
+  all.reserve(32);
+  all.push_back(&aElement);
   for (std::size_t next = 0; next < all.size(); ++next) {
     all[next]->fMarks |= Element::Dying;
-    collectContents(*all[next], all);
+    if (!hadContents(*all[next])) continue;
+    forEachPart(*all[next], [&](Element& aPart) {
+      prefetchSlots(aPart);
+      all.push_back(&aPart);
+    });
   }
   return all;
 }
@@ -57,30 +64,32 @@ bool isDying(Element const& aElement) noexcept { return (aElement.fMarks & Eleme
 
 void leaveReferrers(Element& aElement) {
   if (aElement.fReferrers == 0) return;
-  std::vector<Reference> const references = Referrers::of(aElement);
-  Referrers::clear(aElement);
-  for (Reference const& reference : references)
-    if (!isDying(*reference.fOwner)) unlink(*reference.fOwner, feature(reference.fFeature), aElement);
+  Referrers::take(aElement, [&](Reference aReference) {
+    if (!isDying(*aReference.fOwner)) unlink(*aReference.fOwner, feature(aReference.fFeature), aElement);
+  });
 }
 
-/// The far ends of what the element refers to lose it.
-void leaveReferred(Element& aElement) {
-  Kelm::ClassTable const& table = *aElement.fClass;
-  std::vector<Element*> values;
-  forEachWord((table.fReferenceWords | table.fListWords) & ~table.fContentWords, [&](unsigned aWord) {
-    if (wordAt(aElement, aWord) == nullptr) return;
-    Feature const& root = feature(table.fFeatureOfWord[aWord]);
-    if (root.fOpposite == kNoFeature) {
-      forEachIn(aElement, aWord, [&](Element& aValue) {
-        if (!isDying(aValue)) Referrers::remove(aValue, {&aElement, indexOf(root)});
-      });
-      return;
-    }
-    values.clear();
+/// The far ends of what a word refers to lose the element.
+void leaveReferred(Element& aElement, unsigned aWord) {
+  Feature const& root = feature(aElement.fClass->fFeatureOfWord[aWord]);
+  if (root.fOpposite == kNoFeature) {
     forEachIn(aElement, aWord, [&](Element& aValue) {
-      if (!isDying(aValue)) values.push_back(&aValue);
+      if (!isDying(aValue)) Referrers::remove(aValue, {&aElement, indexOf(root)});
     });
-    for (Element* const value : values) unlink(aElement, root, *value);
+    return;
+  }
+  std::vector<Element*> staying;
+  forEachIn(aElement, aWord, [&](Element& aValue) {
+    if (!isDying(aValue)) staying.push_back(&aValue);
+  });
+  for (Element* const value : staying) unlink(aElement, root, *value);
+}
+
+void leaveOthers(Element& aElement) {
+  leaveReferrers(aElement);
+  Kelm::ClassTable const& table = *aElement.fClass;
+  forEachWord((table.fReferenceWords | table.fListWords) & ~table.fContentWords, [&](unsigned aWord) {
+    if (wordAt(aElement, aWord) != nullptr) leaveReferred(aElement, aWord);
   });
 }
 
@@ -96,7 +105,7 @@ void emptySlots(Element& aElement) {
 void letGo(Element& aElement) {
   // Nobody sees the slots of an element that nobody else holds.
   if (aElement.fCount > 1) emptySlots(aElement);
-  Referrers::clear(aElement);
+  if (aElement.fReferrers != 0) Referrers::clear(aElement);
   ModelIndex::noteGone(aElement);
   aElement.fContainer = nullptr;
   aElement.fModel = nullptr;
@@ -107,7 +116,7 @@ void letGo(Element& aElement) {
 
 Element& create(int aMetaclass, Kelm::ModelObject& aModel) {
   Kelm::ClassTable const* const table = classTable(aMetaclass);
-  auto* const memory = static_cast<char*>(allocateElement(table->fSize));
+  auto* const memory = static_cast<char*>(Kelm::allocateBlock(table->fSize));
   std::size_t const head = table->fRootOffset + table->fSlotOffset;
   std::memset(memory + head, 0, table->fSize - head);
   Element& element = *kElementClasses[table->fIndex].fConstruct(memory);
@@ -134,10 +143,7 @@ void destroy(Element& aElement, Deviant const& aDeviant) {
   Kelm::ModelObject& model = *aElement.fModel;
   leaveContainer(aElement);
   std::vector<Element*> const dying = subtree(aElement);
-  for (Element* const element : dying) {
-    leaveReferrers(*element);
-    leaveReferred(*element);
-  }
+  for (Element* const element : dying) leaveOthers(*element);
   model.removeRoot(&aElement);
   model.noteChange();
   // Innermost first: an element is let go when nothing that it owns is left.

@@ -1,5 +1,7 @@
 #include "engine/links.h"
 
+#include <unordered_set>
+
 #include "engine/Referrers.h"
 #include "engine/failures.h"
 #include "engine/ids.h"
@@ -88,6 +90,17 @@ bool clearsSupersets(Feature const& aRoot) noexcept {
 Feature const* farEnd(Element const& aOwner, Feature const& aRoot) noexcept {
   FeatureIndex const opposite = seenOn(aOwner, aRoot).fOpposite;
   return opposite == kNoFeature ? nullptr : &feature(opposite);
+}
+
+/// Takes the value out of the subsets of a feature; answers whether one of them had it.
+bool unlinkSubsets(Element& aElement, Feature const& aFeature, Element& aValue) {
+  bool hadOne = false;
+  forEachHere(aElement, aFeature.fSubsets, [&](Feature const& aNarrow) {
+    if (!holds(aElement, aNarrow, aValue)) return;
+    hadOne = true;
+    unlink(aElement, aNarrow, aValue);
+  });
+  return hadOne;
 }
 
 void linkSupersets(Element& aElement, Feature const& aFeature, Element& aValue) {
@@ -199,14 +212,9 @@ void unlink(Element& aOwner, Feature const& aRoot, Element& aValue) {
   }
   if (!holds(aOwner, aRoot, aValue)) return;
   Feature const* const far = farEnd(aOwner, aRoot);
-  forEachHere(aOwner, aRoot.fSubsets, [&](Feature const& aNarrow) {
-    if (holds(aOwner, aNarrow, aValue)) unlink(aOwner, aNarrow, aValue);
-  });
-  if (far != nullptr)
-    forEachHere(aValue, far->fSubsets, [&](Feature const& aNarrow) {
-      if (holds(aValue, aNarrow, aOwner)) unlink(aValue, aNarrow, aOwner);
-    });
-  if (!holds(aOwner, aRoot, aValue)) return;  // a subset's removal took it along
+  bool hadSubsets = unlinkSubsets(aOwner, aRoot, aValue);
+  if (far != nullptr) hadSubsets |= unlinkSubsets(aValue, *far, aOwner);
+  if (hadSubsets && !holds(aOwner, aRoot, aValue)) return;  // a subset's removal took it along
   drop(aOwner, aRoot, aValue);
   if (far != nullptr && !isView(*far)) drop(aValue, *far, aOwner);
   if (clearsSupersets(aRoot))
@@ -218,6 +226,19 @@ void unlink(Element& aOwner, Feature const& aRoot, Element& aValue) {
 void leaveContainer(Element& aElement) {
   if (aElement.fContainer != nullptr)
     unlink(*aElement.fContainer, feature(aElement.fContainerFeature), aElement);
+}
+
+void arrangeValues(Element& aOwner, Feature const& aRoot, std::span<Element* const> aValues) {
+  auto* const list = pointerSlot<ElementList>(aOwner, indexOf(aRoot));
+  if (list == nullptr || aValues.size() < 2) return;
+  auto const all = list->dense();
+  std::vector<Element*> order(all.begin(), all.end());
+  std::unordered_set<Element*> const arranged(aValues.begin(), aValues.end());
+  auto next = aValues.begin();
+  for (Element*& place : order)
+    if (arranged.contains(place)) place = *next++;
+  list->reorder(order, ownsHints(aRoot));
+  aOwner.fModel->noteChange();
 }
 
 void moveValue(Element& aOwner, Feature const& aRoot, std::uint32_t aFrom, std::uint32_t aTo) {

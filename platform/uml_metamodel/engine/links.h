@@ -1,5 +1,6 @@
 #pragma once
 
+#include <span>
 #include <vector>
 
 #include "engine/slots.h"
@@ -42,6 +43,9 @@ void unlink(Element& aOwner, Feature const& aRoot, Element& aValue);
 
 /// Takes the element out of its container; it becomes a top-level element.
 void leaveContainer(Element& aElement);
+
+/// Puts values of a list, each once, into the order given; the places that they have together stay theirs.
+void arrangeValues(Element& aOwner, Feature const& aRoot, std::span<Element* const> aValues);
 
 /// Moves a value of a list to another position.
 void moveValue(Element& aOwner, Feature const& aRoot, std::uint32_t aFrom, std::uint32_t aTo);

@@ -4,8 +4,8 @@
 
 #include "engine/slots.h"
 
-/// Walks over the slots of an element by the masks of its class, for what is done to all features alike. Words
-/// stand in the order of the meta-property list.
+/// Walks over the slots of an element by the masks of its class, for what is done to all features alike.
+/// Words stand in the order of the meta-property list.
 namespace umlmm::engine {
 
 /// Calls `aVisit` with the number of each word in a mask.
@@ -29,16 +29,21 @@ void forEachIn(Element const& aElement, unsigned aWord, Visit aVisit) {
     if (entry != nullptr) aVisit(*entry);
 }
 
-/// Calls `aVisit` with each element that the element contains, in the order of its features.
+/// False for elements that never contained anything: most of a model.
+inline bool hadContents(Element const& aElement) noexcept {
+  return (aElement.fMarks & Element::HasContents) != 0;
+}
+
+/// Calls `aVisit` with each element that the element contains, in the order of its features. Nothing comes
+/// twice.
 template <class Visit>
 void forEachPart(Element const& aElement, Visit aVisit) {
-  if ((aElement.fMarks & Element::HasContents) == 0) return;
   forEachWord(aElement.fClass->fContentWords,
               [&](unsigned aWord) { forEachIn(aElement, aWord, [&](Element& aPart) { aVisit(aPart); }); });
 }
 
 inline void collectContents(Element const& aElement, std::vector<Element*>& aOut) {
-  forEachPart(aElement, [&](Element& aPart) { aOut.push_back(&aPart); });
+  if (hadContents(aElement)) forEachPart(aElement, [&](Element& aPart) { aOut.push_back(&aPart); });
 }
 
 }  // namespace umlmm::engine

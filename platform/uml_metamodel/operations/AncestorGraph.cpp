@@ -1,7 +1,6 @@
 #include "operations/AncestorGraph.h"
 
 #include <algorithm>
-#include <unordered_map>
 
 namespace umlmm::queries {
 
@@ -12,13 +11,13 @@ AncestorGraph::AncestorGraph(Element const& aClassifier) {
 }
 
 void AncestorGraph::collect(Element const& aClassifier) {
-  std::unordered_map<Element const*, Node> places{{&aClassifier, kStart}};
+  fPlaces.emplace(&aClassifier, kStart);
   fNodes.push_back({&aClassifier, {}});
   for (Node node = 0; node < fNodes.size(); ++node) {
     Visited seen;
     kToGeneral.forEachTarget(*fNodes[node].fClassifier, [&](Element& aParent) {
       if (!seen.insert(aParent)) return;
-      auto const [place, isNew] = places.emplace(&aParent, static_cast<Node>(fNodes.size()));
+      auto const [place, isNew] = fPlaces.emplace(&aParent, static_cast<Node>(fNodes.size()));
       if (isNew) fNodes.push_back({&aParent, {}});
       fNodes[node].fParents.push_back(place->second);
     });

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <unordered_map>
 #include <vector>
 
 #include "operations/queries.h"
@@ -19,6 +20,7 @@ class AncestorGraph {
   static constexpr Node kStart = 0;
 
   std::size_t size() const noexcept { return fNodes.size(); }
+  bool contains(Element const& aClassifier) const { return fPlaces.contains(&aClassifier); }
   Element const& classifier(Node aNode) const noexcept { return *fNodes[aNode].fClassifier; }
   /// Parents in order, each once.
   std::vector<Node> const& parents(Node aNode) const noexcept { return fNodes[aNode].fParents; }
@@ -38,6 +40,7 @@ class AncestorGraph {
   void findCycles();
   void dropCycles();
 
+  std::unordered_map<Element const*, Node> fPlaces;
   std::vector<Record> fNodes;
   std::vector<Node> fUpperFirst;
   bool fHasJoins = false;

@@ -8,9 +8,9 @@
 
 namespace umlmm::queries {
 
-/// The elements that a query found, all in one variant: a list that holds them. Reads by position and in blocks go to
-/// the plain elements; whatever else is asked makes an ordinary list of them first, which then stands for
-/// them.
+/// The elements that a query found, all in one variant: a list that holds them. Reads by position and in
+/// blocks go to the plain elements; whatever else is asked makes an ordinary list of them first, which then
+/// stands for them.
 class ElementResult final : public Kelm::SequenceProxy {
   using Deviant = Kelm::Deviant;
   using Ref = Kelm::Generic::Ref;

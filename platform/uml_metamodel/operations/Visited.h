@@ -65,8 +65,10 @@ class Visited {
   }
   void clearMarks() noexcept {
     auto const kept = static_cast<std::uint8_t>(~(fMark | fFollowedMark));
-    for (Element* const element : fMembers)
-      element->fMarks = static_cast<std::uint8_t>(element->fMarks & kept);
+    for (std::size_t at = 0; at < fMembers.size(); ++at) {
+      engine::prefetch(fMembers, at);
+      fMembers[at]->fMarks = static_cast<std::uint8_t>(fMembers[at]->fMarks & kept);
+    }
   }
 
   /// Bits of Element::fMarks that no walk uses now.

@@ -1,7 +1,8 @@
 #include <algorithm>
-#include <unordered_map>
+#include <unordered_set>
 
 #include "engine/ElementRef.h"
+#include "engine/Referrers.h"
 #include "engine/computed.h"
 #include "operations/AncestorGraph.h"
 #include "operations/UnionLeaves.h"
@@ -12,21 +13,31 @@ namespace umlmm::queries {
 
 namespace {
 
+using engine::FeatureIndex;
 using Node = AncestorGraph::Node;
 
 UnionLeaves sRedefined(ids::RedefinableElement::RedefinedElement);
 
 void addRedefined(Element const& aElement, Elements& aOut) {
   if (!isA(aElement, ids::metaclass::RedefinableElement)) return;
-  for (engine::FeatureIndex const index : sRedefined.of(engine::metaclassOf(aElement)))
+  for (FeatureIndex const index : sRedefined.of(engine::metaclassOf(aElement)))
     for (Element* const redefined : values::elements(aElement, index)) aOut.push_back(redefined);
+}
+
+bool redefines(engine::Reference const& aReference) {
+  auto const redefinitions = sRedefined.of(engine::metaclassOf(*aReference.fOwner));
+  return std::find(redefinitions.begin(), redefinitions.end(), aReference.fFeature) != redefinitions.end();
+}
+
+/// Whether a classifier does not pass on what its owned members redefine.
+bool keepsBack(Element const& aClassifier) noexcept {
+  return isA(aClassifier, ids::metaclass::Class) || isA(aClassifier, ids::metaclass::DataType);
 }
 
 /// What the owned members of a classifier redefine, if its metaclass keeps that back.
 Elements keptBackBy(Element const& aClassifier) {
   Elements redefined;
-  if (!isA(aClassifier, ids::metaclass::Class) && !isA(aClassifier, ids::metaclass::DataType))
-    return redefined;
+  if (!keepsBack(aClassifier)) return redefined;
   Elements const owned = ownedMembers(aClassifier);
   for (std::size_t at = 0; at < owned.size(); ++at) {
     engine::prefetch(owned, at);
@@ -35,34 +46,12 @@ Elements keptBackBy(Element const& aClassifier) {
   return redefined;
 }
 
-/// What each classifier of a graph keeps back, found when first asked.
-class KeptBack {
- public:
-  explicit KeptBack(AncestorGraph const& aGraph) : fGraph(aGraph), fLists(aGraph.size()) {}
-
-  Elements const& by(Node aNode) {
-    auto& list = fLists[aNode];
-    if (!list) list = keptBackBy(fGraph.classifier(aNode));
-    return *list;
-  }
-  bool isAny() {
-    for (Node node = 0; node < fGraph.size(); ++node)
-      if (!by(node).empty()) return true;
-    return false;
-  }
-
- private:
-  AncestorGraph const& fGraph;
-  std::vector<std::optional<Elements>> fLists;
-};
-
 /// Members without the inherited ones, with those of each union member handed over in turn; null stands for
 /// the inherited ones in their place.
 template <class Visit>
 void forEachMemberList(Element const& aClassifier, Visit aVisit) {
   Elements values;
-  for (engine::FeatureIndex const index :
-       unionMembers(engine::metaclassOf(aClassifier), ids::Namespace::Member)) {
+  for (FeatureIndex const index : unionMembers(engine::metaclassOf(aClassifier), ids::Namespace::Member)) {
     if (index == ids::Classifier::InheritedMember) {
       aVisit(nullptr);
       continue;
@@ -73,16 +62,24 @@ void forEachMemberList(Element const& aClassifier, Visit aVisit) {
   }
 }
 
-/// Goes up from the start and takes members where they are found: each classifier is read once. Only where no
-/// classifier is reached in two ways or nothing is kept back, as else what passes depends on the way.
+/// The classifier that an element redefines for: the one that owns the element, if it keeps back what it
+/// redefines.
+Element const* keeperOf(Element const& aRedefining) noexcept {
+  Element const* const owner = namespaceOf(aRedefining);
+  return owner != nullptr && keepsBack(*owner) ? owner : nullptr;
+}
+
+/// Goes up from the start and takes members where they are found: each classifier is read once. Not for
+/// members that some classifier of the graph keeps back where classifiers are reached in two ways, as then it
+/// depends on the way what passes.
 class UpwardWalk {
  public:
-  UpwardWalk(AncestorGraph const& aGraph, KeptBack& aKeptBack)
-      : fGraph(aGraph), fKeptBack(aKeptBack), fIsEntered(aGraph.size()) {}
+  explicit UpwardWalk(AncestorGraph const& aGraph) : fGraph(aGraph), fIsEntered(aGraph.size()) {}
 
-  Elements run() {
-    enterParents(AncestorGraph::kStart);
-    while (!fOpen.empty()) {
+  /// False where the walk is not for the graph.
+  bool run() {
+    enterParents(AncestorGraph::kStart, {});
+    while (!fOpen.empty() && fIsRight) {
       Frame& top = fOpen.back();
       auto const& parents = fGraph.parents(top.fNode);
       if (top.fNextParent < parents.size()) {
@@ -91,69 +88,87 @@ class UpwardWalk {
       }
       Frame const done = std::move(top);
       fOpen.pop_back();
-      hold(done.fNode, -1);
-      for (Elements const& later : done.fLater) take(later);
+      fKeepers.erase(&fGraph.classifier(done.fNode));
+      for (FeatureIndex const later : done.fLater) takeAll(fGraph.classifier(done.fNode), later);
     }
-    return fFound.take();
+    return fIsRight;
+  }
+
+  Elements take() {
+    if (!fMayRepeat) return std::move(fFound);
+    Visited once;
+    for (Element* const member : fFound) once.insert(*member);
+    return once.take();
   }
 
  private:
   struct Frame {
     Node fNode;
     std::size_t fNextParent;
-    /// Members that come behind the inherited ones.
-    std::vector<Elements> fLater;
+    /// Features whose members come behind the inherited ones.
+    std::span<FeatureIndex const> fLater;
   };
 
   void enter(Node aNode) {
     if (fIsEntered[aNode]) return;
     fIsEntered[aNode] = true;
-    bool isBehind = false;
-    std::vector<Elements> later;
-    forEachMemberList(fGraph.classifier(aNode), [&](Elements const* aList) {
-      if (aList == nullptr) {
-        isBehind = true;
-      } else if (!isBehind) {
-        take(*aList);
-      } else if (!aList->empty()) {
-        later.push_back(*aList);
-      }
-    });
-    enterParents(aNode, std::move(later));
+    Element const& classifier = fGraph.classifier(aNode);
+    auto const lists = unionMembers(engine::metaclassOf(classifier), ids::Namespace::Member);
+    auto const inherited = std::find(lists.begin(), lists.end(), ids::Classifier::InheritedMember);
+    for (auto list = lists.begin(); list != inherited; ++list) takeAll(classifier, *list);
+    enterParents(aNode, {std::min(inherited + 1, lists.end()), lists.end()});
   }
 
-  void enterParents(Node aNode, std::vector<Elements> aLater = {}) {
-    hold(aNode, 1);
-    fOpen.push_back({aNode, 0, std::move(aLater)});
+  void enterParents(Node aNode, std::span<FeatureIndex const> aLater) {
+    Element const& classifier = fGraph.classifier(aNode);
+    if (keepsBack(classifier)) fKeepers.insert(&classifier);
+    fOpen.push_back({aNode, 0, aLater});
   }
 
-  void hold(Node aNode, int aChange) {
-    for (Element* const redefined : fKeptBack.by(aNode)) fHeldBack[redefined] += aChange;
+  void takeAll(Element const& aClassifier, FeatureIndex aList) {
+    auto const& list = engine::feature(aList);
+    if (list.fStorage != engine::Storage::List) return takeEach(engine::valuesOf(aClassifier, list), list);
+    takeEach(values::entries(aClassifier, list.fRoot), list);
   }
 
-  void take(Elements const& aMembers) {
-    for (Element* const member : aMembers) {
-      if (isPrivate(*member)) continue;
-      if (!fHeldBack.empty())
-        if (auto const held = fHeldBack.find(member); held != fHeldBack.end() && held->second > 0) continue;
-      fFound.insert(*member);
+  void takeEach(std::span<Element* const> aMembers, engine::Feature const& aList) {
+    // An element has one container, so only other lists can repeat a member.
+    fMayRepeat |= !aList.fComposite && !aMembers.empty();
+    for (std::size_t at = 0; at < aMembers.size(); ++at) {
+      engine::prefetch(aMembers, at);
+      Element* const member = aMembers[at];
+      if (member == nullptr || isPrivate(*member)) continue;
+      if (member->fReferrers == 0 || !isKeptBack(*member)) fFound.push_back(member);
     }
   }
 
+  /// Whether a classifier on the way back to the start redefines the member.
+  bool isKeptBack(Element const& aMember) {
+    bool isKept = false;
+    for (engine::Reference const& reference : engine::Referrers::of(aMember)) {
+      if (!redefines(reference)) continue;
+      Element const* const keeper = keeperOf(*reference.fOwner);
+      if (keeper == nullptr) continue;
+      if (fGraph.hasJoins()) fIsRight &= !fGraph.contains(*keeper);
+      isKept |= fKeepers.contains(keeper);
+    }
+    return isKept;
+  }
+
   AncestorGraph const& fGraph;
-  KeptBack& fKeptBack;
   std::vector<bool> fIsEntered;
   std::vector<Frame> fOpen;
-  /// How many classifiers on the way back to the start redefine an element.
-  std::unordered_map<Element const*, int> fHeldBack;
-  Visited fFound;
+  /// Those of the classifiers on the way back to the start that keep something back.
+  std::unordered_set<Element const*> fKeepers;
+  Elements fFound;
+  bool fMayRepeat = false;
+  bool fIsRight = true;
 };
 
 /// Members of classifiers from above downwards, one list a classifier.
 class DownwardWalk {
  public:
-  DownwardWalk(AncestorGraph const& aGraph, KeptBack& aKeptBack)
-      : fGraph(aGraph), fKeptBack(aKeptBack), fMembers(aGraph.size()) {}
+  explicit DownwardWalk(AncestorGraph const& aGraph) : fGraph(aGraph), fMembers(aGraph.size()) {}
 
   Elements run() {
     for (Node const node : fGraph.upperFirst()) {
@@ -173,7 +188,7 @@ class DownwardWalk {
  private:
   Elements inheritedBy(Node aNode) {
     Visited held;
-    for (Element* const redefined : fKeptBack.by(aNode)) held.insert(*redefined);
+    for (Element* const redefined : keptBackBy(fGraph.classifier(aNode))) held.insert(*redefined);
     Visited seen;
     Elements inherited;
     for (Node const parent : fGraph.parents(aNode))
@@ -184,7 +199,6 @@ class DownwardWalk {
   }
 
   AncestorGraph const& fGraph;
-  KeptBack& fKeptBack;
   std::vector<Elements> fMembers;
 };
 
@@ -199,9 +213,8 @@ Elements redefinedElements(Element const& aElement) {
 Elements inheritedMembers(Element const& aClassifier) {
   if (values::entries(aClassifier, ids::Classifier::Generalization).empty()) return {};
   AncestorGraph const graph(aClassifier);
-  KeptBack keptBack(graph);
-  if (graph.hasJoins() && keptBack.isAny()) return DownwardWalk(graph, keptBack).run();
-  return UpwardWalk(graph, keptBack).run();
+  UpwardWalk upward(graph);
+  return upward.run() ? upward.take() : DownwardWalk(graph).run();
 }
 
 Elements inherit(Element const& aClassifier, Elements const& aCandidates) {

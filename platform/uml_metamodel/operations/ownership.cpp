@@ -10,12 +10,7 @@ namespace umlmm {
 
 namespace queries {
 
-namespace {
-
-/// What the union of owned elements lists: an element has one container, so nothing comes twice.
-void addOwned(Element const& aElement, Elements& aOut) { engine::collectContents(aElement, aOut); }
-
-}  // namespace
+namespace {}  // namespace
 
 Element* nearestOwner(Element const& aElement, int aMetaclass) noexcept {
   Element* owner = aElement.fContainer;
@@ -32,7 +27,7 @@ Elements allOwnedElements(Element const& aElement) {
   };
   Elements all;
   std::vector<Block> open;
-  addOwned(aElement, all);
+  engine::collectContents(aElement, all);
   open.push_back({0, all.size()});
   while (!open.empty()) {
     if (open.back().fNext == open.back().fEnd) {
@@ -42,7 +37,7 @@ Elements allOwnedElements(Element const& aElement) {
     engine::prefetch(all, open.back().fNext);
     Element const& next = *all[open.back().fNext++];
     std::size_t const start = all.size();
-    addOwned(next, all);
+    engine::collectContents(next, all);
     if (all.size() != start) open.push_back({start, all.size()});
   }
   return all;

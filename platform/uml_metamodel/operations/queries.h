@@ -16,7 +16,6 @@
 namespace umlmm::queries {
 
 using engine::Element;
-using Elements = std::vector<Element*>;
 using Names = std::vector<std::u16string_view>;
 
 inline bool isA(Element const& aElement, int aMetaclass) noexcept {

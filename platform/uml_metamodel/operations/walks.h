@@ -10,6 +10,8 @@
 /// to. None recurses, so depth costs no stack.
 namespace umlmm::queries {
 
+using Elements = std::vector<Element*>;
+
 /// A step of such a walk, as from a classifier over its generalizations to their general ends.
 struct Step {
   engine::FeatureIndex fList;
@@ -27,6 +29,6 @@ struct Step {
 /// The targets of an element in order, then for each of them in order all of its own, each once. The start is
 /// among them only if a cycle leads back to it. Ends early, with `aUntil` as the last, once that one is
 /// found.
-std::vector<Element*> closureOf(Element const& aStart, Step const& aStep, Element const* aUntil = nullptr);
+Elements closureOf(Element const& aStart, Step const& aStep, Element const* aUntil = nullptr);
 
 }  // namespace umlmm::queries

@@ -71,6 +71,7 @@ class UMLMM_API ElementList {
 
   explicit ElementList(std::uint32_t aCapacity) noexcept;
   ~ElementList();
+  static std::size_t bytesFor(std::uint32_t aCapacity) noexcept;
   static ElementList* allocate(std::uint32_t aCapacity);
   static ElementList* grown(ElementList* aList);
   void put(std::uint32_t aEntry, Element* aElement, bool aOwning);
@@ -87,16 +88,17 @@ class UMLMM_API ElementList {
   Element* const* items() const noexcept { return reinterpret_cast<Element* const*>(this + 1); }
 
   std::unique_ptr<Hints> fHints;
-  std::uint32_t fLive = 0;
-  /// Entries before it are holes that were trimmed off, so that a list can be emptied from the front.
-  std::uint32_t fBegin = 0;
-  std::uint32_t fEnd = 0;
   std::uint32_t fCapacity;
   /// No hole lies before it.
   std::uint32_t fFirstHole = kNotFound;
   std::uint32_t fStamp = 0;
   /// Upper bound of how far an entry can stand from its hint.
   std::uint32_t fDrift = 0;
+  std::uint32_t fLive = 0;
+  // What every walk reads lies beside the first entries.
+  /// Entries before it are holes that were trimmed off, so that a list can be emptied from the front.
+  std::uint32_t fBegin = 0;
+  std::uint32_t fEnd = 0;
 };
 
 }  // namespace Kelm

@@ -43,9 +43,11 @@ class PointerTable {
     return slot.fPointer == nullptr ? kNotFound : slot.fNumber;
   }
 
-  void erase(void const* aPointer) noexcept {
+  /// Erases the pointer and answers its number, if it is known.
+  std::uint32_t take(void const* aPointer) noexcept {
     std::size_t hole = place(aPointer);
-    if (fSlots[hole].fPointer == nullptr) return;
+    if (fSlots[hole].fPointer == nullptr) return kNotFound;
+    std::uint32_t const number = fSlots[hole].fNumber;
     --fCount;
     // Slots behind the hole move up unless that would put them before their home.
     for (std::size_t next = after(hole); fSlots[next].fPointer != nullptr; next = after(next)) {
@@ -55,6 +57,7 @@ class PointerTable {
       hole = next;
     }
     fSlots[hole] = {};
+    return number;
   }
 
  private:
