@@ -101,6 +101,9 @@ void assignComputed(Element& aElement, Feature const& aFeature, std::vector<Elem
     if (!staying.contains(value)) eraseComputed(aElement, aFeature, *value);
   for (Element* const value : aValues)
     if (!held.contains(value)) insertComputed(aElement, aFeature, *value, nullptr);
+  if (auto const arrange = ruleOf(aFeature).fArrange;
+      arrange != nullptr && valuesOf(aElement, aFeature) != aValues)
+    arrange(aElement, aValues);
 }
 
 void valuesOf(Element const& aElement, Feature const& aFeature, std::vector<Element*>& aOut) {

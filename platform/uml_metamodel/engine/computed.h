@@ -20,6 +20,8 @@ struct Rule {
   /// Puts a value before another one of the feature, or at the end.
   void (*fInsert)(Element& aElement, Element& aValue, Element* aBefore) = nullptr;
   void (*fErase)(Element& aElement, Element& aValue) = nullptr;
+  /// Puts all values of the feature into the order given.
+  void (*fArrange)(Element& aElement, std::vector<Element*> const& aOrder) = nullptr;
 };
 
 /// By feature; null for stored features and for unions without a rule of their own. Made from the catalogue:

@@ -1,3 +1,6 @@
+#include <algorithm>
+#include <unordered_map>
+
 #include "engine/engine.h"
 #include "engine/links.h"
 #include "operations/queries.h"
@@ -43,13 +46,28 @@ void eraseGeneral(engine::Element& aElement, engine::Element& aValue) {
     engine::destroy(*generalization, aElement.fModel->baseDeviant());
 }
 
+void arrangeGeneral(engine::Element& aElement, std::vector<engine::Element*> const& aOrder) {
+  std::unordered_map<engine::Element const*, std::size_t> ranks;
+  for (std::size_t rank = 0; rank < aOrder.size(); ++rank) ranks.emplace(aOrder[rank], rank);
+  auto const rankOf = [&](engine::Element* aEntry) {
+    return ranks.find(queries::kToGeneral.target(*aEntry));
+  };
+  std::vector<engine::Element*> entries;
+  for (engine::Element* const entry : values::elements(aElement, ids::Classifier::Generalization))
+    if (rankOf(entry) != ranks.end()) entries.push_back(entry);
+  std::stable_sort(entries.begin(), entries.end(), [&](engine::Element* aLeft, engine::Element* aRight) {
+    return rankOf(aLeft)->second < rankOf(aRight)->second;
+  });
+  engine::arrangeValues(aElement, generalizations(), entries);
+}
+
 }  // namespace
 
 engine::Rule const Classifier::General{
-    .fValues = readGeneral, .fInsert = insertGeneral, .fErase = eraseGeneral};
+    .fValues = readGeneral, .fInsert = insertGeneral, .fErase = eraseGeneral, .fArrange = arrangeGeneral};
 
 engine::Rule const Class::SuperClass{
-    .fValues = readSuperClass, .fInsert = insertGeneral, .fErase = eraseGeneral};
+    .fValues = readSuperClass, .fInsert = insertGeneral, .fErase = eraseGeneral, .fArrange = arrangeGeneral};
 
 engine::Rule const Classifier::InheritedMember{
     .fValues = [](engine::Element const& aElement, std::vector<engine::Element*>& aOut) {

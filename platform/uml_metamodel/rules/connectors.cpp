@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "engine/Referrers.h"
 #include "engine/access.h"
 #include "operations/queries.h"
@@ -22,6 +24,17 @@ Element* definingEnd(Element const& aEnd) {
   return position < engine::ElementList::size(memberEnds) ? memberEnds->at(position) : nullptr;
 }
 
+void readEnds(Element const& aConnectable, std::vector<Element*>& aOut) {
+  for (engine::Reference const& reference : engine::Referrers::of(aConnectable))
+    if (reference.fFeature == ids::ConnectorEnd::Role) aOut.push_back(reference.fOwner);
+}
+
+void arrangeEnds(Element& aConnectable, std::vector<Element*> const& aOrder) {
+  std::vector<engine::Reference> references;
+  for (Element* const end : aOrder) references.push_back({end, ids::ConnectorEnd::Role});
+  engine::Referrers::arrange(aConnectable, references);
+}
+
 }  // namespace
 
 engine::Rule const ConnectorEnd::DefiningEnd{
@@ -30,14 +43,19 @@ engine::Rule const ConnectorEnd::DefiningEnd{
     }};
 
 engine::Rule const ConnectableElement::End{
-    .fValues =
-        [](engine::Element const& aElement, std::vector<engine::Element*>& aOut) {
-          for (engine::Reference const& reference : engine::Referrers::of(aElement))
-            if (reference.fFeature == ids::ConnectorEnd::Role) aOut.push_back(reference.fOwner);
+    .fValues = readEnds,
+    .fInsert =
+        [](engine::Element& aElement, engine::Element& aValue, engine::Element* aBefore) {
+          engine::setReference(aValue, role(), &aElement);
+          if (aBefore == nullptr) return;
+          std::vector<engine::Element*> ends;
+          readEnds(aElement, ends);
+          ends.pop_back();
+          ends.insert(std::find(ends.begin(), ends.end(), aBefore), &aValue);
+          arrangeEnds(aElement, ends);
         },
-    .fInsert = [](engine::Element& aElement, engine::Element& aValue,
-                  engine::Element*) { engine::setReference(aValue, role(), &aElement); },
     .fErase = [](engine::Element&,
-                 engine::Element& aValue) { engine::setReference(aValue, role(), nullptr); }};
+                 engine::Element& aValue) { engine::setReference(aValue, role(), nullptr); },
+    .fArrange = arrangeEnds};
 
 }  // namespace umlmm::rules

@@ -24,7 +24,12 @@ struct Filter {
     engine::unlink(aElement, engine::feature(Base), aValue);
   }
 
-  static constexpr engine::Rule kRule{.fValues = read, .fInsert = insert, .fErase = erase};
+  static void arrange(engine::Element& aElement, std::vector<engine::Element*> const& aOrder) {
+    engine::arrangeValues(aElement, engine::feature(Base), aOrder);
+  }
+
+  static constexpr engine::Rule kRule{
+      .fValues = read, .fInsert = insert, .fErase = erase, .fArrange = arrange};
 };
 
 }  // namespace
