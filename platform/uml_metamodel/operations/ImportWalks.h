@@ -1,13 +1,13 @@
 #pragma once
 
 #include <memory>
-#include <optional>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "operations/Imports.h"
 
-/// Two ways to follow imports, which agree where both apply.
+/// Two ways to follow imports.
 namespace umlmm::queries {
 
 /// The entries of one namespace as they come in, each element once.
@@ -33,13 +33,21 @@ class ImportEntries {
   std::unordered_map<Element const*, std::size_t> fPlaces;
 };
 
-/// The general way: package by package, innermost first, with collisions judged in each.
-std::vector<Imports::Entry> followEachPackage(Element const& aNamespace);
+struct ImportsInReach {
+  std::vector<Imports::Entry> fEntries;
+  /// Of these it depends on the way what arrives: another element in reach has the same name, or a
+  /// package renames them. Their entries are not right.
+  std::unordered_set<Element const*> fEntangled;
+};
 
 /// One walk over all packages in reach: its time grows with what is reached, however often packages import
-/// each other. Nothing where it does not apply: aliases, mixed visibilities, or two elements in reach with
-/// one name.
-std::optional<std::vector<Imports::Entry>> followAtOnce(Element const& aNamespace);
+/// each other.
+ImportsInReach followAtOnce(Element const& aNamespace);
+
+/// The general way, for some elements in reach: package by package, innermost first, with collisions judged
+/// in each. Its time grows with the packages times these elements.
+std::vector<Imports::Entry> followEachPackage(Element const& aNamespace,
+                                              std::unordered_set<Element const*> const& aElements);
 
 bool isPublicImport(Element const& aImport) noexcept;
 

@@ -95,8 +95,18 @@ Imports::Imports(Element const& aNamespace) {
   if (values::entries(aNamespace, ids::Namespace::ElementImport).empty() &&
       values::entries(aNamespace, ids::Namespace::PackageImport).empty())
     return;
-  auto all = followAtOnce(aNamespace);
-  fEntries = all ? std::move(*all) : followEachPackage(aNamespace);
+  auto [entries, entangled] = followAtOnce(aNamespace);
+  fEntries = std::move(entries);
+  if (entangled.empty()) return;
+  std::unordered_map<Element const*, Entry> arrived;
+  for (Entry& entry : followEachPackage(aNamespace, entangled))
+    arrived.emplace(entry.fElement, std::move(entry));
+  std::erase_if(fEntries, [&](Entry& aEntry) {
+    if (!entangled.contains(aEntry.fElement)) return false;
+    auto const found = arrived.find(aEntry.fElement);
+    if (found != arrived.end()) aEntry = std::move(found->second);
+    return found == arrived.end();
+  });
 }
 
 Imports::Entry const* Imports::find(Element const& aElement) const {

@@ -11,27 +11,16 @@ class WholeWalk {
  public:
   explicit WholeWalk(Element const& aNamespace) : fNamespace(aNamespace), fEntries(aNamespace) {}
 
-  bool run() {
-    fPackages.insert(fNamespace);
-    if (!noteOwned(fNamespace) || !addElementImports(fNamespace, false)) return false;
-    if (!hasOneVisibility()) return false;
-    open(fNamespace);
-    while (!fOpen.empty()) {
-      Frame& top = fOpen.back();
-      if (top.fNext == top.fEnd) {
-        fOpen.pop_back();
-        continue;
-      }
-      Element const* const import = *top.fNext++;
-      bool const isRoot = fOpen.size() == 1;
-      if (import == nullptr || !(isRoot || isPublicImport(*import))) continue;
-      Element const* const package = values::reference(*import, ids::PackageImport::ImportedPackage);
-      if (package != nullptr && fPackages.insert(*package) && !enter(*package)) return false;
-    }
-    return true;
+  ImportsInReach run() {
+    noteNames(fNamespace);
+    for (Element* const import : values::elements(fNamespace, ids::Namespace::ElementImport))
+      if (Element* const element = importedBy(*import)) fEntries.addElementImport(*import, *element);
+    forEachPackage(Reach::Public, fPublicPackages, [](Element const&) {});
+    forEachPackage(Reach::Visible, fPackages, [this](Element const& aPackage) { enter(aPackage); });
+    Visited all;
+    forEachPackage(Reach::All, all, [this](Element const& aPackage) { noteNames(aPackage); });
+    return {fEntries.take(), std::move(fEntangled)};
   }
-
-  std::vector<Imports::Entry> take() noexcept { return fEntries.take(); }
 
  private:
   struct Frame {
@@ -39,82 +28,84 @@ class WholeWalk {
     Element* const* fEnd;
   };
 
-  void open(Element const& aNamespace) {
-    auto const imports = values::entries(aNamespace, ids::Namespace::PackageImport);
-    fOpen.push_back({imports.data(), imports.data() + imports.size()});
-  }
+  /// What is in reach: by public imports, by any of the namespace and public ones from there, by any import.
+  enum class Reach { Public, Visible, All };
 
-  /// The imports of packages are all public or all not, so that what they bring in is, too.
-  bool hasOneVisibility() {
-    bool isFirst = true;
-    for (Element* const import : values::elements(fNamespace, ids::Namespace::PackageImport)) {
-      bool const isPublic = isPublicImport(*import);
-      if (!isFirst && isPublic != fIsPublic) return false;
-      fIsPublic = isPublic;
-      isFirst = false;
+  /// Packages in reach of the namespace, each once.
+  template <class Enter>
+  void forEachPackage(Reach aReach, Visited& aSeen, Enter aEnter) {
+    std::vector<Frame> open;
+    auto const follow = [&](Element const& aImporting) {
+      auto const imports = values::entries(aImporting, ids::Namespace::PackageImport);
+      open.push_back({imports.data(), imports.data() + imports.size()});
+    };
+    aSeen.insert(fNamespace);
+    follow(fNamespace);
+    while (!open.empty()) {
+      Frame& top = open.back();
+      if (top.fNext == top.fEnd) {
+        open.pop_back();
+        continue;
+      }
+      Element const* const import = *top.fNext++;
+      bool const isOpen = aReach == Reach::All || (aReach == Reach::Visible && open.size() == 1);
+      if (import == nullptr || !(isOpen || isPublicImport(*import))) continue;
+      Element const* const package = values::reference(*import, ids::PackageImport::ImportedPackage);
+      if (package == nullptr || !aSeen.insert(*package)) continue;
+      aEnter(*package);
+      follow(*package);
     }
-    return true;
   }
 
-  bool enter(Element const& aPackage) {
-    if (!noteOwned(aPackage)) return false;
+  void enter(Element const& aPackage) {
+    bool const isPublic = fPublicPackages.contains(aPackage);
+    auto const show = [&](Element& aElement) {
+      fEntries.addShown({&aElement, nameOf(aElement), {}, isPublic, false}, isPublic);
+    };
     for (Element* const owned : ownedMembers(aPackage))
       if (isA(*owned, ids::metaclass::PackageableElement) && isPublicOrAbsent(*owned)) show(*owned);
-    if (!addElementImports(aPackage, true)) return false;
-    open(aPackage);
-    return true;
-  }
-
-  void show(Element& aElement) {
-    fEntries.addShown({&aElement, nameOf(aElement), {}, fIsPublic, false}, fIsPublic);
-  }
-
-  bool addElementImports(Element const& aNamespace, bool aOnlyPublic) {
-    for (Element* const import : values::elements(aNamespace, ids::Namespace::ElementImport)) {
-      Element* const element = values::reference(*import, ids::ElementImport::ImportedElement);
-      if (element == nullptr) continue;
-      if (namespaceOf(*element) == &aNamespace || importName(*import) != nameOf(*element)) return false;
-      if (!noteName(*element)) return false;
-      if (!aOnlyPublic) {
-        fEntries.addElementImport(*import, *element);
-      } else if (isPublicImport(*import)) {
+    for (Element* const import : values::elements(aPackage, ids::Namespace::ElementImport))
+      if (Element* const element = importedBy(*import); element != nullptr && isPublicImport(*import))
         show(*element);
-      }
+  }
+
+  static Element* importedBy(Element const& aImport) noexcept {
+    return values::reference(aImport, ids::ElementImport::ImportedElement);
+  }
+
+  /// The names that elements have in a namespace by itself.
+  void noteNames(Element const& aNamespace) {
+    for (Element* const owned : ownedMembers(aNamespace)) noteName(*owned, nameOf(*owned));
+    for (Element* const import : values::elements(aNamespace, ids::Namespace::ElementImport)) {
+      Element* const element = importedBy(*import);
+      if (element == nullptr) continue;
+      noteName(*element, nameOf(*element));
+      noteName(*element, importName(*import));
+      // A name of its own in a package hides, or is hidden, on some of the ways.
+      bool const isRenamed = &aNamespace != &fNamespace && importName(*import) != nameOf(*element);
+      if (isRenamed || namespaceOf(*element) == &aNamespace) fEntangled.insert(element);
     }
-    return true;
   }
 
-  bool noteOwned(Element const& aNamespace) {
-    for (Element* const owned : ownedMembers(aNamespace))
-      if (!noteName(*owned)) return false;
-    return true;
-  }
-
-  /// False if another element in reach has the name and is of a metaclass that may collide with this one's.
-  bool noteName(Element const& aElement) {
-    std::u16string_view const name = nameOf(aElement);
-    if (name.empty() || isA(aElement, ids::metaclass::BehavioralFeature) || !fNamed.insert(aElement))
-      return true;
-    int const metaclass = engine::metaclassOf(aElement);
-    auto const [place, isNew] = fMetaclassOfName.emplace(name, metaclass);
-    return isNew;
+  /// Elements in reach of one name may collide somewhere on the way.
+  void noteName(Element const& aElement, std::u16string_view aName) {
+    if (aName.empty() || isA(aElement, ids::metaclass::BehavioralFeature)) return;
+    auto const [place, isNew] = fElementOfName.try_emplace(aName, &aElement);
+    if (isNew || place->second == &aElement) return;
+    fEntangled.insert(&aElement);
+    fEntangled.insert(place->second);
   }
 
   Element const& fNamespace;
   ImportEntries fEntries;
-  std::vector<Frame> fOpen;
   Visited fPackages;
-  Visited fNamed;
-  std::unordered_map<std::u16string_view, int> fMetaclassOfName;
-  bool fIsPublic = false;
+  Visited fPublicPackages;
+  std::unordered_map<std::u16string_view, Element const*> fElementOfName;
+  std::unordered_set<Element const*> fEntangled;
 };
 
 }  // namespace
 
-std::optional<std::vector<Imports::Entry>> followAtOnce(Element const& aNamespace) {
-  WholeWalk walk(aNamespace);
-  if (!walk.run()) return std::nullopt;
-  return walk.take();
-}
+ImportsInReach followAtOnce(Element const& aNamespace) { return WholeWalk(aNamespace).run(); }
 
 }  // namespace umlmm::queries

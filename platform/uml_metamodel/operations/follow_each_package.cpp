@@ -1,4 +1,4 @@
-#include <algorithm>
+#include <set>
 
 #include "operations/ImportWalks.h"
 
@@ -6,13 +6,16 @@ namespace umlmm::queries {
 
 namespace {
 
-constexpr std::size_t kNowhere = SIZE_MAX;
+/// Where packages in progress stand in the stack.
+using Places = std::set<std::size_t>;
 
 /// Follows the imports of packages with a stack of those in progress. What a package shows is kept for those
 /// who ask again. Where a package in progress had been left out, the answer is kept only as long as that one
 /// is in progress.
 class PackageWalk {
  public:
+  explicit PackageWalk(std::unordered_set<Element const*> const& aElements) noexcept : fElements(aElements) {}
+
   std::vector<Imports::Entry> run(Element const& aNamespace) {
     begin(aNamespace);
     for (;;) {
@@ -32,21 +35,21 @@ class PackageWalk {
     Element const* fNamespace;
     Element* const* fNext;
     Element* const* fEnd;
-    /// The outermost package in progress that was left out below here.
-    std::size_t fCut = kNowhere;
+    /// The packages in progress that were left out below here.
+    Places fCuts;
     /// Whose answers depend on this one being in progress.
     std::vector<Element const*> fDependents;
   };
   using Shown = std::vector<Imports::Entry>;
   struct Answer {
     std::unique_ptr<Shown> fShown;
-    std::size_t fCut;
+    Places fCuts;
   };
 
   void begin(Element const& aNamespace) {
     auto const imports = values::entries(aNamespace, ids::Namespace::PackageImport);
     fPlaces.emplace(&aNamespace, fOpen.size());
-    fOpen.push_back({&aNamespace, imports.data(), imports.data() + imports.size(), kNowhere, {}});
+    fOpen.push_back({&aNamespace, imports.data(), imports.data() + imports.size(), {}, {}});
   }
 
   static Element const* nextPackage(Frame& aFrame) noexcept {
@@ -59,29 +62,28 @@ class PackageWalk {
 
   void descend(Element const& aPackage) {
     if (auto const place = fPlaces.find(&aPackage); place != fPlaces.end()) {
-      noteCut(fOpen.back(), place->second);
+      fOpen.back().fCuts.insert(place->second);
     } else if (auto const answer = fAnswers.find(&aPackage); answer != fAnswers.end()) {
-      noteCut(fOpen.back(), answer->second.fCut);
+      fOpen.back().fCuts.insert(answer->second.fCuts.begin(), answer->second.fCuts.end());
     } else {
       begin(aPackage);
     }
   }
 
-  static void noteCut(Frame& aFrame, std::size_t aCut) noexcept { aFrame.fCut = std::min(aFrame.fCut, aCut); }
-
   void finish() {
     std::size_t const place = fOpen.size() - 1;
     Frame& top = fOpen.back();
     auto shown = std::make_unique<Shown>(shownBy(top));
-    // Left out was the package itself at the most: its answer is the same wherever it is asked.
-    std::size_t const cut = top.fCut < place ? top.fCut : kNowhere;
+    // What left out nothing but the package itself is the same wherever it is asked.
+    Places cuts = std::move(top.fCuts);
+    cuts.erase(place);
     for (Element const* const dependent : top.fDependents) fAnswers.erase(dependent);
     Element const* const package = top.fNamespace;
     fPlaces.erase(package);
     fOpen.pop_back();
-    fAnswers[package] = {std::move(shown), cut};
-    noteCut(fOpen.back(), cut);
-    if (cut != kNowhere) fOpen[cut].fDependents.push_back(package);
+    fOpen.back().fCuts.insert(cuts.begin(), cuts.end());
+    if (!cuts.empty()) fOpen[*cuts.rbegin()].fDependents.push_back(package);
+    fAnswers[package] = {std::move(shown), std::move(cuts)};
   }
 
   /// The entries of a namespace whose packages have all been followed.
@@ -89,7 +91,8 @@ class PackageWalk {
     Element const& owner = *aFrame.fNamespace;
     fEntries = std::make_unique<ImportEntries>(owner);
     for (Element* const import : values::elements(owner, ids::Namespace::ElementImport))
-      if (Element* const element = values::reference(*import, ids::ElementImport::ImportedElement))
+      if (Element* const element = values::reference(*import, ids::ElementImport::ImportedElement);
+          element != nullptr && fElements.contains(element))
         fEntries->addElementImport(*import, *element);
     for (Element* const import : values::elements(owner, ids::Namespace::PackageImport)) {
       auto const answer = fAnswers.find(values::reference(*import, ids::PackageImport::ImportedPackage));
@@ -110,7 +113,7 @@ class PackageWalk {
       if (entry.fIsPublic) imported.insert(*entry.fElement);
     Shown shown;
     for (Element* const owned : ownedMembers(package))
-      if (isA(*owned, ids::metaclass::PackageableElement) &&
+      if (fElements.contains(owned) && isA(*owned, ids::metaclass::PackageableElement) &&
           (isPublicOrAbsent(*owned) || imported.contains(*owned)))
         shown.push_back({owned, nameOf(*owned), {}, true, false});
     for (Imports::Entry const& entry : entries)
@@ -119,6 +122,7 @@ class PackageWalk {
     return shown;
   }
 
+  std::unordered_set<Element const*> const& fElements;
   std::vector<Frame> fOpen;
   /// By package in progress: where it stands in the stack.
   std::unordered_map<Element const*, std::size_t> fPlaces;
@@ -128,8 +132,9 @@ class PackageWalk {
 
 }  // namespace
 
-std::vector<Imports::Entry> followEachPackage(Element const& aNamespace) {
-  return PackageWalk().run(aNamespace);
+std::vector<Imports::Entry> followEachPackage(Element const& aNamespace,
+                                              std::unordered_set<Element const*> const& aElements) {
+  return PackageWalk(aElements).run(aNamespace);
 }
 
 }  // namespace umlmm::queries

@@ -98,6 +98,30 @@ TEST_F(ImportsTest, ACollisionFurtherOffHidesOnlyWhatCameThatWay) {
             static_cast<umlmm::ImmutableNamespace>(middle).get());
 }
 
+TEST_F(ImportsTest, WhatAPackageImportsForItselfCollidesThere) {
+  auto const middle = package(u"middle");
+  auto const other = package(u"other");
+  packaged<umlmm::Class>(other, u"Shape");
+  import(middle, fShape);
+  import(fUser, middle);
+  EXPECT_EQ(listOf(fUser.getImportedMember()), "Shape");
+  import(middle, other).setVisibility(VisibilityKind(VisibilityKind::Private));
+  EXPECT_EQ(listOf(fUser.getImportedMember()), "");
+}
+
+TEST_F(ImportsTest, AWayRoundACircleIsAnotherWay) {
+  fShape.setVisibility(VisibilityKind(VisibilityKind::Private));
+  import(fLibrary, fShape);
+  auto const between = package(u"between");
+  import(fLibrary, between);
+  import(between, fLibrary);
+  import(between, fUser);
+  import(fUser, fLibrary).setVisibility(VisibilityKind(VisibilityKind::Private));
+  EXPECT_EQ(listOf(fUser.visibleMembers()), "");
+  import(fUser, between);
+  EXPECT_EQ(listOf(fUser.visibleMembers()), "Shape") << "publicly by way of the other package";
+}
+
 TEST_F(ImportsTest, CandidatesAreJudgedAgainstOwnedMembersAlone) {
   packaged<umlmm::Class>(fUser, u"Shape");
   EXPECT_EQ(listOf(fUser.importMembers(fShape)), "Shape") << "it has no name here before it is imported";
