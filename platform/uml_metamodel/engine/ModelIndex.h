@@ -7,8 +7,8 @@
 
 namespace umlmm::engine {
 
-/// The elements of a model by metaclass, in order of creation. Made when first asked for, by one walk over the
-/// model, and kept up to date from then on; a model that nobody asks pays nothing.
+/// The elements of a model by metaclass, in order of creation. Made when first asked for, by one walk over
+/// the model, and kept up to date from then on; a model that nobody asks pays nothing.
 class ModelIndex final : public Kelm::ModelCompanion {
  public:
   /// The index of a model, made if there is none.
