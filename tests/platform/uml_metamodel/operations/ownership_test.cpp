@@ -42,6 +42,19 @@ TEST_F(OwnershipTest, OnlyPackagesNeedNoOwner) {
   EXPECT_TRUE(make<umlmm::Class>().mustBeOwned().value());
 }
 
+TEST_F(OwnershipTest, AnAnswerOutlivesWhatItFound) {
+  auto const owner = named<umlmm::Class>(u"owner");
+  for (int number = 0; number < 2; ++number) owner.getOwnedAttribute().push_back(make<umlmm::Property>());
+  auto const found = owner.allOwnedElements();
+  owner.getOwnedAttribute().at(0).destroy();
+  auto const later = owner.allOwnedElements();
+  EXPECT_FALSE(found.at(0).isvalid());
+  EXPECT_TRUE(found.at(1).isvalid());
+  fModel.object().close();
+  EXPECT_FALSE(found.at(1).isvalid());
+  EXPECT_FALSE(later.front().isvalid());
+}
+
 TEST_F(OwnershipTest, AQueryOfAnElementThatIsGoneFails) {
   auto const owner = named<umlmm::Class>(u"owner");
   umlmm::ImmutableClass const kept = owner;

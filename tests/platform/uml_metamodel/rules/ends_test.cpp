@@ -33,6 +33,10 @@ TEST_F(EndsTest, TheEndsOfAnElementAreThoseInItsRole) {
   EXPECT_TRUE(end.isvalid());
 
   end.setRole(role);
+  auto const first = make<umlmm::ConnectorEnd>();
+  role.getEnd().insert(0, first);
+  EXPECT_EQ(role.getEnd().front(), first);
+  EXPECT_EQ(role.getEnd().back(), end);
   role.destroy();
   EXPECT_TRUE(end.getRole().isNull());
 }

@@ -1,4 +1,5 @@
 #include "../operations/names.h"
+#include "kelm/kernel/containers/sequence/SequenceCreator.h"
 
 class FiltersTest : public NamedModelTest {
  protected:
@@ -25,6 +26,12 @@ TEST_F(FiltersTest, AnInsertedElementStandsBeforeItsNeighbourInTheBase) {
   EXPECT_EQ(type.getPackage(), fPackage);
   fPackage.getOwnedType().push_back(type);
   EXPECT_EQ(listOf(fPackage.getOwnedType()), "C E D");
+
+  auto const wanted = Kelm::SequenceCreator::create<umlmm::Type>({fPackage.getDeviant()});
+  wanted.push_back(type);
+  wanted.push_back(fClass);
+  fPackage.setOwnedType(wanted);
+  EXPECT_EQ(listOf(fPackage.getPackagedElement()), "D i n C") << "other elements keep their places";
 }
 
 TEST_F(FiltersTest, ARemovedElementHasNoOwner) {

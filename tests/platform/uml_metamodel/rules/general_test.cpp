@@ -44,6 +44,7 @@ TEST_F(GeneralTest, AnAssignedSequenceKeepsWhatStays) {
   EXPECT_FALSE(gone.isvalid());
   EXPECT_EQ(fClass.getGeneralization().size(), 2);
   EXPECT_TRUE(wanted.contains(fI));
+  EXPECT_EQ(listOf(wanted), "I A") << "in the order assigned";
   fClass.setGeneral({});
   EXPECT_TRUE(fClass.getGeneralization().empty());
 }
