@@ -23,12 +23,17 @@ class UMLMM_API DeviantAssertions {
   /// Sets the switch and answers its old value.
   static bool enableAssertions(bool aEnabled) noexcept;
 
-  /// Raises when `aObject` may not be written through this deviant. `aObject` may be null. No variant and
+  /// Raises when the object may not be written through this deviant. The object may be null. No variant and
   /// value words pass.
-  void internal_assertWritable(NSInterface::ObjectIntf const* aObject) const;
+  void internal_assertWritable(NSInterface::ObjectIntf const*) const {
+    Variant const* const variant = (fWord & 1) != 0 ? nullptr : reinterpret_cast<Variant const*>(fWord);
+    if (variant != nullptr && variant->fReadOnly) [[unlikely]]
+      raiseReadOnly();
+  }
 
  protected:
   constexpr explicit DeviantAssertions(std::uintptr_t aWord) noexcept : fWord(aWord) {}
+  [[noreturn]] static void raiseReadOnly();
 
   /// Null, the address of a Variant, or a value word (lowest bit set) that is never followed.
   std::uintptr_t fWord;
