@@ -121,7 +121,8 @@ class ListQImplForPrimitives : public Generic::SequenceIntf {
   int readBlock(Deviant const&, int aIndex, int aCount, Generic::Loan* aOut) const override {
     Values const& values = fData.read();
     int const count = blockLength(aIndex, aCount, values.size());
-    for (int i = 0; i < count; ++i) aOut[i] = Access::lend(values[static_cast<std::size_t>(aIndex + i)]);
+    for (int i = 0; i < count; ++i)
+      aOut[i] = Access::lend(values[static_cast<std::size_t>(aIndex) + static_cast<std::size_t>(i)]);
     return count;
   }
 
@@ -160,11 +161,7 @@ class ListQImplForPrimitives : public Generic::SequenceIntf {
 
   /// Where in the present data the iterator stands, from 0 to the size.
   std::size_t offsetOf(IteratorIntf const* aIterator) const {
-    if (aIterator == nullptr) raiseNullReference(sources::kIterator);
-    if (typeid(*aIterator) != typeid(Iterator)) raiseOutOfBounds();
-    auto const& iterator = static_cast<Iterator const&>(*aIterator);
-    if (&iterator.fSequence != this) raiseOutOfBounds();
-    return iterator.offset();
+    return Iterator::of(*this, aIterator).offset();
   }
   /// An iterator at the begin or end. As it allows writing, the data is detached.
   IteratorPtr edge(bool aAtEnd) const {
@@ -236,6 +233,15 @@ class ListQImplForPrimitives<T>::Iterator : public IteratorProxy {
 
  private:
   friend class ListQImplForPrimitives;
+
+  /// The iterator as one of the sequence; raises for a null one and for one of another sequence.
+  static Iterator const& of(ListQImplForPrimitives const& aSequence, IteratorIntf const* aIterator) {
+    if (aIterator == nullptr) raiseNullReference(sources::kIterator);
+    if (typeid(*aIterator) != typeid(Iterator)) raiseOutOfBounds();
+    auto const& iterator = static_cast<Iterator const&>(*aIterator);
+    if (&iterator.fSequence != &aSequence) raiseOutOfBounds();
+    return iterator;
+  }
 
   /// The position in the present data. Compares addresses only: the pointer may be of data that is gone.
   std::size_t offset() const {

@@ -167,11 +167,7 @@ class MultiIndexImplForPrimitives : public Generic::SequenceIntf {
   /// Where the iterator stands; raises for a null one, one of another sequence, and one whose element has
   /// gone.
   Position positionOf(IteratorIntf const* aIterator) const {
-    if (aIterator == nullptr) raiseNullReference(sources::kIterator);
-    if (typeid(*aIterator) != typeid(Iterator)) raiseOutOfBounds();
-    auto const& iterator = static_cast<Iterator const&>(*aIterator);
-    if (&iterator.fSequence != this) raiseOutOfBounds();
-    return iterator.position();
+    return Iterator::of(*this, aIterator).position();
   }
   /// The index of an element, looked for from `aHint` outwards; raises when it has gone. Compares addresses
   /// only: the element's memory may be free.
@@ -224,6 +220,15 @@ class MultiIndexImplForPrimitives<T, IsUnique, KeyExtractor>::Iterator : public 
 
  private:
   friend class MultiIndexImplForPrimitives;
+
+  /// The iterator as one of the sequence; raises for a null one and for one of another sequence.
+  static Iterator const& of(MultiIndexImplForPrimitives const& aSequence, IteratorIntf const* aIterator) {
+    if (aIterator == nullptr) raiseNullReference(sources::kIterator);
+    if (typeid(*aIterator) != typeid(Iterator)) raiseOutOfBounds();
+    auto const& iterator = static_cast<Iterator const&>(*aIterator);
+    if (&iterator.fSequence != &aSequence) raiseOutOfBounds();
+    return iterator;
+  }
 
   /// The position, known to be one of the sequence.
   Position const& position() const {
