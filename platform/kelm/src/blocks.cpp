@@ -19,7 +19,7 @@ namespace {
 constexpr std::size_t kStep = 8;
 constexpr std::size_t kLargest = 1024;
 /// Chunks stand at multiples of their size, so that a block's address tells its chunk.
-constexpr std::size_t kChunk = 16 * 1024;
+constexpr std::size_t kChunk = std::size_t{16} * 1024;
 /// As many are asked for at a time, which takes room for one more.
 constexpr std::size_t kChunksInArea = 32;
 

@@ -81,7 +81,7 @@ void fillTable(Entry& aEntry, Layout const& aLayout, ElementClass const& aClass)
   table.fMetaclass = aLayout.fMetaclass;
   table.fIndex = static_cast<std::uint16_t>(&aLayout - kLayouts);
   fillInterfaces(aEntry, aClass);
-  table.fSize = static_cast<std::uint16_t>(aClass.fSize + 8U * aLayout.fWords);
+  table.fSize = static_cast<std::uint16_t>(aClass.fSize + std::size_t{8} * aLayout.fWords);
   fillFeatures(aEntry, metaclass, aLayout.fWords);
 }
 

@@ -86,7 +86,7 @@ class UpwardWalk {
         enter(parents[top.fNextParent++]);
         continue;
       }
-      Frame const done = std::move(top);
+      Frame const done = top;
       fOpen.pop_back();
       fKeepers.erase(&fGraph.classifier(done.fNode));
       for (FeatureIndex const later : done.fLater) takeAll(fGraph.classifier(done.fNode), later);

@@ -31,6 +31,7 @@ void readEnds(Element const& aConnectable, std::vector<Element*>& aOut) {
 
 void arrangeEnds(Element& aConnectable, std::vector<Element*> const& aOrder) {
   std::vector<engine::Reference> references;
+  references.reserve(aOrder.size());
   for (Element* const end : aOrder) references.push_back({end, ids::ConnectorEnd::Role});
   engine::Referrers::arrange(aConnectable, references);
 }

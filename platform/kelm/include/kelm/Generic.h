@@ -30,7 +30,7 @@ class Ref : public Loan {
   /// Takes over a holder whose count stands at 0 and counts it.
   Ref(void* aHolder, std::uintptr_t aReserved, Manager aManager, Equals aEquals)
       : Loan{aHolder, aReserved}, fManager(aManager), fEquals(aEquals) {
-    if (fManager != nullptr) fManager(fHolder, true);
+    if (aManager != nullptr) aManager(aHolder, true);
   }
   Ref(Ref const& aOther) : Ref(aOther.fHolder, aOther.fReserved, aOther.fManager, aOther.fEquals) {}
   Ref(Ref&& aOther) noexcept

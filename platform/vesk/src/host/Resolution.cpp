@@ -20,7 +20,7 @@ int costOf(MethodRecord const& method, ArgumentSource& arguments, int offset, in
 
 /// Cost of a call with exactly these arguments.
 int costOfCall(MethodRecord const& method, CallForm form, ArgumentSource& arguments, int count) {
-  int const offset = form == CallForm::OnClass && method.fHasReceiver ? 1 : 0;
+  int const offset = form == CallForm::OnClass && method.fHasReceiver && method.fOwner ? 1 : 0;
   if (count - offset != method.fCount) return cost::kNone;
   if (offset && arguments.conversionCost(0, *method.fOwner) < 0) return cost::kNone;
   return costOf(method, arguments, offset, count - offset);
