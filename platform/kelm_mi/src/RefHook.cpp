@@ -70,6 +70,7 @@ int RefHook::search(Generic::SequenceIntf const& aSequence, Deviant const& aDevi
     if (index < 0) return index;
     // The sequence compares objects, a script objects in their variants.
     aSequence.readBlock(aDeviant, index, 1, &found);
+    // NOLINTNEXTLINE(clang-analyzer-core.UndefinedBinaryOperatorResult): as for Ref
     if (found.fReserved == wanted.fReserved) return index;
   }
 }
