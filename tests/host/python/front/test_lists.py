@@ -140,7 +140,7 @@ def test_a_change_of_the_same_size_is_noticed_too(demo):
     assert list(walk) == []
 
 
-def test_long_lists_are_walked_in_blocks(host, demo):
+def test_long_lists_are_walked_in_blocks(host, demo, settled):
     owner = demo.Thing("owner")
     owner.parts = [demo.Thing(str(i)) for i in range(257)]
     assert [t.name for t in owner.parts] == [str(i) for i in range(257)]

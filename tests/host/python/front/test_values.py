@@ -50,7 +50,7 @@ def test_what_is_set_is_read(demo, name, given, read):
     ("parts", [1], TypeError, "a list of demo.Thing"),
     ("parts", 5, TypeError, "a list of demo.Thing"),
 ])
-def test_a_wrong_value_is_refused_with_property_value_and_choice(host, demo, name, given, error, text):
+def test_a_wrong_value_is_refused_with_property_value_and_choice(host, demo, settled, name, given, error, text):
     thing = demo.Thing("start")
     before = getattr(thing, name)
     arrays = host.live_counts()["arrays"]
@@ -126,7 +126,7 @@ def test_identity_and_equality(demo):
     assert thing != other and thing != 3 and {view, other, thing} == {thing, other}
 
 
-def test_objects_end_with_their_last_reference(host, demo):
+def test_objects_end_with_their_last_reference(host, demo, settled):
     before, living = host.live_counts(), demo.Thing.living()
     thing = demo.Thing("a", demo.Thing("b"))
     watcher = weakref.ref(thing)

@@ -155,7 +155,7 @@ def test_methods_with_a_python_body_are_on_both_views(shop):
     assert customer.asImmutable().attributeNames(joint="/") == "email/age"
 
 
-def test_bound_objects_are_small_and_end_with_their_last_name(model):
+def test_bound_objects_are_small_and_end_with_their_last_name(model, settled):
     element = umlmm.Comment(model)
     assert not gc.is_tracked(element) and element.__sizeof__() <= 80
     watcher, before = weakref.ref(element), _host.live_counts()["bindings"]
