@@ -12,8 +12,6 @@ set(CMAKE_CXX_VISIBILITY_PRESET hidden)
 set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
-set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/lib)
-set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
 
 # Where generated headers and sources go; "#include "uml_metamodel/umlmm/Class.h"" is found here.
 set(UMLMM_GENERATED_DIR ${CMAKE_BINARY_DIR}/generated)
@@ -28,6 +26,14 @@ include(CMakePackageConfigHelpers)
 set(UMLMM_INSTALL_INCLUDEDIR ${CMAKE_INSTALL_INCLUDEDIR}/umlmm)
 set(UMLMM_INSTALL_CMAKEDIR ${CMAKE_INSTALL_LIBDIR}/cmake/umlmm)
 set(UMLMM_INSTALL_PYTHONDIR lib/python3/dist-packages CACHE STRING "Folder of the Python package under the prefix")
+
+# The build tree lies as the installation does, so that libraries find each other in both by the same run paths:
+# entries relative to the library itself and no others. CMake's own editing at installation would leave empty ones in
+# the build tree, through which the loader takes libraries from the current folder.
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/${CMAKE_INSTALL_LIBDIR})
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
+
 write_basic_package_version_file(${CMAKE_BINARY_DIR}/umlmmConfigVersion.cmake COMPATIBILITY SameMinorVersion)
 install(FILES ${CMAKE_BINARY_DIR}/umlmmConfigVersion.cmake DESTINATION ${UMLMM_INSTALL_CMAKEDIR})
 install(EXPORT umlmm FILE umlmmConfig.cmake NAMESPACE umlmm:: DESTINATION ${UMLMM_INSTALL_CMAKEDIR})
@@ -42,7 +48,7 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_COMPILER_VERSION VERSION_LES
 endif()
 # Functions are bound inside their library, as -fno-semantic-interposition has it; types and data are not, so that
 # exceptions and tags stay one for all libraries.
-target_link_options(umlmm_settings INTERFACE -Wl,-Bsymbolic-functions -Wl,--gc-sections -Wl,-z,pack-relative-relocs -Wl,-z,defs)
+target_link_options(umlmm_settings INTERFACE -Wl,-Bsymbolic-functions -Wl,--gc-sections -Wl,-z,pack-relative-relocs -Wl,-z,now -Wl,-z,defs)
 if(UMLMM_SANITIZE)
   add_compile_options(-fsanitize=${UMLMM_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${UMLMM_SANITIZE})
@@ -57,7 +63,7 @@ function(umlmm_library name)
   add_library(${name} SHARED ${ARG_SOURCES})
   target_compile_features(${name} PUBLIC cxx_std_20)
   target_link_libraries(${name} PUBLIC ${ARG_DEPENDS} PRIVATE umlmm_settings)
-  set_target_properties(${name} PROPERTIES BUILD_RPATH_USE_ORIGIN ON INSTALL_RPATH "$ORIGIN")
+  set_target_properties(${name} PROPERTIES BUILD_WITH_INSTALL_RPATH ON INSTALL_RPATH "$ORIGIN")
   umlmm_publish(${name} PUBLIC INCLUDE ${ARG_INCLUDE} HEADERS ${ARG_HEADERS})
 endfunction()
 
@@ -114,6 +120,6 @@ endif()
 # umlmm_python_test(name folder): the pytest files of a folder, with the package of this build.
 function(umlmm_python_test name folder)
   add_test(NAME ${name}
-    COMMAND ${Python3_EXECUTABLE} -m pytest -q -p no:cacheprovider ${CMAKE_CURRENT_SOURCE_DIR}/${folder})
+    COMMAND ${Python3_EXECUTABLE} -m pytest ${CMAKE_CURRENT_SOURCE_DIR}/${folder})
   set_tests_properties(${name} PROPERTIES ENVIRONMENT "${UMLMM_PYTHON_ENVIRONMENT}")
 endfunction()

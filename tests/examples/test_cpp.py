@@ -2,6 +2,7 @@
 
 import os
 import pathlib
+import re
 import shutil
 import subprocess
 import sys
@@ -50,3 +51,14 @@ def test_the_installed_python_package_stands_alone(prefix):
     assert answer == "True"
     assert {"__init__.pyi", "Kelm.pyi", "_typing.pyi", "py.typed"} <= {path.name for path in package.rglob("*")}
     assert {pathlib.Path(path).is_relative_to(prefix) for path in libraries.split()} == {True}
+
+
+def test_libraries_are_looked_for_beside_each_other_only(prefix):
+    """Any other entry, an empty one too, would load what somebody planted in the current folder."""
+    files = [BUILD / "bin" / "engine_test", *BUILD.glob("lib/*.so"), *prefix.rglob("*.so")]
+    assert len(files) > 20
+    for file in files:
+        dynamic = run("readelf", "--dynamic", "--wide", file)
+        entries = re.search(r"runpath: \[(.*)\]", dynamic)[1].split(":")
+        assert {entry.partition("/")[0] for entry in entries} == {"$ORIGIN"}, (file, entries)
+        assert file.name == "engine_test" or "BIND_NOW" in dynamic, file
