@@ -14,7 +14,7 @@ Kelm::NSInterface::ModelElementIntf* createElement(int aMetaclass, Kelm::Model c
                                                    std::span<Kelm::Object const> aRequired) {
   Kelm::ModelObject& model = aModel.object();
   if (!model.deviant_isValid(aModel.getDeviant())) engine::raiseNotInVariant();
-  if (Kelm::DeviantAssertions::sAssertionsEnabled) aModel.getDeviant().internal_assertWritable(&model);
+  aModel.getDeviant().assertWritable(&model);
   engine::Element& element = engine::create(aMetaclass, model);
   if (aRequired.empty()) return &element;
   auto const required = engine::layoutOf(element).fRequired;

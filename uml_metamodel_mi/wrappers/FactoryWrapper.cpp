@@ -41,11 +41,12 @@ Kelm::Model createNewModel() {
   Kelm::String const base(Kelm::ModelCache::UNTITLED);
   Kelm::Model const model = Kelm::NSInterface::FactoryIntf::createNewModel();
   AssertionsOff const off;
-  std::u16string const uri =
-      Kelm::ModelCache::instance().getNextAvailableModelUri(std::u16string(base.text()));
+  auto& cache = Kelm::ModelCache::instance();
+  auto const guard = cache.guard();
+  std::u16string const uri = cache.getNextAvailableModelUri(std::u16string(base.text()));
   if (model.isNull()) Kelm::raiseNullReference("kelm/Kelm/Model_h");
   model.get()->setModelUri(model.getDeviant(), Kelm::String(uri));
-  Kelm::ModelCache::instance().bindModel(uri, model);
+  cache.bindModel(uri, model);
   return model;
 }
 

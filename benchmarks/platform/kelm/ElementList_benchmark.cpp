@@ -12,6 +12,8 @@ namespace {
 
 using Kelm::ElementList;
 
+Kelm::Blocks::Owner const sBlocks = Kelm::Blocks::make();
+
 /// As large as a small element with its slots.
 class Element final : public Kelm::NSInterface::ModelElementIntf {
  public:
@@ -43,7 +45,7 @@ void eraseByElement(benchmark::State& aState) {
   for (auto _ : aState) {
     aState.PauseTiming();
     ElementList* list = nullptr;
-    for (auto* const element : elements.fOrder) ElementList::append(list, element, owning);
+    for (auto* const element : elements.fOrder) ElementList::append(list, *sBlocks, element, owning);
     aState.ResumeTiming();
     for (auto* const element : order) list->erase(element, owning);
     aState.PauseTiming();
@@ -57,7 +59,7 @@ void append(benchmark::State& aState) {
   Elements elements(static_cast<std::size_t>(aState.range(0)));
   for (auto _ : aState) {
     ElementList* list = nullptr;
-    for (auto* const element : elements.fOrder) ElementList::append(list, element, true);
+    for (auto* const element : elements.fOrder) ElementList::append(list, *sBlocks, element, true);
     ElementList::destroy(list);
   }
   aState.SetItemsProcessed(aState.iterations() * aState.range(0));

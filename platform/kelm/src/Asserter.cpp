@@ -24,7 +24,7 @@ Exception::Exception(std::string aText) : fText(std::move(aText)) {}
 Exception::~Exception() = default;
 char const* Exception::what() const noexcept { return fText.c_str(); }
 
-char Asserter::fLogBuf[Asserter::kLogBufSize];
+constinit thread_local char Asserter::fLogBuf[Asserter::kLogBufSize];
 
 Asserter::Asserter(bool aCondition) noexcept : fCondition(aCondition) {}
 Asserter::~Asserter() = default;

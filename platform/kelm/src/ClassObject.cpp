@@ -40,7 +40,7 @@ bool isReadOnlyEntry(Element const*, Deviant const&, unsigned aId) { return prop
 
 void setEntry(Element* aElement, Deviant const& aDeviant, unsigned aId, Object const& aValue) {
   if (property(aId).isReadOnly()) raiseFailure(words::kReadOnlySet, kSource);
-  if (DeviantAssertions::sAssertionsEnabled) aDeviant.internal_assertWritable(aElement);
+  aDeviant.assertWritable(aElement);
   aElement->setKernelEntry(aDeviant, aId, aValue);
 }
 

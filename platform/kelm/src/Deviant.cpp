@@ -6,7 +6,7 @@
 
 namespace Kelm {
 
-bool DeviantAssertions::sAssertionsEnabled = true;
+constinit thread_local bool DeviantAssertions::sAssertionsEnabled = true;
 
 bool DeviantAssertions::enableAssertions(bool aEnabled) noexcept {
   return std::exchange(sAssertionsEnabled, aEnabled);

@@ -5,6 +5,8 @@
 #include <utility>
 #include <vector>
 
+#include "kelm/threads.h"
+
 namespace Kelm {
 
 namespace {
@@ -14,6 +16,7 @@ namespace {
 class RecordPool {
  public:
   IdRecord* take() {
+    SharedGuard const guard(fGuard);
     IdRecord* record = takeFree();
     if (record == nullptr) record = takeParked();
     if (record == nullptr) record = makeRecord();
@@ -22,6 +25,7 @@ class RecordPool {
   }
 
   void giveBack(IdRecord* aRecord) noexcept {
+    SharedGuard const guard(fGuard);
     --fLive;
     aRecord->fObject = nullptr;
     aRecord->fDeviant = Deviant();
@@ -31,7 +35,10 @@ class RecordPool {
       park(aRecord);
   }
 
-  std::size_t live() const noexcept { return fLive; }
+  std::size_t live() noexcept {
+    SharedGuard const guard(fGuard);
+    return fLive;
+  }
 
  private:
   static constexpr std::size_t kChunk = 512;
@@ -82,6 +89,7 @@ class RecordPool {
     return &fChunks.back()[fUsedOfChunk++];
   }
 
+  std::mutex fGuard;
   std::vector<std::unique_ptr<IdRecord[]>> fChunks;
   std::size_t fUsedOfChunk = kChunk;
   std::size_t fLive = 0;
@@ -98,32 +106,54 @@ RecordPool& pool() {
 
 /// The permanent record of null references of one deviant and mutability.
 IdRecord* nullRecord(Deviant aDeviant, bool aIsImmutable) {
+  constinit static std::mutex sGuard;
+  SharedGuard const guard(sGuard);
   static auto& sRecords = *new std::unordered_map<std::uintptr_t, IdRecord[2]>;
-  IdRecord& record = sRecords[aDeviant.word()][aIsImmutable];
-  record.fDeviant = aDeviant;
-  record.fImmutable = aIsImmutable;
-  return &record;
+  auto const [entry, isNew] = sRecords.try_emplace(aDeviant.word());
+  if (isNew)
+    for (bool const immutable : {false, true}) {
+      entry->second[immutable].fDeviant = aDeviant;
+      entry->second[immutable].fImmutable = immutable;
+    }
+  return &entry->second[aIsImmutable];
 }
 
 }  // namespace
 
 void* DeviantRegistry::getId(ReferenceCountingIntf* aObject, Deviant aDeviant, bool aIsImmutable) {
   if (aObject == nullptr) return lum::tagId(nullRecord(aDeviant, aIsImmutable));
-  bool locked = false;
-  for (IdRecord* record = aObject->fIds; record != nullptr; record = record->fNext) {
-    if (record->fDeviant != aDeviant) continue;
-    if (record->fImmutable == aIsImmutable) return lum::tagId(record);
-    locked = record->fLocked;
+  IdRecord* made = nullptr;
+  for (;;) {
+    IdRecord* const known = first(*aObject);
+    bool locked = false;
+    for (IdRecord* record = known; record != nullptr; record = record->fNext) {
+      if (record->fDeviant != aDeviant) continue;
+      if (record->fImmutable == aIsImmutable) {
+        if (made != nullptr) pool().giveBack(made);
+        return lum::tagId(record);
+      }
+      locked = record->fLocked.load(std::memory_order_relaxed);
+    }
+    if (made == nullptr) made = pool().take();
+    made->fObject = aObject;
+    made->fDeviant = aDeviant;
+    made->fNext = known;
+    made->fImmutable = aIsImmutable;
+    made->fLocked.store(locked, std::memory_order_relaxed);
+    if (!addTo(*aObject, *made)) continue;
+    if (known == nullptr) aObject->fIsRegistered = true;
+    return lum::tagId(made);
   }
-  IdRecord* const record = pool().take();
-  record->fObject = aObject;
-  record->fDeviant = aDeviant;
-  record->fNext = aObject->fIds;
-  record->fImmutable = aIsImmutable;
-  record->fLocked = locked;
-  aObject->fIds = record;
-  aObject->fIsRegistered = true;
-  return lum::tagId(record);
+}
+
+/// False if another thread was first, with whatever id.
+bool DeviantRegistry::addTo(ReferenceCountingIntf const& aObject, IdRecord& aRecord) noexcept {
+  if (!isSingleThreaded()) {
+    IdRecord* known = aRecord.fNext;
+    return aObject.fIds.compare_exchange_strong(known, &aRecord, std::memory_order_acq_rel);
+  }
+  aObject.fIds.store(&aRecord, std::memory_order_relaxed);
+  return true;
 }
 
 void DeviantRegistry::setIsImmutable(ImmutableObject const& aView, bool aIsImmutable) {
@@ -131,13 +161,14 @@ void DeviantRegistry::setIsImmutable(ImmutableObject const& aView, bool aIsImmut
   if (object == nullptr) return;
   // A lock without a record to stand in makes one; ids handed out later take it over.
   if (aIsImmutable) getId(object, aView.getDeviant(), true);
-  ReferenceCountingIntf const& counted = *object;
-  for (IdRecord* record = counted.fIds; record != nullptr; record = record->fNext)
-    if (record->fDeviant == aView.getDeviant()) record->fLocked = aIsImmutable;
+  for (IdRecord* record = first(*object); record != nullptr; record = record->fNext)
+    if (record->fDeviant == aView.getDeviant())
+      record->fLocked.store(aIsImmutable, std::memory_order_relaxed);
 }
 
 void DeviantRegistry::retract(ReferenceCountingIntf* aObject) noexcept {
-  IdRecord* record = std::exchange(aObject->fIds, nullptr);
+  IdRecord* record = first(*aObject);
+  aObject->fIds.store(nullptr, std::memory_order_relaxed);
   aObject->fIsRegistered = false;
   while (record != nullptr) pool().giveBack(std::exchange(record, record->fNext));
 }

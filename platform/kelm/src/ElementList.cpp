@@ -8,7 +8,6 @@
 #include "kelm/Generic.h"
 #include "kelm/ModelElementIntf.h"
 #include "kelm/PointerTable.h"
-#include "kelm/blocks.h"
 
 namespace Kelm {
 
@@ -19,8 +18,6 @@ constexpr std::uint32_t kFirstCapacity = 3;
 constexpr std::uint32_t kScanned = 32;
 /// A search goes this far from a hint before all hints are renewed.
 constexpr std::uint32_t kMaxDrift = 256;
-
-std::uint64_t sSteps = 0;
 
 }  // namespace
 
@@ -38,21 +35,19 @@ std::size_t ElementList::bytesFor(std::uint32_t aCapacity) noexcept {
 ElementList::ElementList(std::uint32_t aCapacity) noexcept : fCapacity(aCapacity) {}
 ElementList::~ElementList() { delete fProxy; }
 
-ElementList* ElementList::allocate(std::uint32_t aCapacity) {
-  return new (allocateBlock(bytesFor(aCapacity))) ElementList(aCapacity);
+ElementList* ElementList::allocate(Blocks& aBlocks, std::uint32_t aCapacity) {
+  return new (aBlocks.allocate(bytesFor(aCapacity))) ElementList(aCapacity);
 }
 
 void ElementList::destroy(ElementList* aList) noexcept {
   if (aList == nullptr) return;
   std::size_t const size = bytesFor(aList->fCapacity);
   aList->~ElementList();
-  freeBlock(aList, size);
+  Blocks::free(aList, size);
 }
 
-std::uint64_t ElementList::steps() noexcept { return sSteps; }
-
-ElementList* ElementList::grown(ElementList* aList) {
-  ElementList* const list = allocate(2 * aList->fCapacity + 1);
+ElementList* ElementList::grown(ElementList* aList, Blocks& aBlocks) {
+  ElementList* const list = allocate(aBlocks, 2 * aList->fCapacity + 1);
   aList->closeFront();
   std::memcpy(list->items(), aList->items(), aList->fEnd * sizeof(Element*));
   list->fProxy = std::exchange(aList->fProxy, nullptr);
@@ -62,29 +57,30 @@ ElementList* ElementList::grown(ElementList* aList) {
   list->fFirstHole = aList->fFirstHole;
   list->fStamp = aList->fStamp;
   list->fDrift = aList->fDrift;
-  sSteps += list->fEnd;
+  list->fSteps = aList->fSteps + list->fEnd;
   destroy(aList);
   return list;
 }
 
-void ElementList::reserveOne(ElementList*& aList) {
+void ElementList::reserveOne(ElementList*& aList, Blocks& aBlocks) {
   if (aList == nullptr)
-    aList = allocate(kFirstCapacity);
+    aList = allocate(aBlocks, kFirstCapacity);
   else if (aList->fEnd < aList->fCapacity)
     return;
   else if (aList->fBegin > aList->fCapacity / 4)
     aList->closeFront();
   else
-    aList = grown(aList);
+    aList = grown(aList, aBlocks);
 }
 
-void ElementList::append(ElementList*& aList, Element* aElement, bool aOwning) {
-  reserveOne(aList);
+void ElementList::append(ElementList*& aList, Blocks& aBlocks, Element* aElement, bool aOwning) {
+  reserveOne(aList, aBlocks);
   aList->put(aList->fEnd, aElement, aOwning);
 }
 
-void ElementList::insert(ElementList*& aList, std::uint32_t aPosition, Element* aElement, bool aOwning) {
-  reserveOne(aList);
+void ElementList::insert(ElementList*& aList, Blocks& aBlocks, std::uint32_t aPosition, Element* aElement,
+                         bool aOwning) {
+  reserveOne(aList, aBlocks);
   if (aPosition == aList->fLive) return aList->put(aList->fEnd, aElement, aOwning);
   aList->closeHoles();
   aList->put(aList->fBegin + aPosition, aElement, aOwning);
@@ -95,7 +91,7 @@ void ElementList::put(std::uint32_t aEntry, Element* aElement, bool aOwning) {
   Element** const place = items() + aEntry;
   if (aEntry < fEnd) {
     std::memmove(place + 1, place, (fEnd - aEntry) * sizeof(Element*));
-    sSteps += fEnd - aEntry;
+    fSteps += fEnd - aEntry;
     ++fDrift;
   }
   *place = aElement;
@@ -113,7 +109,7 @@ std::uint32_t ElementList::find(Element const* aElement, bool aOwning) {
 
 std::uint32_t ElementList::scan(Element const* aElement) const noexcept {
   auto const* const found = std::find(begin(), end(), aElement);
-  sSteps += static_cast<std::uint64_t>(found - begin()) + 1;
+  fSteps += static_cast<std::uint32_t>(found - begin()) + 1;
   return found == end() ? kNotFound : static_cast<std::uint32_t>(found - items());
 }
 
@@ -130,7 +126,7 @@ std::uint32_t ElementList::searchAround(Element const* aElement, std::int64_t aH
   // A hint from elsewhere may be any number.
   if (aHint + fDrift < first || aHint - fDrift >= end) return kNotFound;
   while (distance <= fDrift && !stands(aHint - distance) && !stands(aHint + distance)) ++distance;
-  sSteps += static_cast<std::uint64_t>(distance) + 1;
+  fSteps += static_cast<std::uint32_t>(distance) + 1;
   return found;
 }
 
@@ -189,7 +185,7 @@ void ElementList::move(std::uint32_t aFrom, std::uint32_t aTo, bool aOwning) {
     std::rotate(first + aFrom, first + aFrom + 1, first + aTo + 1);
   else
     std::rotate(first + aTo, first + aFrom, first + aFrom + 1);
-  sSteps += aFrom < aTo ? aTo - aFrom : aFrom - aTo;
+  fSteps += aFrom < aTo ? aTo - aFrom : aFrom - aTo;
   ++fDrift;
   ++fStamp;
   if (aOwning)
@@ -222,7 +218,7 @@ void ElementList::closeHoles() noexcept {
   fDrift += remaining;
   Element** write = std::find(items() + std::max(fBegin, fFirstHole), items() + fEnd, nullptr);
   Element** read = write + 1;
-  sSteps += static_cast<std::uint64_t>(items() + fEnd - write);
+  fSteps += static_cast<std::uint32_t>(items() + fEnd - write);
   for (; remaining > 0; --remaining) {
     // The search for the next hole is saved behind the last one.
     Element** const next = remaining == 1 ? items() + fEnd : std::find(read, items() + fEnd, nullptr);
@@ -238,7 +234,7 @@ void ElementList::closeHoles() noexcept {
 void ElementList::closeFront() noexcept {
   if (fBegin == 0) return;
   std::memmove(items(), begin(), (fEnd - fBegin) * sizeof(Element*));
-  sSteps += fEnd - fBegin;
+  fSteps += fEnd - fBegin;
   fDrift += fBegin;
   // The first hole may have been trimmed off with the front.
   if (fFirstHole != kNotFound) fFirstHole -= std::min(fFirstHole, fBegin);
@@ -260,7 +256,7 @@ void ElementList::renewHints(bool aOwning) noexcept {
       element->fHint = static_cast<std::int32_t>(entry);
     }
   }
-  sSteps += fEnd - fBegin;
+  fSteps += fEnd - fBegin;
   fDrift = 0;
 }
 
@@ -272,7 +268,7 @@ bool ElementList::hasHints() noexcept try {
   hints->fEntries.reserve(fLive);
   for (std::uint32_t entry = fBegin; entry < fEnd; ++entry)
     if (items()[entry] != nullptr && !hints->fEntries.insert(items()[entry], entry)) hints->fRepeats = true;
-  sSteps += fEnd - fBegin;
+  fSteps += fEnd - fBegin;
   fDrift = 0;
   fHints = std::move(hints);
   return !fHints->fRepeats;

@@ -23,6 +23,7 @@ ModelCache& ModelCache::instance() {
 }
 
 std::u16string ModelCache::getNextAvailableModelUri(std::u16string const& aBase) const {
+  auto const own = guard();
   if (!fModels.contains(aBase)) return aBase;
   unsigned& last = fBoundUpTo[aBase];
   for (;; ++last) {
@@ -33,6 +34,7 @@ std::u16string ModelCache::getNextAvailableModelUri(std::u16string const& aBase)
 
 void ModelCache::bindModel(std::u16string const& aUri, Model const& aModel) {
   if (aModel.isNull()) raiseNullReference("kelm/Kelm/Model_h");
+  auto const own = guard();
   auto const [entry, isNew] = fModels.try_emplace(aUri, aModel);
   if (!isNew) {
     if (entry->second.get() == aModel.get()) return;
@@ -50,17 +52,30 @@ void ModelCache::bindModel(std::u16string const& aUri, Model const& aModel) {
 }
 
 void ModelCache::unbindModel(ModelObject const& aModel) noexcept {
+  // The count that goes with the entry may be the model's last: nothing may point into the tables then.
+  decltype(fModels)::node_type entry;
+  auto const own = guard();
   auto const known = fUris.find(&aModel);
   if (known == fUris.end()) return;
   auto const uri = fUris.extract(known);
-  // The count that goes with the entry may be the model's last: nothing may point into the tables then.
-  auto const entry = fModels.extract(uri.mapped());
+  entry = fModels.extract(uri.mapped());
   forgetNumber(uri.mapped());
 }
 
 Model ModelCache::findModel(std::u16string const& aUri) const {
+  auto const own = guard();
   auto const entry = fModels.find(aUri);
   return entry == fModels.end() ? Model() : entry->second;
+}
+
+bool ModelCache::isBound(ModelObject const& aModel) const noexcept {
+  auto const own = guard();
+  return fUris.contains(&aModel);
+}
+
+std::size_t ModelCache::size() const noexcept {
+  auto const own = guard();
+  return fModels.size();
 }
 
 // Every way to read the uri as a base name and a number behind it makes that number free again.

@@ -1,6 +1,7 @@
 #include "kelm/ModelObject.h"
 
 #include <deque>
+#include <mutex>
 #include <utility>
 
 #include "kelm/ModelCache.h"
@@ -14,6 +15,8 @@ namespace {
 
 // Never destroyed, and records never move: deviants point at them for good.
 Variant* newVariant(ModelObject* aModel, bool aReadOnly) {
+  constinit static std::mutex sGuard;
+  std::lock_guard const guard(sGuard);
   static auto& sVariants = *new std::deque<Variant>;
   auto const number = static_cast<std::uint32_t>(sVariants.size() + 1);
   return &sVariants.emplace_back(Variant{aModel, number, aReadOnly});
@@ -47,13 +50,13 @@ bool ModelObject::deviant_isValid(Deviant aDeviant) const {
 
 void ModelObject::destroy(Deviant const& aDeviant) {
   assertExists(aDeviant);
-  if (DeviantAssertions::sAssertionsEnabled) aDeviant.internal_assertWritable(this);
+  aDeviant.assertWritable(this);
   close();
 }
 
 void ModelObject::setModelUri(Deviant const& aDeviant, String const& aUri) {
   assertExists(aDeviant);
-  if (DeviantAssertions::sAssertionsEnabled) aDeviant.internal_assertWritable(this);
+  aDeviant.assertWritable(this);
   ModelCache& cache = ModelCache::instance();
   if (cache.isBound(*this)) cache.bindModel(std::u16string(aUri.text()), Model(this, baseDeviant()));
   fUri = aUri;
@@ -79,12 +82,13 @@ void ModelObject::close() {
   if (dropElements != nullptr) dropElements(*this);
   ElementList::destroy(std::exchange(fRoots, nullptr));
   setCompanion(nullptr);
+  fNotes.reset();
   noteChange();
   decRef();
 }
 
 void ModelObject::addRoot(NSInterface::ModelElementIntf* aElement) {
-  ElementList::append(fRoots, aElement, true);
+  ElementList::append(fRoots, *fBlocks, aElement, true);
   aElement->fContainer = nullptr;
   aElement->fModel = this;
   noteChange();

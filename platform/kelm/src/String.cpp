@@ -16,10 +16,7 @@ void StringObject::operator delete(void* aMemory) { ::operator delete(aMemory); 
 void StringObject::operator delete(void* aMemory, std::size_t) { ::operator delete(aMemory); }
 
 StringObject* StringObject::make(std::u16string_view aText) {
-  if (aText.empty()) {
-    empty()->incRef();
-    return empty();
-  }
+  if (aText.empty()) return empty();
   auto* const record = new (aText.size()) StringObject;
   record->fLength = static_cast<std::uint32_t>(aText.size());
   auto* const text = const_cast<char16_t*>(record->data());
@@ -27,7 +24,6 @@ StringObject* StringObject::make(std::u16string_view aText) {
   return record;
 }
 
-// Holds a count of its own, so that it never goes.
 StringObject* StringObject::empty() noexcept {
   static StringObject* const sEmpty = [] {
     auto* const record = new (0) StringObject;
@@ -38,7 +34,9 @@ StringObject* StringObject::empty() noexcept {
 }
 
 int StringObject::decRef() const {
-  if (--fCount > 0) return fCount;
+  if (fLength == 0) return 1;
+  int const count = addToSharedCount(fCount, -1);
+  if (count > 0) return count;
   delete this;
   return 0;
 }

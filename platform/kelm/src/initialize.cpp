@@ -1,3 +1,5 @@
+#include <mutex>
+#include <utility>
 #include <vector>
 
 #include "kelm/Model.h"
@@ -7,6 +9,7 @@ namespace Kelm {
 namespace {
 
 struct Startup {
+  std::mutex fGuard;
   bool fIsUp = false;
   std::vector<void (*)()> fCallbacks;
 };
@@ -20,17 +23,23 @@ Startup& startup() {
 
 void initialize() {
   Startup& all = startup();
-  if (all.fIsUp) return;
-  // Up before the work: a callback that fails is not tried again, and one added meanwhile runs at once.
-  all.fIsUp = true;
-  for (auto const callback : std::exchange(all.fCallbacks, {})) callback();
+  std::vector<void (*)()> callbacks;
+  {
+    std::lock_guard const guard(all.fGuard);
+    // Up before the work: a callback that fails is not tried again, and one added meanwhile runs at once.
+    if (std::exchange(all.fIsUp, true)) return;
+    callbacks.swap(all.fCallbacks);
+  }
+  for (auto const callback : callbacks) callback();
 }
 
 void addStartupCallback(void (*aCallback)()) {
-  if (startup().fIsUp)
-    aCallback();
-  else
-    startup().fCallbacks.push_back(aCallback);
+  Startup& all = startup();
+  {
+    std::lock_guard const guard(all.fGuard);
+    if (!all.fIsUp) return all.fCallbacks.push_back(aCallback);
+  }
+  aCallback();
 }
 
 }  // namespace Kelm

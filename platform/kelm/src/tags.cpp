@@ -1,6 +1,7 @@
 #include "kelm/tags.h"
 
 #include <map>
+#include <mutex>
 #include <typeindex>
 #include <utility>
 
@@ -16,13 +17,19 @@ Numbers& numbers() {
   return sNumbers;
 }
 
+constinit std::mutex sGuard;
+
 }  // namespace
 
 Tag GetTag(std::type_info const& aType, std::type_info const& aDomain) {
+  std::lock_guard const guard(sGuard);
   Numbers& all = numbers();
   return all.try_emplace({aDomain, aType}, all.size() + 1).first->second;
 }
 
-Tag tagLimit() noexcept { return numbers().size() + 1; }
+Tag tagLimit() noexcept {
+  std::lock_guard const guard(sGuard);
+  return numbers().size() + 1;
+}
 
 }  // namespace Kelm::CooperativeVisitor::internal

@@ -1,6 +1,7 @@
 #include "kelm/values.h"
 
 #include <algorithm>
+#include <mutex>
 #include <typeinfo>
 
 #include "Immortal.h"
@@ -21,6 +22,9 @@ class PrimitiveObject final : public NSInterface::ObjectIntf {
 };
 
 Immortal<PrimitiveObject> sPrimitives[3];
+
+/// Guards the numbers without a literal of all enumerations.
+constinit std::mutex sNumbersGuard;
 
 /// A literal may be written with a lower-case first letter.
 bool isSpelling(std::string_view aText, std::string_view aLiteral) {
@@ -54,6 +58,7 @@ EnumerationType::EnumerationType(char const* aName, char const* aVeskName,
 EnumerationLiteralObject const* EnumerationType::object(int aNumber) const {
   int const count = static_cast<int>(fLiterals.size());
   if (aNumber >= 0 && aNumber <= count) return fObjects + aNumber;
+  std::lock_guard const guard(sNumbersGuard);
   EnumerationLiteralObject& head = fObjects[count];
   for (auto const* object = head.fNext; object != nullptr; object = object->fNext)
     if (object->number() == aNumber) return object;

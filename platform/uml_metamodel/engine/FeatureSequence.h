@@ -19,8 +19,6 @@ class FeatureSequence : public Kelm::Generic::SequenceIntf {
  public:
   /// The sequence of a feature with a list, or of a computed one.
   static FeatureSequence& of(Element& aElement, Feature const& aFeature);
-  /// Deletes the sequences of computed features of an element.
-  static void forget(Element const& aElement) noexcept;
 
   Element& element() const noexcept { return fElement; }
   Feature const& shownFeature() const noexcept { return fFeature; }

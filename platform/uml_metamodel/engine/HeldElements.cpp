@@ -4,18 +4,13 @@
 
 namespace umlmm::engine {
 
-HeldElements* HeldElements::sUncounted = nullptr;
-
-HeldElements::HeldElements(std::vector<Element*> aElements) noexcept
-    : fElements(std::move(aElements)), fNext(sUncounted) {
-  if (fNext != nullptr) fNext->fPrevious = this;
-  sUncounted = this;
+HeldElements::HeldElements(std::vector<Element*> aElements) noexcept : fElements(std::move(aElements)) {
+  if (!fElements.empty()) enter(fElements.front()->fModel->links());
 }
 
 void HeldElements::letGo() noexcept {
-  if (!fIsCounted) {
-    leaveChain();
-    fIsCounted = true;
+  if (isLinked()) {
+    leave();
   } else {
     for (std::size_t at = 0; at < fElements.size(); ++at) {
       prefetch(fElements, at);
@@ -30,14 +25,7 @@ void HeldElements::count() noexcept {
     prefetch(fElements, at);
     fElements[at]->incRef();
   }
-  leaveChain();
-  fIsCounted = true;
-}
-
-void HeldElements::leaveChain() noexcept {
-  (fPrevious == nullptr ? sUncounted : fPrevious->fNext) = fNext;
-  if (fNext != nullptr) fNext->fPrevious = fPrevious;
-  fPrevious = fNext = nullptr;
+  leave();
 }
 
 }  // namespace umlmm::engine

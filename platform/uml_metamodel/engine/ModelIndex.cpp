@@ -18,7 +18,8 @@ ModelIndex::~ModelIndex() {
 }
 
 void ModelIndex::addToExtent(Element& aElement) {
-  ElementList::append(fExtents[static_cast<std::size_t>(metaclassOf(aElement))], &aElement, false);
+  ElementList::append(fExtents[static_cast<std::size_t>(metaclassOf(aElement))], aElement.fModel->blocks(),
+                      &aElement, false);
 }
 
 void ModelIndex::removeFromExtent(Element& aElement) {

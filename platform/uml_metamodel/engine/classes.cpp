@@ -30,15 +30,14 @@ void fillInterfaces(Entry& aEntry, ElementClass const& aClass) {
   void* const memory = std::aligned_alloc(alignof(std::max_align_t), (aClass.fSize + 15) / 16 * 16);
   if (memory == nullptr) throw std::bad_alloc();
   Element* const sample = aClass.fConstruct(memory);
-  // Tags are handed out as they are asked for, so the first filling only makes sure that all exist.
-  std::vector<std::int16_t> all(Kelm::CooperativeVisitor::internal::tagLimit() + kMetaclassCount + 16,
-                                ClassTable::kNoInterface);
+  // Tags are handed out as they are asked for, here and meanwhile in other threads.
+  std::vector<std::int16_t> all(Kelm::CooperativeVisitor::internal::tagLimit(), ClassTable::kNoInterface);
   using namespace Kelm;
   for (auto const tag : {tagPair<ReferenceCountingIntf, Kelm::VisitationDomain>().fType,
                          tagPair<Kelm::NSInterface::ObjectIntf, Kelm::VisitationDomain>().fType,
                          tagPair<Kelm::NSInterface::ClassObjectIntf, Kelm::VisitationDomain>().fType})
-    all[tag] = 0;
-  aClass.fOffsets(*sample, all.data());
+    placeInterface(all, tag, 0);
+  aClass.fOffsets(*sample, all);
   aEntry.fOffsets = std::move(all);
   aEntry.fTable.fRootOffset =
       static_cast<std::uint16_t>(reinterpret_cast<char*>(sample) - static_cast<char*>(memory));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <span>
+#include <vector>
 
 #include "engine/slots.h"
 
@@ -12,9 +13,16 @@ struct ElementClass {
   /// Constructs an element in the memory and answers its kernel part.
   Element* (*fConstruct)(void* aMemory);
   std::size_t fSize;
-  /// Fills `aOffsets`, by tag: bytes from the kernel part to each interface.
-  void (*fOffsets)(Element& aElement, std::int16_t* aOffsets);
+  /// Fills `aOffsets`, by tag, as far as needed: bytes from the kernel part to each interface.
+  void (*fOffsets)(Element& aElement, std::vector<std::int16_t>& aOffsets);
 };
+
+/// Notes where an interface lies, in a table by tag that grows as needed.
+inline void placeInterface(std::vector<std::int16_t>& aOffsets, Kelm::CooperativeVisitor::internal::Tag aTag,
+                           std::ptrdiff_t aOffset) {
+  if (aTag >= aOffsets.size()) aOffsets.resize(aTag + 1, Kelm::ClassTable::kNoInterface);
+  aOffsets[aTag] = static_cast<std::int16_t>(aOffset);
+}
 
 /// By position in kLayouts; defined from the catalogue.
 extern ElementClass const kElementClasses[kConcreteCount];

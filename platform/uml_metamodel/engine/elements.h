@@ -24,11 +24,11 @@ Element* construct(void* aMemory) {
 }
 
 template <class Intf, class... Ancestors>
-void fillOffsets(Element& aElement, std::int16_t* aOffsets) {
+void fillOffsets(Element& aElement, std::vector<std::int16_t>& aOffsets) {
   auto& element = dynamic_cast<Elem<Intf>&>(aElement);
   auto const place = [&](auto const* aInterface, Kelm::CooperativeVisitor::internal::Tag aTag) {
-    aOffsets[aTag] = static_cast<std::int16_t>(reinterpret_cast<char const*>(aInterface) -
-                                               reinterpret_cast<char const*>(&aElement));
+    placeInterface(aOffsets, aTag,
+                   reinterpret_cast<char const*>(aInterface) - reinterpret_cast<char const*>(&aElement));
   };
   (place(static_cast<Ancestors const*>(&element), Kelm::tagPair<Ancestors, VisitationDomain>().fType), ...);
 }

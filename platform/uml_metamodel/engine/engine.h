@@ -18,7 +18,4 @@ void destroy(Element& aElement, Deviant const& aDeviant);
 /// Drops all elements of a model that is being closed.
 void dropAll(Kelm::ModelObject& aModel);
 
-/// Number of elements whose memory is in use, destroyed ones with handles included.
-std::size_t livingElements() noexcept;
-
 }  // namespace umlmm::engine

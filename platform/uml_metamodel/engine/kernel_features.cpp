@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <unordered_map>
 
-#include "engine/FeatureSequence.h"
+#include "engine/ElementNotes.h"
 #include "engine/ModelIndex.h"
 #include "engine/Referrers.h"
 #include "engine/classes.h"
@@ -74,23 +74,12 @@ std::vector<Element*> referrers(Element const& aElement) {
   return found;
 }
 
-/// Texts of other tools about elements, beside the model: few elements have them.
-struct ToolTexts final {
-  std::unordered_map<Element const*, Kelm::String> fTexts[2];
-};
-
-ToolTexts& toolTexts() {
-  static auto& texts = *new ToolTexts();
-  return texts;
+/// Texts of other tools about elements.
+ElementNotes::Texts& toolTexts(Element const& aElement, unsigned aId) {
+  return ElementNotes::of(*aElement.fModel).toolTexts(aId == ClassObjectIntf::ExternalId ? 0 : 1);
 }
-
-std::size_t toolPlace(unsigned aId) noexcept { return aId == ClassObjectIntf::ExternalId ? 0 : 1; }
 
 }  // namespace
-
-void forgetToolTexts(Element const& aElement) noexcept {
-  for (auto& texts : toolTexts().fTexts) texts.erase(&aElement);
-}
 
 Kelm::Object kernelEntry(Element const* aElement, Deviant const& aDeviant, unsigned aId) {
   checkReadable(*aElement, aDeviant);
@@ -105,7 +94,8 @@ Kelm::Object kernelEntry(Element const* aElement, Deviant const& aDeviant, unsig
       return textObject(uriOf(*aElement));
     case ClassObjectIntf::ExternalId:
     case ClassObjectIntf::ExternalToolInfo: {
-      auto const& texts = toolTexts().fTexts[toolPlace(aId)];
+      if ((aElement->fMarks & Element::HasToolTexts) == 0) return Kelm::Object();
+      auto const& texts = toolTexts(*aElement, aId);
       auto const found = texts.find(aElement);
       return found == texts.end() ? Kelm::Object() : Kelm::Object(found->second.record(), Deviant());
     }
@@ -118,7 +108,7 @@ void setKernelEntry(Element* aElement, Deviant const& aDeviant, unsigned aId, Ke
   checkWritable(*aElement, aDeviant);
   if (aId != ClassObjectIntf::ExternalId && aId != ClassObjectIntf::ExternalToolInfo)
     failures::raise("Only externalId and externalToolInfo of the kernel's features can be set");
-  auto& texts = toolTexts().fTexts[toolPlace(aId)];
+  auto& texts = toolTexts(*aElement, aId);
   if (aValue.isNull()) {
     texts.erase(aElement);
     return;

@@ -10,9 +10,6 @@ Kelm::Object kernelEntry(Element const* aElement, Deviant const& aDeviant, unsig
 void setKernelEntry(Element* aElement, Deviant const& aDeviant, unsigned aId, Kelm::Object const& aValue);
 Kelm::Generic::SequenceIntf* kernelSequence(Element const* aElement, Deviant const& aDeviant, unsigned aId);
 
-/// Forgets the texts of other tools about an element that goes.
-void forgetToolTexts(Element const& aElement) noexcept;
-
 /// Gives the kernel the answers to questions about whole models.
 void installQueries();
 

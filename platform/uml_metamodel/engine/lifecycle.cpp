@@ -1,7 +1,7 @@
 #include <cstring>
 
+#include "engine/ElementNotes.h"
 #include "engine/ElementRef.h"
-#include "engine/FeatureSequence.h"
 #include "engine/HeldElements.h"
 #include "engine/ModelIndex.h"
 #include "engine/Referrers.h"
@@ -9,14 +9,11 @@
 #include "engine/engine.h"
 #include "engine/kernel_features.h"
 #include "engine/links.h"
-#include "kelm/blocks.h"
 #include "reflection/meta.h"
 
 namespace umlmm::engine {
 
 namespace {
-
-std::size_t sLiving = 0;
 
 void freeTexts(Element& aElement) {
   forEachWord(aElement.fClass->fStringWords, [&](unsigned aWord) {
@@ -37,11 +34,9 @@ void release(Element* aElement) {
     delete static_cast<Kelm::Generic::SequenceIntf*>(wordAt(*aElement, aWord));
   });
   char* const memory = reinterpret_cast<char*>(aElement) - table.fRootOffset;
-  if ((aElement->fMarks & Element::HasComputed) != 0) FeatureSequence::forget(*aElement);
-  if ((aElement->fMarks & Element::HasToolTexts) != 0) forgetToolTexts(*aElement);
+  ElementNotes::noteFreed(*aElement);
   destruct(aElement);
-  Kelm::freeBlock(memory, table.fSize);
-  --sLiving;
+  Kelm::Blocks::free(memory, table.fSize);
 }
 
 /// An element and all below it, owners first.
@@ -107,6 +102,7 @@ void letGo(Element& aElement) {
   if (aElement.fCount > 1) emptySlots(aElement);
   if (aElement.fReferrers != 0) Referrers::clear(aElement);
   ModelIndex::noteGone(aElement);
+  ElementNotes::noteGone(aElement);
   aElement.fContainer = nullptr;
   aElement.fModel = nullptr;
   aElement.decRef();
@@ -116,7 +112,7 @@ void letGo(Element& aElement) {
 
 Element& create(int aMetaclass, Kelm::ModelObject& aModel) {
   Kelm::ClassTable const* const table = classTable(aMetaclass);
-  auto* const memory = static_cast<char*>(Kelm::allocateBlock(table->fSize));
+  auto* const memory = static_cast<char*>(aModel.blocks().allocate(table->fSize));
   std::size_t const head = table->fRootOffset + table->fSlotOffset;
   std::memset(memory + head, 0, table->fSize - head);
   Element& element = *kElementClasses[table->fIndex].fConstruct(memory);
@@ -124,7 +120,6 @@ Element& create(int aMetaclass, Kelm::ModelObject& aModel) {
   element.fFlags = table->fDefaultFlags;
   element.fModel = &aModel;
   element.fCount = 1;
-  ++sLiving;
   try {
     aModel.addRoot(&element);
   } catch (...) {
@@ -139,8 +134,8 @@ Element& create(int aMetaclass, Kelm::ModelObject& aModel) {
 
 void destroy(Element& aElement, Deviant const& aDeviant) {
   checkWritable(aElement, aDeviant);
-  HeldElements::countAll();
   Kelm::ModelObject& model = *aElement.fModel;
+  HeldElements::countAll(model);
   leaveContainer(aElement);
   std::vector<Element*> const dying = subtree(aElement);
   for (Element* const element : dying) leaveOthers(*element);
@@ -151,14 +146,12 @@ void destroy(Element& aElement, Deviant const& aDeviant) {
 }
 
 void dropAll(Kelm::ModelObject& aModel) {
-  HeldElements::countAll();
+  HeldElements::countAll(aModel);
   aModel.setCompanion(nullptr);
   std::vector<Element*> all;
   forEachElement(aModel, [&](Element& aElement) { all.push_back(&aElement); });
   for (auto next = all.rbegin(); next != all.rend(); ++next) letGo(**next);
 }
-
-std::size_t livingElements() noexcept { return sLiving; }
 
 Kelm::ElementEngine const kElementEngine{
     release,        [](Element* aElement, Deviant const& aDeviant) { destroy(*aElement, aDeviant); },

@@ -23,7 +23,7 @@ void store(Element& aOwner, Feature const& aRoot, Element& aValue, std::uint32_t
   if (owning && aValue.fContainer != nullptr) leaveContainer(aValue);
   // Room first: once the value has left the model or has noted the reference, nothing may fail.
   if (aRoot.fStorage == Storage::List)
-    ElementList::reserveOne(pointerSlot<ElementList>(aOwner, indexOf(aRoot)));
+    ElementList::reserveOne(pointerSlot<ElementList>(aOwner, indexOf(aRoot)), aOwner.fModel->blocks());
   if (owning)
     aValue.fModel->removeRoot(&aValue);
   else if (aRoot.fOpposite == kNoFeature)
@@ -31,9 +31,9 @@ void store(Element& aOwner, Feature const& aRoot, Element& aValue, std::uint32_t
   if (aRoot.fStorage == Storage::List) {
     auto& list = pointerSlot<ElementList>(aOwner, indexOf(aRoot));
     if (aPosition >= ElementList::size(list))
-      ElementList::append(list, &aValue, owning);
+      ElementList::append(list, aOwner.fModel->blocks(), &aValue, owning);
     else
-      ElementList::insert(list, aPosition, &aValue, owning);
+      ElementList::insert(list, aOwner.fModel->blocks(), aPosition, &aValue, owning);
   } else {
     pointerSlot<Element>(aOwner, indexOf(aRoot)) = &aValue;
   }

@@ -1,7 +1,7 @@
 #include <algorithm>
-#include <unordered_map>
 #include <unordered_set>
 
+#include "engine/ElementNotes.h"
 #include "engine/FeatureSequence.h"
 #include "engine/computed.h"
 #include "engine/failures.h"
@@ -125,20 +125,11 @@ class ComputedSequence final : public FeatureSequence {
   mutable std::uint64_t fChanges = 1;
 };
 
-using ComputedSequences = std::unordered_map<Element const*, std::vector<std::unique_ptr<ComputedSequence>>>;
-
-/// Never destroyed: elements may outlive every static.
-ComputedSequences& computedSequences() {
-  static auto& all = *new ComputedSequences();
-  return all;
-}
-
 FeatureSequence& computedSequence(Element& aElement, Feature const& aFeature) {
-  auto& sequences = computedSequences()[&aElement];
+  auto& sequences = ElementNotes::of(*aElement.fModel).sequences(aElement);
   for (auto const& sequence : sequences)
     if (&sequence->shownFeature() == &aFeature) return *sequence;
   sequences.push_back(std::make_unique<ComputedSequence>(aElement, aFeature));
-  aElement.fMarks |= Element::HasComputed;
   return *sequences.back();
 }
 
@@ -147,11 +138,9 @@ FeatureSequence& computedSequence(Element& aElement, Feature const& aFeature) {
 FeatureSequence& FeatureSequence::of(Element& aElement, Feature const& aFeature) {
   if (aFeature.fStorage == Storage::Computed) return computedSequence(aElement, aFeature);
   auto*& list = pointerSlot<ElementList>(aElement, aFeature.fRoot);
-  if (list == nullptr) ElementList::reserveOne(list);
+  if (list == nullptr) ElementList::reserveOne(list, aElement.fModel->blocks());
   if (list->fProxy == nullptr) list->fProxy = new StoredSequence(aElement, feature(aFeature.fRoot));
   return static_cast<FeatureSequence&>(*list->fProxy);
 }
-
-void FeatureSequence::forget(Element const& aElement) noexcept { computedSequences().erase(&aElement); }
 
 }  // namespace umlmm::engine

@@ -21,7 +21,7 @@ inline void checkReadable(Element const& aElement, Deviant const& aDeviant) {
 }
 /// The same for a change; also raises when the variant can't be written, unless such checks are off.
 inline void checkWritable(Element const& aElement, Deviant const& aDeviant) {
-  if (Kelm::DeviantAssertions::sAssertionsEnabled) aDeviant.internal_assertWritable(&aElement);
+  aDeviant.assertWritable(&aElement);
   checkReadable(aElement, aDeviant);
 }
 

@@ -174,17 +174,14 @@ engine::FeatureIndex textFeature(int aMetaclass) {
 }
 
 Object make(Kelm::Model const& aModel, int aMetaclass, std::vector<Setting> const& aSettings) {
-  // A factory writes without asking for writability here, as reading from text may fill a read-only variant's
-  // model.
-  struct Unchecked {
-    bool fOld = Kelm::DeviantAssertions::enableAssertions(false);
-    ~Unchecked() { Kelm::DeviantAssertions::enableAssertions(fOld); }
-  } const unchecked;
-  Element* const element = detail::createElement(aMetaclass, aModel);
+  if (!aModel.isvalid()) engine::raiseNotInVariant();
+  // Reading from text may fill the model of a read-only variant: it writes in the model's own variant.
+  Kelm::Deviant const writable = aModel.object().baseDeviant();
+  Element* const element = detail::createElement(aMetaclass, Kelm::Model(aModel.get(), writable));
   try {
-    for (Setting const& setting : aSettings) apply(*element, aModel.getDeviant(), setting);
+    for (Setting const& setting : aSettings) apply(*element, writable, setting);
   } catch (...) {
-    engine::destroy(*element, aModel.getDeviant());
+    engine::destroy(*element, writable);
     throw;
   }
   return Object(element, aModel.getDeviant());

@@ -1,5 +1,7 @@
 #include "operations/UnionLeaves.h"
 
+#include <memory>
+
 namespace umlmm::queries {
 
 using engine::FeatureIndex;
@@ -10,12 +12,15 @@ std::span<FeatureIndex const> unionMembers(int aMetaclass, FeatureIndex aUnion) 
   return {};
 }
 
-std::vector<FeatureIndex> const* UnionLeaves::make(int aMetaclass) const {
-  auto* const leaves = new std::vector<FeatureIndex>();
+std::vector<FeatureIndex> const& UnionLeaves::make(int aMetaclass) {
+  auto leaves = std::make_unique<std::vector<FeatureIndex>>();
   for (FeatureIndex const member : unionMembers(aMetaclass, fUnion))
     if (engine::feature(member).fStorage != engine::Storage::Computed)
       leaves->push_back(engine::feature(member).fRoot);
-  return leaves;
+  std::vector<FeatureIndex> const* known = nullptr;
+  auto& place = fLeaves[static_cast<std::size_t>(aMetaclass)];
+  if (!place.compare_exchange_strong(known, leaves.get(), std::memory_order_acq_rel)) return *known;
+  return *leaves.release();
 }
 
 }  // namespace umlmm::queries

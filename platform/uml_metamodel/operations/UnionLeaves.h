@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <atomic>
 #include <span>
 #include <vector>
 
@@ -10,23 +11,22 @@ namespace umlmm::queries {
 
 /// The stored features at the bottom of a derived union, by metaclass, in the order in which the union lists
 /// their values: what a walk over many elements reads in place of the union itself. Made for a metaclass when
-/// first asked.
+/// first asked, by whichever thread.
 class UnionLeaves {
  public:
   constexpr explicit UnionLeaves(engine::FeatureIndex aUnion) noexcept : fUnion(aUnion) {}
 
   std::span<engine::FeatureIndex const> of(int aMetaclass) {
-    auto const*& leaves = fLeaves[static_cast<std::size_t>(aMetaclass)];
-    if (leaves == nullptr) leaves = make(aMetaclass);
-    return *leaves;
+    auto const* const leaves = fLeaves[static_cast<std::size_t>(aMetaclass)].load(std::memory_order_acquire);
+    return leaves == nullptr ? make(aMetaclass) : *leaves;
   }
 
  private:
-  std::vector<engine::FeatureIndex> const* make(int aMetaclass) const;
+  std::vector<engine::FeatureIndex> const& make(int aMetaclass);
 
   engine::FeatureIndex fUnion;
   // Kept for the length of the process.
-  std::array<std::vector<engine::FeatureIndex> const*, engine::kMetaclassCount> fLeaves{};
+  std::array<std::atomic<std::vector<engine::FeatureIndex> const*>, engine::kMetaclassCount> fLeaves{};
 };
 
 /// The features that a union lists on a metaclass; none if it has no such union.

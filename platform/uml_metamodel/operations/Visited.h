@@ -71,8 +71,10 @@ class Visited {
     }
   }
 
-  /// Bits of Element::fMarks that no walk uses now.
-  static inline std::uint8_t sFree = Element::WalkMarks;
+  /// Bits of Element::fMarks that no walk of this thread uses now. Walks in different threads are in
+  /// different models.
+  [[gnu::tls_model("initial-exec")]] static inline constinit thread_local std::uint8_t sFree =
+      Element::WalkMarks;
 
   std::uint8_t fMark;
   std::uint8_t fFollowedMark = 0;

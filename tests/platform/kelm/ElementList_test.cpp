@@ -14,6 +14,8 @@ namespace {
 using Kelm::ElementList;
 using Element = ElementList::Element;
 
+Kelm::Blocks::Owner const sBlocks = Kelm::Blocks::make();
+
 /// A list beside the plain vector that tells what it should hold.
 class Pair {
  public:
@@ -21,11 +23,11 @@ class Pair {
   ~Pair() { ElementList::destroy(fList); }
 
   void append() {
-    ElementList::append(fList, make(), fOwning);
+    ElementList::append(fList, *sBlocks, make(), fOwning);
     fModel.push_back(&fElements.back());
   }
   void insert(std::uint32_t aPosition) {
-    ElementList::insert(fList, aPosition, make(), fOwning);
+    ElementList::insert(fList, *sBlocks, aPosition, make(), fOwning);
     fModel.insert(fModel.begin() + aPosition, &fElements.back());
   }
   void erase(std::uint32_t aPosition) {
@@ -164,9 +166,9 @@ TEST_P(Lists, TheStampTellsOfEveryChange) {
 TEST(ElementList, MayHoldAnElementTwiceWhenItDoesNotOwnIt) {
   std::deque<TestElement> elements(100);
   ElementList* list = nullptr;
-  for (TestElement& element : elements) ElementList::append(list, &element, false);
+  for (TestElement& element : elements) ElementList::append(list, *sBlocks, &element, false);
   EXPECT_EQ(list->positionOf(&elements[40], false), 40u);
-  ElementList::append(list, &elements[40], false);
+  ElementList::append(list, *sBlocks, &elements[40], false);
   EXPECT_TRUE(list->erase(&elements[40], false));
   EXPECT_EQ(list->positionOf(&elements[40], false), 99u);
   EXPECT_TRUE(list->erase(&elements[40], false));
@@ -178,9 +180,9 @@ TEST(ElementList, RoomCanBeMadeFirst) {
   ElementList* list = nullptr;
   TestElement element;
   for (int i = 0; i < 100; ++i) {
-    ElementList::reserveOne(list);
+    ElementList::reserveOne(list, *sBlocks);
     ElementList const* const before = list;
-    ElementList::insert(list, 0, &element, false);
+    ElementList::insert(list, *sBlocks, 0, &element, false);
     EXPECT_EQ(list, before) << "a list with room stays where it is";
   }
   ElementList::destroy(list);
@@ -191,14 +193,14 @@ template <class Order>
 double stepsForEachErase(std::uint32_t aCount, bool aOwning, Order aOrder) {
   std::vector<TestElement> elements(aCount);
   ElementList* list = nullptr;
-  for (TestElement& element : elements) ElementList::append(list, &element, aOwning);
+  for (TestElement& element : elements) ElementList::append(list, *sBlocks, &element, aOwning);
   std::vector<Element*> order;
   for (TestElement& element : elements) order.push_back(&element);
   aOrder(order);
   order.resize(aCount / 2);
-  std::uint64_t const before = ElementList::steps();
+  std::uint32_t const before = list->steps();
   for (Element* const element : order) EXPECT_TRUE(list->erase(element, aOwning));
-  double const steps = static_cast<double>(ElementList::steps() - before);
+  double const steps = static_cast<double>(list->steps() - before);
   ElementList::destroy(list);
   return steps / (aCount / 2);
 }
@@ -224,9 +226,9 @@ TEST_P(Lists, PositionsBetweenErasesKeepLookupsShort) {
   int renewals = 0;
   for (int round = 0; round < kRounds; ++round) {
     Element* const element = pair.list()->at(pair.size() / 2);
-    std::uint64_t const before = ElementList::steps();
+    std::uint32_t const before = pair.list()->steps();
     EXPECT_TRUE(pair.list()->contains(element, GetParam()));
-    if (ElementList::steps() - before > 300) ++renewals;
+    if (pair.list()->steps() - before > 300) ++renewals;
     pair.erase(pair.size() / 2);
   }
   EXPECT_LE(renewals, kRounds / 200);

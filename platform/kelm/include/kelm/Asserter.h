@@ -22,12 +22,13 @@ class UMLMM_API Exception : public std::exception {
 template <class E>
 class AsserterEx;
 
-/// Formats a failure's message into one static buffer and hands it to a reporter. A check is written in one
+/// Formats a failure's message into the thread's buffer and hands it to a reporter. A check is written in one
 /// form everywhere: test the condition inline; only if it fails, make a reporter and call `handle` on it.
 class UMLMM_API Asserter {
  public:
   static constexpr int kLogBufSize = 4097;
-  static char fLogBuf[kLogBufSize];
+  /// The last message; each thread has its own.
+  static constinit thread_local char fLogBuf[kLogBufSize];
 
   explicit Asserter(bool aCondition) noexcept;
   virtual ~Asserter();

@@ -18,22 +18,32 @@ struct Variant {
 /// The writability check of a deviant, and the switch that turns all such checks off.
 class UMLMM_API DeviantAssertions {
  public:
-  /// True from the start; tested before each check.
-  static bool sAssertionsEnabled;
-  /// Sets the switch and answers its old value.
+  /// True from the start; each thread has its own.
+  static constinit thread_local bool sAssertionsEnabled;
+  /// Sets the thread's switch and answers its old value.
   static bool enableAssertions(bool aEnabled) noexcept;
 
   /// Raises when the object may not be written through this deviant. The object may be null. No variant and
   /// value words pass.
   void internal_assertWritable(NSInterface::ObjectIntf const*) const {
-    Variant const* const variant = (fWord & 1) != 0 ? nullptr : reinterpret_cast<Variant const*>(fWord);
-    if (variant != nullptr && variant->fReadOnly) [[unlikely]]
+    if (isReadOnly()) [[unlikely]]
       raiseReadOnly();
+  }
+  /// The check that comes before each change: the same, if the switch is on. The switch is asked for last, as
+  /// a thread's own variable costs more to read than the variant.
+  void assertWritable(NSInterface::ObjectIntf const* aObject) const {
+    if (isReadOnly() && sAssertionsEnabled) [[unlikely]]
+      internal_assertWritable(aObject);
   }
 
  protected:
   constexpr explicit DeviantAssertions(std::uintptr_t aWord) noexcept : fWord(aWord) {}
   [[noreturn]] static void raiseReadOnly();
+
+  bool isReadOnly() const noexcept {
+    Variant const* const variant = (fWord & 1) != 0 ? nullptr : reinterpret_cast<Variant const*>(fWord);
+    return variant != nullptr && variant->fReadOnly;
+  }
 
   /// Null, the address of a Variant, or a value word (lowest bit set) that is never followed.
   std::uintptr_t fWord;

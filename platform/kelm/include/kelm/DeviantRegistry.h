@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <utility>
 
@@ -17,11 +18,11 @@ struct IdRecord : lum::HostWord {
   IdRecord* fNext;
   bool fImmutable;
   /// The lock of (object, deviant): set, no id of the pair may write.
-  bool fLocked;
+  std::atomic<bool> fLocked;
 };
 
 /// Gives every object in a variant, seen changeable or read-only, one opaque id, and the way back. An id is
-/// the address of its record with the lowest bit set.
+/// the address of its record with the lowest bit set. The registry serves all threads.
 class UMLMM_API DeviantRegistry {
  public:
   /// Equal for equal arguments as long as the object lives. A null object is allowed: it has one permanent id
@@ -29,7 +30,7 @@ class UMLMM_API DeviantRegistry {
   static void* getId(ReferenceCountingIntf* aObject, Deviant aDeviant, bool aIsImmutable);
   /// The id of these arguments if there is one by now, or null.
   static void* findId(ReferenceCountingIntf const& aObject, Deviant aDeviant, bool aIsImmutable) noexcept {
-    for (IdRecord* record = aObject.fIds; record != nullptr; record = record->fNext)
+    for (IdRecord* record = first(aObject); record != nullptr; record = record->fNext)
       if (record->fDeviant == aDeviant && record->fImmutable == aIsImmutable) return lum::tagId(record);
     return nullptr;
   }
@@ -42,7 +43,7 @@ class UMLMM_API DeviantRegistry {
   /// Whether no write may go through the id; false for a null id.
   static bool isImmutable(void const* aId) noexcept {
     IdRecord const* const record = recordOf(aId);
-    return record != nullptr && (record->fImmutable || record->fLocked);
+    return record != nullptr && (record->fImmutable || record->fLocked.load(std::memory_order_relaxed));
   }
   /// Locks or unlocks the object of `aView` in its deviant. Read-only ids stay read-only.
   static void setIsImmutable(ImmutableObject const& aView, bool aIsImmutable);
@@ -53,6 +54,10 @@ class UMLMM_API DeviantRegistry {
   static std::size_t liveRecords() noexcept;
 
  private:
+  static IdRecord* first(ReferenceCountingIntf const& aObject) noexcept {
+    return aObject.fIds.load(std::memory_order_acquire);
+  }
+  static bool addTo(ReferenceCountingIntf const& aObject, IdRecord& aRecord) noexcept;
   static IdRecord* recordOf(void const* aId) noexcept {
     return lum::isTaggedId(aId) ? static_cast<IdRecord*>(lum::hostWordOf(aId)) : nullptr;
   }

@@ -4,6 +4,7 @@
 #include <memory>
 #include <span>
 
+#include "kelm/blocks.h"
 #include "kelm/fwd.h"
 #include "lum/visibility.h"
 
@@ -23,12 +24,13 @@ class UMLMM_API ElementList {
   using Element = NSInterface::ModelElementIntf;
   static constexpr std::uint32_t kNotFound = UINT32_MAX;
 
-  /// `aOwning`: the hints stand in the elements.
-  static void append(ElementList*& aList, Element* aElement, bool aOwning);
+  /// `aBlocks`: of the elements' model. `aOwning`: the hints stand in the elements.
+  static void append(ElementList*& aList, Blocks& aBlocks, Element* aElement, bool aOwning);
   /// Puts the element before position `aPosition` (0-based among the elements; at most size).
-  static void insert(ElementList*& aList, std::uint32_t aPosition, Element* aElement, bool aOwning);
+  static void insert(ElementList*& aList, Blocks& aBlocks, std::uint32_t aPosition, Element* aElement,
+                     bool aOwning);
   /// Makes room for one more element, so that the next append or insert can't fail.
-  static void reserveOne(ElementList*& aList);
+  static void reserveOne(ElementList*& aList, Blocks& aBlocks);
   static void destroy(ElementList* aList) noexcept;
   static std::uint32_t size(ElementList const* aList) noexcept { return aList ? aList->fLive : 0; }
 
@@ -60,8 +62,8 @@ class UMLMM_API ElementList {
   /// Counts what moves entries, closing of holes included, for iterators.
   std::uint32_t stamp() const noexcept { return fStamp; }
 
-  /// Entries looked at or moved by all lists so far, for the check of costs.
-  static std::uint64_t steps() noexcept;
+  /// Entries looked at or moved so far, for the check of costs.
+  std::uint32_t steps() const noexcept { return fSteps; }
 
   /// The live sequence that shows the list, once somebody asked for it; deleted with the list.
   Generic::SequenceIntf* fProxy = nullptr;
@@ -72,8 +74,8 @@ class UMLMM_API ElementList {
   explicit ElementList(std::uint32_t aCapacity) noexcept;
   ~ElementList();
   static std::size_t bytesFor(std::uint32_t aCapacity) noexcept;
-  static ElementList* allocate(std::uint32_t aCapacity);
-  static ElementList* grown(ElementList* aList);
+  static ElementList* allocate(Blocks& aBlocks, std::uint32_t aCapacity);
+  static ElementList* grown(ElementList* aList, Blocks& aBlocks);
   void put(std::uint32_t aEntry, Element* aElement, bool aOwning);
   void closeHoles() noexcept;
   void closeFront() noexcept;
@@ -95,6 +97,7 @@ class UMLMM_API ElementList {
   /// Upper bound of how far an entry can stand from its hint.
   std::uint32_t fDrift = 0;
   std::uint32_t fLive = 0;
+  mutable std::uint32_t fSteps = 0;
   // What every walk reads lies beside the first entries.
   /// Entries before it are holes that were trimmed off, so that a list can be emptied from the front.
   std::uint32_t fBegin = 0;

@@ -69,7 +69,7 @@ class Handle {
   /// The same for a change: also raises when the variant can't be written.
   Intf* writable(char const* aSource, int aLine = std::source_location::current().line()) const {
     checked(aSource, aLine);
-    if (DeviantAssertions::sAssertionsEnabled) fDeviant.internal_assertWritable(fImpl);
+    fDeviant.assertWritable(fImpl);
     return const_cast<Intf*>(fImpl);
   }
 

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <map>
+#include <mutex>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -10,13 +11,16 @@
 
 namespace Kelm {
 
-/// The process-wide table of models by uri. It holds one count on each bound model.
+/// The process-wide table of models by uri. It holds one count on each bound model. It serves all threads; a
+/// model that was found belongs to the thread that uses it all the same.
 class UMLMM_API ModelCache {
  public:
   /// Base name of new models.
   static std::u16string const UNTITLED;
 
   static ModelCache& instance();
+  /// Keeps other threads out until it goes, for as long as an available uri must stay available.
+  [[nodiscard]] std::unique_lock<std::recursive_mutex> guard() const { return std::unique_lock(fGuard); }
   /// `aBase` if no bound model has it, else `aBase` followed by the first free number from 1.
   std::u16string getNextAvailableModelUri(std::u16string const& aBase) const;
   /// Raises when another model is bound to the uri. A model has one uri here: a new one replaces the old.
@@ -25,13 +29,14 @@ class UMLMM_API ModelCache {
   void unbindModel(ModelObject const& aModel) noexcept;
   /// A null model if the uri is not bound.
   Model findModel(std::u16string const& aUri) const;
-  bool isBound(ModelObject const& aModel) const noexcept { return fUris.contains(&aModel); }
-  std::size_t size() const noexcept { return fModels.size(); }
+  bool isBound(ModelObject const& aModel) const noexcept;
+  std::size_t size() const noexcept;
 
  private:
   ModelCache() = default;
   void forgetNumber(std::u16string_view aUri) const noexcept;
 
+  mutable std::recursive_mutex fGuard;
   std::map<std::u16string, Model> fModels;
   std::unordered_map<NSInterface::ModelIntf const*, std::u16string> fUris;
   // By base name, the number up to which all uris are bound: opening many untitled models stays linear.

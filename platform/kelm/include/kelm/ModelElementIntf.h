@@ -88,7 +88,8 @@ class UMLMM_API ModelElementIntf : public ClassObjectIntf {
   /// Where the element stood last in the list that owns it.
   std::int32_t fHint = 0;
   std::uint32_t fFlags = 0;
-  /// Who refers to the element through features without a far end; zero for nobody.
+  /// Who refers to the element through features without a far end; zero for nobody. Once the element is gone,
+  /// what the metamodel keeps of it.
   std::uintptr_t fReferrers = 0;
 };
 

@@ -1,21 +1,54 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
+#include <utility>
 
 #include "kelm/ElementList.h"
 #include "kelm/Model.h"
+#include "kelm/blocks.h"
 
 namespace Kelm {
 
-/// What the metamodel keeps with a model, such as its index of reverse references.
+/// What the metamodel keeps with a model, such as its index of elements by metaclass.
 class UMLMM_API ModelCompanion {
  public:
   virtual ~ModelCompanion();
 };
 
+/// A link of a chain that starts in a model; the link's owner enters and leaves as it likes.
+class ModelLink {
+ public:
+  ModelLink() noexcept = default;
+  ModelLink(ModelLink const&) = delete;
+  ModelLink& operator=(ModelLink const&) = delete;
+
+  void enter(ModelLink*& aFirst) noexcept {
+    fNext = aFirst;
+    if (fNext != nullptr) fNext->fPlace = &fNext;
+    fPlace = &aFirst;
+    aFirst = this;
+  }
+  void leave() noexcept {
+    *fPlace = fNext;
+    if (fNext != nullptr) fNext->fPlace = fPlace;
+    fPlace = nullptr;
+  }
+  bool isLinked() const noexcept { return fPlace != nullptr; }
+
+ protected:
+  ~ModelLink() = default;
+
+ private:
+  /// What points at the link; null outside of a chain.
+  ModelLink** fPlace = nullptr;
+  ModelLink* fNext = nullptr;
+};
+
 /// A model. It owns its top-level elements; the rest are owned by their containers. It lives as long as a
 /// handle, a host object or the model cache counts it; when the last goes, or at `close`, its elements go
-/// too.
+/// too. All that belongs to a model is reached through it, so models in different threads don't meet, not
+/// even in a line of the cache.
 class UMLMM_API ModelObject final : public NSInterface::ModelIntf {
  public:
   ModelObject();
@@ -44,6 +77,8 @@ class UMLMM_API ModelObject final : public NSInterface::ModelIntf {
   /// Lets a top-level element go, without giving back its count.
   void removeRoot(NSInterface::ModelElementIntf* aElement);
   ElementList* roots() const noexcept { return fRoots; }
+  /// Memory for its elements and their lists.
+  Blocks& blocks() const noexcept { return *fBlocks; }
 
   /// Counts every change in the model, so that computed values know when they are stale.
   std::uint64_t revision() const noexcept { return fRevision; }
@@ -52,17 +87,27 @@ class UMLMM_API ModelObject final : public NSInterface::ModelIntf {
   ModelCompanion* companion() const noexcept { return fCompanion; }
   /// The model takes ownership and deletes the old one.
   void setCompanion(ModelCompanion* aCompanion) noexcept;
+  /// A second companion, which goes after all elements are dropped.
+  ModelCompanion* notes() const noexcept { return fNotes.get(); }
+  void setNotes(std::unique_ptr<ModelCompanion> aNotes) noexcept { fNotes = std::move(aNotes); }
+  /// A chain for the metamodel's use.
+  ModelLink*& links() noexcept { return fLinks; }
 
  private:
   ~ModelObject() override;
   void assertExists(Deviant const& aDeviant) const;
 
-  mutable std::int32_t fCount = 0;
+  static constexpr std::size_t kCacheLine = 64;
+
+  alignas(kCacheLine) mutable std::int32_t fCount = 0;
   std::uint64_t fRevision = 1;
   Variant* fBase;
   Variant* fReadOnly = nullptr;
   ElementList* fRoots = nullptr;
+  Blocks::Owner fBlocks = Blocks::make();
   ModelCompanion* fCompanion = nullptr;
+  std::unique_ptr<ModelCompanion> fNotes;
+  ModelLink* fLinks = nullptr;
   String fUri;
 };
 

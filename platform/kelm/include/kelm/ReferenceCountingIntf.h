@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <vector>
 
 #include "kelm/fwd.h"
@@ -18,8 +19,9 @@ class UMLMM_API Cleanup {
   ~Cleanup() = default;
 };
 
-/// Base of everything that can be given an id. Counting is plain, not atomic: an object stays on one thread.
-/// Counts are taken through read-only handles too, so the counting operations are const.
+/// Base of everything that can be given an id. Counting is plain, not atomic: an object stays with its model
+/// on one thread at a time; those that all models share are immortal. Counts are taken through read-only
+/// handles too, so the counting operations are const.
 class UMLMM_API ReferenceCountingIntf : public Cleanup {
  public:
   ReferenceCountingIntf() noexcept = default;
@@ -40,7 +42,8 @@ class UMLMM_API ReferenceCountingIntf : public Cleanup {
 
  private:
   friend class DeviantRegistry;
-  mutable IdRecord* fIds = nullptr;
+  /// Atomic for the sake of immortal objects, which get ids from any thread and keep them.
+  mutable std::atomic<IdRecord*> fIds = nullptr;
 
  public:
   /// Set once the object has an id in the registry.

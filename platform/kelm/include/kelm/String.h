@@ -6,20 +6,22 @@
 #include <string_view>
 
 #include "kelm/Object.h"
+#include "kelm/threads.h"
 
 namespace Kelm {
 
 /// An immutable, counted UTF-16 text: what a string slot holds, and how a string travels as an object.
-/// The text follows the record and is zero-terminated.
+/// The text follows the record and is zero-terminated. Models and threads may share it; the empty text, which
+/// all of them do, is immortal and not counted.
 class UMLMM_API StringObject final : public NSInterface::ObjectIntf {
  public:
-  /// A new text with one count; the shared empty text for no characters.
+  /// A new text with one count; the one empty text for no characters.
   static StringObject* make(std::u16string_view aText);
   static StringObject* empty() noexcept;
 
-  int incRef() const override { return ++fCount; }
+  int incRef() const override { return fLength == 0 ? 1 : addToSharedCount(fCount, 1); }
   int decRef() const override;
-  int numRef() const override { return fCount; }
+  int numRef() const override { return std::atomic_ref(fCount).load(std::memory_order_relaxed); }
   char const* getVeskName(bool aImmutable) const override;
   bool deviant_isValid(Deviant) const override { return true; }
 
