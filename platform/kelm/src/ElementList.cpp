@@ -4,6 +4,7 @@
 #include <cstring>
 #include <new>
 #include <utility>
+#include <vector>
 
 #include "kelm/Generic.h"
 #include "kelm/ModelElementIntf.h"
@@ -181,21 +182,22 @@ std::uint32_t ElementList::positionOf(Element const* aElement, bool aOwning) {
   return entry - fBegin;
 }
 
-void ElementList::move(std::uint32_t aFrom, std::uint32_t aTo, bool aOwning) {
-  if (aFrom == aTo) return;
+void ElementList::rearrange(std::span<int const> aFrom, std::span<int const> aTo, bool aOwning) {
   closeHoles();
-  Element** const first = items() + fBegin;
-  if (aFrom < aTo)
-    std::rotate(first + aFrom, first + aFrom + 1, first + aTo + 1);
-  else
-    std::rotate(first + aTo, first + aFrom, first + aFrom + 1);
-  sSteps += aFrom < aTo ? aTo - aFrom : aFrom - aTo;
-  ++fDrift;
+  std::vector<Element*> moving;
+  moving.reserve(aFrom.size());
+  for (int const from : aFrom) moving.push_back(begin()[from]);
+  for (std::size_t i = 0; i < aTo.size(); ++i) {
+    std::uint32_t const entry = fBegin + static_cast<std::uint32_t>(aTo[i]);
+    items()[entry] = moving[i];
+    if (aOwning)
+      setHint(moving[i], entry, true);
+    else if (fHints != nullptr)
+      fHints->fEntries.assign(moving[i], entry);
+  }
+  if (aTo.size() == fLive) fDrift = 0;
+  sSteps += aTo.size();
   ++fStamp;
-  if (aOwning)
-    setHint(first[aTo], fBegin + aTo, true);
-  else if (fHints != nullptr)
-    fHints->fEntries.assign(first[aTo], fBegin + aTo);
 }
 
 void ElementList::reorder(std::span<Element* const> aOrder, bool aOwning) {
