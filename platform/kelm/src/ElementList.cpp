@@ -1,6 +1,7 @@
 #include "kelm/ElementList.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <new>
 #include <utility>
@@ -187,15 +188,19 @@ void ElementList::rearrange(std::span<int const> aFrom, std::span<int const> aTo
   std::vector<Element*> moving;
   moving.reserve(aFrom.size());
   for (int const from : aFrom) moving.push_back(begin()[from]);
+  bool shifted = false;
   for (std::size_t i = 0; i < aTo.size(); ++i) {
     std::uint32_t const entry = fBegin + static_cast<std::uint32_t>(aTo[i]);
     items()[entry] = moving[i];
-    if (aOwning)
+    // Mostly one moves far and many make way: these keep their hints, and their memory is left alone.
+    if (std::abs(aTo[i] - aFrom[i]) == 1)
+      shifted = true;
+    else if (aOwning)
       setHint(moving[i], entry, true);
     else if (fHints != nullptr)
       fHints->fEntries.assign(moving[i], entry);
   }
-  if (aTo.size() == fLive) fDrift = 0;
+  if (shifted) ++fDrift;
   sSteps += aTo.size();
   ++fStamp;
 }

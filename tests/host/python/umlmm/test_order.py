@@ -1,5 +1,6 @@
 """The order of lists, what goes into them, and whose they are: what scripts do with lists beyond reading."""
 
+import functools
 import random
 
 import pytest
@@ -139,11 +140,10 @@ def test_a_sort_that_fails_changes_nothing(filled):
     with pytest.raises(ValueError, match="changed while it was sorted"):
         sequence.sort(key=change)
     assert sequence == []
-    for wrong in (lambda: sequence.sort(key), lambda: sequence.move(0), lambda: sequence.swap(0, "1")):
-        with pytest.raises(TypeError):
+    for wrong, error in ((lambda: sequence.sort(key), TypeError), (lambda: sequence.move(0), TypeError),
+                         (lambda: sequence.swap(0, "1"), TypeError), (lambda: sequence.move(0, 0), IndexError)):
+        with pytest.raises(error):
             wrong()
-    with pytest.raises(IndexError):
-        sequence.move(0, 0)
 
 
 def test_the_order_of_what_cannot_be_written_stays(model):
@@ -156,26 +156,20 @@ def test_the_order_of_what_cannot_be_written_stays(model):
             change(view.ownedAttribute)
 
 
-# --- receivers
+# --- what goes in, and into what
 
-@pytest.mark.parametrize("method, arguments", [
-    ("append", []), ("push_back", []), ("push_front", []), ("insert", [1]), ("replace", [1]), ("removeAll", [])])
-@pytest.mark.parametrize("above", [umlmm.SequenceOfClassifier, umlmm.SequenceOfElement, umlmm.Kelm.SequenceOfClassObject])
+@pytest.mark.parametrize("above", [umlmm.SequenceOfClassifier, umlmm.Kelm.SequenceOfClassObject])
 @pytest.mark.parametrize("make", [umlmm.SequenceOfClass.make, umlmm.SequenceOfClass.makeUnique])
-def test_the_class_of_the_receiver_decides_what_goes_in(model, make, above, method, arguments):
+def test_the_class_of_the_receiver_decides_what_goes_in(model, make, above):
     classes, own, other = make(model), umlmm.Class(model), umlmm.DataType(model)
     classes.append(own)
-    call = getattr(above, method)
-    if method == "removeAll":
-        assert call(classes, *arguments, other) == 0
-    else:
+    for name, *arguments in (("append",), ("push_back",), ("push_front",), ("insert", 1), ("replace", 1),
+                             ("insert", above.begin(classes))):
         with pytest.raises(umlmm.Kelm.Error, match="not of type 'umlmm.Class'"):
-            call(classes, *arguments, other)
-        with pytest.raises(umlmm.Kelm.Error, match="not of type 'umlmm.Class'"):
-            above.insert(classes, above.begin(classes), other)
-        call(classes, *arguments, umlmm.AssociationClass(model))
-    assert own in classes or method == "replace"
-    assert all(isinstance(element, umlmm.Class) for element in classes)
+            getattr(above, name)(classes, *arguments, other)
+    assert classes == [own] and above.removeAll(classes, other) == 0
+    above.append(classes, umlmm.AssociationClass(model))
+    assert len(classes) == 2
 
 
 def test_a_receiver_is_never_converted(model):
@@ -184,16 +178,12 @@ def test_a_receiver_is_never_converted(model):
     for receiver in (text.asImmutable().body, ["a"], ("a",), "a", umlmm.Class(model)):
         with pytest.raises(TypeError, match="The first argument is the object itself, of class 'umlmm.SequenceOfString'"):
             umlmm.SequenceOfString.append(receiver, "q")
-    with pytest.raises(TypeError, match="the object itself"):
-        umlmm.ImmutableSequenceOfString.size(["a"])
     for nothing in (None, [], ()):
         with pytest.raises(umlmm.Kelm.Error, match="Cannot access NULL sequence"):
             umlmm.SequenceOfString.append(nothing, "x")
         assert umlmm.Class.isvalid(nothing) is False
     assert umlmm.ImmutableSequenceOfString.at(text.body, 1) == "a" and text.body == ["a"]
 
-
-# --- read-only views as values
 
 def test_lists_of_features_take_views(model):
     owner, values = umlmm.Class(model), [umlmm.Property(model) for _ in range(7)]
@@ -208,23 +198,21 @@ def test_lists_of_features_take_views(model):
     assert attributes == [values[6], values[4], values[5], values[1], values[2], values[0]]
     assert all(type(value) is umlmm.Property and value.class_ is owner for value in attributes)
     owner.ownedAttribute = views
-    assert attributes == values
     values[0].type = owner.asImmutable()
-    assert values[0].type is owner
+    assert attributes == values and values[0].type is owner
 
 
-def test_published_methods_name_the_way_from_a_view(model):
-    owner, free = umlmm.Class(model), umlmm.SequenceOfProperty.make(model)
+def test_what_refuses_a_view_names_the_way_from_it(model):
+    attributes, free = umlmm.Class(model).ownedAttribute, umlmm.SequenceOfProperty.make(model)
     view = umlmm.Property(model).asImmutable()
-    attributes = owner.ownedAttribute
+    actions = [lambda: free.extend([view]), lambda: free.__iadd__([view]), lambda: assign(free, slice(0, 0), [view]),
+               lambda: umlmm.SequenceOfElement.append(attributes, view),
+               lambda: umlmm.Generalization(model, umlmm.Class(model).asImmutable())]
     for sequence in (attributes, free):
-        for method, arguments in (("append", []), ("push_back", []), ("push_front", []), ("insert", [1]), ("replace", [1]),
-                                  ("removeAll", []), ("insert", [sequence.begin()])):
-            with pytest.raises(TypeError, match=r"read-only view.*asMutable\(\)"):
-                getattr(sequence, method)(*arguments, view)
-    for change in (lambda: free.extend([view]), lambda: free.__iadd__([view]), lambda: assign(free, slice(0, 0), [view]),
-                   lambda: umlmm.SequenceOfElement.append(attributes, view), lambda: owner.createOwnedAttribute(view)
-                   if hasattr(owner, "createOwnedAttribute") else free.append(view)):
-        with pytest.raises(TypeError, match=r"asMutable\(\)"):
-            change()
+        for name, *arguments in (("append",), ("push_back",), ("push_front",), ("insert", 1), ("replace", 1),
+                                 ("removeAll",), ("insert", sequence.begin())):
+            actions.append(functools.partial(getattr(sequence, name), *arguments, view))
+    for action in actions:
+        with pytest.raises(TypeError, match=r"asMutable\(\).*read-only view|read-only view.*asMutable\(\)"):
+            action()
     assert not free and not attributes
