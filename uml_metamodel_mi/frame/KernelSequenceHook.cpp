@@ -11,7 +11,7 @@ namespace Kelm::mi {
 namespace {
 
 struct Found {
-  Generic::SequenceIntf const& fSequence;
+  Generic::SequenceIntf& fSequence;
   Deviant fDeviant;
 };
 
@@ -21,7 +21,7 @@ Found sequenceOf(vesk::VeskInterface* aInstance) {
       unboxInstance(*aInstance, {}, tagPair<Generic::SequenceIntf, VisitationDomain>());
   if (found.fInterface == nullptr)
     raiseFailure(words::kNullSequence, "kelm/kernel/containers/sequence/SequenceRef");
-  return {*static_cast<Generic::SequenceIntf const*>(found.fInterface), found.fDeviant};
+  return {*static_cast<Generic::SequenceIntf*>(found.fInterface), found.fDeviant};
 }
 
 }  // namespace
@@ -54,6 +54,26 @@ std::size_t KernelSequenceHook::find(vesk::VeskInterface* aSequence, vesk::VeskV
   auto const [sequence, deviant] = sequenceOf(aSequence);
   int const index = search(sequence, deviant, aValue, static_cast<int>(aFirst));
   return index < 0 || static_cast<std::size_t>(index) >= aLast ? kNotFound : static_cast<std::size_t>(index);
+}
+
+void KernelSequenceHook::rearrange(vesk::VeskInterface* aSequence, std::span<int const> aFrom,
+                                   std::span<int const> aTo) const {
+  auto const [sequence, deviant] = sequenceOf(aSequence);
+  sequence.generic_rearrange(deviant, aFrom, aTo);
+}
+
+void KernelSequenceHook::assign(vesk::VeskInterface* aSequence, vesk::VeskInterface* aValues) const {
+  auto const [sequence, deviant] = sequenceOf(aSequence);
+  bool isDone = false;
+  sequence.specialized_assign(&sequenceOf(aValues).fSequence, deviant, isDone);
+}
+
+bool KernelSequenceHook::isUnique(vesk::VeskInterface* aSequence) const {
+  return sequenceOf(aSequence).fSequence.isUnique();
+}
+
+bool KernelSequenceHook::isLive(vesk::VeskInterface* aSequence) const {
+  return sequenceOf(aSequence).fSequence.isLive();
 }
 
 }  // namespace Kelm::mi

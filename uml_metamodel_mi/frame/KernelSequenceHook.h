@@ -18,6 +18,11 @@ class KernelSequenceHook : public vesk::SequenceHook {
                         vesk::VeskValue* aValues, std::uint64_t& aStamp) const final;
   std::size_t find(vesk::VeskInterface* aSequence, vesk::VeskValue aValue, std::size_t aFirst,
                    std::size_t aLast) const final;
+  void rearrange(vesk::VeskInterface* aSequence, std::span<int const> aFrom,
+                 std::span<int const> aTo) const final;
+  void assign(vesk::VeskInterface* aSequence, vesk::VeskInterface* aValues) const final;
+  bool isUnique(vesk::VeskInterface* aSequence) const final;
+  bool isLive(vesk::VeskInterface* aSequence) const final;
 
  protected:
   /// Boxes at most a block of lent values; when one fails, none is given. Must let no foreign code run before

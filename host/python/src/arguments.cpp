@@ -291,6 +291,15 @@ bool convertAtOnce(PyObject* object, host::Type const& wanted, VeskValue& value)
   }
 }
 
+bool isViewOf(PyObject* object, host::Type const& wanted) {
+  if (!wanted.isClass() || !isInstance(object)) return false;
+  ClassRecord& cls = instanceOf(object).classRecord();
+  host::Member const* member = cls.findMember(internal::interned<"asMutable">());
+  if (!member || member->fProperty || cls.distanceTo(classOf(wanted)) >= 0) return false;
+  host::Type& changeable = member->fMethods.front()->resultType();
+  return changeable.isClass() && classOf(changeable).distanceTo(classOf(wanted)) >= 0;
+}
+
 std::string acceptedValues(host::Type const& wanted) {
   switch (wanted.fCarrier) {
     case Carrier::Void:
@@ -317,6 +326,25 @@ std::string acceptedValues(host::Type const& wanted) {
     return "a list of " + std::string(hook->elementType()) + " or None";
   if (isEnumeration(cls)) return "one of " + literalNames(cls) + " of " + std::string(cls.fName.view());
   return std::string(cls.fName.view()) + " or None";
+}
+
+int Arguments::receiverCost(int index, ClassRecord const& wanted) {
+  PyObject* object = fObjects[index];
+  int const cost = python::conversionCost(object, wanted);
+  // Other costs of a list are those of a new one with the same items.
+  bool const isItself = isInstance(object) && instanceOf(object).classRecord().distanceTo(wanted) >= 0;
+  return isItself || isEmpty(object) || !wanted.info().getSequenceHook() ? cost : cost::kNone;
+}
+
+std::string Arguments::remedy(int index, host::Type const& wanted) {
+  PyObject* object = fObjects[index];
+  if (isViewOf(object, wanted))
+    return describe(index) + " is a read-only view; asMutable() gives the object that is accepted";
+  if (!isListOrTuple(object) || !allItems(object, [&](PyObject* item) {
+        return isViewOf(item, wanted) || python::conversionCost(item, wanted) >= 0;
+      }))
+    return {};
+  return "The list holds read-only views; asMutable() of each gives an object that is accepted";
 }
 
 std::string Arguments::describe(int index) {

@@ -18,6 +18,9 @@ namespace vesk::python {
 /// for one that has to be looked at more closely. Throws only for want of memory.
 [[nodiscard]] bool convertAtOnce(PyObject* object, host::Type const& wanted, VeskValue& value);
 
+/// Whether an object is a read-only view of a `wanted`, which its published `asMutable` gives.
+[[nodiscard]] bool isViewOf(PyObject* object, host::Type const& wanted);
+
 /// What a type takes, for messages: "a str", "an umlmm.Class or None".
 [[nodiscard]] std::string acceptedValues(host::Type const& wanted);
 
@@ -29,10 +32,12 @@ class Arguments final : public host::ArgumentSource {
   int conversionCost(int index, host::Type const& wanted) override {
     return python::conversionCost(fObjects[index], wanted);
   }
+  int receiverCost(int index, host::ClassRecord const& wanted) override;
   VeskValue convert(int index, host::Type const& wanted) override {
     return python::convert(fObjects[index], wanted);
   }
   std::string describe(int index) override;
+  std::string remedy(int index, host::Type const& wanted) override;
 
  private:
   PyObject* const* fObjects;

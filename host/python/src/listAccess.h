@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 #include "python.h"
@@ -21,6 +22,11 @@ namespace vesk::python {
 /// The place of the first element equal to `value` in [first, last); ValueError if there is none.
 [[nodiscard]] Py_ssize_t placeOfValue(PyObject* list, PyObject* value, Py_ssize_t first, Py_ssize_t last);
 
+/// The same by what the list itself tells apart; -1 if there is none. The list takes the value.
+[[nodiscard]] Py_ssize_t placeHeld(PyObject* list, PyObject* value);
+/// The state of the list: another one after each change.
+[[nodiscard]] std::uint64_t stateOf(PyObject* list);
+
 struct Slice {
   Py_ssize_t fStart, fStop, fStep, fCount;
 };
@@ -30,13 +36,36 @@ struct Slice {
 
 /// Appends by the published method.
 void appendTo(PyObject* list, PyObject* value);
+/// Replaces the element at a place by the published method.
+void replaceAt(PyObject* list, Py_ssize_t place, PyObject* value);
 /// Sets the slots and methods by which a list is changed.
 void prepareListChanges(PyTypeObject& type);
+
+// --- order
+
+/// Whether the list refuses an element that it holds.
+[[nodiscard]] bool isUnique(PyObject* list);
+/// Puts a value that the list takes to a place. A unique list that holds it elsewhere raises ValueError.
+void assignAt(PyObject* list, Py_ssize_t place, PyObject* value);
+/// Puts the elements of a range into another order, if that is what the values are; answers whether.
+[[nodiscard]] bool assignOrder(PyObject* list, Slice const& range, PyObject* values);
+/// Puts values into the place of a range, for unique lists: a value that stays is not taken out in between.
+/// All or nothing; ValueError for a value that would stand twice.
+void assignUnique(PyObject* list, Slice const& range, PyObject* values);
+
+PyObject* moveItem(PyObject* self, PyObject* const* arguments, Py_ssize_t count);
+PyObject* swapItems(PyObject* self, PyObject* const* arguments, Py_ssize_t count);
+PyObject* reverseItems(PyObject* self, PyObject*);
+PyObject* sortItems(PyObject* self, PyObject* arguments, PyObject* keywords);
 
 /// A function in the form in which Python's tables hold those that take their arguments as an array.
 template <class Function>
 [[nodiscard]] PyCFunction asFastCall(Function function) noexcept {
   return reinterpret_cast<PyCFunction>(reinterpret_cast<void (*)()>(function));
+}
+
+[[nodiscard]] inline PyCFunction asKeywordCall(PyCFunctionWithKeywords function) noexcept {
+  return asFastCall(function);
 }
 
 }  // namespace vesk::python

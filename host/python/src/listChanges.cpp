@@ -26,24 +26,28 @@ void insertAt(PyObject* self, Py_ssize_t place, PyObject* value) {
   PyObject* const arguments[] = {index.get(), value};
   callPublished(self, internal::interned<"insert">(), arguments, 2);
 }
-void replaceAt(PyObject* self, Py_ssize_t place, PyObject* value) {
-  Ref const index = pythonIndex(place);
-  PyObject* const arguments[] = {index.get(), value};
-  callPublished(self, internal::interned<"replace">(), arguments, 2);
-}
-
-/// Refuses a value that the list does not take, before anything is changed.
-void checkElement(PyObject* self, PyObject* value) {
-  if (accepts(self, internal::interned<"append">(), &value, 1)) return;
+/// The value as the list takes it. The list of a property takes a read-only view as the property does: for
+/// what it shows. Any other value is refused, before anything is changed.
+Ref elementFor(PyObject* self, PyObject* value) {
+  if (accepts(self, internal::interned<"append">(), &value, 1))  // a plain str runs no code of scripts
+    return PyUnicode_Check(value) ? Ref::checked(PyUnicode_FromObject(value)) : Ref::shared(value);
+  PyInstance& instance = instanceOf(self);
+  ClassFront& front = frontOf(instance);
+  bool const isView = isViewOf(value, front.elementType());
+  if (isView && front.fSequence->isLive(&instance))
+    return callPublished(value, internal::interned<"asMutable">(), nullptr, 0);
   raise(PyExc_TypeError, listClassName(self) + " does not take " + shortRepr(value) + ": " +
-                             acceptedValues(frontOf(instanceOf(self)).elementType()) + " is expected");
+                             acceptedValues(front.elementType()) + " is expected" +
+                             (isView ? "; asMutable() of the read-only view gives one" : ""));
 }
 
 /// The values of any iterable, all of which the list takes.
 Ref elementsFor(PyObject* self, PyObject* iterable) {
   Ref values = Ref::checked(PySequence_List(iterable));
-  for (Py_ssize_t i = 0; i < PyList_GET_SIZE(values.get()); ++i)
-    checkElement(self, PyList_GET_ITEM(values.get(), i));
+  for (Py_ssize_t i = 0; i < PyList_GET_SIZE(values.get()); ++i) {
+    Ref const given = Ref::shared(PyList_GET_ITEM(values.get(), i));
+    checkedInt(PyList_SetItem(values.get(), i, elementFor(self, given.get()).release()));
+  }
   return values;
 }
 
@@ -82,10 +86,12 @@ void replaceRange(PyObject* self, Slice const& range, PyObject* values) {
 void assignSlice(PyObject* self, PyObject* slice, PyObject* iterable) {
   Ref const values = elementsFor(self, iterable);
   Slice const range = resolveSlice(self, slice);
-  if (range.fStep == 1) return replaceRange(self, range, values.get());
-  if (PyList_GET_SIZE(values.get()) != range.fCount)
+  if (assignOrder(self, range, values.get())) return;
+  if (range.fStep == 1 && !isUnique(self)) return replaceRange(self, range, values.get());
+  if (range.fStep != 1 && PyList_GET_SIZE(values.get()) != range.fCount)
     raise(PyExc_ValueError, "attempt to assign " + std::to_string(PyList_GET_SIZE(values.get())) +
                                 " values to an extended slice of " + std::to_string(range.fCount));
+  if (isUnique(self)) return assignUnique(self, range, values.get());
   for (Py_ssize_t i = 0; i < range.fCount; ++i)
     replaceAt(self, range.fStart + i * range.fStep, PyList_GET_ITEM(values.get(), i));
 }
@@ -109,8 +115,7 @@ int assignSubscript(PyObject* self, PyObject* key, PyObject* value) {
     if (!value) {
       eraseAt(self, place);
     } else {
-      checkElement(self, value);
-      replaceAt(self, place, value);
+      assignAt(self, place, elementFor(self, value).get());
     }
     return 0;
   });
@@ -148,27 +153,29 @@ PyObject* pop(PyObject* self, PyObject* const* arguments, Py_ssize_t count) {
   });
 }
 
-PyObject* reverse(PyObject* self, PyObject*) {
-  return guarded<PyObject*>(nullptr, [=] {
-    Ref const values = readAll(self);
-    checkedInt(PyList_Reverse(values.get()));
-    Py_ssize_t const size = PyList_GET_SIZE(values.get());
-    replaceRange(self, {0, size, 1, size}, values.get());
-    return Py_NewRef(Py_None);
-  });
-}
-
 PyMethodDef sMethods[] = {
     {"extend", extend, METH_O, "extend(iterable): appends all values, or none if one does not fit"},
     {"remove", removeValue, METH_O, "remove(value): removes the first element equal to the value"},
     {"pop", asFastCall(pop), METH_FASTCALL, "pop(index=-1) -> the element, removed; counted from 0"},
-    {"reverse", reverse, METH_NOARGS, "reverse(): turns the order round"},
+    {"move", asFastCall(moveItem), METH_FASTCALL,
+     "move(from, to): moves the element at one place to another, the others closing up; counted from 0"},
+    {"swap", asFastCall(swapItems), METH_FASTCALL,
+     "swap(i, j): lets the elements at two places change places; counted from 0"},
+    {"reverse", reverseItems, METH_NOARGS, "reverse(): turns the order round"},
+    {"sort", asKeywordCall(sortItems), METH_VARARGS | METH_KEYWORDS,
+     "sort(*, key=None, reverse=False): puts the elements into order, as Python's lists do"},
     {nullptr, nullptr, 0, nullptr}};
 
 PySequenceMethods sSequence{};
 PyMappingMethods sMapping{};
 
 }  // namespace
+
+void replaceAt(PyObject* self, Py_ssize_t place, PyObject* value) {
+  Ref const index = pythonIndex(place);
+  PyObject* const arguments[] = {index.get(), value};
+  callPublished(self, internal::interned<"replace">(), arguments, 2);
+}
 
 void appendTo(PyObject* self, PyObject* value) {
   callPublished(self, internal::interned<"append">(), &value, 1);

@@ -172,6 +172,20 @@ Py_ssize_t placeOfValue(PyObject* self, PyObject* value, Py_ssize_t first, Py_ss
   return place;
 }
 
+Py_ssize_t placeHeld(PyObject* self, PyObject* value) {
+  PyInstance& instance = instanceOf(self);
+  ClassFront& front = frontOf(instance);
+  host::OwnedValue const wanted(front.elementType(), convert(value, front.elementType()));
+  std::size_t const place = front.fSequence->find(&instance, wanted.value(), 0, SIZE_MAX);
+  return place == SequenceHook::kNotFound ? -1 : static_cast<Py_ssize_t>(place);
+}
+
+std::uint64_t stateOf(PyObject* list) {
+  std::uint64_t stamp = 0;
+  readBlock(list, 0, 0, nullptr, stamp);
+  return stamp;
+}
+
 namespace {
 
 Ref readSlice(PyObject* list, PyObject* slice) {
@@ -416,8 +430,8 @@ void prepareListTypes() {
   prepareBase(gChangeableListType, gListType, "umlmm._host.ChangeableList",
               "What published lists that can be changed can do.");
 
+  // Not a MutableSequence, whose `insert` counts from 0.
   registerAs("Sequence", gListType);
-  registerAs("MutableSequence", gChangeableListType);
 }
 
 }  // namespace vesk::python

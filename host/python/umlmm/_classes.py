@@ -84,7 +84,7 @@ class Class:
 
     @property
     def is_changeable_list(self):
-        return issubclass(self.python, collections.abc.MutableSequence)
+        return self.is_list and hasattr(self.python, "sort")
 
     @functools.cached_property
     def item(self):

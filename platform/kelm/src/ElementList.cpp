@@ -1,9 +1,11 @@
 #include "kelm/ElementList.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <cstring>
 #include <new>
 #include <utility>
+#include <vector>
 
 #include "kelm/Generic.h"
 #include "kelm/ModelElementIntf.h"
@@ -177,21 +179,26 @@ std::uint32_t ElementList::positionOf(Element const* aElement, bool aOwning) {
   return entry - fBegin;
 }
 
-void ElementList::move(std::uint32_t aFrom, std::uint32_t aTo, bool aOwning) {
-  if (aFrom == aTo) return;
+void ElementList::rearrange(std::span<int const> aFrom, std::span<int const> aTo, bool aOwning) {
   closeHoles();
-  Element** const first = items() + fBegin;
-  if (aFrom < aTo)
-    std::rotate(first + aFrom, first + aFrom + 1, first + aTo + 1);
-  else
-    std::rotate(first + aTo, first + aFrom, first + aFrom + 1);
-  fSteps += aFrom < aTo ? aTo - aFrom : aFrom - aTo;
-  ++fDrift;
+  std::vector<Element*> moving;
+  moving.reserve(aFrom.size());
+  for (int const from : aFrom) moving.push_back(begin()[from]);
+  bool shifted = false;
+  for (std::size_t i = 0; i < aTo.size(); ++i) {
+    std::uint32_t const entry = fBegin + static_cast<std::uint32_t>(aTo[i]);
+    items()[entry] = moving[i];
+    // Mostly one moves far and many make way: these keep their hints, and their memory is left alone.
+    if (std::abs(aTo[i] - aFrom[i]) == 1)
+      shifted = true;
+    else if (aOwning)
+      setHint(moving[i], entry, true);
+    else if (fHints != nullptr)
+      fHints->fEntries.assign(moving[i], entry);
+  }
+  if (shifted) ++fDrift;
+  fSteps += static_cast<std::uint32_t>(aTo.size());
   ++fStamp;
-  if (aOwning)
-    setHint(first[aTo], fBegin + aTo, true);
-  else if (fHints != nullptr)
-    fHints->fEntries.assign(first[aTo], fBegin + aTo);
 }
 
 void ElementList::reorder(std::span<Element* const> aOrder, bool aOwning) {

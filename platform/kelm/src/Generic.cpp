@@ -57,6 +57,20 @@ void SequenceIntf::specialized_assign(SequenceIntf const* aOther, Deviant const&
   aResult = true;
 }
 
+void SequenceIntf::generic_rearrange(Deviant const& aDeviant, std::span<int const> aFrom,
+                                     std::span<int const> aTo) {
+  auto const size = static_cast<std::size_t>(generic_size(aDeviant));
+  checkPlaces(aFrom, size);
+  checkPlaces(aTo, size);
+  std::vector<Ref> values;
+  for (std::size_t i = 0; i < size; ++i) values.push_back(generic_at(aDeviant, static_cast<int>(i)));
+  std::vector<Ref> order(values);
+  for (std::size_t i = 0; i < aTo.size(); ++i)
+    order[static_cast<std::size_t>(aTo[i])] = values[static_cast<std::size_t>(aFrom[i])];
+  generic_clear(aDeviant);
+  for (Ref& value : order) generic_push_back(aDeviant, std::move(value));
+}
+
 int SequenceIntf::indexOf(Deviant const& aDeviant, Ref const& aValue, int aFrom) const {
   std::array<Loan, kBlock> block;
   int read = kBlock;
@@ -66,6 +80,13 @@ int SequenceIntf::indexOf(Deviant const& aDeviant, Ref const& aValue, int aFrom)
       if (areEqual(aValue, block[static_cast<std::size_t>(i)])) return index + i;
   }
   return -1;
+}
+
+void SequenceIntf::checkPlaces(std::span<int const> aPlaces, std::size_t aSize) {
+  for (int const place : aPlaces) {
+    if (place < 0) raiseFailure(words::kIndexNotPositive, kSource);
+    if (static_cast<std::size_t>(place) >= aSize) raiseFailure(words::kIndexOutOfBounds, kSource);
+  }
 }
 
 int SequenceIntf::blockLength(int aIndex, int aCount, std::size_t aSize) {

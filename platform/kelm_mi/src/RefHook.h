@@ -11,6 +11,7 @@ class RefHook final : public KernelSequenceHook {
   explicit RefHook(RefClass const& aClass) noexcept : fClass(aClass) {}
 
   char const* elementType() const override { return fClass.fElement.c_str(); }
+  RefClass const& refClass() const noexcept { return fClass; }
 
  protected:
   void box(Generic::Loan const* aLoans, std::size_t aCount, vesk::VeskValue* aValues) const override;

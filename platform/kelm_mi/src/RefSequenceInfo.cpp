@@ -16,6 +16,7 @@
 #include "uml_metamodel_mi/frame/ElementClassInfo.h"
 #include "uml_metamodel_mi/frame/Unboxing.h"
 #include "uml_metamodel_mi/frame/addTypedMethod.h"
+#include "vesk/host/Instance.h"
 
 namespace Kelm::mi {
 
@@ -23,6 +24,8 @@ namespace {
 
 using vesk::VeskInterned;
 using vesk::VeskValue;
+
+constexpr char kSource[] = "kelm_mi/sequences/RefSequence";
 
 using Values = Sequence<Object>;
 using Position = Iterator<Object>;
@@ -42,8 +45,30 @@ Position position(RefCall const& aCall, int aArgument) {
 
 /// Scripts count from 1.
 int index(RefCall const& aCall) { return aCall.fArguments[1].int32() - 1; }
+
+/// The receiver's own class decides what goes in: the method may be that of a class further up.
+RefClass const& receiverClass(RefCall const& aCall) {
+  auto const* const receiver = vesk::host::Instance::fromArray(aCall.fArguments[0].array());
+  if (receiver == nullptr || receiver->classRecord().fName == aCall.fClass.fName) return aCall.fClass;
+  auto const* const hook = dynamic_cast<RefHook const*>(receiver->classRecord().info().getSequenceHook());
+  return hook == nullptr ? aCall.fClass : hook->refClass();
+}
 Object element(RefCall const& aCall, int aArgument) {
-  return aCall.fClass.unboxElement(aCall.fArguments[aArgument]);
+  return receiverClass(aCall).unboxElement(aCall.fArguments[aArgument]);
+}
+
+/// The list of a feature holds an element once. Raises when the element stands in it already, but outside of
+/// the indices from `aFirst` to `aLast`: that it stays there would go unnoticed.
+void checkStands(Values const& aValues, int aFirst, int aLast, Object const& aElement) {
+  if (aValues.isNull() || !aValues.get()->isLive()) return;
+  int const found =
+      aValues.get()->indexOf(aValues.getDeviant(), Generic::RefAccess<Object>::make(aElement), 0);
+  if (found < 0 || (found >= aFirst && found <= aLast)) return;
+  raiseFailure(("The element stands at " + std::to_string(found + 1) +
+                " of the list, which holds each once. move(from, to), swap(i, j) and an assignment of the "
+                "whole order, list[:] = order, give it another place; they count from 0")
+                   .c_str(),
+               kSource);
 }
 
 void giveElement(RefCall const& aCall, Object const& aElement) {
@@ -91,11 +116,17 @@ void insertPosition(RefCall const& aCall) {
 }
 void insertIndex(RefCall const& aCall) {
   Values const values = self(aCall);
-  values.insert(index(aCall), element(aCall, 2));
+  Object const value = element(aCall, 2);
+  int const at = index(aCall);
+  if (at >= 0 && at <= values.size()) checkStands(values, at - 1, at, value);
+  values.insert(at, value);
 }
 void replaceIndex(RefCall const& aCall) {
   Values const values = self(aCall);
-  values.replace(index(aCall), element(aCall, 2));
+  Object const value = element(aCall, 2);
+  int const at = index(aCall);
+  if (at >= 0 && at < values.size()) checkStands(values, at, at, value);
+  values.replace(at, value);
 }
 void back(RefCall const& aCall) { giveElement(aCall, self(aCall).back()); }
 void front(RefCall const& aCall) { giveElement(aCall, self(aCall).front()); }

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "engine/ElementRef.h"
+#include "engine/access.h"
 #include "engine/failures.h"
 #include "kelm/kernel/containers/iterator/IteratorProxy.h"
 #include "kelm/kernel/containers/sequence/Ref.h"
@@ -290,6 +291,20 @@ int FeatureSequence::indexOf(Deviant const& aDeviant, Ref const& aValue, int aFr
   if (value == nullptr || value->fModel != fElement.fModel) return -1;
   std::uint32_t const position = find(*value);
   return position == kNowhere || static_cast<int>(position) < aFrom ? -1 : static_cast<int>(position);
+}
+
+void FeatureSequence::specialized_assign(Kelm::Generic::SequenceIntf const* aOther, Deviant const& aDeviant,
+                                         bool& aResult) {
+  engine::assign(fElement, aDeviant, fFeature, aOther, aDeviant);
+  aResult = true;
+}
+
+void FeatureSequence::generic_rearrange(Deviant const& aDeviant, std::span<int const> aFrom,
+                                        std::span<int const> aTo) {
+  checkChange(aDeviant);
+  checkPlaces(aFrom, size());
+  checkPlaces(aTo, size());
+  if (!aTo.empty()) rearrange(aFrom, aTo);
 }
 
 }  // namespace umlmm::engine

@@ -57,6 +57,14 @@ class FeatureSequence : public Kelm::Generic::SequenceIntf {
   std::uint64_t stamp(Deviant const& aDeviant) const override;
   int readBlock(Deviant const& aDeviant, int aIndex, int aCount, Kelm::Generic::Loan* aOut) const override;
   int indexOf(Deviant const& aDeviant, Kelm::Generic::Ref const& aValue, int aFrom) const override;
+  /// As `assign`: what stays is not unlinked.
+  void specialized_assign(Kelm::Generic::SequenceIntf const* aOther, Deviant const& aDeviant,
+                          bool& aResult) override;
+  /// No link is touched: containers, far ends and supersets stay as they are.
+  void generic_rearrange(Deviant const& aDeviant, std::span<int const> aFrom,
+                         std::span<int const> aTo) override;
+  bool isUnique() const override { return true; }
+  bool isLive() const override { return true; }
 
  protected:
   class Iterator;
@@ -77,6 +85,7 @@ class FeatureSequence : public Kelm::Generic::SequenceIntf {
   virtual void check(Element const& aValue, Element const* aReplaced) const = 0;
   virtual void insert(std::uint32_t aPosition, Element& aValue) = 0;
   virtual void erase(Element& aValue) = 0;
+  virtual void rearrange(std::span<int const> aFrom, std::span<int const> aTo) = 0;
   /// Differs whenever positions may have moved; never 0.
   virtual std::uint64_t changes() const = 0;
 

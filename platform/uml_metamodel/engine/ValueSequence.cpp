@@ -96,6 +96,12 @@ class ValueSequence final : public Proxy {
     change(aDeviant);
     Proxy::generic_replace(aDeviant, aIndex, std::move(aValue));
   }
+  void generic_rearrange(Deviant const& aDeviant, std::span<int const> aFrom,
+                         std::span<int const> aTo) override {
+    change(aDeviant);
+    Proxy::generic_rearrange(aDeviant, aFrom, aTo);
+  }
+  bool isLive() const override { return true; }
   int generic_removeAll(Deviant const& aDeviant, Ref aValue) override {
     change(aDeviant);
     return Proxy::generic_removeAll(aDeviant, std::move(aValue));

@@ -106,6 +106,13 @@ void assignComputed(Element& aElement, Feature const& aFeature, std::vector<Elem
     arrange(aElement, aValues);
 }
 
+void arrangeComputed(Element& aElement, Feature const& aFeature, std::vector<Element*> const& aOrder) {
+  if (!hasRule(aFeature) || ruleOf(aFeature).fArrange == nullptr)
+    failures::raise(failures::nameOf(aFeature) + " is computed, and so is its order");
+  ruleOf(aFeature).fArrange(aElement, aOrder);
+  aElement.fModel->noteChange();
+}
+
 void valuesOf(Element const& aElement, Feature const& aFeature, std::vector<Element*>& aOut) {
   if (aFeature.fStorage == Storage::Computed) return computeValues(aElement, aFeature, aOut);
   collect(aElement, feature(aFeature.fRoot), aOut);

@@ -37,6 +37,8 @@ void checkComputed(Element const& aElement, Feature const& aFeature, Element con
 void insertComputed(Element& aElement, Feature const& aFeature, Element& aValue, Element* aBefore);
 void eraseComputed(Element& aElement, Feature const& aFeature, Element& aValue);
 void assignComputed(Element& aElement, Feature const& aFeature, std::vector<Element*> const& aValues);
+/// Puts all values into the order given; raises for a feature whose order follows from elsewhere.
+void arrangeComputed(Element& aElement, Feature const& aFeature, std::vector<Element*> const& aOrder);
 
 /// Appends the values of any reference feature: stored, container, union or computed.
 void valuesOf(Element const& aElement, Feature const& aFeature, std::vector<Element*>& aOut);

@@ -241,8 +241,9 @@ void arrangeValues(Element& aOwner, Feature const& aRoot, std::span<Element* con
   aOwner.fModel->noteChange();
 }
 
-void moveValue(Element& aOwner, Feature const& aRoot, std::uint32_t aFrom, std::uint32_t aTo) {
-  pointerSlot<ElementList>(aOwner, indexOf(aRoot))->move(aFrom, aTo, ownsHints(aRoot));
+void rearrangeValues(Element& aOwner, Feature const& aRoot, std::span<int const> aFrom,
+                     std::span<int const> aTo) {
+  pointerSlot<ElementList>(aOwner, indexOf(aRoot))->rearrange(aFrom, aTo, ownsHints(aRoot));
   aOwner.fModel->noteChange();
 }
 

@@ -47,8 +47,9 @@ void leaveContainer(Element& aElement);
 /// Puts values of a list, each once, into the order given; the places that they have together stay theirs.
 void arrangeValues(Element& aOwner, Feature const& aRoot, std::span<Element* const> aValues);
 
-/// Moves a value of a list to another position.
-void moveValue(Element& aOwner, Feature const& aRoot, std::uint32_t aFrom, std::uint32_t aTo);
+/// Gives values of a list other positions: the one at `aFrom[i]` comes to `aTo[i]`; both name the same ones.
+void rearrangeValues(Element& aOwner, Feature const& aRoot, std::span<int const> aFrom,
+                     std::span<int const> aTo);
 
 /// Whether the feature's list keeps its hints in its elements.
 inline bool ownsHints(Feature const& aRoot) noexcept {

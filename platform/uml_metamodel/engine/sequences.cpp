@@ -65,6 +65,9 @@ class StoredSequence final : public FeatureSequence {
     link(fElement, fRoot, aValue, aPosition >= size() ? kAtEnd : aPosition);
   }
   void erase(Element& aValue) override { unlink(fElement, fRoot, aValue); }
+  void rearrange(std::span<int const> aFrom, std::span<int const> aTo) override {
+    rearrangeValues(fElement, fRoot, aFrom, aTo);
+  }
   std::uint64_t changes() const override {
     return list() == nullptr ? 1 : list()->stamp() + std::uint64_t{1};
   }
@@ -114,6 +117,12 @@ class ComputedSequence final : public FeatureSequence {
     insertComputed(fElement, fFeature, aValue, aPosition < size() ? at(aPosition) : nullptr);
   }
   void erase(Element& aValue) override { eraseComputed(fElement, fFeature, aValue); }
+  void rearrange(std::span<int const> aFrom, std::span<int const> aTo) override {
+    std::vector<Element*> order = values();
+    for (std::size_t i = 0; i < aTo.size(); ++i)
+      order[static_cast<std::size_t>(aTo[i])] = at(static_cast<std::uint32_t>(aFrom[i]));
+    arrangeComputed(fElement, fFeature, order);
+  }
   std::uint64_t changes() const override {
     values();
     return fChanges;

@@ -68,6 +68,10 @@ class ElementResult final : public Kelm::SequenceProxy {
   int generic_removeAll(Deviant const& aDeviant, Ref aValue) override {
     return list().generic_removeAll(aDeviant, std::move(aValue));
   }
+  void generic_rearrange(Deviant const& aDeviant, std::span<int const> aFrom,
+                         std::span<int const> aTo) override {
+    list().generic_rearrange(aDeviant, aFrom, aTo);
+  }
 
  private:
   Kelm::Generic::SequenceIntf& list() const;

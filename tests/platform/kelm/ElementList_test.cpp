@@ -36,7 +36,13 @@ class Pair {
     fModel.erase(fModel.begin() + aPosition);
   }
   void move(std::uint32_t aFrom, std::uint32_t aTo) {
-    fList->move(aFrom, aTo, fOwning);
+    std::vector<int> from{static_cast<int>(aFrom)};
+    std::vector<int> to{static_cast<int>(aTo)};
+    for (int at = from[0], end = to[0], step = aFrom < aTo ? 1 : -1; at != end; at += step) {
+      from.push_back(at + step);
+      to.push_back(at);
+    }
+    fList->rearrange(from, to, fOwning);
     Element* const element = fModel[aFrom];
     fModel.erase(fModel.begin() + aFrom);
     fModel.insert(fModel.begin() + aTo, element);

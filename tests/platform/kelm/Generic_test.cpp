@@ -131,6 +131,8 @@ TEST(SequenceIntf, AssignmentReplacesTheContents) {
   target.specialized_assign(&target, Deviant(), done);
   EXPECT_EQ(target.fValues, source.fValues);
   EXPECT_FALSE(target.generic_empty(Deviant()));
+  target.generic_rearrange(Deviant(), std::vector{0, 1, 69}, std::vector{69, 0, 1});
+  EXPECT_EQ(target.fValues[0] * 10000 + target.fValues[1] * 100 + target.fValues[69], 16900);
   target.specialized_assign(nullptr, Deviant(), done);
   EXPECT_TRUE(target.generic_empty(Deviant()));
   EXPECT_EQ(sHolders, 0);

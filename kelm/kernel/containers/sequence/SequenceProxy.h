@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <utility>
 
 #include "kelm/Asserter.h"
@@ -107,6 +108,11 @@ class UMLMM_API GenericReferenceCountingSequenceProxy : public SequenceProxy {
   int indexOf(Deviant const& aDeviant, Ref const& aValue, int aFrom) const override {
     return fTarget->indexOf(aDeviant, aValue, aFrom);
   }
+  void generic_rearrange(Deviant const& aDeviant, std::span<int const> aFrom,
+                         std::span<int const> aTo) override {
+    fTarget->generic_rearrange(aDeviant, aFrom, aTo);
+  }
+  bool isUnique() const override { return fTarget->isUnique(); }
 
  protected:
   Generic::SequenceIntf const& target() const noexcept { return *fTarget; }

@@ -46,9 +46,8 @@ class UMLMM_API ElementList {
   Element* at(std::uint32_t aPosition);
   /// Position of an answer of `find` among the elements; closes the holes.
   std::uint32_t positionOf(Element const* aElement, bool aOwning);
-  /// Moves the element at one position to another, the others closing up.
-  void move(std::uint32_t aFrom, std::uint32_t aTo, bool aOwning);
-
+  /// The element at position `aFrom[i]` comes to `aTo[i]`; both name the same positions, each once.
+  void rearrange(std::span<int const> aFrom, std::span<int const> aTo, bool aOwning);
   /// Puts the elements into the order given, which must hold each of them once.
   void reorder(std::span<Element* const> aOrder, bool aOwning);
   /// Takes all out; memory and proxy stay.

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <utility>
 
 #include "kelm/Deviant.h"
@@ -101,7 +102,18 @@ class UMLMM_API SequenceIntf : public ReferenceCountingIntf {
   /// Index of the first value from `aFrom` on that equals `aValue`, or -1.
   virtual int indexOf(Deviant const&, Ref const& aValue, int aFrom) const;
 
+  /// Gives values other places: the one at `aFrom[i]` comes to `aTo[i]`. Both must name the same indices,
+  /// each once. No value comes or goes, and iterators stay with their values where they do so anyway. Raises,
+  /// with nothing changed, for an index outside.
+  virtual void generic_rearrange(Deviant const&, std::span<int const> aFrom, std::span<int const> aTo);
+  /// Whether the sequence refuses a value that it holds.
+  virtual bool isUnique() const { return false; }
+  /// Whether the sequence shows what an element holds, so that a change of it is one of the element.
+  virtual bool isLive() const { return false; }
+
  protected:
+  /// Raises unless all indices are those of a sequence that has `aSize` values.
+  static void checkPlaces(std::span<int const> aPlaces, std::size_t aSize);
   /// How many values `readBlock` lends of a sequence that has `aSize`.
   static int blockLength(int aIndex, int aCount, std::size_t aSize);
 };

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 #include "vesk/VeskInterface.h"
@@ -12,7 +13,8 @@ namespace vesk {
 
 using VeskDataTypePtr = host::Type const*;
 
-/// Lets the host walk a sequence in blocks and search it: what `for` and `in` of a script are made of.
+/// Lets the host walk a sequence in blocks, search it and put it into order: what a script's `for`, `in` and
+/// `sort` are made of.
 class UMLMM_API SequenceHook {
  public:
   /// Most elements of a block.
@@ -35,6 +37,19 @@ class UMLMM_API SequenceHook {
                            std::size_t last) const = 0;
   /// Data type or full class name of the elements.
   virtual char const* elementType() const = 0;
+
+  // What follows is for sequences that can be changed.
+
+  /// Gives elements other places: the one at `from[i]` comes to `to[i]`. Both name the same indices, counted
+  /// from 0, each once.
+  virtual void rearrange(VeskInterface* sequence, std::span<int const> from,
+                         std::span<int const> to) const = 0;
+  /// Replaces all elements by those of another sequence of the same class.
+  virtual void assign(VeskInterface* sequence, VeskInterface* values) const = 0;
+  /// Whether the sequence refuses an element that it holds.
+  virtual bool isUnique(VeskInterface* sequence) const = 0;
+  /// Whether the sequence shows a property of another object, not values of its own.
+  virtual bool isLive(VeskInterface* sequence) const = 0;
 };
 
 /// What an instance stands for, whatever the view it gives of it: instances with equal words are the same

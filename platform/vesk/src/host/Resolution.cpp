@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <limits>
 
 #include "vesk/VeskError.h"
@@ -18,11 +19,16 @@ int costOf(MethodRecord const& method, ArgumentSource& arguments, int offset, in
   return sum;
 }
 
+/// Whether the first argument stands for the receiver.
+bool takesReceiver(MethodRecord const& method, CallForm form) noexcept {
+  return form == CallForm::OnClass && method.fHasReceiver && method.fOwner;
+}
+
 /// Cost of a call with exactly these arguments.
 int costOfCall(MethodRecord const& method, CallForm form, ArgumentSource& arguments, int count) {
-  int const offset = form == CallForm::OnClass && method.fHasReceiver && method.fOwner ? 1 : 0;
+  int const offset = takesReceiver(method, form) ? 1 : 0;
   if (count - offset != method.fCount) return cost::kNone;
-  if (offset && arguments.conversionCost(0, *method.fOwner) < 0) return cost::kNone;
+  if (offset && arguments.receiverCost(0, *method.fOwner) < 0) return cost::kNone;
   return costOf(method, arguments, offset, count - offset);
 }
 
@@ -50,11 +56,30 @@ std::string givenTypes(ArgumentSource& arguments, int count) {
   return text + ")";
 }
 
+/// What to do about the first argument of a method that does not fit; empty if nothing is known.
+std::string remedyFor(MethodRecord const& method, CallForm form, ArgumentSource& arguments, int count) {
+  int const offset = takesReceiver(method, form) ? 1 : 0;
+  if (offset && count > 0 && arguments.receiverCost(0, *method.fOwner) < 0)
+    return "The first argument is the object itself, of class '" + std::string(method.fOwner->fName.view()) +
+           "'; nothing is converted to one";
+  for (int i = 0; i < std::min(count - offset, int{method.fCount}); ++i) {
+    if (arguments.conversionCost(offset + i, method.argumentType(i)) < 0)
+      return arguments.remedy(offset + i, method.argumentType(i));
+  }
+  return {};
+}
+
 template <class Methods>
-[[noreturn]] void throwNoMatch(std::string const& what, Methods const& methods, ArgumentSource& arguments,
-                               int count) {
-  std::string text =
-      what + " cannot be called with " + givenTypes(arguments, count) + ". It has the signatures:";
+[[noreturn]] void throwNoMatch(std::string const& what, Methods const& methods, CallForm form,
+                               ArgumentSource& arguments, int count) {
+  std::string text = what + " cannot be called with " + givenTypes(arguments, count) + ". ";
+  for (MethodRecord const* method : methods) {
+    std::string const remedy = remedyFor(*method, form, arguments, count);
+    if (remedy.empty()) continue;
+    text += remedy + ". ";
+    break;
+  }
+  text += "It has the signatures:";
   for (MethodRecord const* method : methods) {
     text += "\n  ";
     if (method->fOwner) text.append(method->fOwner->fName.view()).append(": ");
@@ -80,7 +105,7 @@ MethodRecord const& resolveMethod(Member const& member, CallForm form, ArgumentS
   if (MethodRecord const* method = findMethod(member, form, arguments, count)) return *method;
   throwNoMatch(
       (form == CallForm::Function ? "Function '" : "Method '") + std::string(member.fName.view()) + "'",
-      member.fMethods, arguments, count);
+      member.fMethods, form, arguments, count);
 }
 
 MethodRecord const& resolveConstructor(ClassRecord& cls, ArgumentSource& arguments, int count) {
@@ -97,7 +122,8 @@ MethodRecord const& resolveConstructor(ClassRecord& cls, ArgumentSource& argumen
     int const cost = costOf(*constructor, arguments, 0, count);
     if (cost >= 0) best.offer(*constructor, cost + leftOut * kLeftOut);
   }
-  if (!best.fMethod) throwNoMatch("The constructor of '" + name + "'", constructors, arguments, count);
+  if (!best.fMethod)
+    throwNoMatch("The constructor of '" + name + "'", constructors, CallForm::Constructor, arguments, count);
   return *best.fMethod;
 }
 

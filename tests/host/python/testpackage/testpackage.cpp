@@ -284,6 +284,19 @@ struct Hook final : vesk::SequenceHook {
     return kNotFound;
   }
   char const* elementType() const override { return "demo.Thing"; }
+  void rearrange(vesk::VeskInterface* list, std::span<int const> from,
+                 std::span<int const> to) const override {
+    std::vector<ThingPtr> const before = things(list);
+    for (std::size_t i = 0; i < to.size(); ++i)
+      things(list).at(static_cast<std::size_t>(to[i])) = before.at(static_cast<std::size_t>(from[i]));
+  }
+  void assign(vesk::VeskInterface* list, vesk::VeskInterface* values) const override {
+    things(list) = things(values);
+  }
+  bool isUnique(vesk::VeskInterface*) const override { return false; }
+  bool isLive(vesk::VeskInterface* list) const override {
+    return static_cast<List*>(list->getNativeObject({}))->fOwner != nullptr;
+  }
 };
 
 std::size_t place(VeskValue index, std::size_t end) {

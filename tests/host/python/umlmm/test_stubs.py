@@ -17,7 +17,7 @@ from umlmm import _host
 
 STUBS = pathlib.Path(umlmm.__file__).parent
 # What stands on the bases that all lists share, and on Python's own.
-LIST_MEMBERS = {"List": {"index", "count"}, "ChangeableList": {"extend", "remove", "pop", "reverse"}}
+LIST_MEMBERS = {"List": {"index", "count"}, "ChangeableList": {"extend", "remove", "pop", "move", "swap", "reverse", "sort"}}
 
 
 class Stub:

@@ -161,6 +161,8 @@ std::string outcome(Subject& aSubject, Step const& aStep) {
         return;
       case 15:
         return aSubject.clear();
+      case 16:
+        return aSubject.move(first - 1, second);
       default:
         return aSubject.push_back(value);
     }

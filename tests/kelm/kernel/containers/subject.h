@@ -43,6 +43,8 @@ class Subject {
   virtual void erase(int aIndex) = 0;
   virtual void replace(int aIndex, int aValue) = 0;
   virtual int removeAll(int aValue) = 0;
+  /// Moves a value to another index, the others closing up.
+  virtual void move(int aFrom, int aTo) = 0;
   /// These answer where the returned iterator stands.
   virtual int insertAt(int aPosition, int aValue) = 0;
   virtual int eraseAt(int aPosition) = 0;
@@ -110,6 +112,15 @@ class HandleSubject : public Subject {
   void erase(int aIndex) override { fSequence.erase(aIndex); }
   void replace(int aIndex, int aValue) override { fSequence.replace(aIndex, fToValue(aValue)); }
   int removeAll(int aValue) override { return fSequence.removeAll(fToValue(aValue)); }
+  void move(int aFrom, int aTo) override {
+    std::vector<int> from{aFrom};
+    std::vector<int> to{aTo};
+    for (int at = aFrom; at != aTo; at += aFrom < aTo ? 1 : -1) {
+      from.push_back(at + (aFrom < aTo ? 1 : -1));
+      to.push_back(at);
+    }
+    fSequence.get()->generic_rearrange(fSequence.getDeviant(), from, to);
+  }
   int insertAt(int aPosition, int aValue) override {
     return distance(fSequence.insert(position(aPosition), fToValue(aValue)));
   }
@@ -169,6 +180,12 @@ class ModelSubject : public Subject {
     if (!fIsUnique || !contains(aValue)) element = aValue;
   }
   int removeAll(int aValue) override { return static_cast<int>(std::erase(fValues, aValue)); }
+  void move(int aFrom, int aTo) override {
+    int const value = fValues[checked(aFrom, size())];
+    checked(aTo, size());
+    fValues.erase(fValues.begin() + aFrom);
+    fValues.insert(fValues.begin() + aTo, value);
+  }
   int insertAt(int aPosition, int aValue) override {
     if (fIsUnique && contains(aValue)) return find(aValue);
     fValues.insert(fValues.begin() + position(aPosition, size() + 1), aValue);

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <type_traits>
 #include <typeinfo>
 #include <utility>
@@ -124,6 +125,19 @@ class ListQImplForPrimitives : public Generic::SequenceIntf {
     for (int i = 0; i < count; ++i)
       aOut[i] = Access::lend(values[static_cast<std::size_t>(aIndex) + static_cast<std::size_t>(i)]);
     return count;
+  }
+
+  void generic_rearrange(Deviant const&, std::span<int const> aFrom, std::span<int const> aTo) override {
+    checkPlaces(aFrom, size());
+    checkPlaces(aTo, size());
+    if (aTo.empty()) return;
+    Values moved;
+    moved.reserve(aFrom.size());
+    for (int const place : aFrom) moved.push_back(fData.read()[static_cast<std::size_t>(place)]);
+    change(0, [&](Values& aValues) {
+      for (std::size_t i = 0; i < aTo.size(); ++i)
+        aValues[static_cast<std::size_t>(aTo[i])] = std::move(moved[i]);
+    });
   }
 
   /// How many lists share the data, the shared empty data counting itself too.

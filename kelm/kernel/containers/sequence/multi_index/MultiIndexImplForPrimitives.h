@@ -7,11 +7,14 @@
 #include <boost/multi_index_container.hpp>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <iterator>
 #include <memory>
+#include <span>
 #include <type_traits>
 #include <typeinfo>
 #include <utility>
+#include <vector>
 
 #include "kelm/Asserter.h"
 #include "kelm/Generic.h"
@@ -137,6 +140,18 @@ class MultiIndexImplForPrimitives : public Generic::SequenceIntf {
     return count;
   }
   int indexOf(Deviant const& aDeviant, Ref const& aValue, int aFrom) const override;
+  void generic_rearrange(Deviant const&, std::span<int const> aFrom, std::span<int const> aTo) override {
+    checkPlaces(aFrom, fElements.size());
+    checkPlaces(aTo, fElements.size());
+    if (aTo.empty()) return;
+    // The elements stay where they are in memory, and in the ordered views.
+    std::vector<std::reference_wrapper<T const>> order(fElements.begin(), fElements.end());
+    for (std::size_t i = 0; i < aTo.size(); ++i)
+      order[static_cast<std::size_t>(aTo[i])] = fElements[static_cast<std::size_t>(aFrom[i])];
+    fElements.rearrange(order.begin());
+    ++fStamp;
+  }
+  bool isUnique() const override { return IsUnique; }
 
  private:
   static constexpr std::size_t kLookAhead = 32;

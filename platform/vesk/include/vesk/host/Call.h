@@ -24,11 +24,17 @@ class UMLMM_API ArgumentSource {
  public:
   /// Cost of argument `index`, counted from 0, as a value of `wanted`; cost::kNone if it is none.
   virtual int conversionCost(int index, Type const& wanted) = 0;
+  /// The same for the receiver of a method that is called on its class: what stands for the object itself, or
+  /// for none, but nothing that would be made from other values and changed in its place.
+  virtual int receiverCost(int index, ClassRecord const& wanted) { return conversionCost(index, wanted); }
   /// The argument as a value of `wanted`; an array belongs to the caller. Throws a VeskError of kind Match or
   /// Range for a value that is none.
   virtual VeskValue convert(int index, Type const& wanted) = 0;
   /// What the argument is, for a message: "str", "umlmm.Comment".
   virtual std::string describe(int index) = 0;
+  /// What a script can do about an argument that is no value of `wanted`, as a sentence; empty if nothing is
+  /// known.
+  virtual std::string remedy(int, Type const&) { return {}; }
 
  protected:
   ~ArgumentSource() = default;
