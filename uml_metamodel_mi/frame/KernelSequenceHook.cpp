@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <vector>
 
 #include "kelm/Asserter.h"
 #include "uml_metamodel_mi/frame/Unboxing.h"
@@ -11,7 +12,7 @@ namespace Kelm::mi {
 namespace {
 
 struct Found {
-  Generic::SequenceIntf const& fSequence;
+  Generic::SequenceIntf& fSequence;
   Deviant fDeviant;
 };
 
@@ -21,7 +22,7 @@ Found sequenceOf(vesk::VeskInterface* aInstance) {
       unboxInstance(*aInstance, {}, tagPair<Generic::SequenceIntf, VisitationDomain>());
   if (found.fInterface == nullptr)
     raiseFailure(words::kNullSequence, "kelm/kernel/containers/sequence/SequenceRef");
-  return {*static_cast<Generic::SequenceIntf const*>(found.fInterface), found.fDeviant};
+  return {*static_cast<Generic::SequenceIntf*>(found.fInterface), found.fDeviant};
 }
 
 }  // namespace
@@ -54,6 +55,16 @@ std::size_t KernelSequenceHook::find(vesk::VeskInterface* aSequence, vesk::VeskV
   auto const [sequence, deviant] = sequenceOf(aSequence);
   int const index = search(sequence, deviant, aValue, static_cast<int>(aFirst));
   return index < 0 || static_cast<std::size_t>(index) >= aLast ? kNotFound : static_cast<std::size_t>(index);
+}
+
+bool KernelSequenceHook::splice(vesk::VeskInterface* aSequence, std::size_t aFirst, std::size_t aRemoved,
+                                vesk::VeskValue const* aValues, std::size_t aCount) const {
+  auto const found = sequenceOf(aSequence);
+  std::vector<Generic::Ref> elements;
+  elements.reserve(aCount);
+  for (std::size_t i = 0; i < aCount; ++i) elements.push_back(element(aValues[i]));
+  return found.fSequence.splice(found.fDeviant, static_cast<int>(aFirst), static_cast<int>(aRemoved),
+                                elements);
 }
 
 }  // namespace Kelm::mi

@@ -68,6 +68,8 @@ int SequenceIntf::indexOf(Deviant const& aDeviant, Ref const& aValue, int aFrom)
   return -1;
 }
 
+bool SequenceIntf::splice(Deviant const&, int, int, std::vector<Ref> const&) { return false; }
+
 int SequenceIntf::blockLength(int aIndex, int aCount, std::size_t aSize) {
   if (aIndex < 0) raiseFailure(words::kIndexNotPositive, kSource);
   return std::clamp(static_cast<int>(aSize) - aIndex, 0, std::max(aCount, 0));

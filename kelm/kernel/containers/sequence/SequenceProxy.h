@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <memory>
 #include <utility>
+#include <vector>
 
 #include "kelm/Asserter.h"
 #include "kelm/Generic.h"
@@ -106,6 +107,9 @@ class UMLMM_API GenericReferenceCountingSequenceProxy : public SequenceProxy {
   }
   int indexOf(Deviant const& aDeviant, Ref const& aValue, int aFrom) const override {
     return fTarget->indexOf(aDeviant, aValue, aFrom);
+  }
+  bool splice(Deviant const& aDeviant, int aFirst, int aRemoved, std::vector<Ref> const& aValues) override {
+    return fTarget->splice(aDeviant, aFirst, aRemoved, aValues);
   }
 
  protected:

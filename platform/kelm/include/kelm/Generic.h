@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <utility>
+#include <vector>
 
 #include "kelm/Deviant.h"
 #include "kelm/ReferenceCountingIntf.h"
@@ -100,6 +101,11 @@ class UMLMM_API SequenceIntf : public ReferenceCountingIntf {
   virtual int readBlock(Deviant const&, int aIndex, int aCount, Loan* aOut) const = 0;
   /// Index of the first value from `aFrom` on that equals `aValue`, or -1.
   virtual int indexOf(Deviant const&, Ref const& aValue, int aFrom) const;
+  /// Puts `aValues` in the place of the `aRemoved` values from `aFirst` on, all of them or, when it raises,
+  /// none; takes time for each value of the sequence once. A unique sequence leaves out what it holds
+  /// already. Answers false, with nothing changed, for a sequence that is changed value by value only, as
+  /// this one does.
+  virtual bool splice(Deviant const&, int aFirst, int aRemoved, std::vector<Ref> const& aValues);
 
  protected:
   /// How many values `readBlock` lends of a sequence that has `aSize`.

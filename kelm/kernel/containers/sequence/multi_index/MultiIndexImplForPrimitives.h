@@ -7,11 +7,13 @@
 #include <boost/multi_index_container.hpp>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <iterator>
 #include <memory>
 #include <type_traits>
 #include <typeinfo>
 #include <utility>
+#include <vector>
 
 #include "kelm/Asserter.h"
 #include "kelm/Generic.h"
@@ -137,6 +139,7 @@ class MultiIndexImplForPrimitives : public Generic::SequenceIntf {
     return count;
   }
   int indexOf(Deviant const& aDeviant, Ref const& aValue, int aFrom) const override;
+  bool splice(Deviant const&, int aFirst, int aRemoved, std::vector<Ref> const& aValues) override;
 
  private:
   static constexpr std::size_t kLookAhead = 32;
@@ -282,6 +285,43 @@ int MultiIndexImplForPrimitives<T, IsUnique, KeyExtractor>::generic_removeAll(De
   std::size_t const before = fElements.size();
   fElements.remove_if([&](T const& aElement) { return SequenceTraits<T>::equal(aElement, value); });
   return static_cast<int>(before - fElements.size());
+}
+
+/// New values are entered at the end, which alone can fail, and moved to their place when all are in. A value
+/// that a unique sequence holds among those that go stays in place of the new one.
+template <class T, bool IsUnique, class KeyExtractor>
+bool MultiIndexImplForPrimitives<T, IsUnique, KeyExtractor>::splice(Deviant const&, int aFirst, int aRemoved,
+                                                                    std::vector<Ref> const& aValues) {
+  std::size_t const size = fElements.size();
+  std::size_t const first = checkedIndex(aFirst, size + 1);
+  std::size_t const last = first + checkedIndex(aRemoved, size - first + 1);
+  std::vector<bool> stays(last - first);
+  std::vector<std::reference_wrapper<T const>> order;
+  order.reserve(size + aValues.size());
+  auto const add = [&](std::size_t aFrom, std::size_t aTo) {
+    for (std::size_t i = aFrom; i < aTo; ++i) order.push_back(std::cref(fElements[i]));
+  };
+  add(0, first);
+  try {
+    for (Ref const& value : aValues) {
+      auto const [position, inserted] = fElements.push_back(Access::get(value));
+      auto const index = static_cast<std::size_t>(position - fElements.begin());
+      bool const wasGoing = !inserted && index >= first && index < last && !stays[index - first];
+      if (wasGoing) stays[index - first] = true;
+      if (inserted || wasGoing) order.push_back(std::cref(*position));
+    }
+  } catch (...) {
+    fElements.erase(at(size), fElements.end());
+    throw;
+  }
+  add(last, size);
+  std::size_t const kept = order.size();
+  for (std::size_t i = first; i < last; ++i)
+    if (!stays[i - first]) add(i, i + 1);
+  fElements.rearrange(order.begin());
+  fElements.erase(at(kept), fElements.end());
+  ++fStamp;
+  return true;
 }
 
 /// The first of the equal values in the order of the sequence, of which the sorted view knows nothing. When
