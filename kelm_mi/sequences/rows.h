@@ -64,6 +64,9 @@ class ValueSequenceHook final : public KernelSequenceHook {
     }
     return aSequence.indexOf(aDeviant, wanted, aFirst);
   }
+  Generic::Ref element(vesk::VeskValue aValue) const override {
+    return Generic::RefAccess<T>::make(ArgumentUnboxer<T>::unbox(aValue).fValue);
+  }
 };
 
 }  // namespace Kelm::mi

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <vector>
 
 #include "kelm/Asserter.h"
 #include "uml_metamodel_mi/frame/Unboxing.h"
@@ -74,6 +75,16 @@ bool KernelSequenceHook::isUnique(vesk::VeskInterface* aSequence) const {
 
 bool KernelSequenceHook::isLive(vesk::VeskInterface* aSequence) const {
   return sequenceOf(aSequence).fSequence.isLive();
+}
+
+bool KernelSequenceHook::splice(vesk::VeskInterface* aSequence, std::size_t aFirst, std::size_t aRemoved,
+                                vesk::VeskValue const* aValues, std::size_t aCount) const {
+  auto const found = sequenceOf(aSequence);
+  std::vector<Generic::Ref> elements;
+  elements.reserve(aCount);
+  for (std::size_t i = 0; i < aCount; ++i) elements.push_back(element(aValues[i]));
+  return found.fSequence.splice(found.fDeviant, static_cast<int>(aFirst), static_cast<int>(aRemoved),
+                                elements);
 }
 
 }  // namespace Kelm::mi

@@ -23,6 +23,8 @@ class KernelSequenceHook : public vesk::SequenceHook {
   void assign(vesk::VeskInterface* aSequence, vesk::VeskInterface* aValues) const final;
   bool isUnique(vesk::VeskInterface* aSequence) const final;
   bool isLive(vesk::VeskInterface* aSequence) const final;
+  bool splice(vesk::VeskInterface* aSequence, std::size_t aFirst, std::size_t aRemoved,
+              vesk::VeskValue const* aValues, std::size_t aCount) const final;
 
  protected:
   /// Boxes at most a block of lent values; when one fails, none is given. Must let no foreign code run before
@@ -31,6 +33,8 @@ class KernelSequenceHook : public vesk::SequenceHook {
   /// Index of the first element from `aFirst` on that is the same as `aValue` to a script, or -1.
   virtual int search(Generic::SequenceIntf const& aSequence, Deviant const& aDeviant, vesk::VeskValue aValue,
                      int aFirst) const = 0;
+  /// What the sequence holds for a value of a script; raises for one that is no element.
+  virtual Generic::Ref element(vesk::VeskValue aValue) const = 0;
 };
 
 /// Boxes one value after another; gives them back when a later one fails. For values that travel as arrays.

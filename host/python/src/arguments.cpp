@@ -1,7 +1,6 @@
 #include "arguments.h"
 
 #include <cmath>
-#include <cstring>
 
 #include "classes.h"
 #include "failures.h"
@@ -20,26 +19,31 @@ using host::Carrier;
 using host::ClassRecord;
 
 [[noreturn]] void throwRange(PyObject* object, std::string const& accepted) {
-  throw VeskError(shortRepr(object) + " is not accepted: " + accepted + " is expected",
-                  VeskError::Kind::Range);
+  throw VeskError(refusal(object, accepted), VeskError::Kind::Range);
 }
 
 bool isListOrTuple(PyObject* object) noexcept { return PyList_Check(object) || PyTuple_Check(object); }
 
-/// None, [] and (): how a script says that there is no value.
-bool isEmpty(PyObject* object) noexcept {
-  return object == Py_None || (isListOrTuple(object) && PySequence_Fast_GET_SIZE(object) == 0);
-}
-
 template <class Test>
 bool allItems(PyObject* listOrTuple, Test test) {
-  for (Py_ssize_t i = 0; i < PySequence_Fast_GET_SIZE(listOrTuple); ++i)
-    if (!test(PySequence_Fast_GET_ITEM(listOrTuple, i))) return false;
+  for (Py_ssize_t i = 0; i < PySequence_Fast_GET_SIZE(listOrTuple); ++i) {
+    checkSignals(static_cast<std::size_t>(i));
+    Ref const item = Ref::shared(PySequence_Fast_GET_ITEM(listOrTuple, i));
+    if (!test(item.get())) return false;
+  }
   return true;
+}
+
+[[noreturn]] void throwMatch(PyObject* object, std::string const& accepted) {
+  throw VeskError(refusal(object, accepted), VeskError::Kind::Match);
 }
 
 ClassRecord& classOf(host::Type const& type) noexcept {
   return const_cast<ClassRecord&>(static_cast<ClassRecord const&>(type));
+}
+
+bool isInstanceOf(PyObject* object, ClassRecord& cls) {
+  return isInstance(object) && instanceOf(object).classRecord().distanceTo(cls) >= 0;
 }
 
 // --- costs
@@ -81,7 +85,7 @@ int costOfNatural(PyObject* object) noexcept {
 /// A list that the host can build from the items of another one.
 int costOfBuiltList(PyObject* object, ClassRecord& cls) {
   if (!isListOrTuple(object) && !isListInstance(object)) return cost::kNone;
-  Ref const items = Ref::checked(PySequence_Fast(object, "a list is expected"));
+  Ref const items = isListOrTuple(object) ? Ref::shared(object) : itemsOf(object);
   host::Type const& element = host::typeOf(internal::intern(cls.info().getSequenceHook()->elementType()));
   bool const fits = allItems(items.get(), [&](PyObject* item) { return conversionCost(item, element) >= 0; });
   return fits ? cost::kBuiltSequence : cost::kNone;
@@ -98,16 +102,19 @@ int costOfObject(PyObject* object, host::Type const& wanted) {
   if (isList) return costOfBuiltList(object, cls);
   if (PyUnicode_Check(object)) return isEnumeration(cls) ? cost::kCoercion : cost::kNone;
   if (!isListOrTuple(object)) return cost::kNone;
-  auto const fits = [&](PyObject* item) {
-    return isInstance(item) && instanceOf(item).classRecord().distanceTo(cls) >= 0;
-  };
-  return allItems(object, fits) ? cost::kList : cost::kNone;
+  return allItems(object, [&](PyObject* item) { return isInstanceOf(item, cls); }) ? cost::kList
+                                                                                   : cost::kNone;
 }
 
 // --- values
 
+// Conversions run code of scripts, such as __index__, and any allocation may run finalizers. What is
+// converted may have changed since its cost was asked, so each item is looked at again.
+
 std::int32_t toInt32(PyObject* object) {
-  Ref const number = Ref::checked(PyFloat_Check(object) ? PyNumber_Long(object) : PyNumber_Index(object));
+  if (costOfInt32(object) < 0) throwMatch(object, "an int of 32 bits");
+  Ref const number = Ref::checked(PyFloat_Check(object) ? PyLong_FromDouble(PyFloat_AS_DOUBLE(object))
+                                                        : PyNumber_Index(object));
   int overflow = 0;
   long const value = PyLong_AsLongAndOverflow(number.get(), &overflow);
   if (overflow || value < INT32_MIN || value > INT32_MAX)
@@ -115,32 +122,48 @@ std::int32_t toInt32(PyObject* object) {
   return static_cast<std::int32_t>(value);
 }
 
+bool toLogical(PyObject* object) { return checkedInt(PyObject_IsTrue(object)) != 0; }
+
 bool toLogicalElement(PyObject* object) {
-  if (object != Py_True && object != Py_False && toInt32(object) != 0 && toInt32(object) != 1)
+  if (costOfLogical(object) < 0) throwMatch(object, "True, False or None");
+  if (int const number = toInt32(object); number != 0 && number != 1)
     throwRange(object, "True, False, 1, 0 or None");
-  return PyObject_IsTrue(object) == 1;
+  return toLogical(object);
 }
 
-void copyUtf16(PyObject* text, char16_t* out) noexcept {
-  Py_ssize_t const length = PyUnicode_GET_LENGTH(text);
-  int const kind = PyUnicode_KIND(text);
-  void const* data = PyUnicode_DATA(text);
-  if (kind == PyUnicode_2BYTE_KIND) {
-    std::memcpy(out, data, static_cast<std::size_t>(length) * 2);
-    return;
-  }
+/// Answers whether there is a zero among the characters.
+template <class Character>
+bool copyUtf16(Character const* text, Py_ssize_t length, char16_t* out) noexcept {
+  bool hasZero = false;
   for (Py_ssize_t i = 0; i < length; ++i) {
-    Py_UCS4 const character = PyUnicode_READ(kind, data, i);
-    if (character < 0x10000) {
-      *out++ = static_cast<char16_t>(character);
-    } else {
-      *out++ = static_cast<char16_t>(0xD7C0 + (character >> 10));
-      *out++ = static_cast<char16_t>(0xDC00 + (character & 0x3FF));
+    Character const character = text[i];
+    hasZero |= character == 0;
+    if constexpr (sizeof(Character) == 4) {
+      if (character >= 0x10000) {
+        *out++ = static_cast<char16_t>(0xD7C0 + (character >> 10));
+        *out++ = static_cast<char16_t>(0xDC00 + (character & 0x3FF));
+        continue;
+      }
     }
+    *out++ = static_cast<char16_t>(character);
+  }
+  return hasZero;
+}
+
+bool copyText(PyObject* text, char16_t* out) noexcept {
+  Py_ssize_t const length = PyUnicode_GET_LENGTH(text);
+  switch (PyUnicode_KIND(text)) {
+    case PyUnicode_1BYTE_KIND:
+      return copyUtf16(PyUnicode_1BYTE_DATA(text), length, out);
+    case PyUnicode_2BYTE_KIND:
+      return copyUtf16(PyUnicode_2BYTE_DATA(text), length, out);
+    default:
+      return copyUtf16(PyUnicode_4BYTE_DATA(text), length, out);
   }
 }
 
-tarnArray* toText(PyObject* text) {
+/// Null for a text with a zero character: much of what reads a text later ends there.
+tarnArray* toTextOrNull(PyObject* text) {
   auto units = static_cast<std::size_t>(PyUnicode_GET_LENGTH(text));
   if (units == 0) return tarnCreateEmpty(charClassId);
   if (PyUnicode_KIND(text) == PyUnicode_4BYTE_KIND) {
@@ -148,17 +171,23 @@ tarnArray* toText(PyObject* text) {
     for (Py_ssize_t i = 0; i < PyUnicode_GET_LENGTH(text); ++i) units += data[i] >= 0x10000 ? 1 : 0;
   }
   tarnArray* array = tarnCreateStringOfLength(nullptr, units);
-  copyUtf16(text, tarn::dataAs<char16_t>(array));
+  if (!copyText(text, tarn::dataAs<char16_t>(array))) [[likely]]
+    return array;
+  tarnDestroyArray(array);
+  return nullptr;
+}
+
+tarnArray* toText(PyObject* text) {
+  tarnArray* array = toTextOrNull(text);
+  if (!array) throwRange(text, "a str without zero characters");
   return array;
 }
 
 tarnArray* toNatural(PyObject* object) {
   if (isEmpty(object)) return tarnCreateEmpty(charClassId);
   if (PyUnicode_Check(object)) return toText(object);
-  Ref const zero = Ref::checked(PyLong_FromLong(0));
-  if (checkedInt(PyObject_RichCompareBool(object, zero.get(), Py_LT)) != 0)
-    throwRange(object, "a natural number or '*'");
-  Ref const digits = Ref::checked(PyObject_Str(object));
+  if (_PyLong_Sign(object) < 0) throwRange(object, "a natural number or '*'");
+  Ref const digits = Ref::checked(PyLong_Type.tp_repr(object));
   return toText(digits.get());
 }
 
@@ -166,13 +195,15 @@ tarnArray* toNatural(PyObject* object) {
 template <class Element, class Convert>
 tarnArray* toRow(PyObject* object, tarnClassId classId, Convert convertElement) {
   if (isEmpty(object)) return tarnCreateEmpty(classId);
-  Ref const items = isListOrTuple(object) ? Ref::shared(object) : Ref::checked(PyTuple_Pack(1, object));
-  Py_ssize_t const count = PySequence_Fast_GET_SIZE(items.get());
+  Ref const items = isListOrTuple(object) ? itemsOf(object) : Ref::checked(PyTuple_Pack(1, object));
+  Py_ssize_t const count = PyTuple_GET_SIZE(items.get());
   tarnArray* array = tarnCreateNumericMatrix(1, static_cast<std::uint64_t>(count), classId, 0);
   try {
-    for (Py_ssize_t i = 0; i < count; ++i)
+    for (Py_ssize_t i = 0; i < count; ++i) {
+      checkSignals(static_cast<std::size_t>(i));
       tarn::dataAs<Element>(array)[i] =
-          static_cast<Element>(convertElement(PySequence_Fast_GET_ITEM(items.get(), i)));
+          static_cast<Element>(convertElement(PyTuple_GET_ITEM(items.get(), i)));
+    }
   } catch (...) {
     tarnDestroyArray(array);
     throw;
@@ -180,14 +211,17 @@ tarnArray* toRow(PyObject* object, tarnClassId classId, Convert convertElement) 
   return array;
 }
 
-tarnArray* toObjectRow(PyObject* listOrTuple) {
-  Py_ssize_t const count = PySequence_Fast_GET_SIZE(listOrTuple);
-  tarnArray* array = tarnCreateObjectMatrix(1, static_cast<std::uint64_t>(count));
-  for (Py_ssize_t i = 0; i < count; ++i) {
-    VeskInterface& instance = instanceOf(PySequence_Fast_GET_ITEM(listOrTuple, i));
-    tarnSetObject(array, static_cast<std::size_t>(i), &instance);
+VeskValue toObjectRow(PyObject* listOrTuple, ClassRecord& cls) {
+  Ref const items = itemsOf(listOrTuple);
+  auto const count = static_cast<std::size_t>(PyTuple_GET_SIZE(items.get()));
+  host::OwnedValue row(cls, tarnCreateObjectMatrix(1, count));
+  for (std::size_t i = 0; i < count; ++i) {
+    checkSignals(i);
+    PyObject* item = PyTuple_GET_ITEM(items.get(), static_cast<Py_ssize_t>(i));
+    if (!isInstanceOf(item, cls)) throwMatch(item, std::string(cls.fName.view()));
+    tarnSetObject(row.value().array(), i, static_cast<VeskInterface*>(&instanceOf(item)));
   }
-  return array;
+  return row.release();
 }
 
 VeskValue toLiteral(PyObject* text, ClassRecord& cls) {
@@ -204,15 +238,32 @@ VeskValue toLiteral(PyObject* text, ClassRecord& cls) {
 VeskValue toObject(PyObject* object, host::Type const& wanted) {
   ClassRecord& cls = classOf(wanted);
   bool const isList = cls.info().getSequenceHook() != nullptr;
-  if (isInstance(object) && (!isList || instanceOf(object).classRecord().distanceTo(cls) >= 0))
-    return instanceOf(object).newReference();
+  if (isInstance(object) && (!isList || isInstanceOf(object, cls))) return instanceOf(object).newReference();
   if (isEmpty(object)) return tarnCreateEmpty(objectClassId);
   if (isList) return instanceOf(buildList(cls, object).get()).newReference();
   if (PyUnicode_Check(object)) return toLiteral(object, cls);
-  return toObjectRow(object);
+  if (!isListOrTuple(object)) throwMatch(object, acceptedValues(wanted));
+  return toObjectRow(object, cls);
 }
 
 }  // namespace
+
+bool isEmpty(PyObject* object) noexcept {
+  return object == Py_None || (isListOrTuple(object) && PySequence_Fast_GET_SIZE(object) == 0);
+}
+
+Ref itemsOf(PyObject* iterable) {
+  if (PyTuple_Check(iterable)) return Ref::shared(iterable);
+  if (!PyList_Check(iterable)) return Ref::checked(PySequence_Tuple(iterable));
+  for (;;) {
+    Py_ssize_t const count = PyList_GET_SIZE(iterable);
+    Ref items = Ref::checked(PyTuple_New(count));
+    if (PyList_GET_SIZE(iterable) != count) continue;  // a finalizer changed the list
+    for (Py_ssize_t i = 0; i < count; ++i)
+      PyTuple_SET_ITEM(items.get(), i, Py_NewRef(PyList_GET_ITEM(iterable, i)));
+    return items;
+  }
+}
 
 int conversionCost(PyObject* object, host::Type const& wanted) {
   switch (wanted.fCarrier) {
@@ -243,7 +294,7 @@ VeskValue convert(PyObject* object, host::Type const& wanted) {
     case Carrier::Void:
       break;
     case Carrier::RawLogical:
-      return VeskValue::ofLogical(PyObject_IsTrue(object) == 1);
+      return VeskValue::ofLogical(toLogical(object));
     case Carrier::RawInt32:
       return VeskValue::ofInt32(toInt32(object));
     case Carrier::Front:
@@ -279,8 +330,8 @@ bool convertAtOnce(PyObject* object, host::Type const& wanted, VeskValue& value)
     }
     case Carrier::Text:
       if (!PyUnicode_Check(object)) return false;
-      value = toText(object);
-      return true;
+      value = toTextOrNull(object);
+      return value.array() != nullptr;
     case Carrier::Object:
       if (!isInstance(object) || instanceOf(object).classRecord().distanceTo(classOf(wanted)) < 0)
         return false;
@@ -345,6 +396,15 @@ std::string Arguments::remedy(int index, host::Type const& wanted) {
       }))
     return {};
   return "The list holds read-only views; asMutable() of each gives an object that is accepted";
+}
+
+std::string acceptedElements(host::Type const& wanted) {
+  bool const isReference = wanted.isClass() && !isEnumeration(classOf(wanted));
+  return isReference ? std::string(wanted.fName.view()) : acceptedValues(wanted);
+}
+
+std::string refusal(PyObject* object, std::string const& accepted) {
+  return shortRepr(object) + " is not accepted: " + accepted + " is expected";
 }
 
 std::string Arguments::describe(int index) {

@@ -22,7 +22,17 @@ namespace vesk::python {
 [[nodiscard]] bool isViewOf(PyObject* object, host::Type const& wanted);
 
 /// What a type takes, for messages: "a str", "an umlmm.Class or None".
+/// The values of any iterable as a tuple. The items of a list are those that it has now.
+[[nodiscard]] Ref itemsOf(PyObject* iterable);
+
+/// None, [] or (): how a script says that there is no value.
+[[nodiscard]] bool isEmpty(PyObject* object) noexcept;
+
+/// What a type takes, for messages: "a str", "umlmm.Class or None"; as an element of a list, "umlmm.Class".
 [[nodiscard]] std::string acceptedValues(host::Type const& wanted);
+[[nodiscard]] std::string acceptedElements(host::Type const& wanted);
+/// That a value is none of those accepted: "3 is not accepted: a str is expected".
+[[nodiscard]] std::string refusal(PyObject* object, std::string const& accepted);
 
 /// The arguments of one call, borrowed.
 class Arguments final : public host::ArgumentSource {

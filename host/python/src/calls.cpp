@@ -17,6 +17,21 @@ bool settlesChoice(PyTypeObject* type) noexcept {
          type == &PyLong_Type || type == &PyBool_Type || type == Py_TYPE(Py_None);
 }
 
+/// Turns the failure of a call that is being handled into a Python error. One that only tells the type of a
+/// missing value tells the value too.
+[[noreturn, gnu::cold]] void raiseFailedCall(host::MethodRecord const& method, host::CallForm form,
+                                             PyObject* const* arguments, int count) {
+  raiseExplained([&](host::FailureKind kind) -> std::string {
+    int const offset = method.fHasReceiver && form != host::CallForm::OnInstance ? 1 : 0;
+    for (int i = offset; kind == host::FailureKind::WrongValue && i < count; ++i) {
+      host::Type const& type = method.argumentType(i - offset);
+      if (type.isClass() && isEmpty(arguments[i])) return refusal(arguments[i], acceptedElements(type));
+    }
+    return {};
+  });
+  throw PythonError();
+}
+
 }  // namespace
 
 host::MethodRecord const* CallCache::find(host::Member const* member, host::CallForm form,
@@ -49,7 +64,11 @@ PyObject* call(CallCache& cache, host::Member const& member, host::CallForm form
     method = &host::resolveMethod(member, form, source, count);
     cache.store(&member, form, arguments, count, *method);
   }
-  return toPython(host::callMethod(*method, form, receiver, source, count)).release();
+  try {
+    return toPython(host::callMethod(*method, form, receiver, source, count)).release();
+  } catch (...) {
+    raiseFailedCall(*method, form, arguments, count);
+  }
 }
 
 Ref callPublished(PyObject* object, VeskInterned name, PyObject* const* arguments, int count) {
@@ -60,7 +79,11 @@ Ref callPublished(PyObject* object, VeskInterned name, PyObject* const* argument
                                "' cannot be changed: it has no method '" + std::string(name.view()) + "'");
   Arguments source(arguments);
   host::MethodRecord const& method = host::resolveMethod(*member, host::CallForm::OnInstance, source, count);
-  return toPython(host::callMethod(method, host::CallForm::OnInstance, &instance, source, count));
+  try {
+    return toPython(host::callMethod(method, host::CallForm::OnInstance, &instance, source, count));
+  } catch (...) {
+    raiseFailedCall(method, host::CallForm::OnInstance, arguments, count);
+  }
 }
 
 bool accepts(PyObject* object, VeskInterned name, PyObject* const* arguments, int count) {

@@ -26,7 +26,14 @@ using host::MethodRecord;
 PyTypeObject gClassDocType{};
 PyObject* gClassDoc = nullptr;
 
-ClassFront& frontOfType(PyObject* type) noexcept { return *reinterpret_cast<ClassObject*>(type)->fFront; }
+/// Finalizers that run while Python makes a class can see it before it is finished.
+ClassFront& frontOfType(PyObject* type) {
+  ClassFront* front = reinterpret_cast<ClassObject*>(type)->fFront;
+  if (!front)
+    raise(PyExc_RuntimeError,
+          std::string("class '") + reinterpret_cast<PyTypeObject*>(type)->tp_name + "' is being made");
+  return *front;
+}
 
 std::string nameOf(ClassRecord& record) { return std::string(record.fName.view()); }
 std::string_view shortNameOf(ClassRecord& record) {
@@ -120,7 +127,16 @@ PyObject* construct(PyObject* type, PyObject* const* arguments, std::size_t flag
       front.fConstruction.store(nullptr, host::CallForm::Constructor, arguments, count, *constructor);
     }
     Ref object(objectOf(*host::makeInstance(*front.fRecord)));
-    host::construct(*constructor, instanceOf(object.get()), source, count);
+    try {
+      host::construct(*constructor, instanceOf(object.get()), source, count);
+    } catch (...) {
+      raiseExplained([&](host::FailureKind kind) -> std::string {
+        if (kind != host::FailureKind::NoReference || count == constructor->fCount) return {};
+        return nameOf(*front.fRecord) + " was called without a " +
+               std::string(constructor->argumentType(count).fName.view());
+      });
+      throw PythonError();
+    }
     return object.release();
   });
 }
@@ -146,6 +162,8 @@ void finishType(ClassFront& front, PyTypeObject* type) {
   type->tp_clear = nullptr;
   type->tp_free = PyObject_Free;
   if (!front.fLiterals.empty()) type->tp_call = callLiteral;
+  // Python's own setters, which know nothing of layouts made here, refuse such types.
+  type->tp_flags |= Py_TPFLAGS_IMMUTABLETYPE;
 }
 
 // --- the class of classes
@@ -208,9 +226,11 @@ ClassFront& frontOf(ClassRecord& record) {
   Ref const dictionary = makeDictionary(*front);
   Ref const name = pythonText(shortNameOf(record));
   Ref const arguments = Ref::checked(PyTuple_Pack(3, name.get(), bases.get(), dictionary.get()));
-  PyObject* type = checked(PyType_Type.tp_new(&gMetaType, arguments.get(), nullptr));
+  Ref type = Ref::checked(PyType_Type.tp_new(&gMetaType, arguments.get(), nullptr));
+  // Each allocation may have run a finalizer that touched the class: the first one made is the class.
+  if (record.fFront) return *static_cast<ClassFront*>(record.fFront);
   findSpecialMembers(*front);
-  finishType(*front, reinterpret_cast<PyTypeObject*>(type));
+  finishType(*front, reinterpret_cast<PyTypeObject*>(type.release()));
   record.fFront = front.get();
   return *front.release();
 }

@@ -36,14 +36,37 @@ void setError(PyObject* type, char const* text) noexcept {
   Py_DECREF(message);
 }
 
-void setNamedError(std::exception const& failure) {
-  char const* name = host::failureName(failure);
-  setError(name ? failureClass(name) : PyExc_RuntimeError, failure.what());
+PyObject* classOfFailure(char const* name, bool isRefusedAssignment) {
+  if (!name) return PyExc_RuntimeError;
+  return isRefusedAssignment ? readOnlyFailureClass(name) : failureClass(name);
+}
+
+void setNamedError(std::exception const& failure, Explain const& explain, bool isAssignment) {
+  host::FailureKind const kind = host::failureKind(failure);
+  std::string const text = failure.what() + (explain ? explain(kind) : std::string());
+  bool const isRefusedAssignment = isAssignment && kind == host::FailureKind::ReadOnly;
+  setError(classOfFailure(host::failureName(failure), isRefusedAssignment), text.c_str());
+}
+
+/// A class of failures under its full name, made when first asked for.
+PyObject* classNamed(std::string const& fullName, char const* doc, PyObject* bases) {
+  // Classes of failures are needed until the interpreter ends.
+  static auto& sClasses = *new std::map<std::string, PyObject*>;
+  PyObject*& cls = sClasses[fullName];
+  if (cls) return cls;
+  std::size_t const dot = fullName.find('.');
+  std::string const qualified = moduleNameOf(fullName.substr(0, dot)) + fullName.substr(dot);
+  Ref made = Ref::checked(PyErr_NewExceptionWithDoc(qualified.c_str(), doc, bases, nullptr));
+  // Making it may have run a finalizer that asked for it.
+  if (!cls) cls = made.release();
+  return cls;
 }
 
 }  // namespace
 
-void raiseCurrentException() noexcept {
+void raiseCurrentException() noexcept { raiseExplained({}); }
+
+void raiseExplained(Explain const& explain, bool isAssignment) noexcept {
   try {
     throw;
   } catch (PythonError const&) {
@@ -53,7 +76,7 @@ void raiseCurrentException() noexcept {
     setError(classOfKind(error.kind()), error.what());
   } catch (std::exception const& error) {
     try {
-      setNamedError(error);
+      setNamedError(error, explain, isAssignment);
     } catch (PythonError const&) {
     } catch (...) {
       PyErr_NoMemory();
@@ -91,18 +114,17 @@ void addNote(std::function<std::string()> const& makeNote) noexcept {
 }
 
 PyObject* failureClass(char const* fullName) {
-  // Classes of failures are needed until the interpreter ends.
-  static auto& sClasses = *new std::map<std::string, PyObject*>;
-  PyObject*& cls = sClasses[fullName];
-  if (!cls) {
-    std::string_view const name = fullName;
-    std::size_t const dot = name.find('.');
-    std::string const module = moduleNameOf(name.substr(0, dot));
-    std::string const qualified = module + "." + std::string(name.substr(dot + 1));
-    cls = checked(PyErr_NewExceptionWithDoc(qualified.c_str(), "A failure that the library reports.",
-                                            PyExc_RuntimeError, nullptr));
-  }
-  return cls;
+  return classNamed(fullName, "A failure that the library reports.", PyExc_RuntimeError);
+}
+
+PyObject* readOnlyFailureClass(char const* fullName) {
+  Ref const bases = Ref::checked(PyTuple_Pack(2, failureClass(fullName), PyExc_AttributeError));
+  return classNamed(readOnlyFailureName(fullName), "A failure to set what is read-only.", bases.get());
+}
+
+std::string readOnlyFailureName(std::string_view fullName) {
+  std::size_t const start = fullName.find('.') + 1;
+  return std::string(fullName.substr(0, start)).append("ReadOnly").append(fullName.substr(start));
 }
 
 }  // namespace vesk::python

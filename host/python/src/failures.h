@@ -2,8 +2,10 @@
 
 #include <functional>
 #include <string>
+#include <string_view>
 
 #include "python.h"
+#include "vesk/host/Extensions.h"
 
 namespace vesk::python {
 
@@ -11,6 +13,11 @@ namespace vesk::python {
 /// names for its failures, MemoryError, TypeError for calls and values that do not fit, ValueError for
 /// values out of range, NameError, ImportError, and RuntimeError for all others. Call it in a catch block.
 void raiseCurrentException() noexcept;
+
+/// What the front adds to the text of a library's failure of a kind; empty for nothing.
+using Explain = std::function<std::string(host::FailureKind)>;
+/// The same with an explanation. A failed assignment to what is read-only is an AttributeError too.
+void raiseExplained(Explain const& explain, bool isAssignment = false) noexcept;
 
 /// Runs `work` and answers what it answers; `failure` with a Python error set if it throws. Every C function
 /// that Python calls goes through here once.
@@ -35,5 +42,9 @@ void addNote(std::function<std::string()> const& makeNote) noexcept;
 
 /// The Python exception class of a full name ("Kelm.Error"), made when first asked for; borrowed.
 [[nodiscard]] PyObject* failureClass(char const* fullName);
+/// The class of those of its failures that tell of an assignment to what is read-only: an AttributeError too.
+[[nodiscard]] PyObject* readOnlyFailureClass(char const* fullName);
+/// The full name of that ("Kelm.ReadOnlyError").
+[[nodiscard]] std::string readOnlyFailureName(std::string_view fullName);
 
 }  // namespace vesk::python

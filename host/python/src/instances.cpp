@@ -157,7 +157,6 @@ host::Instance* makePyInstance(ClassRecord& cls) {
 void deallocateInstance(PyObject* self) {
   auto* object = reinterpret_cast<InstanceObject*>(self);
   PyTypeObject* type = Py_TYPE(self);
-  if (object->fWeakReferences) PyObject_ClearWeakRefs(self);
   PyInstance& instance = instanceOf(self);
   try {
     instance.finish();
@@ -168,6 +167,8 @@ void deallocateInstance(PyObject* self) {
     PyErr_WriteUnraisable(reinterpret_cast<PyObject*>(type));
     PyErr_Restore(errorType, value, trace);
   }
+  // Callbacks of weak references run code of scripts: by now nothing leads to this object any more.
+  if (object->fWeakReferences) PyObject_ClearWeakRefs(self);
   instance.~PyInstance();
   PyObject_Free(object);
   Py_DECREF(type);

@@ -34,10 +34,15 @@ struct Slice {
 
 [[nodiscard]] std::string listClassName(PyObject* list);
 
-/// Appends by the published method.
-void appendTo(PyObject* list, PyObject* value);
 /// Replaces the element at a place by the published method.
 void replaceAt(PyObject* list, Py_ssize_t place, PyObject* value);
+constexpr Py_ssize_t kAtEnd = -1;
+/// Puts values in the place of `removed` elements from `first` on, all or nothing and in one step that no
+/// code of scripts can see the middle of; answers false, with nothing changed, for a list that takes its
+/// values one by one. `values` is a tuple of values that the list takes, `first` may be kAtEnd.
+[[nodiscard]] bool splice(PyObject* list, Py_ssize_t first, Py_ssize_t removed, PyObject* values);
+/// Appends the values of a tuple that the list takes, all or none.
+void appendAll(PyObject* list, PyObject* values);
 /// Sets the slots and methods by which a list is changed.
 void prepareListChanges(PyTypeObject& type);
 

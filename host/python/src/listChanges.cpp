@@ -1,4 +1,7 @@
+#include <algorithm>
+#include <cstdlib>
 #include <string>
+#include <vector>
 
 #include "arguments.h"
 #include "calls.h"
@@ -26,83 +29,159 @@ void insertAt(PyObject* self, Py_ssize_t place, PyObject* value) {
   PyObject* const arguments[] = {index.get(), value};
   callPublished(self, internal::interned<"insert">(), arguments, 2);
 }
+
 /// The value as the list takes it. The list of a property takes a read-only view as the property does: for
 /// what it shows. Any other value is refused, before anything is changed.
 Ref elementFor(PyObject* self, PyObject* value) {
-  if (accepts(self, internal::interned<"append">(), &value, 1))  // a plain str runs no code of scripts
-    return PyUnicode_Check(value) ? Ref::checked(PyUnicode_FromObject(value)) : Ref::shared(value);
   PyInstance& instance = instanceOf(self);
   ClassFront& front = frontOf(instance);
-  bool const isView = isViewOf(value, front.elementType());
+  host::Type const& type = front.elementType();
+  bool const isNoObject = type.isClass() && isEmpty(value);
+  if (!isNoObject && accepts(self, internal::interned<"append">(), &value, 1))
+    // a plain str runs no code of scripts
+    return PyUnicode_Check(value) ? Ref::checked(PyUnicode_FromObject(value)) : Ref::shared(value);
+  bool const isView = isViewOf(value, type);
   if (isView && front.fSequence->isLive(&instance))
     return callPublished(value, internal::interned<"asMutable">(), nullptr, 0);
   raise(PyExc_TypeError, listClassName(self) + " does not take " + shortRepr(value) + ": " +
-                             acceptedValues(front.elementType()) + " is expected" +
+                             acceptedElements(type) + " is expected" +
                              (isView ? "; asMutable() of the read-only view gives one" : ""));
 }
 
-/// The values of any iterable, all of which the list takes.
+/// The values of any iterable as a tuple, all of which the list takes.
 Ref elementsFor(PyObject* self, PyObject* iterable) {
-  Ref values = Ref::checked(PySequence_List(iterable));
-  for (Py_ssize_t i = 0; i < PyList_GET_SIZE(values.get()); ++i) {
-    Ref const given = Ref::shared(PyList_GET_ITEM(values.get(), i));
-    checkedInt(PyList_SetItem(values.get(), i, elementFor(self, given.get()).release()));
+  Ref const given = itemsOf(iterable);
+  Py_ssize_t const count = PyTuple_GET_SIZE(given.get());
+  Ref values = Ref::checked(PyTuple_New(count));
+  for (Py_ssize_t i = 0; i < count; ++i) {
+    checkSignals(static_cast<std::size_t>(i));
+    PyTuple_SET_ITEM(values.get(), i, elementFor(self, PyTuple_GET_ITEM(given.get(), i)).release());
   }
   return values;
+}
+
+/// Values as a list holds them, made by the script's conversions before anything is changed.
+class ConvertedValues {
+ public:
+  explicit ConvertedValues(host::Type const& type) : fType(type) {}
+  ConvertedValues(ConvertedValues const&) = delete;
+  ConvertedValues& operator=(ConvertedValues const&) = delete;
+  ~ConvertedValues() {
+    for (VeskValue const value : fValues) host::destroyValue(fType, value);
+  }
+
+  void add(PyObject* tuple) {
+    auto const count = static_cast<std::size_t>(PyTuple_GET_SIZE(tuple));
+    fValues.reserve(count);
+    for (std::size_t i = 0; i < count; ++i) {
+      checkSignals(i);
+      fValues.push_back(convert(PyTuple_GET_ITEM(tuple, static_cast<Py_ssize_t>(i)), fType));
+    }
+  }
+  [[nodiscard]] std::vector<VeskValue> const& values() const noexcept { return fValues; }
+
+ private:
+  host::Type const& fType;
+  std::vector<VeskValue> fValues;
+};
+
+/// Runs steps of a change that is made one by one. When one fails or the user interrupts it, `undo` gets the
+/// number of steps done, and the failure goes on.
+template <class Step, class Undo>
+void runSteps(Py_ssize_t count, Step step, Undo undo) {
+  Py_ssize_t done = 0;
+  auto const run = [&] {
+    for (; done < count; ++done) {
+      checkSignals(static_cast<std::size_t>(done));
+      step(done);
+    }
+    return 0;
+  };
+  if (guarded(-1, run) == 0) return;
+  PyObject *type, *value, *trace;
+  PyErr_Fetch(&type, &value, &trace);
+  if (guarded(-1, [&] { return undo(done), 0; }) != 0) PyErr_Clear();  // the first failure matters more
+  PyErr_Restore(type, value, trace);
+  throw PythonError();
 }
 
 void eraseRange(PyObject* self, Py_ssize_t first, Py_ssize_t count) {
   while (count-- > 0) eraseAt(self, first + count);
 }
-
-/// Answers how many values were put in before one failed, with the Python error set; all if none failed.
-Py_ssize_t insertRange(PyObject* self, Py_ssize_t first, PyObject* values) noexcept {
-  Py_ssize_t done = 0;
-  guarded(-1, [&] {
-    for (; done < PyList_GET_SIZE(values); ++done)
-      insertAt(self, first + done, PyList_GET_ITEM(values, done));
-    return 0;
-  });
-  return done;
+void insertRange(PyObject* self, Py_ssize_t first, PyObject* list, Py_ssize_t from) {
+  for (Py_ssize_t i = from; i < PyList_GET_SIZE(list); ++i)
+    insertAt(self, first + i, PyList_GET_ITEM(list, i));
 }
 
 /// Puts new values in the place of a run of old ones; if one is refused, the old ones come back.
-void replaceRange(PyObject* self, Slice const& range, PyObject* values) {
-  Ref const before = readRange(self, range.fStart, range.fStart + range.fCount);
-  eraseRange(self, range.fStart, range.fCount);
-  Py_ssize_t const done = insertRange(self, range.fStart, values);
-  if (done == PyList_GET_SIZE(values)) return;
-  PyObject *type, *value, *trace;
-  PyErr_Fetch(&type, &value, &trace);
-  guarded(-1, [&] {
-    eraseRange(self, range.fStart, done);
-    return 0;
-  });
-  insertRange(self, range.fStart, before.get());
-  PyErr_Restore(type, value, trace);
-  throw PythonError();
+void replaceRange(PyObject* self, Py_ssize_t first, Py_ssize_t count, PyObject* values) {
+  Py_ssize_t const added = PyTuple_GET_SIZE(values);
+  if (count + added == 0 || splice(self, first, count, values)) return;
+  Ref const before = readRange(self, first, first + count);
+  runSteps(
+      count + added,
+      [&](Py_ssize_t i) {
+        i < count ? eraseAt(self, first + count - 1 - i)
+                  : insertAt(self, first + i - count, PyTuple_GET_ITEM(values, i - count));
+      },
+      [&](Py_ssize_t done) {
+        eraseRange(self, first, std::max<Py_ssize_t>(done - count, 0));
+        insertRange(self, first, before.get(), std::max<Py_ssize_t>(count - done, 0));
+      });
+}
+
+/// The change of a slice with steps, made on a copy of all between its ends, if the list takes that in one
+/// step.
+bool spliceSteps(PyObject* self, Slice const& range, PyObject* values) {
+  if (range.fCount == 0) return true;
+  Py_ssize_t const last = range.fStart + (range.fCount - 1) * range.fStep;
+  Py_ssize_t const low = std::min(range.fStart, last);
+  Ref const items = readRange(self, low, std::max(range.fStart, last) + 1);
+  Ref const start = Ref::checked(PyLong_FromSsize_t(range.fStart - low));
+  Ref const step = Ref::checked(PyLong_FromSsize_t(range.fStep));
+  bool const isToTheFront = range.fStep < 0;
+  Ref const slice = Ref::checked(PySlice_New(isToTheFront ? start.get() : nullptr, nullptr, step.get()));
+  checkedInt(values ? PyObject_SetItem(items.get(), slice.get(), values)
+                    : PyObject_DelItem(items.get(), slice.get()));
+  return splice(self, low, std::abs(last - range.fStart) + 1, itemsOf(items.get()).get());
 }
 
 void assignSlice(PyObject* self, PyObject* slice, PyObject* iterable) {
   Ref const values = elementsFor(self, iterable);
   Slice const range = resolveSlice(self, slice);
   if (assignOrder(self, range, values.get())) return;
-  if (range.fStep == 1 && !isUnique(self)) return replaceRange(self, range, values.get());
-  if (range.fStep != 1 && PyList_GET_SIZE(values.get()) != range.fCount)
-    raise(PyExc_ValueError, "attempt to assign " + std::to_string(PyList_GET_SIZE(values.get())) +
+  if (range.fStep != 1 && PyTuple_GET_SIZE(values.get()) != range.fCount)
+    raise(PyExc_ValueError, "attempt to assign " + std::to_string(PyTuple_GET_SIZE(values.get())) +
                                 " values to an extended slice of " + std::to_string(range.fCount));
   if (isUnique(self)) return assignUnique(self, range, values.get());
-  for (Py_ssize_t i = 0; i < range.fCount; ++i)
-    replaceAt(self, range.fStart + i * range.fStep, PyList_GET_ITEM(values.get(), i));
+  if (range.fStep == 1) return replaceRange(self, range.fStart, range.fCount, values.get());
+  if (spliceSteps(self, range, values.get())) return;
+  Ref const before = readAll(self);
+  auto const put = [&](Py_ssize_t place, PyObject* value) { replaceAt(self, place, value); };
+  auto const place = [&](Py_ssize_t i) { return range.fStart + i * range.fStep; };
+  runSteps(
+      range.fCount, [&](Py_ssize_t i) { put(place(i), PyTuple_GET_ITEM(values.get(), i)); },
+      [&](Py_ssize_t done) {
+        while (done-- > 0) put(place(done), PyList_GET_ITEM(before.get(), place(done)));
+      });
 }
 
 void deleteSlice(PyObject* self, PyObject* slice) {
   Slice range = resolveSlice(self, slice);
+  Ref const nothing = Ref::checked(PyTuple_New(0));
+  if (range.fStep == 1) return replaceRange(self, range.fStart, range.fCount, nothing.get());
+  if (spliceSteps(self, range, nullptr)) return;
   if (range.fStep > 0) {  // from the end, so that places before stay
     range.fStart += (range.fCount - 1) * range.fStep;
     range.fStep = -range.fStep;
   }
-  for (Py_ssize_t i = 0; i < range.fCount; ++i) eraseAt(self, range.fStart + i * range.fStep);
+  Ref const before = readAll(self);
+  auto const place = [&](Py_ssize_t i) { return range.fStart + i * range.fStep; };
+  runSteps(
+      range.fCount, [&](Py_ssize_t i) { eraseAt(self, place(i)); },
+      [&](Py_ssize_t done) {
+        while (done-- > 0) insertAt(self, place(done), PyList_GET_ITEM(before.get(), place(done)));
+      });
 }
 
 int assignSubscript(PyObject* self, PyObject* key, PyObject* value) {
@@ -123,9 +202,7 @@ int assignSubscript(PyObject* self, PyObject* key, PyObject* value) {
 
 PyObject* extend(PyObject* self, PyObject* iterable) {
   return guarded<PyObject*>(nullptr, [=] {
-    Ref const values = elementsFor(self, iterable);
-    for (Py_ssize_t i = 0; i < PyList_GET_SIZE(values.get()); ++i)
-      appendTo(self, PyList_GET_ITEM(values.get(), i));
+    appendAll(self, elementsFor(self, iterable).get());
     return Py_NewRef(Py_None);
   });
 }
@@ -177,8 +254,27 @@ void replaceAt(PyObject* self, Py_ssize_t place, PyObject* value) {
   callPublished(self, internal::interned<"replace">(), arguments, 2);
 }
 
-void appendTo(PyObject* self, PyObject* value) {
-  callPublished(self, internal::interned<"append">(), &value, 1);
+bool splice(PyObject* self, Py_ssize_t first, Py_ssize_t removed, PyObject* values) {
+  ClassFront& front = frontOf(instanceOf(self));
+  ConvertedValues converted(front.elementType());
+  converted.add(values);
+  // The conversions may have changed the list: a place that is gone by now is refused, with nothing changed.
+  Py_ssize_t const place = first == kAtEnd ? sizeOf(self) : first;
+  return front.fSequence->splice(&instanceOf(self), static_cast<std::size_t>(place),
+                                 static_cast<std::size_t>(removed), converted.values().data(),
+                                 converted.values().size());
+}
+
+void appendAll(PyObject* self, PyObject* values) {
+  if (PyTuple_GET_SIZE(values) == 0 || splice(self, kAtEnd, 0, values)) return;
+  Py_ssize_t const size = sizeOf(self);
+  runSteps(
+      PyTuple_GET_SIZE(values),
+      [&](Py_ssize_t i) {
+        PyObject* value = PyTuple_GET_ITEM(values, i);
+        callPublished(self, internal::interned<"append">(), &value, 1);
+      },
+      [&](Py_ssize_t) { eraseRange(self, size, sizeOf(self) - size); });
 }
 
 void prepareListChanges(PyTypeObject& type) {

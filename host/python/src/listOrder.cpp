@@ -53,8 +53,10 @@ Ref keysOf(Ref const& elements, PyObject* key) {
   if (key == Py_None) return Ref::shared(elements.get());
   Py_ssize_t const size = PyList_GET_SIZE(elements.get());
   Ref keys = Ref::checked(PyList_New(size));
-  for (Py_ssize_t i = 0; i < size; ++i)
+  for (Py_ssize_t i = 0; i < size; ++i) {
+    checkSignals(static_cast<std::size_t>(i));
     PyList_SET_ITEM(keys.get(), i, checked(PyObject_CallOneArg(key, PyList_GET_ITEM(elements.get(), i))));
+  }
   return keys;
 }
 
@@ -105,7 +107,7 @@ Ref withRange(Ref const& elements, Slice const& range, PyObject* values) {
   }
   for (Py_ssize_t i = 0; i < range.fCount; ++i)
     checkedInt(
-        PyList_SetItem(all.get(), range.fStart + i * range.fStep, Py_NewRef(PyList_GET_ITEM(values, i))));
+        PyList_SetItem(all.get(), range.fStart + i * range.fStep, Py_NewRef(PyTuple_GET_ITEM(values, i))));
   return all;
 }
 
@@ -113,14 +115,16 @@ Ref withRange(Ref const& elements, Slice const& range, PyObject* values) {
 void checkEachOnce(PyObject* list, Ref const& before, Slice const& range, PyObject* values) {
   Ref const outside = Ref::checked(PyDict_New());
   for (Py_ssize_t place = 0; place < PyList_GET_SIZE(before.get()); ++place) {
+    checkSignals(static_cast<std::size_t>(place));
     Py_ssize_t const offset = place - range.fStart;
     Py_ssize_t const number = offset / range.fStep;
     bool const isInside = offset % range.fStep == 0 && number >= 0 && number < range.fCount;
     if (!isInside) note(outside, PyList_GET_ITEM(before.get(), place), place);
   }
   Ref const given = Ref::checked(PyDict_New());
-  for (Py_ssize_t i = 0; i < PyList_GET_SIZE(values); ++i) {
-    PyObject* const value = PyList_GET_ITEM(values, i);
+  for (Py_ssize_t i = 0; i < PyTuple_GET_SIZE(values); ++i) {
+    checkSignals(static_cast<std::size_t>(i));
+    PyObject* const value = PyTuple_GET_ITEM(values, i);
     if (Py_ssize_t const place = lookUp(outside, value); place >= 0) raiseStandsElsewhere(list, value, place);
     if (lookUp(given, value) >= 0)
       raise(PyExc_ValueError,
@@ -146,7 +150,7 @@ void assignAt(PyObject* list, Py_ssize_t place, PyObject* value) {
 }
 
 bool assignOrder(PyObject* list, Slice const& range, PyObject* values) {
-  if (PyList_GET_SIZE(values) != range.fCount) return false;
+  if (PyTuple_GET_SIZE(values) != range.fCount) return false;
   std::uint64_t const state = stateOf(list);
   Ref const before = readAll(list);
   auto const placeOfNumber = [&](Py_ssize_t number) { return range.fStart + number * range.fStep; };
@@ -154,13 +158,15 @@ bool assignOrder(PyObject* list, Slice const& range, PyObject* values) {
   Ref const places = Ref::checked(PyDict_New());
   std::vector<Py_ssize_t> next(static_cast<std::size_t>(range.fCount));
   for (Py_ssize_t number = range.fCount; number-- > 0;) {
+    checkSignals(static_cast<std::size_t>(number));
     PyObject* const value = checked(PyList_GetItem(before.get(), placeOfNumber(number)));
     next[static_cast<std::size_t>(number)] = lookUp(places, value);
     note(places, value, number);
   }
   Moves moves;
   for (Py_ssize_t number = 0; number < range.fCount; ++number) {
-    PyObject* const value = PyList_GET_ITEM(values, number);
+    checkSignals(static_cast<std::size_t>(number));
+    PyObject* const value = PyTuple_GET_ITEM(values, number);
     Py_ssize_t const from = lookUp(places, value);
     if (from < 0) return false;
     note(places, value, next[static_cast<std::size_t>(from)]);

@@ -65,7 +65,8 @@ bool isPlain(PyObject* value, host::Type const& element) {
     case host::Carrier::RawInt32:
       return PyLong_CheckExact(value) || PyBool_Check(value);
     case host::Carrier::Text:
-      return PyUnicode_CheckExact(value);
+      return PyUnicode_CheckExact(value) &&
+             PyUnicode_FindChar(value, 0, 0, PyUnicode_GET_LENGTH(value), 1) < 0;
     case host::Carrier::Object:
       return isInstance(value) && conversionCost(value, element) >= 0;
     default:
@@ -119,6 +120,7 @@ Ref readRange(PyObject* list, Py_ssize_t first, Py_ssize_t last) {
   Ref result = Ref::checked(PyList_New(0));
   std::array<PyObject*, kBlock> block;
   while (first < last) {
+    checkedInt(PyErr_CheckSignals());
     std::uint64_t stamp = 0;
     std::size_t const read = readBlock(list, static_cast<std::size_t>(first),
                                        static_cast<std::size_t>(last - first), block.data(), stamp);
@@ -227,6 +229,7 @@ bool readNextBlock(IteratorObject& iterator) {
   if (!iterator.fList) return false;
   bool const isFirst = iterator.fStamp == 0;
   iterator.fGiven = iterator.fRead = 0;
+  checkedInt(PyErr_CheckSignals());
   iterator.fRead = readBlock(iterator.fList, iterator.fNext, kBlock, iterator.fBlock, iterator.fStamp);
   iterator.fNext += iterator.fRead;
   if (iterator.fRead != 0) return true;
@@ -324,7 +327,8 @@ PyObject* countOf(PyObject* self, PyObject* value) {
   return guarded<PyObject*>(nullptr, [=] {
     Py_ssize_t const size = sizeOf(self);
     Py_ssize_t found = 0;
-    for (Py_ssize_t place = 0; (place = findPlace(self, value, place, size)) >= 0; ++place) ++found;
+    for (Py_ssize_t place = 0; (place = findPlace(self, value, place, size)) >= 0; ++place)
+      checkSignals(static_cast<std::size_t>(found++));
     return PyLong_FromSsize_t(found);
   });
 }
@@ -404,9 +408,7 @@ Ref buildList(ClassRecord& wanted, PyObject* items) {
   host::Member const& make = *builder.findMember(internal::interned<"make">());
   host::MethodRecord const& method = host::resolveMethod(make, host::CallForm::OnClass, source, 1);
   Ref list = toPython(host::callMethod(method, host::CallForm::OnClass, nullptr, source, 1));
-  Ref const values = Ref::checked(PySequence_List(items));
-  for (Py_ssize_t i = 0; i < PyList_GET_SIZE(values.get()); ++i)
-    appendTo(list.get(), PyList_GET_ITEM(values.get(), i));
+  appendAll(list.get(), itemsOf(items).get());
   return list;
 }
 

@@ -171,8 +171,9 @@ PyObject* getMethod(PyObject* self, PyObject* object, PyObject* type) {
   return guarded<PyObject*>(nullptr, [=] {
     if (object && isInstance(object)) return bindToInstance(self, object);
     MethodObject& method = asMethod(self);
-    bool const isPublished = type && Py_IS_TYPE(type, &gMetaType);
-    ClassRecord& cls = isPublished ? *reinterpret_cast<ClassObject*>(type)->fFront->fRecord : *method.fOwner;
+    ClassFront const* front =
+        type && Py_IS_TYPE(type, &gMetaType) ? reinterpret_cast<ClassObject*>(type)->fFront : nullptr;
+    ClassRecord& cls = front ? *front->fRecord : *method.fOwner;
     host::Member const* member = meaningOf(method, cls);
     return makeBound(member ? member : meaningOf(method, *method.fOwner), &method.fCalls, self, nullptr);
   });
@@ -325,7 +326,11 @@ void writeProperty(PyObject* property, PyObject* object, PyObject* value) {
   try {
     record.fInfo->setValue(&instanceOf(object), converted);
   } catch (...) {
-    raiseCurrentException();
+    raiseExplained(
+        [&](host::FailureKind kind) {
+          return kind == host::FailureKind::WrongValue ? refusal(value, acceptedValues(record.type())) : "";
+        },
+        true);
     addNote([&] { return "while " + shownName(record, object) + " was set to " + shortRepr(value); });
     throw PythonError();
   }

@@ -69,14 +69,18 @@ std::string utf8(PyObject* text) {
 
 std::string shortRepr(PyObject* object) {
   constexpr Py_ssize_t kLongest = 60;
-  Ref text(PyObject_Repr(object));
+  // Of what is long, the start is enough.
+  bool const isLong = PyUnicode_CheckExact(object) || PyList_CheckExact(object) || PyTuple_CheckExact(object);
+  Ref const start = isLong && PyObject_Size(object) > kLongest
+                        ? Ref::checked(PySequence_GetSlice(object, 0, kLongest))
+                        : Ref::shared(object);
+  Ref text(PyObject_Repr(start.get()));
   if (!text) {
     PyErr_Clear();
     return Py_TYPE(object)->tp_name;
   }
   if (PyUnicode_GET_LENGTH(text.get()) <= kLongest) return utf8(text.get());
-  Ref const start = Ref::checked(PyUnicode_Substring(text.get(), 0, kLongest));
-  return utf8(start.get()) + "...";
+  return utf8(Ref::checked(PyUnicode_Substring(text.get(), 0, kLongest)).get()) + "...";
 }
 
 bool isReservedWord(std::string_view name) noexcept {

@@ -39,8 +39,10 @@ PackageRecord& packageOf(PyObject* module) {
 /// The exception class of the package under a short name, or null.
 PyObject* findFailureClass(PackageRecord& package, std::string_view shortName) {
   std::string const fullName = std::string(package.name().view()) + "." + std::string(shortName);
-  for (char const* name : host::failureNames())
+  for (char const* name : host::failureNames()) {
     if (fullName == name) return failureClass(name);
+    if (fullName == readOnlyFailureName(name)) return readOnlyFailureClass(name);
+  }
   return nullptr;
 }
 
@@ -50,8 +52,11 @@ std::vector<std::string> publicNames(PackageRecord& package) {
     if (!cls->info().isHidden()) names.emplace_back(cls->info().getName());
   for (host::Member const* function : package.functions()) names.emplace_back(function->fName.view());
   std::string const prefix = std::string(package.name().view()) + ".";
-  for (std::string_view name : host::failureNames())
-    if (name.starts_with(prefix)) names.emplace_back(name.substr(prefix.size()));
+  for (std::string_view name : host::failureNames()) {
+    if (!name.starts_with(prefix)) continue;
+    names.emplace_back(name.substr(prefix.size()));
+    names.push_back(readOnlyFailureName(name).substr(prefix.size()));
+  }
   return names;
 }
 

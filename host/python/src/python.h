@@ -3,6 +3,7 @@
 #define PY_SSIZE_T_CLEAN
 #include <Python.h>
 
+#include <cstddef>
 #include <utility>
 
 namespace vesk::python {
@@ -48,6 +49,13 @@ template <class Int>
 Int checkedInt(Int result) {
   if (result < 0) throw PythonError();
   return result;
+}
+
+/// Called with the number of each step of a loop that may be long: once in a while lets handlers of signals
+/// run, so that Ctrl-C ends the loop. Throws what a handler raises.
+inline void checkSignals(std::size_t step) {
+  if (step % 1024 == 1023) [[unlikely]]
+    checkedInt(PyErr_CheckSignals());
 }
 
 }  // namespace vesk::python

@@ -1,6 +1,6 @@
 #include "results.h"
 
-#include <cstring>
+#include <algorithm>
 
 #include "instances.h"
 #include "tarn/tarn.h"
@@ -24,14 +24,41 @@ Ref fromElements(tarnArray const* array, Box box) {
   if (count == 0) return none();
   if (count == 1) return Ref::checked(box(0));
   Ref list = Ref::checked(PyList_New(static_cast<Py_ssize_t>(count)));
-  for (std::size_t i = 0; i < count; ++i)
+  for (std::size_t i = 0; i < count; ++i) {
+    checkSignals(i);
     PyList_SET_ITEM(list.get(), static_cast<Py_ssize_t>(i), checked(box(i)));
+  }
   return list;
 }
 
 PyObject* objectOfElement(void* element) noexcept {
   if (!element) return Py_NewRef(Py_None);
   return Py_NewRef(objectOf(*static_cast<host::Instance*>(static_cast<VeskInterface*>(element))));
+}
+
+/// Hands out the characters of a text. A surrogate without its partner is a character of its own.
+template <class Take>
+void forEachCharacter(char16_t const* units, std::size_t count, Take take) {
+  for (std::size_t i = 0; i < count; ++i) {
+    Py_UCS4 const unit = units[i];
+    bool const isPair =
+        Py_UNICODE_IS_HIGH_SURROGATE(unit) && i + 1 < count && Py_UNICODE_IS_LOW_SURROGATE(units[i + 1]);
+    take(isPair ? Py_UNICODE_JOIN_SURROGATES(unit, units[++i]) : unit);
+  }
+}
+
+struct Measure {
+  Py_ssize_t fLength = 0;
+  Py_UCS4 fHighest = 0;
+};
+
+Measure measureUtf16(char16_t const* units, std::size_t count) {
+  Measure measure;
+  forEachCharacter(units, count, [&measure](Py_UCS4 character) {
+    ++measure.fLength;
+    measure.fHighest = std::max(measure.fHighest, character);
+  });
+  return measure;
 }
 
 bool isEmbedded(tarnArray const* array) noexcept { return (array->fFlags & tarnArray::Embedded) != 0; }
@@ -48,9 +75,21 @@ Ref textFromUtf16(char16_t const* units, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i) out[i] = static_cast<Py_UCS1>(units[i]);
     return text;
   }
-  int order = -1;  // little-endian, no mark: a leading U+FEFF belongs to the text
-  return Ref::checked(
-      PyUnicode_DecodeUTF16(reinterpret_cast<char const*>(units), length * 2, "surrogatepass", &order));
+  Measure const measure = measureUtf16(units, count);
+  Ref text = Ref::checked(PyUnicode_New(measure.fLength, measure.fHighest));
+  switch (PyUnicode_KIND(text.get())) {
+    case PyUnicode_1BYTE_KIND:
+      std::copy_n(units, count, PyUnicode_1BYTE_DATA(text.get()));
+      break;
+    case PyUnicode_2BYTE_KIND:
+      std::copy_n(units, count, PyUnicode_2BYTE_DATA(text.get()));
+      break;
+    default:
+      forEachCharacter(units, count, [out = PyUnicode_4BYTE_DATA(text.get())](Py_UCS4 character) mutable {
+        *out++ = character;
+      });
+  }
+  return text;
 }
 
 Ref toPython(host::Type const& type, VeskValue value) {

@@ -54,7 +54,8 @@ class _PackageStub:
 
     def _member(self, name, value):
         if isinstance(value, type) and issubclass(value, Exception):
-            return f'class {name}({value.__base__.__name__}):\n    """{value.__doc__}"""\n'
+            bases = ", ".join(base.__name__ for base in value.__bases__)
+            return f'class {name}({bases}):\n    """{value.__doc__}"""\n'
         if name == "extend":
             return "def extend(class_name: str, name: str, function: _Callable[..., _Any], /) -> None: ...\n"
         return ""

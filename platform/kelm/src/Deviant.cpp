@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "kelm/Asserter.h"
+#include "kelm/failureWords.h"
 
 namespace Kelm {
 
@@ -13,8 +13,7 @@ bool DeviantAssertions::enableAssertions(bool aEnabled) noexcept {
 }
 
 void DeviantAssertions::raiseReadOnly() {
-  raiseFailure("The object cannot be changed in a read-only variant of its model",
-               "kelm/Kelm/DeviantAssertions");
+  raiseFailure(words::kReadOnlyVariant, "kelm/Kelm/DeviantAssertions");
 }
 
 }  // namespace Kelm

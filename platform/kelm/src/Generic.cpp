@@ -88,6 +88,7 @@ void SequenceIntf::checkPlaces(std::span<int const> aPlaces, std::size_t aSize) 
     if (static_cast<std::size_t>(place) >= aSize) raiseFailure(words::kIndexOutOfBounds, kSource);
   }
 }
+bool SequenceIntf::splice(Deviant const&, int, int, std::vector<Ref> const&) { return false; }
 
 int SequenceIntf::blockLength(int aIndex, int aCount, std::size_t aSize) {
   if (aIndex < 0) raiseFailure(words::kIndexNotPositive, kSource);

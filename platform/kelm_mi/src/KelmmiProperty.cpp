@@ -2,6 +2,7 @@
 
 #include "kelm/Asserter.h"
 #include "kelm/DeviantRegistry.h"
+#include "kelm/failureWords.h"
 #include "uml_metamodel_mi/frame/ScriptClass.h"
 
 namespace Kelm::mi {
@@ -81,9 +82,7 @@ vesk::VeskValue KelmmiProperty::getMultiValuedValue(ClassObject&, vesk::VeskInte
   raiseFailure(words::kInternalError, kSource);
 }
 
-void KelmmiProperty::throwSetProhibitedException() {
-  throw Exception("The object is immutable. Use asMutable() to get an object that can be changed");
-}
+void KelmmiProperty::throwSetProhibitedException() { throw Exception(words::kImmutableObject); }
 
 Borrowed<ClassObject> KelmmiProperty::openForSet(vesk::VeskInterface* aInstance,
                                                  vesk::VeskInterned aValueType, char const* aSource) const {

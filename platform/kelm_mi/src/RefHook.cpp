@@ -60,6 +60,10 @@ void RefHook::box(Generic::Loan const* aLoans, std::size_t aCount, vesk::VeskVal
           [&](std::size_t aAt) { return fClass.box(objects[aAt].get(), objects[aAt].getDeviant()); });
 }
 
+Generic::Ref RefHook::element(vesk::VeskValue aValue) const {
+  return Access::make(fClass.unboxElement(aValue));
+}
+
 int RefHook::search(Generic::SequenceIntf const& aSequence, Deviant const& aDeviant, vesk::VeskValue aValue,
                     int aFirst) const {
   if (fClass.fElements == Elements::Text) return searchText(aSequence, aDeviant, aValue, aFirst);

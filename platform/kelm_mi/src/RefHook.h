@@ -17,6 +17,7 @@ class RefHook final : public KernelSequenceHook {
   void box(Generic::Loan const* aLoans, std::size_t aCount, vesk::VeskValue* aValues) const override;
   int search(Generic::SequenceIntf const& aSequence, Deviant const& aDeviant, vesk::VeskValue aValue,
              int aFirst) const override;
+  Generic::Ref element(vesk::VeskValue aValue) const override;
 
  private:
   bool boxBound(Generic::Loan const* aLoans, std::size_t aCount, vesk::VeskValue* aValues) const;

@@ -106,6 +106,10 @@ class ValueSequence final : public Proxy {
     change(aDeviant);
     return Proxy::generic_removeAll(aDeviant, std::move(aValue));
   }
+  bool splice(Deviant const& aDeviant, int aFirst, int aRemoved, std::vector<Ref> const& aValues) override {
+    change(aDeviant);
+    return Proxy::splice(aDeviant, aFirst, aRemoved, aValues);
+  }
 
  private:
   SequenceIntf const& read(Deviant const& aDeviant) const {

@@ -27,6 +27,9 @@ VeskClass::~VeskClass() = default;
 void VeskClass::addEvent(char const*) {}
 
 SequenceHook::~SequenceHook() = default;
+bool SequenceHook::splice(VeskInterface*, std::size_t, std::size_t, VeskValue const*, std::size_t) const {
+  return false;
+}
 
 VeskPackageInfo::~VeskPackageInfo() = default;
 bool VeskPackageInfo::attemptToLoadSubPackage(char const*) { return false; }

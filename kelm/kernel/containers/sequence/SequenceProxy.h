@@ -4,6 +4,7 @@
 #include <memory>
 #include <span>
 #include <utility>
+#include <vector>
 
 #include "kelm/Asserter.h"
 #include "kelm/Generic.h"
@@ -113,6 +114,9 @@ class UMLMM_API GenericReferenceCountingSequenceProxy : public SequenceProxy {
     fTarget->generic_rearrange(aDeviant, aFrom, aTo);
   }
   bool isUnique() const override { return fTarget->isUnique(); }
+  bool splice(Deviant const& aDeviant, int aFirst, int aRemoved, std::vector<Ref> const& aValues) override {
+    return fTarget->splice(aDeviant, aFirst, aRemoved, aValues);
+  }
 
  protected:
   Generic::SequenceIntf const& target() const noexcept { return *fTarget; }

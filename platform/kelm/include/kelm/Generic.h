@@ -5,6 +5,7 @@
 #include <memory>
 #include <span>
 #include <utility>
+#include <vector>
 
 #include "kelm/Deviant.h"
 #include "kelm/ReferenceCountingIntf.h"
@@ -101,6 +102,11 @@ class UMLMM_API SequenceIntf : public ReferenceCountingIntf {
   virtual int readBlock(Deviant const&, int aIndex, int aCount, Loan* aOut) const = 0;
   /// Index of the first value from `aFrom` on that equals `aValue`, or -1.
   virtual int indexOf(Deviant const&, Ref const& aValue, int aFrom) const;
+  /// Puts `aValues` in the place of the `aRemoved` values from `aFirst` on, all of them or, when it raises,
+  /// none; takes time for each value of the sequence once. A unique sequence leaves out what it holds
+  /// already. Answers false, with nothing changed, for a sequence that is changed value by value only, as
+  /// this one does.
+  virtual bool splice(Deviant const&, int aFirst, int aRemoved, std::vector<Ref> const& aValues);
 
   /// Gives values other places: the one at `aFrom[i]` comes to `aTo[i]`. Both must name the same indices,
   /// each once. No value comes or goes, and iterators stay with their values where they do so anyway. Raises,

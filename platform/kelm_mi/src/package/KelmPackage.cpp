@@ -2,8 +2,8 @@
 #include <vector>
 
 #include "KelmClass.h"
-#include "kelm/Asserter.h"
 #include "kelm/Model.h"
+#include "kelm/failureWords.h"
 #include "kelm_mi/VeskExtensionsRegistry.h"
 #include "kelm_mi/refClassInfos.h"
 #include "textClassInfos.h"
@@ -124,6 +124,15 @@ bool isKelmFailure(std::exception const& aFailure) {
   return dynamic_cast<Exception const*>(&aFailure) != nullptr;
 }
 
+vesk::host::FailureKind kindOfFailure(std::exception const& aFailure) {
+  using vesk::host::FailureKind;
+  auto const& failure = static_cast<Exception const&>(aFailure);
+  for (char const* refusal : {words::kReadOnlySet, words::kImmutableObject, words::kReadOnlyVariant})
+    if (says(failure, refusal)) return FailureKind::ReadOnly;
+  if (says(failure, words::kIncorrectType)) return FailureKind::WrongValue;
+  return says(failure, words::kNullReference) ? FailureKind::NoReference : FailureKind::General;
+}
+
 void addExtension(char const* aClassName, vesk::host::ClassExtension aExtension) {
   VeskExtensionsRegistry& registry = VeskExtensionsRegistry::instance();
   // A class in use can be extended as far as its host can do that; the extension itself finds out.
@@ -138,7 +147,7 @@ void registerWithHost() {
   vesk::host::registerDataType("kelmlogical", Carrier::OptionalLogical);
   vesk::host::registerDataType("kelmint32", Carrier::OptionalInt32);
   vesk::host::registerDataType("kelmunlimitedNatural", Carrier::NaturalText);
-  vesk::host::nameFailures("Kelm.Error", &isKelmFailure);
+  vesk::host::nameFailures("Kelm.Error", &isKelmFailure, &kindOfFailure);
   vesk::host::setExtensionRegistrar("Kelm", &addExtension);
   vesk::VeskPackage::addPackage(new KelmPackageInfo);
 }

@@ -35,6 +35,11 @@ class UMLMM_API SequenceHook {
   /// element type and stays the caller's.
   virtual std::size_t find(VeskInterface* sequence, VeskValue value, std::size_t first,
                            std::size_t last) const = 0;
+  /// Puts `count` values of the element type, which stay the caller's, in the place of the `removed` elements
+  /// from index `first` on, all of them or, when it throws, none. Answers false, with nothing changed, for a
+  /// sequence that is changed by its methods only.
+  virtual bool splice(VeskInterface* sequence, std::size_t first, std::size_t removed,
+                      VeskValue const* values, std::size_t count) const;
   /// Data type or full class name of the elements.
   virtual char const* elementType() const = 0;
 

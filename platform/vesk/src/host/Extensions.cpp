@@ -14,6 +14,7 @@ namespace {
 struct NamedFailure {
   char const* fName;
   FailureMatcher fMatches;
+  FailureClassifier fClassify;
 };
 struct Registrar {
   std::string fPackage;
@@ -25,6 +26,11 @@ std::vector<NamedFailure>& namedFailures() {
   static auto& sFailures = *new std::vector<NamedFailure>;
   return sFailures;
 }
+NamedFailure const* find(std::exception const& failure) noexcept {
+  for (NamedFailure const& known : namedFailures())
+    if (known.fMatches(failure)) return &known;
+  return nullptr;
+}
 std::vector<Registrar>& registrars() {
   static auto& sRegistrars = *new std::vector<Registrar>;
   return sRegistrars;
@@ -32,20 +38,25 @@ std::vector<Registrar>& registrars() {
 
 }  // namespace
 
-void nameFailures(char const* name, FailureMatcher matches) {
+void nameFailures(char const* name, FailureMatcher matches, FailureClassifier classify) {
+  NamedFailure const named{name, matches, classify};
   for (NamedFailure& known : namedFailures()) {
     if (std::strcmp(known.fName, name) == 0) {
-      known.fMatches = matches;
+      known = named;
       return;
     }
   }
-  namedFailures().push_back({name, matches});
+  namedFailures().push_back(named);
 }
 
 char const* failureName(std::exception const& failure) noexcept {
-  for (NamedFailure const& known : namedFailures())
-    if (known.fMatches(failure)) return known.fName;
-  return nullptr;
+  NamedFailure const* known = find(failure);
+  return known ? known->fName : nullptr;
+}
+
+FailureKind failureKind(std::exception const& failure) noexcept {
+  NamedFailure const* known = find(failure);
+  return known && known->fClassify ? known->fClassify(failure) : FailureKind::General;
 }
 
 std::vector<char const*> failureNames() {

@@ -35,6 +35,13 @@ def test_a_class_whose_filling_fails_says_so_at_each_use(demo):
     (lambda demo: type("Mine", (demo.Thing,), {}), TypeError, "cannot be subclassed"),
     (lambda demo: demo.ImmutableThing(), TypeError, "no constructor"),
     (lambda demo: object.__new__(demo.Thing), TypeError, "not safe"),
+    *[(lambda demo, name=name: type.__dict__[name].__set__(demo.Thing, "x"), TypeError, "immutable type")
+      for name in ("__name__", "__qualname__", "__bases__", "__module__", "__doc__")],
+    (lambda demo: type.__dict__["__name__"].__delete__(demo.Thing), TypeError, "immutable type"),
+    (lambda demo: type.__setattr__(demo.Thing, "name", 1), TypeError, "can't apply|immutable type"),
+    *[(lambda demo, type_=type_: object.__dict__["__class__"].__set__(demo.Thing("a"), getattr(demo, type_)), TypeError,
+       "__class__ assignment only supported") for type_ in ("Color", "ImmutableThing")],
+    (lambda demo: object.__dict__["__class__"].__set__(demo.Thing, type), TypeError, "__class__ assignment"),
 ])
 def test_what_scripts_may_not_do_is_told(demo, action, error, text):
     with pytest.raises(error, match=text):

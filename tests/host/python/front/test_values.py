@@ -9,7 +9,9 @@ import pytest
 @pytest.mark.parametrize("name, given, read", [
     ("name", "", ""),
     ("name", "plain", "plain"),
-    ("name", "ä€\U0001f600\ud800\ufeff\0z", "ä€\U0001f600\ud800\ufeff\0z"),
+    ("name", "é\x80", "é\x80"),
+    ("name", "ä€\udc00\ud800\ufeff", "ä€\udc00\ud800\ufeff"),
+    ("name", "ä€\U0001f600\ud800\ufeff\ud800", "ä€\U0001f600\ud800\ufeff\ud800"),
     ("name", "\ufeffmark", "\ufeffmark"),
     ("name", None, ""),
     ("name", [], ""),
@@ -36,6 +38,9 @@ def test_what_is_set_is_read(demo, name, given, read):
 
 @pytest.mark.parametrize("name, given, error, text", [
     ("name", 3, TypeError, r"demo\.Thing\.name cannot be set to 3: a str is expected"),
+    ("name", "a\0b", ValueError, r"demo\.Thing\.name cannot be set: 'a\\x00b' is not accepted: a str without zero"),
+    ("name", "€\0", ValueError, "without zero"),
+    ("name", "\U0001f600\0", ValueError, "without zero"),
     ("flag", None, TypeError, "True or False"),
     ("flag", 0.5, TypeError, "True or False"),
     ("number", "1", TypeError, "int of 32 bits"),
@@ -99,6 +104,8 @@ def test_failures_have_the_class_that_the_library_names(demo):
     with pytest.raises(demo.Error) as caught:
         thing.asImmutable().parts = [thing]  # the note shows a value whose text runs code of the library
     assert caught.value.__notes__ == ["while demo.ImmutableThing.parts was set to [<demo.Thing 'a'>]"]
+    assert type(caught.value) is demo.ReadOnlyError and issubclass(demo.ReadOnlyError, AttributeError)
+    assert not isinstance(pytest.raises(demo.Error, demo.Thing.fail, 0).value, AttributeError)
 
 
 def test_literals(demo):
@@ -137,6 +144,63 @@ def test_objects_end_with_their_last_reference(host, demo, settled):
     del thing
     assert watcher() is None
     assert demo.Thing.living() == living and host.live_counts() == before
+
+
+class Number(int):
+    """A number whose methods run what they are told to."""
+
+    def __bool__(self):
+        raise ZeroDivisionError
+
+    __str__ = __repr__ = __lt__ = __bool__
+
+
+class Index:
+    def __init__(self, action):
+        self.action = action
+
+    def __index__(self):
+        self.action()
+        return 1
+
+
+def test_code_of_scripts_may_run_in_the_middle_of_a_conversion(demo):
+    thing = demo.Thing("a")
+    for name in ("flag", "maybe"):
+        with pytest.raises(ZeroDivisionError):
+            setattr(thing, name, Number(1))
+    assert thing.flag is False and thing.maybe is None
+    thing.upper = Number(7)
+    assert thing.upper == "7"
+    values = []
+    values[:] = [Index(values.clear), *range(5000)]
+    thing.numbers = values
+    assert thing.numbers == [1, *range(5000)] and values == []
+    values[:] = [Index(lambda: values.__setitem__(1, "x")), 2]
+    thing.numbers = values
+    assert thing.numbers == [1, 2]
+
+
+@pytest.mark.parametrize("fail", [False, True])
+def test_callbacks_of_weak_references_meet_no_dying_object(host, demo, fail, monkeypatch):
+    reported = []
+    monkeypatch.setattr("sys.unraisablehook", reported.append)
+    owner, before = demo.Thing("owner"), host.live_counts()
+    owner.parts = [demo.Thing("part")]
+    found = []
+
+    def look(reference):
+        found.append((reference(), owner.parts[0]))
+        assert not fail
+
+    watcher = weakref.ref(owner.parts[0], look)
+    (gone, part), = found
+    assert gone is None and part.name == "part" and part is owner.parts[0] and watcher() is None
+    assert len(reported) == fail
+    found.clear()
+    del part
+    owner.parts = None
+    assert host.live_counts() == before
 
 
 def test_objects_stay_outside_the_collector(demo):

@@ -390,7 +390,11 @@ void fillPackage(vesk::VeskPackage& package) {
 extern "C" UMLMM_API void SarnInitialize_front_testpackage() {
   vesk::testing::addPackage("demo", demo::fillPackage);
   vesk::host::nameFailures(
-      "demo.Error", [](std::exception const& e) { return dynamic_cast<demo::Error const*>(&e) != nullptr; });
+      "demo.Error", [](std::exception const& e) { return dynamic_cast<demo::Error const*>(&e) != nullptr; },
+      [](std::exception const& e) {
+        bool const isReadOnly = std::string_view(e.what()).find("read-only") != std::string_view::npos;
+        return isReadOnly ? vesk::host::FailureKind::ReadOnly : vesk::host::FailureKind::General;
+      });
   vesk::host::setExtensionRegistrar("demo", demo::addExtension);
 }
 extern "C" UMLMM_API void SarnTerminate_front_testpackage() {}

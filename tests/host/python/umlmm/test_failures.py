@@ -25,12 +25,12 @@ ENGINE = "uml_metamodel/engine"
 MARSHAL = "kelm_mi/marshal/"
 
 
-def fails(action, words, source):
+def fails(action, words, source, added="", kind=umlmm.Kelm.Error):
     """The whole text, line number apart, which is the check's own."""
-    with pytest.raises(umlmm.Kelm.Error) as raised:
+    with pytest.raises(kind) as raised:
         action()
     text = f"Assertion failed: {words} at {source}:"
-    assert re.fullmatch(re.escape(text) + r"[1-9]\d*: ", str(raised.value)), str(raised.value)
+    assert re.fullmatch(re.escape(text) + r"[1-9]\d*: " + re.escape(added), str(raised.value)), str(raised.value)
 
 
 def set_(element, name, value):
@@ -50,6 +50,11 @@ def set_(element, name, value):
 ])
 def test_null_references(call, source):
     fails(call, NULL_REFERENCE, source)
+
+
+def test_what_is_missing_is_named():
+    for cls in (umlmm.Class, umlmm.Property):
+        fails(cls, NULL_REFERENCE, "kelm/Kelm/Model_h", f"umlmm.{cls.__name__} was called without a Kelm.Model")
 
 
 @pytest.mark.parametrize("call", [
@@ -116,20 +121,27 @@ def test_properties_that_refuse(model):
         (lambda: element.unset("qualifiedName"), "kelm/Kelm/ClassObject_h"),
     ):
         fails(action, READ_ONLY, source)
+    fails(set_(element, "qualifiedName", "x"), READ_ONLY, MARSHAL + "KelmmiStringProperty", kind=AttributeError)
     fails(set_(attribute, "lower", [1, 2]), TOO_MANY, MARSHAL + "OptionalPrimitiveMarshaling")
     assert attribute.lower == 1
-    for action, name in (
-        (set_(attribute, "upper", "many"), "UnlimitedNatural"),
-        (lambda: umlmm.SequenceOfUnlimitedNatural.make(model).append("many"), "UnlimitedNatural"),
-        (lambda: umlmm.AggregationKind.fromString("Nope"), "AggregationKind"),
-        (lambda: element.getPropertyText("ownedAttribute"), "String"),
-        (lambda: umlmm.SequenceOfClass.make(model).append(None), "umlmm.Class"),
+    for action, name, added in (
+        (set_(attribute, "upper", "x"), "UnlimitedNatural",
+         "'x' is not accepted: a natural number, '*' or None is expected"),
+        (lambda: umlmm.SequenceOfUnlimitedNatural.make(model).append("many"), "UnlimitedNatural", ""),
+        (lambda: umlmm.AggregationKind.fromString("Nope"), "AggregationKind", ""),
+        (lambda: element.getPropertyText("ownedAttribute"), "String", ""),
+        (lambda: umlmm.SequenceOfClass.make(model).append(None), "umlmm.Class",
+         "None is not accepted: umlmm.Class is expected"),
+        (lambda: umlmm.Class(model).ownedAttribute.insert(1, []), "umlmm.Property",
+         "[] is not accepted: umlmm.Property is expected"),
     ):
-        fails(action, f"Incorrect type: the value is not of type '{name}'", "kelm/Kelm/Error")
+        fails(action, f"Incorrect type: the value is not of type '{name}'", "kelm/Kelm/Error", added)
+    with pytest.raises(TypeError, match="does not take None: umlmm.Property is expected"):
+        element.ownedAttribute.extend([None])
     for action in (set_(element.asImmutable(), "name", "x"), set_(element.asImmutable(), "isAbstract", True),
                    set_(attribute.asImmutable(), "lower", 2), set_(attribute.asImmutable(), "type", element),
                    set_(element.asImmutable(), "ownedAttribute", [])):
-        with pytest.raises(umlmm.Kelm.Error, match="^The object is immutable. Use asMutable"):
+        with pytest.raises(umlmm.Kelm.ReadOnlyError, match="^The object is immutable. Use asMutable"):
             action()
 
 

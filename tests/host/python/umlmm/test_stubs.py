@@ -67,7 +67,7 @@ def script_name(member):
 
 def test_every_class_and_member_is_there_and_no_other(stubs):
     announced = {name for package in ("umlmm", "Kelm") for name in _host.class_names(package)}
-    failures = {"Kelm.Error"}
+    failures = {"Kelm.Error", "Kelm.ReadOnlyError"}
     assert {name for name in stubs if "._" not in name} == announced | failures
     for name in announced:
         package, _, short = name.partition(".")

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <memory>
 #include <span>
 #include <type_traits>
@@ -125,6 +126,18 @@ class ListQImplForPrimitives : public Generic::SequenceIntf {
     for (int i = 0; i < count; ++i)
       aOut[i] = Access::lend(values[static_cast<std::size_t>(aIndex) + static_cast<std::size_t>(i)]);
     return count;
+  }
+  bool splice(Deviant const&, int aFirst, int aRemoved, std::vector<Ref> const& aValues) override {
+    std::size_t const first = checkedIndex(aFirst, size() + 1);
+    std::size_t const last = first + checkedIndex(aRemoved, size() - first + 1);
+    Values values;
+    values.reserve(aValues.size());
+    for (Ref const& value : aValues) values.push_back(Access::get(value));
+    change(values.size(), [&](Values& aOwn) {
+      auto const place = aOwn.erase(at(aOwn, first), at(aOwn, last));
+      aOwn.insert(place, std::make_move_iterator(values.begin()), std::make_move_iterator(values.end()));
+    });
+    return true;
   }
 
   void generic_rearrange(Deviant const&, std::span<int const> aFrom, std::span<int const> aTo) override {

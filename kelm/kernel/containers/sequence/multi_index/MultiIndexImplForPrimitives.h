@@ -152,6 +152,7 @@ class MultiIndexImplForPrimitives : public Generic::SequenceIntf {
     ++fStamp;
   }
   bool isUnique() const override { return IsUnique; }
+  bool splice(Deviant const&, int aFirst, int aRemoved, std::vector<Ref> const& aValues) override;
 
  private:
   static constexpr std::size_t kLookAhead = 32;
@@ -188,6 +189,8 @@ class MultiIndexImplForPrimitives : public Generic::SequenceIntf {
   /// only: the element's memory may be free.
   std::ptrdiff_t find(Position const& aPosition, std::ptrdiff_t aHint) const;
 
+  template <class Tell>
+  void enter(std::vector<Ref> const& aValues, Tell const& aTell);
   /// The place of the new element, or of the equal one that kept it out.
   Position insertBefore(Position const& aPosition, Ref const& aValue) {
     auto const [position, inserted] = fElements.insert(aPosition, Access::get(aValue));
@@ -297,6 +300,58 @@ int MultiIndexImplForPrimitives<T, IsUnique, KeyExtractor>::generic_removeAll(De
   std::size_t const before = fElements.size();
   fElements.remove_if([&](T const& aElement) { return SequenceTraits<T>::equal(aElement, value); });
   return static_cast<int>(before - fElements.size());
+}
+
+/// Enters values at the end, all or none, and tells of each where it stands and whether it is new.
+template <class T, bool IsUnique, class KeyExtractor>
+template <class Tell>
+void MultiIndexImplForPrimitives<T, IsUnique, KeyExtractor>::enter(std::vector<Ref> const& aValues,
+                                                                   Tell const& aTell) {
+  std::size_t const size = fElements.size();
+  try {
+    for (Ref const& value : aValues) {
+      auto const [position, inserted] = fElements.push_back(Access::get(value));
+      aTell(position, inserted);
+    }
+  } catch (...) {
+    fElements.erase(at(size), fElements.end());
+    throw;
+  }
+  ++fStamp;
+}
+
+/// New values are entered at the end, which alone can fail, and moved to their place when all are in. A value
+/// that a unique sequence holds among those that go stays in place of the new one.
+template <class T, bool IsUnique, class KeyExtractor>
+bool MultiIndexImplForPrimitives<T, IsUnique, KeyExtractor>::splice(Deviant const&, int aFirst, int aRemoved,
+                                                                    std::vector<Ref> const& aValues) {
+  std::size_t const size = fElements.size();
+  std::size_t const first = checkedIndex(aFirst, size + 1);
+  std::size_t const last = first + checkedIndex(aRemoved, size - first + 1);
+  if (first == size) {
+    enter(aValues, [](Position const&, bool) {});
+    return true;
+  }
+  std::vector<bool> stays(last - first);
+  std::vector<std::reference_wrapper<T const>> order;
+  order.reserve(size + aValues.size());
+  auto const add = [&](std::size_t aFrom, std::size_t aTo) {
+    for (std::size_t i = aFrom; i < aTo; ++i) order.push_back(std::cref(fElements[i]));
+  };
+  add(0, first);
+  enter(aValues, [&](Position const& aPosition, bool aIsNew) {
+    auto const index = static_cast<std::size_t>(aPosition - fElements.begin());
+    bool const wasGoing = !aIsNew && index >= first && index < last && !stays[index - first];
+    if (wasGoing) stays[index - first] = true;
+    if (aIsNew || wasGoing) order.push_back(std::cref(*aPosition));
+  });
+  add(last, size);
+  std::size_t const kept = order.size();
+  for (std::size_t i = first; i < last; ++i)
+    if (!stays[i - first]) add(i, i + 1);
+  fElements.rearrange(order.begin());
+  fElements.erase(at(kept), fElements.end());
+  return true;
 }
 
 /// The first of the equal values in the order of the sequence, of which the sorted view knows nothing. When

@@ -14,11 +14,22 @@ namespace vesk::host {
 /// Whether a failure is one of those that a library names.
 using FailureMatcher = bool (*)(std::exception const& failure);
 
+/// What a failure tells, as far as a front can say more of it than the library.
+enum class FailureKind {
+  General,
+  ReadOnly,     ///< a property was set that cannot be set, or not through this object
+  WrongValue,   ///< a value is none of those that are taken
+  NoReference,  ///< there is no object behind a reference
+};
+using FailureClassifier = FailureKind (*)(std::exception const& failure);
+
 /// Gives the failures that `matches` recognises the full name of an exception class, such as "Kelm.Error",
 /// under which scripts catch them. The name is permanent text; a name that is known gets the new matcher.
-UMLMM_API void nameFailures(char const* name, FailureMatcher matches);
+UMLMM_API void nameFailures(char const* name, FailureMatcher matches, FailureClassifier classify = nullptr);
 /// The name of a failure, or null if no library names it.
 [[nodiscard]] UMLMM_API char const* failureName(std::exception const& failure) noexcept;
+/// What its library says that a failure tells; General for one that no library names.
+[[nodiscard]] UMLMM_API FailureKind failureKind(std::exception const& failure) noexcept;
 /// The names given so far.
 [[nodiscard]] UMLMM_API std::vector<char const*> failureNames();
 

@@ -88,6 +88,11 @@ Operation<Case> const kOperations[] = {
     {"removeAll", [](auto& s) { s.fSequence.removeAll(typename Case::Value(2)); }},
     {"pop_back", [](auto& s) { s.fSequence.pop_back(); }},
     {"pop_front", [](auto& s) { s.fSequence.pop_front(); }},
+    {"splice",
+     [](auto& s) {
+       using Access = Kelm::Generic::RefAccess<typename Case::Value>;
+       s.fTarget->splice({}, 1, 2, {Access::make(s.fNew), Access::make(typename Case::Value(2))});
+     }},
     {"clear", [](auto& s) { s.fSequence.clear(); }},
     {"begin", [](auto& s) { s.fSequence.begin(); }},
     {"end", [](auto& s) { s.fSequence.end(); }},
