@@ -7,6 +7,7 @@
 #include "engine/Referrers.h"
 #include "engine/classes.h"
 #include "engine/engine.h"
+#include "engine/ids.h"
 #include "engine/kernel_features.h"
 #include "engine/links.h"
 #include "kelm/blocks.h"
@@ -18,8 +19,8 @@ namespace {
 
 std::size_t sLiving = 0;
 
-void freeTexts(Element& aElement) {
-  forEachWord(aElement.fClass->fStringWords, [&](unsigned aWord) {
+void freeTexts(Element& aElement, std::uint64_t aWords) {
+  forEachWord(aWords, [&](unsigned aWord) {
     void*& word = wordAt(aElement, aWord);
     if (word != nullptr) static_cast<Kelm::StringObject*>(word)->decRef();
     word = nullptr;
@@ -29,7 +30,7 @@ void freeTexts(Element& aElement) {
 /// The last count is gone: the slots hold no links any more, as the model or the container let go first.
 void release(Element* aElement) {
   Kelm::ClassTable const& table = *aElement->fClass;
-  freeTexts(*aElement);
+  freeTexts(*aElement, table.fStringWords);
   forEachWord(table.fListWords, [&](unsigned aWord) {
     if (void* const list = wordAt(*aElement, aWord)) ElementList::destroy(static_cast<ElementList*>(list));
   });
@@ -93,9 +94,13 @@ void leaveOthers(Element& aElement) {
   });
 }
 
-/// Empties a list but keeps what scripts hold of it; what the slot held is gone with the subtree.
+/// Empties a list but keeps what scripts hold of it; what the slot held is gone with the subtree. The name
+/// stays, so that failures can tell which element is gone.
 void emptySlots(Element& aElement) {
-  freeTexts(aElement);
+  std::uint64_t const name = hasSlot(aElement, ids::NamedElement::Name)
+                                 ? std::uint64_t{1} << slotOf(aElement, ids::NamedElement::Name)
+                                 : 0;
+  freeTexts(aElement, aElement.fClass->fStringWords & ~name);
   forEachWord(aElement.fClass->fReferenceWords, [&](unsigned aWord) { wordAt(aElement, aWord) = nullptr; });
   forEachWord(aElement.fClass->fListWords, [&](unsigned aWord) {
     if (auto* const list = static_cast<ElementList*>(wordAt(aElement, aWord))) list->clear();
@@ -138,7 +143,7 @@ Element& create(int aMetaclass, Kelm::ModelObject& aModel) {
 }
 
 void destroy(Element& aElement, Deviant const& aDeviant) {
-  checkWritable(aElement, aDeviant);
+  checkWritable(aElement, aDeviant, "uml_metamodel/engine/lifecycle");
   HeldElements::countAll();
   Kelm::ModelObject& model = *aElement.fModel;
   leaveContainer(aElement);
