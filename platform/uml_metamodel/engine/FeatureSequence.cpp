@@ -1,6 +1,7 @@
 #include "engine/FeatureSequence.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "engine/ElementRef.h"
 #include "engine/access.h"
@@ -20,8 +21,12 @@ using Kelm::Generic::IteratorPtr;
 using Kelm::Generic::Ref;
 using ObjectAccess = Kelm::Generic::RefAccess<Kelm::Object>;
 
-[[noreturn]] void raiseOutOfBounds() { Kelm::raiseFailure(Kelm::words::kIndexOutOfBounds, kSource); }
-[[noreturn]] void raiseEmpty() { Kelm::raiseFailure(Kelm::words::kSequenceEmpty, kSource); }
+[[noreturn]] void raiseOutOfBounds(int aLine = std::source_location::current().line()) {
+  Kelm::raiseFailure(Kelm::words::kIndexOutOfBounds, kSource, aLine);
+}
+[[noreturn]] void raiseEmpty(int aLine = std::source_location::current().line()) {
+  Kelm::raiseFailure(Kelm::words::kSequenceEmpty, kSource, aLine);
+}
 
 }  // namespace
 
@@ -31,32 +36,33 @@ Element* elementOf(Kelm::ImmutableObject const& aObject) {
 
 Element* elementOf(Kelm::Generic::Loan const& aValue) { return elementOf(ObjectAccess::get(aValue)); }
 
-/// Stands at an element by its address, which is looked up again when the sequence has changed. The address
-/// is compared and never followed: the element may be gone.
+/// Stands at an element by its address, which is looked up again when the sequence has changed. The iterator
+/// holds a count on the element, so that no other one can be made at that address.
 class FeatureSequence::Iterator final : public Kelm::IteratorProxy {
  public:
   Iterator(FeatureSequence const& aSequence, std::uint32_t aPosition)
-      : IteratorProxy(aSequence.changes()),
-        fSequence(aSequence),
+      : fSequence(aSequence),
+        fStamp(aSequence.changes()),
         fPosition(aPosition),
-        fCurrent(aPosition < aSequence.size() ? aSequence.at(aPosition) : nullptr) {
+        fCurrent(aSequence.counted(aPosition)) {
     Kelm::keepOwner(this, &aSequence);
   }
+  ~Iterator() override { letGo(); }
 
   Ref current(Deviant const& aDeviant) const override {
-    checkReadable(fSequence.element(), aDeviant);
+    checkReadable(fSequence.element(), aDeviant, kSource);
     refresh();
     if (fCurrent == nullptr) raiseOutOfBounds();
     return refTo(*fCurrent, aDeviant);
   }
   void next(Deviant const& aDeviant) override {
-    checkReadable(fSequence.element(), aDeviant);
+    checkReadable(fSequence.element(), aDeviant, kSource);
     refresh();
     if (fCurrent == nullptr) raiseOutOfBounds();
     moveTo(fPosition + 1);
   }
   void previous(Deviant const& aDeviant) override {
-    checkReadable(fSequence.element(), aDeviant);
+    checkReadable(fSequence.element(), aDeviant, kSource);
     refresh();
     if (fPosition == 0) raiseOutOfBounds();
     moveTo(fPosition - 1);
@@ -75,11 +81,22 @@ class FeatureSequence::Iterator final : public Kelm::IteratorProxy {
   }
 
  private:
-  Iterator(Iterator const& aOther) = default;
+  Iterator(Iterator const& aOther)
+      : IteratorProxy(aOther),
+        fSequence(aOther.fSequence),
+        fStamp(aOther.fStamp),
+        fPosition(aOther.fPosition),
+        fCurrent(aOther.fCurrent) {
+    if (fCurrent != nullptr) fCurrent->incRef();
+  }
 
   void moveTo(std::uint32_t aPosition) {
+    letGo();
     fPosition = aPosition;
-    fCurrent = aPosition < fSequence.size() ? fSequence.at(aPosition) : nullptr;
+    fCurrent = fSequence.counted(aPosition);
+  }
+  void letGo() noexcept {
+    if (fCurrent != nullptr) std::exchange(fCurrent, nullptr)->decRef();
   }
 
   void refresh() const {
@@ -109,15 +126,17 @@ class FeatureSequence::Iterator final : public Kelm::IteratorProxy {
   }
 
   FeatureSequence const& fSequence;
+  /// The state of the sequence when the position was last known good.
+  mutable std::uint64_t fStamp;
   mutable std::uint32_t fPosition;
   Element* fCurrent;
 };
 
-std::uint32_t FeatureSequence::checkedPosition(Deviant const& aDeviant, int aIndex,
-                                               std::uint32_t aLimit) const {
-  checkReadable(fElement, aDeviant);
-  if (aIndex < 0) Kelm::raiseFailure(Kelm::words::kIndexNotPositive, kSource);
-  if (static_cast<std::uint32_t>(aIndex) >= aLimit) raiseOutOfBounds();
+std::uint32_t FeatureSequence::checkedPosition(Deviant const& aDeviant, int aIndex, std::uint32_t aLimit,
+                                               int aLine) const {
+  checkReadable(fElement, aDeviant, {kSource, aLine});
+  if (aIndex < 0) Kelm::raiseFailure(Kelm::words::kIndexNotPositive, kSource, aLine);
+  if (static_cast<std::uint32_t>(aIndex) >= aLimit) raiseOutOfBounds(aLine);
   return static_cast<std::uint32_t>(aIndex);
 }
 
@@ -129,19 +148,26 @@ std::uint32_t FeatureSequence::positionOf(IteratorIntf const* aIterator) const {
   return iterator.position();
 }
 
+Element* FeatureSequence::counted(std::uint32_t aPosition) const {
+  if (aPosition >= size()) return nullptr;
+  Element* const element = at(aPosition);
+  element->incRef();
+  return element;
+}
+
 IteratorPtr FeatureSequence::iteratorAt(std::uint32_t aPosition) const {
   return IteratorPtr(new Iterator(*this, aPosition));
 }
 
-void FeatureSequence::checkChange(Deviant const& aDeviant) const {
-  checkWritable(fElement, aDeviant);
-  if (fFeature.fReadOnly) failures::raiseReadOnly(fFeature);
+void FeatureSequence::checkChange(Deviant const& aDeviant, int aLine) const {
+  checkWritable(fElement, aDeviant, {kSource, aLine});
+  if (fFeature.fReadOnly) failures::raiseReadOnly({kSource, aLine}, fFeature);
 }
 
 std::uint32_t FeatureSequence::add(Deviant const& aDeviant, std::uint32_t aPosition, Ref const& aValue) {
   checkChange(aDeviant);
   Element* const value = elementOf(aValue);
-  if (value == nullptr) failures::raiseNotAValue(fFeature);
+  if (value == nullptr) failures::raiseNotAValue(kSource, fFeature);
   if (!contains(*value)) {
     check(*value, nullptr);
     insert(aPosition, *value);
@@ -150,29 +176,29 @@ std::uint32_t FeatureSequence::add(Deviant const& aDeviant, std::uint32_t aPosit
 }
 
 Ref FeatureSequence::generic_at(Deviant const& aDeviant, int aIndex) const {
-  checkReadable(fElement, aDeviant);
+  checkReadable(fElement, aDeviant, kSource);
   return refTo(*at(checkedPosition(aDeviant, aIndex, size())), aDeviant);
 }
 
 Ref FeatureSequence::generic_front(Deviant const& aDeviant) const {
-  checkReadable(fElement, aDeviant);
+  checkReadable(fElement, aDeviant, kSource);
   if (size() == 0) raiseEmpty();
   return refTo(*at(0), aDeviant);
 }
 
 Ref FeatureSequence::generic_back(Deviant const& aDeviant) const {
-  checkReadable(fElement, aDeviant);
+  checkReadable(fElement, aDeviant, kSource);
   if (size() == 0) raiseEmpty();
   return refTo(*at(size() - 1), aDeviant);
 }
 
 IteratorPtr FeatureSequence::generic_begin(Deviant const& aDeviant) const {
-  checkReadable(fElement, aDeviant);
+  checkReadable(fElement, aDeviant, kSource);
   return iteratorAt(0);
 }
 
 IteratorPtr FeatureSequence::generic_end(Deviant const& aDeviant) const {
-  checkReadable(fElement, aDeviant);
+  checkReadable(fElement, aDeviant, kSource);
   return iteratorAt(size());
 }
 
@@ -182,7 +208,7 @@ void FeatureSequence::generic_clear(Deviant const& aDeviant) {
 }
 
 int FeatureSequence::generic_size(Deviant const& aDeviant) const {
-  checkReadable(fElement, aDeviant);
+  checkReadable(fElement, aDeviant, kSource);
   return static_cast<int>(size());
 }
 
@@ -248,7 +274,7 @@ void FeatureSequence::generic_replace(Deviant const& aDeviant, int aIndex, Ref a
   checkChange(aDeviant);
   std::uint32_t const position = checkedPosition(aDeviant, aIndex, size());
   Element* const value = elementOf(aValue);
-  if (value == nullptr) failures::raiseNotAValue(fFeature);
+  if (value == nullptr) failures::raiseNotAValue(kSource, fFeature);
   if (contains(*value)) return;
   Element* const old = at(position);
   check(*value, old);
@@ -257,7 +283,7 @@ void FeatureSequence::generic_replace(Deviant const& aDeviant, int aIndex, Ref a
 }
 
 bool FeatureSequence::generic_contains(Deviant const& aDeviant, Ref aValue) const {
-  checkReadable(fElement, aDeviant);
+  checkReadable(fElement, aDeviant, kSource);
   Element* const value = elementOf(aValue);
   return value != nullptr && value->fModel == fElement.fModel && contains(*value);
 }
@@ -270,8 +296,14 @@ int FeatureSequence::generic_removeAll(Deviant const& aDeviant, Ref aValue) {
   return 1;
 }
 
+void FeatureSequence::specialized_assign(Kelm::Generic::SequenceIntf const* aOther, Deviant const& aDeviant,
+                                         bool& aResult) {
+  engine::assign(fElement, aDeviant, fFeature, aOther, aDeviant);
+  aResult = true;
+}
+
 std::uint64_t FeatureSequence::stamp(Deviant const& aDeviant) const {
-  checkReadable(fElement, aDeviant);
+  checkReadable(fElement, aDeviant, kSource);
   // Closing holes moves entries, not values: it must not look like a change later.
   if (size() != 0) static_cast<void>(all());
   return changes();
@@ -279,14 +311,14 @@ std::uint64_t FeatureSequence::stamp(Deviant const& aDeviant) const {
 
 int FeatureSequence::readBlock(Deviant const& aDeviant, int aIndex, int aCount,
                                Kelm::Generic::Loan* aOut) const {
-  checkReadable(fElement, aDeviant);
+  checkReadable(fElement, aDeviant, kSource);
   int const count = blockLength(aIndex, aCount, size());
   if (count != 0) lend(all().subspan(static_cast<std::size_t>(aIndex)), count, aDeviant, aOut);
   return count;
 }
 
 int FeatureSequence::indexOf(Deviant const& aDeviant, Ref const& aValue, int aFrom) const {
-  checkReadable(fElement, aDeviant);
+  checkReadable(fElement, aDeviant, kSource);
   Element* const value = elementOf(aValue);
   if (value == nullptr || value->fModel != fElement.fModel) return -1;
   std::uint32_t const position = find(*value);

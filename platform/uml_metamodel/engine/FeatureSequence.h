@@ -33,6 +33,8 @@ class FeatureSequence : public Kelm::Generic::SequenceIntf {
   Kelm::Generic::Ref generic_at(Deviant const& aDeviant, int aIndex) const override;
   Kelm::Generic::Ref generic_front(Deviant const& aDeviant) const override;
   Kelm::Generic::Ref generic_back(Deviant const& aDeviant) const override;
+  void specialized_assign(Kelm::Generic::SequenceIntf const* aOther, Deviant const& aDeviant,
+                          bool& aResult) override;
   Kelm::Generic::IteratorPtr generic_begin(Deviant const& aDeviant) const override;
   Kelm::Generic::IteratorPtr generic_end(Deviant const& aDeviant) const override;
   void generic_clear(Deviant const& aDeviant) override;
@@ -89,13 +91,17 @@ class FeatureSequence : public Kelm::Generic::SequenceIntf {
   /// Differs whenever positions may have moved; never 0.
   virtual std::uint64_t changes() const = 0;
 
-  std::uint32_t checkedPosition(Deviant const& aDeviant, int aIndex, std::uint32_t aLimit) const;
+  // Failures name the caller's line.
+  std::uint32_t checkedPosition(Deviant const& aDeviant, int aIndex, std::uint32_t aLimit,
+                                int aLine = std::source_location::current().line()) const;
   /// Position of an iterator of this sequence; raises for others.
   std::uint32_t positionOf(Kelm::Generic::IteratorIntf const* aIterator) const;
+  /// The element there with a count for the caller; null behind the last.
+  Element* counted(std::uint32_t aPosition) const;
   Kelm::Generic::IteratorPtr iteratorAt(std::uint32_t aPosition) const;
   /// Adds the value unless it is there; answers where it stands.
   std::uint32_t add(Deviant const& aDeviant, std::uint32_t aPosition, Kelm::Generic::Ref const& aValue);
-  void checkChange(Deviant const& aDeviant) const;
+  void checkChange(Deviant const& aDeviant, int aLine = std::source_location::current().line()) const;
 
   Element& fElement;
   Feature const& fFeature;

@@ -1,12 +1,73 @@
 #include "engine/ModelIndex.h"
 
 #include <memory>
+#include <tuple>
+#include <unordered_set>
 
 namespace umlmm::engine {
 
+namespace {
+
+/// An element, and its place among what its owner has: the word of the feature, and the entry in its list.
+struct Placed {
+  Element const* fOwner;
+  unsigned fWord;
+  std::uint32_t fEntry;
+  Element* fElement;
+  bool fIsWanted;
+
+  bool operator<(Placed const& aOther) const noexcept {
+    return std::tie(fOwner, fWord, fEntry) < std::tie(aOther.fOwner, aOther.fWord, aOther.fEntry);
+  }
+};
+
+Placed place(Kelm::ModelObject const& aModel, Element& aElement, bool aIsWanted) {
+  Element const* const owner = aElement.fContainer;
+  if (owner == nullptr) return {nullptr, 0, aModel.roots()->find(&aElement, true), &aElement, aIsWanted};
+  FeatureIndex const holder = aElement.fContainerFeature;
+  bool const isList = feature(holder).fStorage == Storage::List;
+  return {owner, slotOf(*owner, holder),
+          isList ? pointerSlot<ElementList>(*owner, holder)->find(&aElement, true) : 0, &aElement, aIsWanted};
+}
+
+/// The elements as a walk over the whole model would come by them, found by the ways up from them alone.
+std::vector<Element*> inDocumentOrder(Kelm::ModelObject const& aModel,
+                                      std::vector<Element*> const& aElements) {
+  std::unordered_set<Element const*> seen(aElements.begin(), aElements.end());
+  std::vector<Placed> tree;
+  for (Element* const element : aElements) {
+    tree.push_back(place(aModel, *element, true));
+    for (Element* owner = element->fContainer; owner != nullptr && seen.insert(owner).second;
+         owner = owner->fContainer)
+      tree.push_back(place(aModel, *owner, false));
+  }
+  std::sort(tree.begin(), tree.end());
+  std::vector<Element*> ordered;
+  std::vector<Placed const*> open;
+  auto const openParts = [&](Element const* aOwner) {
+    auto const isBefore = [](Placed const& aPlaced, Element const* aWanted) {
+      return std::less<>()(aPlaced.fOwner, aWanted);
+    };
+    auto part = std::lower_bound(tree.begin(), tree.end(), aOwner, isBefore);
+    auto const start = static_cast<std::ptrdiff_t>(open.size());
+    for (; part != tree.end() && part->fOwner == aOwner; ++part) open.push_back(&*part);
+    std::reverse(open.begin() + start, open.end());
+  };
+  openParts(nullptr);
+  while (!open.empty()) {
+    Placed const& next = *open.back();
+    open.pop_back();
+    if (next.fIsWanted) ordered.push_back(next.fElement);
+    openParts(next.fElement);
+  }
+  return ordered;
+}
+
+}  // namespace
+
 ModelIndex& ModelIndex::of(Kelm::ModelObject& aModel) {
   if (find(aModel) == nullptr) {
-    std::unique_ptr<ModelIndex> index(new ModelIndex);
+    std::unique_ptr<ModelIndex> index(new ModelIndex(aModel));
     forEachElement(aModel, [&](Element& aElement) { index->addToExtent(aElement); });
     aModel.setCompanion(index.release());
   }
@@ -27,13 +88,25 @@ void ModelIndex::removeFromExtent(Element& aElement) {
     extent->erase(&aElement, false);
 }
 
-std::vector<Element*> ModelIndex::instancesOf(int aMetaclass) {
+std::vector<Element*> ModelIndex::instancesOf(int aMetaclass) const {
+  // A walk over the model costs less for each element than the way up from what is found.
+  constexpr std::size_t kWalkShare = 8;
+  std::size_t all = 0;
+  for (int index = 0; index < kMetaclassCount; ++index) all += sizeOf(index);
   std::vector<Element*> found;
+  std::size_t count = 0;
+  for (std::uint16_t const concrete : kMetaclasses[aMetaclass].fConcrete) count += sizeOf(concrete);
+  if (count * kWalkShare >= all) {
+    forEachElement(fModel, [&](Element& aElement) {
+      if (isA(aElement, aMetaclass)) found.push_back(&aElement);
+    });
+    return found;
+  }
   for (std::uint16_t const concrete : kMetaclasses[aMetaclass].fConcrete)
     if (ElementList const* const extent = fExtents[concrete])
       for (Element* const element : *extent)
         if (element != nullptr) found.push_back(element);
-  return found;
+  return inDocumentOrder(fModel, found);
 }
 
 }  // namespace umlmm::engine

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <vector>
 
@@ -7,7 +8,7 @@
 
 namespace umlmm::engine {
 
-/// The elements of a model by metaclass, in order of creation. Made when first asked for, by one walk over
+/// The elements of a model by metaclass. Made when first asked for, by one walk over
 /// the model, and kept up to date from then on; a model that nobody asks pays nothing.
 class ModelIndex final : public Kelm::ModelCompanion {
  public:
@@ -29,27 +30,39 @@ class ModelIndex final : public Kelm::ModelCompanion {
       index->removeFromExtent(aElement);
   }
 
-  /// Living elements of a metaclass and those below it.
-  std::vector<Element*> instancesOf(int aMetaclass);
+  /// Living elements of a metaclass and those below it, in the order of `forEachElement`. Costs what is found
+  /// and what owns it.
+  std::vector<Element*> instancesOf(int aMetaclass) const;
 
  private:
-  ModelIndex() noexcept = default;
+  explicit ModelIndex(Kelm::ModelObject const& aModel) noexcept : fModel(aModel) {}
   void addToExtent(Element& aElement);
   void removeFromExtent(Element& aElement);
+  std::size_t sizeOf(int aConcrete) const noexcept {
+    return ElementList::size(fExtents[static_cast<std::size_t>(aConcrete)]);
+  }
 
+  Kelm::ModelObject const& fModel;
   std::array<ElementList*, kMetaclassCount> fExtents{};
 };
 
-/// Calls `aVisit` with every living element of the model, owners before what they own.
+/// Calls `aVisit` with every living element of the model in the order of a document: one of the top level
+/// with all that it owns before the next, owners before what they own, parts in the order of the features and
+/// lists that hold them.
 template <class Visit>
 void forEachElement(Kelm::ModelObject const& aModel, Visit aVisit) {
-  std::vector<Element*> open;
   if (aModel.roots() == nullptr) return;
-  for (Element* const root : *aModel.roots())
+  std::vector<Element*> open;
+  for (Element* const root : *aModel.roots()) {
     if (root != nullptr) open.push_back(root);
-  for (std::size_t next = 0; next < open.size(); ++next) {
-    aVisit(*open[next]);
-    collectContents(*open[next], open);
+    while (!open.empty()) {
+      Element& element = *open.back();
+      open.pop_back();
+      aVisit(element);
+      auto const parts = static_cast<std::ptrdiff_t>(open.size());
+      collectContents(element, open);
+      std::reverse(open.begin() + parts, open.end());
+    }
   }
 }
 

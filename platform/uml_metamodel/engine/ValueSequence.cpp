@@ -3,6 +3,7 @@
 #include <memory>
 #include <vector>
 
+#include "engine/failures.h"
 #include "kelm/kernel/containers/sequence/SequenceCreator.h"
 #include "uml_metamodel/umlmm/Boolean.h"
 #include "uml_metamodel/umlmm/String.h"
@@ -10,6 +11,8 @@
 namespace umlmm::engine {
 
 namespace {
+
+constexpr char kSource[] = "uml_metamodel/engine/ValueSequence";
 
 using Kelm::Generic::Ref;
 using Kelm::Generic::SequenceIntf;
@@ -22,7 +25,8 @@ class ValueSequence final : public Proxy {
   using IteratorPtr = Kelm::Generic::IteratorPtr;
 
  public:
-  ValueSequence(Element& aElement, SequenceIntf* aValues) noexcept : Proxy(aValues), fElement(aElement) {}
+  ValueSequence(Element& aElement, Feature const& aRoot, SequenceIntf* aValues) noexcept
+      : Proxy(aValues), fElement(aElement), fRoot(aRoot) {}
 
   int incRef() const override { return fElement.incRef(); }
   int decRef() const override { return fElement.decRef(); }
@@ -57,10 +61,12 @@ class ValueSequence final : public Proxy {
   }
   void generic_insert(Deviant const& aDeviant, int aIndex, Ref aValue) override {
     change(aDeviant);
+    checkRoom();
     Proxy::generic_insert(aDeviant, aIndex, std::move(aValue));
   }
   IteratorPtr generic_insert(Deviant const& aDeviant, IteratorIntf const* aPosition, Ref aValue) override {
     change(aDeviant);
+    checkRoom();
     return Proxy::generic_insert(aDeviant, aPosition, std::move(aValue));
   }
   IteratorPtr generic_erase(Deviant const& aDeviant, IteratorIntf const* aPosition) override {
@@ -86,10 +92,12 @@ class ValueSequence final : public Proxy {
   }
   void generic_push_back(Deviant const& aDeviant, Ref aValue) override {
     change(aDeviant);
+    checkRoom();
     Proxy::generic_push_back(aDeviant, std::move(aValue));
   }
   void generic_push_front(Deviant const& aDeviant, Ref aValue) override {
     change(aDeviant);
+    checkRoom();
     Proxy::generic_push_front(aDeviant, std::move(aValue));
   }
   void generic_replace(Deviant const& aDeviant, int aIndex, Ref aValue) override {
@@ -111,17 +119,29 @@ class ValueSequence final : public Proxy {
     return Proxy::splice(aDeviant, aFirst, aRemoved, aValues);
   }
 
+  void specialized_assign(SequenceIntf const* aOther, Deviant const& aDeviant, bool& aResult) override {
+    assignValues(fElement, fRoot, aDeviant, aOther, aDeviant);
+    aResult = true;
+  }
+
  private:
-  SequenceIntf const& read(Deviant const& aDeviant) const {
-    checkReadable(fElement, aDeviant);
+  SequenceIntf const& read(Deviant const& aDeviant,
+                           int aLine = std::source_location::current().line()) const {
+    checkReadable(fElement, aDeviant, {kSource, aLine});
     return target();
   }
-  void change(Deviant const& aDeviant) const {
-    checkWritable(fElement, aDeviant);
+  void change(Deviant const& aDeviant, int aLine = std::source_location::current().line()) const {
+    checkWritable(fElement, aDeviant, {kSource, aLine});
     fElement.fModel->noteChange();
+  }
+  /// Raises when the feature is full. Features with a bound take a value as often as it is given.
+  void checkRoom() const {
+    if (fRoot.fUpper > 0 && target().generic_size(Deviant()) >= fRoot.fUpper)
+      failures::raiseNoRoom(kSource, fRoot);
   }
 
   Element& fElement;
+  Feature const& fRoot;
 };
 
 /// A unique feature refuses what it holds, silently: the implementation does.
@@ -139,7 +159,7 @@ SequenceIntf& valueSequence(Element& aElement, Feature const& aRoot) {
     std::unique_ptr<SequenceIntf> values(aRoot.fValueType == ValueType::String
                                              ? makeValues<String>(aRoot.fUnique)
                                              : makeValues<Boolean>(aRoot.fUnique));
-    slot = new ValueSequence(aElement, values.get());
+    slot = new ValueSequence(aElement, aRoot, values.get());
     static_cast<void>(values.release());
   }
   return *slot;
@@ -147,12 +167,14 @@ SequenceIntf& valueSequence(Element& aElement, Feature const& aRoot) {
 
 void assignValues(Element& aElement, Feature const& aRoot, Deviant const& aDeviant,
                   SequenceIntf const* aValues, Deviant const& aValuesDeviant) {
-  checkWritable(aElement, aDeviant);
+  checkWritable(aElement, aDeviant, kSource);
   SequenceIntf& own = valueSequence(aElement, aRoot);
   if (aValues == &own) return;
   std::vector<Ref> values;
   for (int i = 0; aValues != nullptr && i < aValues->generic_size(aValuesDeviant); ++i)
     values.push_back(aValues->generic_at(aValuesDeviant, i));
+  if (aRoot.fUpper > 0 && values.size() > static_cast<std::size_t>(aRoot.fUpper))
+    failures::raiseTooMany(kSource, aRoot);
   own.generic_clear(aDeviant);
   for (Ref& value : values) own.generic_push_back(aDeviant, std::move(value));
 }

@@ -16,6 +16,8 @@ namespace umlmm::engine {
 
 namespace {
 
+constexpr char kSource[] = "uml_metamodel/engine/access";
+
 using Kelm::Object;
 using Kelm::PrimitiveKind;
 using Kelm::StringObject;
@@ -72,10 +74,10 @@ std::uint32_t bitsOf(Feature const& aFeature, Object const& aValue) {
   if (aFeature.fStorage == Storage::Enumeration) {
     int const number = Kelm::literalNumber(aValue, enumeration(aFeature.fType));
     if (number < 0 || number >= static_cast<int>(enumeration(aFeature.fType).literals().size()))
-      failures::raiseNotAValue(aFeature);
+      failures::raiseNotAValue(kSource, aFeature);
     return static_cast<std::uint32_t>(number);
   }
-  if (!Kelm::isPrimitive(aValue, primitiveKind(aFeature))) failures::raiseNotAValue(aFeature);
+  if (!Kelm::isPrimitive(aValue, primitiveKind(aFeature))) failures::raiseNotAValue(kSource, aFeature);
   return aValue.getDeviant().value();
 }
 
@@ -95,24 +97,28 @@ void resetFlag(Element& aElement, Feature const& aRoot) {
 
 Element& referenceIn(Feature const& aFeature, Object const& aValue) {
   Element* const element = elementOf(aValue);
-  if (element == nullptr) failures::raiseNotAValue(aFeature);
+  if (element == nullptr) failures::raiseNotAValue(kSource, aFeature);
   return *element;
 }
 
 void writeReference(Element& aElement, Feature const& aFeature, Object const& aValue) {
-  Feature const& root = feature(aFeature.fRoot);
-  Element& value = referenceIn(aFeature, aValue);
-  if (holds(aElement, root, value)) return;
-  checkLink(aElement, root, value, single(aElement, root));
-  setReference(aElement, root, &value);
+  checkReference(aElement, aFeature, aValue);
+  setReference(aElement, feature(aFeature.fRoot), &referenceIn(aFeature, aValue));
 }
 
-void checkMutable(Element const& aElement, Deviant const& aDeviant, Feature const& aFeature) {
-  checkWritable(aElement, aDeviant);
-  if (aFeature.fReadOnly) failures::raiseReadOnly(aFeature);
+void checkMutable(Element const& aElement, Deviant const& aDeviant, Feature const& aFeature, Place aPlace) {
+  checkWritable(aElement, aDeviant, aPlace);
+  if (aFeature.fReadOnly) failures::raiseReadOnly(aPlace, aFeature);
 }
 
 }  // namespace
+
+void checkReference(Element const& aElement, Feature const& aFeature, Object const& aValue) {
+  Feature const& root = feature(aFeature.fRoot);
+  Element const& value = referenceIn(aFeature, aValue);
+  Element const* const old = single(aElement, root);
+  if (old != &value) checkLink(aElement, root, value, old);
+}
 
 void setReference(Element& aElement, Feature const& aRoot, Element* aValue) {
   // A many-valued slot that a redefinition has narrowed to one value is replaced as a whole.
@@ -127,7 +133,7 @@ namespace {
 /// The body of `read`, which also stands in the accessors' own: every property read goes through it.
 [[gnu::always_inline]] inline Object readValue(Element const& aElement, Deviant const& aDeviant,
                                                Feature const& aFeature) {
-  checkReadable(aElement, aDeviant);
+  checkReadable(aElement, aDeviant, kSource);
   Feature const& root = feature(aFeature.fRoot);
   switch (root.fStorage) {
     case Storage::String:
@@ -154,7 +160,7 @@ namespace {
 Feature const& featureAt(int aMetaclass, unsigned aId) {
   Metaclass const& metaclass = kMetaclasses[aMetaclass];
   if (aId - 1 >= metaclass.fFeatureCount) [[unlikely]]
-    Kelm::raiseFailure(Kelm::words::kInvalidMetaPropertyId, "uml_metamodel/engine");
+    Kelm::raiseFailure(Kelm::words::kInvalidMetaPropertyId, kSource);
   return kFeatures[metaclass.fFirstFeature + aId - 1];
 }
 
@@ -164,7 +170,7 @@ auto& elementWith(E* aElement, Feature const& aFeature) {
   using Wanted = std::conditional_t<std::is_const_v<E>, Element const, Element>;
   auto& element = static_cast<Wanted&>(*aElement);
   if (!isA(element, aFeature.fOwner)) [[unlikely]]
-    failures::raiseNotMember(element, aFeature);
+    failures::raiseNotMember(kSource, element, aFeature);
   return element;
 }
 
@@ -175,7 +181,7 @@ Object read(Element const& aElement, Deviant const& aDeviant, Feature const& aFe
 }
 
 bool isSet(Element const& aElement, Deviant const& aDeviant, Feature const& aFeature) {
-  checkReadable(aElement, aDeviant);
+  checkReadable(aElement, aDeviant, kSource);
   Feature const& root = feature(aFeature.fRoot);
   switch (root.fStorage) {
     case Storage::String:
@@ -195,14 +201,14 @@ bool isSet(Element const& aElement, Deviant const& aDeviant, Feature const& aFea
 }
 
 void write(Element& aElement, Deviant const& aDeviant, Feature const& aFeature, Object const& aValue) {
-  checkMutable(aElement, aDeviant, aFeature);
+  checkMutable(aElement, aDeviant, aFeature, kSource);
   if (aValue.isNull()) return unset(aElement, aDeviant, aFeature);
-  if (aFeature.isMany()) failures::raiseManyExpected(aFeature);
+  if (aFeature.isMany()) failures::raiseManyExpected(kSource, aFeature);
   Feature const& root = feature(aFeature.fRoot);
   switch (root.fStorage) {
     case Storage::String: {
       StringObject const* const text = Kelm::asString(aValue);
-      if (text == nullptr) failures::raiseNotAValue(aFeature);
+      if (text == nullptr) failures::raiseNotAValue(kSource, aFeature);
       writeText(aElement, root, text);
       break;
     }
@@ -224,7 +230,7 @@ void write(Element& aElement, Deviant const& aDeviant, Feature const& aFeature, 
 }
 
 void unset(Element& aElement, Deviant const& aDeviant, Feature const& aFeature) {
-  checkMutable(aElement, aDeviant, aFeature);
+  checkMutable(aElement, aDeviant, aFeature, kSource);
   Feature const& root = feature(aFeature.fRoot);
   switch (root.fStorage) {
     case Storage::String:
@@ -253,8 +259,8 @@ void unset(Element& aElement, Deviant const& aDeviant, Feature const& aFeature) 
 
 Kelm::Generic::SequenceIntf* sequence(Element const& aElement, Deviant const& aDeviant,
                                       Feature const& aFeature) {
-  checkReadable(aElement, aDeviant);
-  if (!aFeature.isMany()) failures::raiseSingleExpected(aFeature);
+  checkReadable(aElement, aDeviant, kSource);
+  if (!aFeature.isMany()) failures::raiseSingleExpected(kSource, aFeature);
   auto& element = const_cast<Element&>(aElement);
   if (aFeature.fStorage == Storage::PrimitiveList) return &valueSequence(element, feature(aFeature.fRoot));
   return &FeatureSequence::of(element, aFeature);
@@ -262,7 +268,7 @@ Kelm::Generic::SequenceIntf* sequence(Element const& aElement, Deviant const& aD
 
 void assign(Element& aElement, Deviant const& aDeviant, Feature const& aFeature,
             Kelm::Generic::SequenceIntf const* aValues, Deviant const& aValuesDeviant) {
-  checkMutable(aElement, aDeviant, aFeature);
+  checkMutable(aElement, aDeviant, aFeature, kSource);
   if (aFeature.fStorage == Storage::PrimitiveList)
     return assignValues(aElement, feature(aFeature.fRoot), aDeviant, aValues, aValuesDeviant);
   FeatureSequence& own = FeatureSequence::of(aElement, aFeature);
@@ -273,7 +279,7 @@ void assign(Element& aElement, Deviant const& aDeviant, Feature const& aFeature,
     aValues->readBlock(aValuesDeviant, 0, static_cast<int>(given.size()), given.data());
     for (auto const& value : given) {
       values.push_back(elementOf(value));
-      if (values.back() == nullptr) failures::raiseNotAValue(aFeature);
+      if (values.back() == nullptr) failures::raiseNotAValue(kSource, aFeature);
     }
   }
   own.assign(aDeviant, values);

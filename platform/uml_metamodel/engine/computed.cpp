@@ -5,11 +5,14 @@
 
 #include "engine/FeatureSequence.h"
 #include "engine/failures.h"
+#include "engine/ids.h"
 #include "engine/links.h"
 
 namespace umlmm::engine {
 
 namespace {
+
+constexpr char kSource[] = "uml_metamodel/engine/computed";
 
 Union const* unionOn(Element const& aElement, FeatureIndex aFeature) noexcept {
   for (Union const& candidate : kMetaclasses[metaclassOf(aElement)].fUnions)
@@ -53,7 +56,36 @@ bool hasRule(Feature const& aFeature) noexcept { return kRules[indexOf(aFeature)
 
 }  // namespace
 
+Feature const kAppliedStereotypeInstance{.fName = "appliedStereotypeInstance",
+                                         .fOwner = ids::metaclass::Element,
+                                         .fType = ids::metaclass::Element,
+                                         .fRoot = kNoFeature,
+                                         .fOpposite = kNoFeature,
+                                         .fContainment = kNoFeature,
+                                         .fId = 0,
+                                         .fLower = 0,
+                                         .fUpper = -1,
+                                         .fValueType = ValueType::Reference,
+                                         .fStorage = Storage::Computed,
+                                         .fComposite = false,
+                                         .fOrdered = false,
+                                         .fUnique = true,
+                                         .fDerived = true,
+                                         .fUnion = false,
+                                         .fReadOnly = true,
+                                         .fGivesNamespace = false,
+                                         .fGivesFeaturingClassifier = false,
+                                         .fGivesContext = false,
+                                         .fDefault = "",
+                                         .fSupersets = {},
+                                         .fSubsets = {},
+                                         .fNarrowings = {},
+                                         .fAllSupersets = {},
+                                         .fRedefined = {},
+                                         .fNamedOpposite = kNoFeature};
+
 void computeValues(Element const& aElement, Feature const& aFeature, std::vector<Element*>& aOut) {
+  if (&aFeature == &kAppliedStereotypeInstance) return;
   if (!hasRule(aFeature)) return unionValues(aElement, aFeature, aOut);
   Rule const& rule = ruleOf(aFeature);
   if (rule.fValues != nullptr) return rule.fValues(aElement, aOut);
@@ -74,8 +106,8 @@ void setComputed(Element& aElement, Deviant const& aDeviant, Feature const& aFea
 }
 
 void checkComputed(Element const& aElement, Feature const& aFeature, Element const& aValue) {
-  if (aValue.fModel != aElement.fModel) failures::raiseOtherModel(aFeature);
-  if (!isA(aValue, aFeature.fType)) failures::raiseWrongType(aFeature, aValue);
+  if (aValue.fModel != aElement.fModel) failures::raiseOtherModel(kSource, aFeature, aValue);
+  if (!isA(aValue, aFeature.fType)) failures::raiseWrongType(kSource, aFeature, aValue);
   // A filtered view of a containment takes what the containment takes.
   if (aFeature.fComposite && aFeature.fContainment != kNoFeature)
     checkLink(aElement, feature(aFeature.fContainment), aValue);

@@ -28,6 +28,9 @@ struct Rule {
 /// a computed feature without a rule fails to link.
 extern Rule const* const kRules[kFeatureCount];
 
+/// The kernel's feature for applied stereotypes, of which there are none yet. It stands in no table.
+extern Feature const kAppliedStereotypeInstance;
+
 void computeValues(Element const& aElement, Feature const& aFeature, std::vector<Element*>& aOut);
 Kelm::Object computeValue(Element const& aElement, Deviant const& aDeviant, Feature const& aFeature);
 void setComputed(Element& aElement, Deviant const& aDeviant, Feature const& aFeature,

@@ -1,25 +1,51 @@
 #include "engine/failures.h"
 
+#include <algorithm>
+
+#include "engine/ids.h"
 #include "kelm/Asserter.h"
+#include "kelm/String.h"
 
 namespace umlmm::engine {
 
 namespace {
 
-constexpr char kSource[] = "uml_metamodel/engine";
-
 char const* typeName(Feature const& aFeature) noexcept {
   return aFeature.isReference() ? kMetaclasses[aFeature.fType].fName : "value";
 }
 
+/// " 'Order'", cut if it is long; empty for what has no name.
+std::string nameIn(Element const& aElement) {
+  constexpr std::size_t kShown = 60;
+  if (!hasSlot(aElement, ids::NamedElement::Name)) return {};
+  auto const* const record = pointerSlot<Kelm::StringObject>(aElement, ids::NamedElement::Name);
+  if (record == nullptr || record->text().empty()) return {};
+  std::string name = Kelm::toUtf8(record->text().substr(0, kShown));
+  // The text of a failure ends at the first zero.
+  std::replace(name.begin(), name.end(), '\0', ' ');
+  return " '" + name + (record->text().size() > kShown ? "...'" : "'");
+}
+
+/// "Class 'Order'"
 std::string describe(Element const& aElement) {
-  std::string text = std::string("a ") + kMetaclasses[metaclassOf(aElement)].fName;
-  return text;
+  return kMetaclasses[metaclassOf(aElement)].fName + nameIn(aElement);
+}
+
+/// Why an element is not one of a model that is open: "the Class 'Order' is destroyed or its model closed".
+std::string whyNotHere(Element const& aElement) {
+  return "the " + describe(aElement) +
+         (aElement.fModel == nullptr ? " is destroyed or its model closed" : " is of another model");
+}
+
+std::string bound(Feature const& aFeature) {
+  return aFeature.fUpper == 1 ? "one value" : std::to_string(aFeature.fUpper) + " values";
 }
 
 }  // namespace
 
-void raiseNotInVariant() { Kelm::raiseFailure(Kelm::words::kNotInVariant, kSource); }
+void raiseNotInVariant(Element const& aElement, Place aPlace) {
+  failures::raise(aPlace, std::string(Kelm::words::kNotInVariant) + ": " + whyNotHere(aElement));
+}
 
 namespace failures {
 
@@ -27,43 +53,51 @@ std::string nameOf(Feature const& aFeature) {
   return std::string(kMetaclasses[aFeature.fOwner].fName) + "." + aFeature.fName;
 }
 
-void raise(std::string const& aText) { Kelm::raiseFailure(aText.c_str(), kSource); }
-
-void raiseOtherModel(Feature const& aFeature) {
-  raise(nameOf(aFeature) +
-        " takes elements of the same model only; the value is of another model or destroyed");
+void raise(Place aPlace, std::string const& aText) {
+  Kelm::raiseFailure(aText.c_str(), aPlace.fSource, aPlace.fLine);
 }
 
-void raiseWrongType(Feature const& aFeature, Element const& aValue) {
-  raise(nameOf(aFeature) + " takes a " + typeName(aFeature) + ", not " + describe(aValue));
+void raiseOtherModel(Place aPlace, Feature const& aFeature, Element const& aValue) {
+  raise(aPlace, nameOf(aFeature) + " takes elements of the same model only; " + whyNotHere(aValue));
 }
 
-void raiseNotAValue(Feature const& aFeature) {
+void raiseWrongType(Place aPlace, Feature const& aFeature, Element const& aValue) {
+  raise(aPlace, nameOf(aFeature) + " takes a " + typeName(aFeature) + ", not a " + describe(aValue));
+}
+
+void raiseNotAValue(Place aPlace, Feature const& aFeature) {
   static constexpr char const* kAccepted[] = {
       "a Boolean", "an Integer", "an UnlimitedNatural", "a String", "an enumeration literal", "an element"};
-  raise(nameOf(aFeature) + " takes " + kAccepted[static_cast<int>(aFeature.fValueType)]);
+  raise(aPlace, nameOf(aFeature) + " takes " + kAccepted[static_cast<int>(aFeature.fValueType)]);
 }
 
-void raiseNoRoom(Feature const& aFeature) {
-  raise(nameOf(aFeature) + " holds one value at most, and has it; take that out first");
+void raiseNoRoom(Place aPlace, Feature const& aFeature) {
+  raise(aPlace, nameOf(aFeature) + " holds " + bound(aFeature) + " at most, and has " +
+                    (aFeature.fUpper == 1 ? "it; take that" : "them; take one") + " out first");
 }
 
-void raiseOwnsItself(Feature const& aFeature, Element const& aElement) {
-  raise(nameOf(aFeature) + " would make " + describe(aElement) + " own itself");
+void raiseTooMany(Place aPlace, Feature const& aFeature) {
+  raise(aPlace, nameOf(aFeature) + " holds " + bound(aFeature) + " at most; these would be more");
 }
 
-void raiseReadOnly(Feature const& aFeature) { raise(nameOf(aFeature) + " is computed and cannot be set"); }
-
-void raiseSingleExpected(Feature const& aFeature) {
-  raise(nameOf(aFeature) + " holds one value, not a sequence");
+void raiseOwnsItself(Place aPlace, Feature const& aFeature, Element const& aElement) {
+  raise(aPlace, nameOf(aFeature) + " would make a " + describe(aElement) + " own itself");
 }
 
-void raiseManyExpected(Feature const& aFeature) {
-  raise(nameOf(aFeature) + " holds a sequence; change it through the sequence or assign one");
+void raiseReadOnly(Place aPlace, Feature const& aFeature) {
+  raise(aPlace, nameOf(aFeature) + " is computed and cannot be set");
 }
 
-void raiseNotMember(Element const& aElement, Feature const& aFeature) {
-  raise(describe(aElement) + " has no feature " + nameOf(aFeature));
+void raiseSingleExpected(Place aPlace, Feature const& aFeature) {
+  raise(aPlace, nameOf(aFeature) + " holds one value, not a sequence");
+}
+
+void raiseManyExpected(Place aPlace, Feature const& aFeature) {
+  raise(aPlace, nameOf(aFeature) + " holds a sequence; change it through the sequence or assign one");
+}
+
+void raiseNotMember(Place aPlace, Element const& aElement, Feature const& aFeature) {
+  raise(aPlace, "a " + describe(aElement) + " has no feature " + nameOf(aFeature));
 }
 
 }  // namespace failures

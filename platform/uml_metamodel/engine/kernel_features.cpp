@@ -7,6 +7,7 @@
 #include "engine/ModelIndex.h"
 #include "engine/Referrers.h"
 #include "engine/classes.h"
+#include "engine/computed.h"
 #include "engine/engine.h"
 #include "engine/failures.h"
 #include "engine/ids.h"
@@ -19,6 +20,8 @@
 namespace umlmm::engine {
 
 namespace {
+
+constexpr char kSource[] = "uml_metamodel/engine/kernel_features";
 
 using Kelm::NSInterface::ClassObjectIntf;
 using Sequence = Kelm::Generic::SequenceIntf;
@@ -82,7 +85,7 @@ ElementNotes::Texts& toolTexts(Element const& aElement, unsigned aId) {
 }  // namespace
 
 Kelm::Object kernelEntry(Element const* aElement, Deviant const& aDeviant, unsigned aId) {
-  checkReadable(*aElement, aDeviant);
+  checkReadable(*aElement, aDeviant, kSource);
   switch (aId) {
     case ClassObjectIntf::ModelKelm:
       return Kelm::Object(aElement->fModel, aDeviant);
@@ -105,9 +108,9 @@ Kelm::Object kernelEntry(Element const* aElement, Deviant const& aDeviant, unsig
 }
 
 void setKernelEntry(Element* aElement, Deviant const& aDeviant, unsigned aId, Kelm::Object const& aValue) {
-  checkWritable(*aElement, aDeviant);
+  checkWritable(*aElement, aDeviant, kSource);
   if (aId != ClassObjectIntf::ExternalId && aId != ClassObjectIntf::ExternalToolInfo)
-    failures::raise("Only externalId and externalToolInfo of the kernel's features can be set");
+    failures::raise(kSource, "Only externalId and externalToolInfo of the kernel's features can be set");
   auto& texts = toolTexts(*aElement, aId);
   if (aValue.isNull()) {
     texts.erase(aElement);
@@ -120,9 +123,11 @@ void setKernelEntry(Element* aElement, Deviant const& aDeviant, unsigned aId, Ke
 }
 
 Sequence* kernelSequence(Element const* aElement, Deviant const& aDeviant, unsigned aId) {
-  checkReadable(*aElement, aDeviant);
+  checkReadable(*aElement, aDeviant, kSource);
   if (aId == ClassObjectIntf::ContaineeKelm)
     return &FeatureSequence::of(const_cast<Element&>(*aElement), feature(ids::Element::OwnedElement));
+  if (aId == ClassObjectIntf::AppliedStereotypeInstance)
+    return &FeatureSequence::of(const_cast<Element&>(*aElement), kAppliedStereotypeInstance);
   return nullptr;
 }
 
@@ -130,12 +135,15 @@ void installQueries() {
   Kelm::ElementQueries queries;
   queries.instancesOf = [](Kelm::ModelObject& aModel, Deviant const& aDeviant,
                            Kelm::NSInterface::ClassIntf const& aClass) {
-    int const metaclass = reflection::metaclassIndex(aClass);
-    return snapshot(metaclass < 0 ? std::vector<Element*>() : ModelIndex::of(aModel).instancesOf(metaclass),
-                    aDeviant);
+    std::vector<Element*> found;
+    if (&aClass == Kelm::ImmutableClassObject::MetaClass().get())
+      forEachElement(aModel, [&](Element& aElement) { found.push_back(&aElement); });
+    else if (int const metaclass = reflection::metaclassIndex(aClass); metaclass >= 0)
+      found = ModelIndex::of(aModel).instancesOf(metaclass);
+    return snapshot(found, aDeviant);
   };
   queries.referencedBy = [](Element const& aElement, Deviant const& aDeviant) {
-    checkReadable(aElement, aDeviant);
+    checkReadable(aElement, aDeviant, kSource);
     return snapshot(referrers(aElement), aDeviant);
   };
   Kelm::setElementQueries(queries);

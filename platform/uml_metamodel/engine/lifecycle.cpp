@@ -7,6 +7,7 @@
 #include "engine/Referrers.h"
 #include "engine/classes.h"
 #include "engine/engine.h"
+#include "engine/ids.h"
 #include "engine/kernel_features.h"
 #include "engine/links.h"
 #include "reflection/meta.h"
@@ -15,8 +16,8 @@ namespace umlmm::engine {
 
 namespace {
 
-void freeTexts(Element& aElement) {
-  forEachWord(aElement.fClass->fStringWords, [&](unsigned aWord) {
+void freeTexts(Element& aElement, std::uint64_t aWords) {
+  forEachWord(aWords, [&](unsigned aWord) {
     void*& word = wordAt(aElement, aWord);
     if (word != nullptr) static_cast<Kelm::StringObject*>(word)->decRef();
     word = nullptr;
@@ -26,7 +27,7 @@ void freeTexts(Element& aElement) {
 /// The last count is gone: the slots hold no links any more, as the model or the container let go first.
 void release(Element* aElement) {
   Kelm::ClassTable const& table = *aElement->fClass;
-  freeTexts(*aElement);
+  freeTexts(*aElement, table.fStringWords);
   forEachWord(table.fListWords, [&](unsigned aWord) {
     if (void* const list = wordAt(*aElement, aWord)) ElementList::destroy(static_cast<ElementList*>(list));
   });
@@ -88,9 +89,13 @@ void leaveOthers(Element& aElement) {
   });
 }
 
-/// Empties a list but keeps what scripts hold of it; what the slot held is gone with the subtree.
+/// Empties a list but keeps what scripts hold of it; what the slot held is gone with the subtree. The name
+/// stays, so that failures can tell which element is gone.
 void emptySlots(Element& aElement) {
-  freeTexts(aElement);
+  std::uint64_t const name = hasSlot(aElement, ids::NamedElement::Name)
+                                 ? std::uint64_t{1} << slotOf(aElement, ids::NamedElement::Name)
+                                 : 0;
+  freeTexts(aElement, aElement.fClass->fStringWords & ~name);
   forEachWord(aElement.fClass->fReferenceWords, [&](unsigned aWord) { wordAt(aElement, aWord) = nullptr; });
   forEachWord(aElement.fClass->fListWords, [&](unsigned aWord) {
     if (auto* const list = static_cast<ElementList*>(wordAt(aElement, aWord))) list->clear();
@@ -133,7 +138,7 @@ Element& create(int aMetaclass, Kelm::ModelObject& aModel) {
 }
 
 void destroy(Element& aElement, Deviant const& aDeviant) {
-  checkWritable(aElement, aDeviant);
+  checkWritable(aElement, aDeviant, "uml_metamodel/engine/lifecycle");
   Kelm::ModelObject& model = *aElement.fModel;
   HeldElements::countAll(model);
   leaveContainer(aElement);

@@ -1,5 +1,6 @@
 #include "engine/links.h"
 
+#include <algorithm>
 #include <unordered_set>
 
 #include "engine/Referrers.h"
@@ -9,6 +10,8 @@
 namespace umlmm::engine {
 
 namespace {
+
+constexpr char kSource[] = "uml_metamodel/engine/links";
 
 /// Where a container view leads: the stored containment that holds the element.
 bool isView(Feature const& aRoot) noexcept { return aRoot.fStorage == Storage::Container; }
@@ -103,6 +106,21 @@ bool unlinkSubsets(Element& aElement, Feature const& aFeature, Element& aValue) 
   return hadOne;
 }
 
+/// Whether a list, as the owner's metaclass sees it, has no room for one more when `aReplaced` leaves. Other
+/// single values give way.
+bool isFull(Element const& aOwner, Feature const& aRoot, Feature const& aSeen, Element const* aReplaced) {
+  if (aSeen.fUpper < 0 || aRoot.fStorage != Storage::List) return false;
+  bool const isReplacing = aReplaced != nullptr && holds(aOwner, aRoot, *aReplaced);
+  return countOf(aOwner, aRoot) - (isReplacing ? 1U : 0U) >= static_cast<std::uint32_t>(aSeen.fUpper);
+}
+
+/// The supersets take the value as well: each must be able to, with its own far end and supersets.
+void checkSupersets(Element const& aElement, Feature const& aFeature, Element const& aValue) {
+  forEachHere(aElement, aFeature.fSupersets, [&](Feature const& aWide) {
+    if (!holds(aElement, aWide, aValue)) checkLink(aElement, aWide, aValue);
+  });
+}
+
 void linkSupersets(Element& aElement, Feature const& aFeature, Element& aValue) {
   forEachHere(aElement, aFeature.fSupersets, [&](Feature const& aWide) { link(aElement, aWide, aValue); });
 }
@@ -157,30 +175,42 @@ void collect(Element const& aOwner, Feature const& aRoot, std::vector<Element*>&
 }
 
 void checkLink(Element const& aOwner, Feature const& aRoot, Element const& aValue, Element const* aReplaced) {
+  checkFit(aOwner, aRoot, aValue);
+  if (Feature const& seen = seenOn(aOwner, aRoot); isFull(aOwner, aRoot, seen, aReplaced))
+    failures::raiseNoRoom(kSource, seen);
+}
+
+void checkFit(Element const& aOwner, Feature const& aRoot, Element const& aValue) {
   Feature const& seen = seenOn(aOwner, aRoot);
-  if (aValue.fModel != aOwner.fModel) failures::raiseOtherModel(seen);
-  if (!isA(aValue, seen.fType)) failures::raiseWrongType(seen, aValue);
-  if (seen.fUpper == 1 && aRoot.fStorage == Storage::List) {
-    Element const* const held = single(aOwner, aRoot);
-    if (held != nullptr && held != &aValue && held != aReplaced) failures::raiseNoRoom(seen);
-  }
+  if (aValue.fModel != aOwner.fModel) failures::raiseOtherModel(kSource, seen, aValue);
+  if (!isA(aValue, seen.fType)) failures::raiseWrongType(kSource, seen, aValue);
   bool const contains = aRoot.isContainment();
   Element const& inner = contains ? aValue : aOwner;
   Element const& outer = contains ? aOwner : aValue;
   if ((contains || isView(aRoot)) && (inner.fMarks & Element::HasContents || &inner == &outer)) {
     for (Element const* step = &outer; step != nullptr; step = step->fContainer)
-      if (step == &inner) failures::raiseOwnsItself(seen, inner);
+      if (step == &inner) failures::raiseOwnsItself(kSource, seen, inner);
   }
-  if (aRoot.fOpposite == kNoFeature) return;
-  Feature const& far = feature(aRoot.fOpposite);
+  if (!aRoot.fSupersets.empty()) checkSupersets(aOwner, aRoot, aValue);
+  if (seen.fOpposite == kNoFeature) return;
+  Feature const& far = feature(seen.fOpposite);
   Feature const& farSeen = seenOn(aValue, far);
-  if (&farSeen != &far) {
-    if (!isA(aOwner, farSeen.fType)) failures::raiseWrongType(farSeen, aOwner);
-    if (farSeen.fUpper == 1 && far.fStorage == Storage::List) {
-      Element const* const held = single(aValue, far);
-      if (held != nullptr && held != &aOwner) failures::raiseNoRoom(farSeen);
+  if (&farSeen != &far && !isA(aOwner, farSeen.fType)) failures::raiseWrongType(kSource, farSeen, aOwner);
+  if (isFull(aValue, far, farSeen, nullptr)) failures::raiseNoRoom(kSource, farSeen);
+  if (!far.fSupersets.empty()) checkSupersets(aValue, far, aOwner);
+}
+
+void checkRoom(Element const& aOwner, Feature const& aRoot, std::span<Element* const> aValues) {
+  forEachHere(aOwner, aRoot.fSupersets, [&](Feature const& aWide) {
+    Feature const& seen = seenOn(aOwner, aWide);
+    if (seen.fUpper > 0) {
+      auto const isNew = [&](Element const* aValue) { return !holds(aOwner, aWide, *aValue); };
+      auto const coming = static_cast<std::size_t>(std::count_if(aValues.begin(), aValues.end(), isNew));
+      if (countOf(aOwner, aWide) + coming > static_cast<std::size_t>(seen.fUpper))
+        failures::raiseTooMany(kSource, seen);
     }
-  }
+    checkRoom(aOwner, aWide, aValues);
+  });
 }
 
 void link(Element& aOwner, Feature const& aRoot, Element& aValue, std::uint32_t aPosition) {

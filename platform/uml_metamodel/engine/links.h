@@ -6,7 +6,7 @@
 #include "engine/slots.h"
 
 /// References between elements: stored slots, their far ends, subsets and the one container of an element,
-/// all driven by the table of features. Nothing here asks for writability: see write.h.
+/// all driven by the table of features. Nothing here asks for writability: see access.h.
 namespace umlmm::engine {
 
 inline constexpr std::uint32_t kAtEnd = UINT32_MAX;
@@ -27,11 +27,18 @@ void collect(Element const& aOwner, Feature const& aRoot, std::vector<Element*>&
 /// The single value of a stored or container feature, or null.
 Element* single(Element const& aOwner, Feature const& aRoot) noexcept;
 
-/// Raises, naming feature and value, when the feature of the owner can't take the value: another model, a
-/// type that does not conform, a cycle of ownership, no room in a feature that a redefinition has narrowed.
-/// `aReplaced` is a value that leaves the feature in the same change.
+/// Raises, naming feature and value, when the feature of the owner can't take the value, or one of the
+/// features that `link` enters with it (the far end, the supersets at both ends) can't: another model, a type
+/// that does not conform, a cycle of ownership, no room in a feature that a redefinition has narrowed.
+/// `aReplaced` is a value that leaves the feature in the same change; its supersets keep it.
 void checkLink(Element const& aOwner, Feature const& aRoot, Element const& aValue,
                Element const* aReplaced = nullptr);
+
+/// The same without a look at how full the feature itself is.
+void checkFit(Element const& aOwner, Feature const& aRoot, Element const& aValue);
+
+/// Raises when the supersets of a feature have no room for what several values add to them together.
+void checkRoom(Element const& aOwner, Feature const& aRoot, std::span<Element* const> aValues);
 
 /// Makes the link with all that follows from it: the far end, the supersets at both ends, the value's old
 /// container, values that single ends held before. Nothing if the link stands. `aRoot` is a root feature that

@@ -11,6 +11,8 @@ namespace umlmm::engine {
 
 namespace {
 
+constexpr char kSource[] = "uml_metamodel/engine/sequences";
+
 /// The values without repetitions, the first of each kept.
 std::vector<Element*> withoutRepeats(std::vector<Element*> const& aValues) {
   std::vector<Element*> kept;
@@ -28,7 +30,7 @@ class StoredSequence final : public FeatureSequence {
 
   void assign(Deviant const&, std::vector<Element*> const& aValues) override {
     std::vector<Element*> const wanted = withoutRepeats(aValues);
-    for (Element* const value : wanted) checkAssigned(*value, wanted.size());
+    checkAssigned(wanted);
     std::unordered_set<Element*> const staying(wanted.begin(), wanted.end());
     std::vector<Element*> old;
     collect(fElement, fRoot, old);
@@ -42,12 +44,14 @@ class StoredSequence final : public FeatureSequence {
   }
 
  private:
-  void checkAssigned(Element const& aValue, std::size_t aCount) const {
+  void checkAssigned(std::vector<Element*> const& aValues) const {
     // What is there now may give way, so the room is that of the new values.
     Feature const& seen = seenOn(fElement, fRoot);
-    if (seen.fUpper > 0 && aCount > static_cast<std::size_t>(seen.fUpper)) failures::raiseNoRoom(seen);
-    if (!holds(fElement, fRoot, aValue))
-      checkLink(fElement, fRoot, aValue, seen.fUpper == 1 ? single(fElement, fRoot) : nullptr);
+    if (seen.fUpper > 0 && aValues.size() > static_cast<std::size_t>(seen.fUpper))
+      failures::raiseTooMany(kSource, seen);
+    for (Element const* const value : aValues)
+      if (!holds(fElement, fRoot, *value)) checkFit(fElement, fRoot, *value);
+    checkRoom(fElement, fRoot, aValues);
   }
 
   ElementList* list() const noexcept { return pointerSlot<ElementList>(fElement, engine::indexOf(fRoot)); }

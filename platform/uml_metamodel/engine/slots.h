@@ -1,6 +1,7 @@
 #pragma once
 
 #include "engine/Feature.h"
+#include "engine/Place.h"
 #include "kelm/Generic.h"
 #include "kelm/ModelElementIntf.h"
 #include "kelm/String.h"
@@ -13,16 +14,16 @@ using Element = Kelm::NSInterface::ModelElementIntf;
 using Kelm::Deviant;
 using Kelm::ElementList;
 
-/// Raises when the element does not exist in the variant.
-[[noreturn]] void raiseNotInVariant();
-inline void checkReadable(Element const& aElement, Deviant const& aDeviant) {
+/// Raises, telling what the element is or was, when it does not exist in the variant.
+[[noreturn]] void raiseNotInVariant(Element const& aElement, Place aPlace);
+inline void checkReadable(Element const& aElement, Deviant const& aDeviant, Place aPlace) {
   if (!aElement.existsIn(aDeviant)) [[unlikely]]
-    raiseNotInVariant();
+    raiseNotInVariant(aElement, aPlace);
 }
 /// The same for a change; also raises when the variant can't be written, unless such checks are off.
-inline void checkWritable(Element const& aElement, Deviant const& aDeviant) {
+inline void checkWritable(Element const& aElement, Deviant const& aDeviant, Place aPlace) {
   aDeviant.assertWritable(&aElement);
-  checkReadable(aElement, aDeviant);
+  checkReadable(aElement, aDeviant, aPlace);
 }
 
 inline std::uint8_t slotOf(Element const& aElement, FeatureIndex aRoot) noexcept {

@@ -12,6 +12,12 @@
 
 namespace umlmm {
 
+namespace {
+
+constexpr char kSource[] = "uml_metamodel/operations/associations";
+
+}  // namespace
+
 namespace queries {
 
 namespace {
@@ -122,32 +128,32 @@ using queries::makeResult;
 
 Kelm::ImmutableSequence<ImmutableProperty> AssociationClassIntf::allConnections(
     Kelm::Deviant const& aDeviant) const {
-  engine::checkReadable(*this, aDeviant);
+  engine::checkReadable(*this, aDeviant, kSource);
   return makeResult<ImmutableProperty>(aDeviant, queries::allConnections(*this));
 }
 
 ImmutableProperty ExtensionIntf::metaclassEnd(Kelm::Deviant const& aDeviant) const {
-  engine::checkReadable(*this, aDeviant);
+  engine::checkReadable(*this, aDeviant, kSource);
   return queries::makeReference<ImmutableProperty>(aDeviant, queries::metaclassEnd(*this));
 }
 
 ImmutableAssociation LinkActionIntf::association(Kelm::Deviant const& aDeviant) const {
-  engine::checkReadable(*this, aDeviant);
+  engine::checkReadable(*this, aDeviant, kSource);
   return queries::makeReference<ImmutableAssociation>(aDeviant, queries::linkedAssociation(*this));
 }
 
 Kelm::ImmutableSequence<ImmutableParameter> OperationIntf::returnResult(Kelm::Deviant const& aDeviant) const {
-  engine::checkReadable(*this, aDeviant);
+  engine::checkReadable(*this, aDeviant, kSource);
   return makeResult<ImmutableParameter>(aDeviant, queries::returnResult(*this));
 }
 
 Kelm::ImmutableSequence<ImmutableType> PropertyIntf::subsettingContext(Kelm::Deviant const& aDeviant) const {
-  engine::checkReadable(*this, aDeviant);
+  engine::checkReadable(*this, aDeviant, kSource);
   return makeResult<ImmutableType>(aDeviant, queries::subsettingContext(*this));
 }
 
 Boolean PropertyIntf::isNavigable(Kelm::Deviant const& aDeviant) const {
-  engine::checkReadable(*this, aDeviant);
+  engine::checkReadable(*this, aDeviant, kSource);
   return queries::isNavigable(*this);
 }
 

@@ -12,6 +12,12 @@
 
 namespace umlmm {
 
+namespace {
+
+constexpr char kSource[] = "uml_metamodel/operations/classifiers";
+
+}  // namespace
+
 namespace queries {
 
 Elements parents(Element const& aClassifier) {
@@ -52,7 +58,7 @@ using queries::given;
 using queries::makeResult;
 
 Kelm::ImmutableSequence<ImmutableFeature> ClassifierIntf::allFeatures(Kelm::Deviant const& aDeviant) const {
-  engine::checkReadable(*this, aDeviant);
+  engine::checkReadable(*this, aDeviant, kSource);
   queries::Elements features = queries::members(*this);
   std::erase_if(features,
                 [](engine::Element* aMember) { return !queries::isA(*aMember, ids::metaclass::Feature); });
@@ -60,40 +66,40 @@ Kelm::ImmutableSequence<ImmutableFeature> ClassifierIntf::allFeatures(Kelm::Devi
 }
 
 Kelm::ImmutableSequence<ImmutableClassifier> ClassifierIntf::parents(Kelm::Deviant const& aDeviant) const {
-  engine::checkReadable(*this, aDeviant);
+  engine::checkReadable(*this, aDeviant, kSource);
   return makeResult<ImmutableClassifier>(aDeviant, queries::parents(*this));
 }
 
 Kelm::ImmutableSequence<ImmutableClassifier> ClassifierIntf::allParents(Kelm::Deviant const& aDeviant) const {
-  engine::checkReadable(*this, aDeviant);
+  engine::checkReadable(*this, aDeviant, kSource);
   return makeResult<ImmutableClassifier>(aDeviant, queries::allParents(*this));
 }
 
 Kelm::ImmutableSequence<ImmutableNamedElement> ClassifierIntf::inheritableMembers(
     Kelm::Deviant const& aDeviant, ImmutableClassifier const& aC) const {
-  engine::checkReadable(*this, aDeviant);
+  engine::checkReadable(*this, aDeviant, kSource);
   return makeResult<ImmutableNamedElement>(aDeviant, queries::inheritableMembers(*this, given(aC)));
 }
 
 Boolean ClassifierIntf::hasVisibilityOf(Kelm::Deviant const& aDeviant,
                                         ImmutableNamedElement const& aN) const {
-  engine::checkReadable(*this, aDeviant);
+  engine::checkReadable(*this, aDeviant, kSource);
   return queries::hasVisibilityOf(*this, given(aN));
 }
 
 Boolean TypeIntf::conformsTo(Kelm::Deviant const& aDeviant, ImmutableType const& aOther) const {
-  engine::checkReadable(*this, aDeviant);
+  engine::checkReadable(*this, aDeviant, kSource);
   return queries::conformsTo(*this, given(aOther));
 }
 
 Boolean ClassifierIntf::conformsTo(Kelm::Deviant const& aDeviant, ImmutableClassifier const& aOther) const {
-  engine::checkReadable(*this, aDeviant);
+  engine::checkReadable(*this, aDeviant, kSource);
   return queries::conformsTo(*this, given(aOther));
 }
 
 Kelm::ImmutableSequence<ImmutableNamedElement> ClassifierIntf::inherit(
     Kelm::Deviant const& aDeviant, Kelm::ImmutableSequence<ImmutableNamedElement> const& aInhs) const {
-  engine::checkReadable(*this, aDeviant);
+  engine::checkReadable(*this, aDeviant, kSource);
   return makeResult<ImmutableNamedElement>(aDeviant, queries::inherit(*this, queries::givenElements(aInhs)));
 }
 
@@ -109,14 +115,14 @@ Kelm::ImmutableSequence<ImmutableNamedElement> DataTypeIntf::inherit(
 
 Boolean ClassifierIntf::maySpecializeType(Kelm::Deviant const& aDeviant,
                                           ImmutableClassifier const& aC) const {
-  engine::checkReadable(*this, aDeviant);
+  engine::checkReadable(*this, aDeviant, kSource);
   engine::Element const* const general = given(aC);
   return general != nullptr && queries::isA(*this, engine::metaclassOf(*general));
 }
 
 Kelm::ImmutableSequence<ImmutableUseCase> UseCaseIntf::allIncludedUseCases(
     Kelm::Deviant const& aDeviant) const {
-  engine::checkReadable(*this, aDeviant);
+  engine::checkReadable(*this, aDeviant, kSource);
   return makeResult<ImmutableUseCase>(aDeviant, queries::allIncludedUseCases(*this));
 }
 

@@ -6,6 +6,12 @@
 
 namespace umlmm {
 
+namespace {
+
+constexpr char kSource[] = "uml_metamodel/operations/components";
+
+}  // namespace
+
 namespace queries {
 
 Elements suppliedInterfaces(Element const* aClassifier, int aDependency) {
@@ -34,14 +40,14 @@ namespace NSInterface {
 
 Kelm::ImmutableSequence<ImmutableInterface> ComponentIntf::realizedInterfaces(
     Kelm::Deviant const& aDeviant, ImmutableClassifier const& aClassifier) const {
-  engine::checkReadable(*this, aDeviant);
+  engine::checkReadable(*this, aDeviant, kSource);
   return queries::makeResult<ImmutableInterface>(aDeviant,
                                                  queries::realizedInterfaces(queries::given(aClassifier)));
 }
 
 Kelm::ImmutableSequence<ImmutableInterface> ComponentIntf::usedInterfaces(
     Kelm::Deviant const& aDeviant, ImmutableClassifier const& aClassifier) const {
-  engine::checkReadable(*this, aDeviant);
+  engine::checkReadable(*this, aDeviant, kSource);
   return queries::makeResult<ImmutableInterface>(aDeviant,
                                                  queries::usedInterfaces(queries::given(aClassifier)));
 }

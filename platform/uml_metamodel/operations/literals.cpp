@@ -10,92 +10,98 @@
 /// What values can be computed: the literals' own, and neutral answers for all others.
 namespace umlmm::NSInterface {
 
+namespace {
+
+constexpr char kSource[] = "uml_metamodel/operations/literals";
+
+}  // namespace
+
 using engine::checkReadable;
 
 Boolean ValueSpecificationIntf::isComputable(Kelm::Deviant const& aDeviant) const {
-  checkReadable(*this, aDeviant);
+  checkReadable(*this, aDeviant, kSource);
   return false;
 }
 Boolean LiteralBooleanIntf::isComputable(Kelm::Deviant const& aDeviant) const {
-  checkReadable(*this, aDeviant);
+  checkReadable(*this, aDeviant, kSource);
   return true;
 }
 Boolean LiteralIntegerIntf::isComputable(Kelm::Deviant const& aDeviant) const {
-  checkReadable(*this, aDeviant);
+  checkReadable(*this, aDeviant, kSource);
   return true;
 }
 Boolean LiteralNullIntf::isComputable(Kelm::Deviant const& aDeviant) const {
-  checkReadable(*this, aDeviant);
+  checkReadable(*this, aDeviant, kSource);
   return true;
 }
 Boolean LiteralStringIntf::isComputable(Kelm::Deviant const& aDeviant) const {
-  checkReadable(*this, aDeviant);
+  checkReadable(*this, aDeviant, kSource);
   return true;
 }
 Boolean LiteralUnlimitedNaturalIntf::isComputable(Kelm::Deviant const& aDeviant) const {
-  checkReadable(*this, aDeviant);
+  checkReadable(*this, aDeviant, kSource);
   return true;
 }
 
 Boolean ValueSpecificationIntf::booleanValue(Kelm::Deviant const& aDeviant) const {
-  checkReadable(*this, aDeviant);
+  checkReadable(*this, aDeviant, kSource);
   return false;
 }
 Boolean LiteralBooleanIntf::booleanValue(Kelm::Deviant const& aDeviant) const {
-  checkReadable(*this, aDeviant);
+  checkReadable(*this, aDeviant, kSource);
   return values::flag(*this, ids::LiteralBoolean::Value);
 }
 
 Boolean ValueSpecificationIntf::isNull(Kelm::Deviant const& aDeviant) const {
-  checkReadable(*this, aDeviant);
+  checkReadable(*this, aDeviant, kSource);
   return false;
 }
 Boolean LiteralNullIntf::isNull(Kelm::Deviant const& aDeviant) const {
-  checkReadable(*this, aDeviant);
+  checkReadable(*this, aDeviant, kSource);
   return true;
 }
 
 Integer ValueSpecificationIntf::integerValue(Kelm::Deviant const& aDeviant) const {
-  checkReadable(*this, aDeviant);
+  checkReadable(*this, aDeviant, kSource);
   return 0;
 }
 Integer LiteralIntegerIntf::integerValue(Kelm::Deviant const& aDeviant) const {
-  checkReadable(*this, aDeviant);
+  checkReadable(*this, aDeviant, kSource);
   return static_cast<int>(values::number(*this, ids::LiteralInteger::Value));
 }
 
 String ValueSpecificationIntf::stringValue(Kelm::Deviant const& aDeviant) const {
-  checkReadable(*this, aDeviant);
+  checkReadable(*this, aDeviant, kSource);
   return {};
 }
 String LiteralStringIntf::stringValue(Kelm::Deviant const& aDeviant) const {
-  checkReadable(*this, aDeviant);
+  checkReadable(*this, aDeviant, kSource);
   return Kelm::String(values::record(*this, ids::LiteralString::Value));
 }
 
 UnlimitedNatural ValueSpecificationIntf::unlimitedValue(Kelm::Deviant const& aDeviant) const {
-  checkReadable(*this, aDeviant);
+  checkReadable(*this, aDeviant, kSource);
   return {};
 }
 UnlimitedNatural LiteralUnlimitedNaturalIntf::unlimitedValue(Kelm::Deviant const& aDeviant) const {
-  checkReadable(*this, aDeviant);
+  checkReadable(*this, aDeviant, kSource);
   return UnlimitedNatural(values::number(*this, ids::LiteralUnlimitedNatural::Value));
 }
 
 Integer OpaqueExpressionIntf::value(Kelm::Deviant const& aDeviant) const {
-  checkReadable(*this, aDeviant);
+  checkReadable(*this, aDeviant, kSource);
   return 0;
 }
 Boolean OpaqueExpressionIntf::isIntegral(Kelm::Deviant const& aDeviant) const {
-  checkReadable(*this, aDeviant);
+  checkReadable(*this, aDeviant, kSource);
   return false;
 }
 Boolean OpaqueExpressionIntf::isPositive(Kelm::Deviant const& aDeviant) const {
-  checkReadable(*this, aDeviant);
+  checkReadable(*this, aDeviant, kSource);
   return false;
 }
 Boolean OpaqueExpressionIntf::isNonNegative(Kelm::Deviant const& aDeviant) const {
-  checkReadable(*this, aDeviant);
+  checkReadable(*this, aDeviant, kSource);
   return false;
 }
 

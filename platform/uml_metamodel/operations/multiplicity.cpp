@@ -7,6 +7,12 @@
 
 namespace umlmm {
 
+namespace {
+
+constexpr char kSource[] = "uml_metamodel/operations/multiplicity";
+
+}  // namespace
+
 namespace queries {
 
 namespace {
@@ -84,23 +90,23 @@ namespace NSInterface {
 using queries::given;
 
 Boolean MultiplicityElementIntf::isMultivalued(Kelm::Deviant const& aDeviant) const {
-  engine::checkReadable(*this, aDeviant);
+  engine::checkReadable(*this, aDeviant, kSource);
   return queries::upperBound(*this) > 1;
 }
 
 Boolean MultiplicityElementIntf::includesCardinality(Kelm::Deviant const& aDeviant, Integer aC) const {
-  engine::checkReadable(*this, aDeviant);
+  engine::checkReadable(*this, aDeviant, kSource);
   return queries::includesCardinality(*this, aC.value());
 }
 
 Boolean MultiplicityElementIntf::includesMultiplicity(Kelm::Deviant const& aDeviant,
                                                       ImmutableMultiplicityElement const& aM) const {
-  engine::checkReadable(*this, aDeviant);
+  engine::checkReadable(*this, aDeviant, kSource);
   return queries::includesMultiplicity(*this, given(aM));
 }
 
 Integer MultiplicityElementIntf::lowerBound(Kelm::Deviant const& aDeviant) const {
-  engine::checkReadable(*this, aDeviant);
+  engine::checkReadable(*this, aDeviant, kSource);
   return queries::lowerBound(*this);
 }
 
@@ -109,19 +115,19 @@ Integer ExtensionEndIntf::lowerBound(Kelm::Deviant const& aDeviant) const {
 }
 
 UnlimitedNatural MultiplicityElementIntf::upperBound(Kelm::Deviant const& aDeviant) const {
-  engine::checkReadable(*this, aDeviant);
+  engine::checkReadable(*this, aDeviant, kSource);
   return UnlimitedNatural(queries::upperBound(*this));
 }
 
 Boolean MultiplicityElementIntf::compatibleWith(Kelm::Deviant const& aDeviant,
                                                 ImmutableMultiplicityElement const& aOther) const {
-  engine::checkReadable(*this, aDeviant);
+  engine::checkReadable(*this, aDeviant, kSource);
   return queries::isCompatibleWith(*this, given(aOther));
 }
 
 Boolean MultiplicityElementIntf::is(Kelm::Deviant const& aDeviant, Integer aLowerbound,
                                     Integer aUpperbound) const {
-  engine::checkReadable(*this, aDeviant);
+  engine::checkReadable(*this, aDeviant, kSource);
   if (aUpperbound.value() < -1) return false;
   // As an unsigned number, -1 is the unlimited bound.
   return queries::lowerBound(*this) == aLowerbound.value() &&

@@ -15,6 +15,12 @@
 
 namespace umlmm {
 
+namespace {
+
+constexpr char kSource[] = "uml_metamodel/operations/naming";
+
+}  // namespace
+
 namespace queries {
 
 namespace {
@@ -162,19 +168,19 @@ using queries::makeResult;
 
 Kelm::ImmutableSequence<ImmutableNamespace> NamedElementIntf::allNamespaces(
     Kelm::Deviant const& aDeviant) const {
-  engine::checkReadable(*this, aDeviant);
+  engine::checkReadable(*this, aDeviant, kSource);
   return makeResult<ImmutableNamespace>(aDeviant, queries::allNamespaces(*this));
 }
 
 String NamedElementIntf::separator(Kelm::Deviant const& aDeviant) const {
-  engine::checkReadable(*this, aDeviant);
+  engine::checkReadable(*this, aDeviant, kSource);
   return queries::makeText(queries::kSeparator);
 }
 
 Boolean NamedElementIntf::isDistinguishableFrom(Kelm::Deviant const& aDeviant,
                                                 ImmutableNamedElement const& aN,
                                                 ImmutableNamespace const& aNs) const {
-  engine::checkReadable(*this, aDeviant);
+  engine::checkReadable(*this, aDeviant, kSource);
   return queries::isDistinguishableFrom(*this, given(aN), given(aNs));
 }
 
@@ -186,24 +192,24 @@ Boolean BehavioralFeatureIntf::isDistinguishableFrom(Kelm::Deviant const& aDevia
 
 Kelm::ImmutableSequence<String> NamespaceIntf::getNamesOfMember(Kelm::Deviant const& aDeviant,
                                                                 ImmutableNamedElement const& aElement) const {
-  engine::checkReadable(*this, aDeviant);
+  engine::checkReadable(*this, aDeviant, kSource);
   return queries::makeTexts(aDeviant, queries::namesOfMember(*this, given(aElement)));
 }
 
 Boolean NamespaceIntf::membersAreDistinguishable(Kelm::Deviant const& aDeviant) const {
-  engine::checkReadable(*this, aDeviant);
+  engine::checkReadable(*this, aDeviant, kSource);
   return queries::membersAreDistinguishable(*this);
 }
 
 Kelm::ImmutableSequence<ImmutablePackageableElement> NamespaceIntf::importMembers(
     Kelm::Deviant const& aDeviant, ImmutablePackageableElement const& aImps) const {
-  engine::checkReadable(*this, aDeviant);
+  engine::checkReadable(*this, aDeviant, kSource);
   return makeResult<ImmutablePackageableElement>(aDeviant, queries::importMembers(*this, given(aImps)));
 }
 
 Kelm::ImmutableSequence<ImmutablePackageableElement> NamespaceIntf::excludeCollisions(
     Kelm::Deviant const& aDeviant, ImmutablePackageableElement const& aImps) const {
-  engine::checkReadable(*this, aDeviant);
+  engine::checkReadable(*this, aDeviant, kSource);
   auto* const candidate = const_cast<engine::Element*>(given(aImps));
   return makeResult<ImmutablePackageableElement>(
       aDeviant, candidate == nullptr ? queries::Elements() : queries::Elements{candidate});

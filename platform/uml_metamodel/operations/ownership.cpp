@@ -8,6 +8,12 @@
 
 namespace umlmm {
 
+namespace {
+
+constexpr char kSource[] = "uml_metamodel/operations/ownership";
+
+}  // namespace
+
 namespace queries {
 
 namespace {}  // namespace
@@ -59,12 +65,12 @@ namespace NSInterface {
 using queries::makeResult;
 
 Kelm::ImmutableSequence<ImmutableElement> ElementIntf::allOwnedElements(Kelm::Deviant const& aDeviant) const {
-  engine::checkReadable(*this, aDeviant);
+  engine::checkReadable(*this, aDeviant, kSource);
   return makeResult<ImmutableElement>(aDeviant, queries::allOwnedElements(*this));
 }
 
 Boolean ElementIntf::mustBeOwned(Kelm::Deviant const& aDeviant) const {
-  engine::checkReadable(*this, aDeviant);
+  engine::checkReadable(*this, aDeviant, kSource);
   return queries::mustBeOwned(*this);
 }
 
@@ -74,7 +80,7 @@ Boolean PackageIntf::mustBeOwned(Kelm::Deviant const& aDeviant) const {
 
 Kelm::ImmutableSequence<ImmutablePackage> NamedElementIntf::allOwningPackages(
     Kelm::Deviant const& aDeviant) const {
-  engine::checkReadable(*this, aDeviant);
+  engine::checkReadable(*this, aDeviant, kSource);
   return makeResult<ImmutablePackage>(aDeviant, queries::allOwningPackages(*this));
 }
 

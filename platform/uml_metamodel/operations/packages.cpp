@@ -8,6 +8,12 @@
 
 namespace umlmm {
 
+namespace {
+
+constexpr char kSource[] = "uml_metamodel/operations/packages";
+
+}  // namespace
+
 namespace queries {
 
 bool isPublicOrAbsent(Element const& aNamed) noexcept {
@@ -69,18 +75,18 @@ bool makesVisible(Element const& aPackage, Element const* aMember) {
 namespace NSInterface {
 
 String ElementImportIntf::getName(Kelm::Deviant const& aDeviant) const {
-  engine::checkReadable(*this, aDeviant);
+  engine::checkReadable(*this, aDeviant, kSource);
   return queries::makeText(queries::importName(*this));
 }
 
 Kelm::ImmutableSequence<ImmutablePackageableElement> PackageIntf::visibleMembers(
     Kelm::Deviant const& aDeviant) const {
-  engine::checkReadable(*this, aDeviant);
+  engine::checkReadable(*this, aDeviant, kSource);
   return queries::makeResult<ImmutablePackageableElement>(aDeviant, queries::visibleMembers(*this));
 }
 
 Boolean PackageIntf::makesVisible(Kelm::Deviant const& aDeviant, ImmutableNamedElement const& aEl) const {
-  engine::checkReadable(*this, aDeviant);
+  engine::checkReadable(*this, aDeviant, kSource);
   return queries::makesVisible(*this, queries::given(aEl));
 }
 

@@ -11,6 +11,12 @@
 
 namespace umlmm {
 
+namespace {
+
+constexpr char kSource[] = "uml_metamodel/operations/redefinition";
+
+}  // namespace
+
 namespace queries {
 
 namespace {
@@ -74,7 +80,7 @@ using queries::given;
 
 Boolean RedefinableElementIntf::isConsistentWith(Kelm::Deviant const& aDeviant,
                                                  ImmutableRedefinableElement const& aRedefinee) const {
-  engine::checkReadable(*this, aDeviant);
+  engine::checkReadable(*this, aDeviant, kSource);
   return queries::isConsistentWith(*this, given(aRedefinee));
 }
 
@@ -90,7 +96,7 @@ Boolean PropertyIntf::isConsistentWith(Kelm::Deviant const& aDeviant,
 
 Boolean RedefinableElementIntf::isRedefinitionContextValid(
     Kelm::Deviant const& aDeviant, ImmutableRedefinableElement const& aRedefined) const {
-  engine::checkReadable(*this, aDeviant);
+  engine::checkReadable(*this, aDeviant, kSource);
   return queries::isRedefinitionContextValid(*this, given(aRedefined));
 }
 

@@ -18,6 +18,8 @@ namespace umlmm::rules {
 
 namespace {
 
+constexpr char kSource[] = "uml_metamodel/rules/defaults";
+
 using engine::Element;
 using Kelm::Deviant;
 using Kelm::Object;
@@ -146,7 +148,8 @@ struct DefaultText {
   }
   static void set(Element& aElement, Deviant const& aDeviant, Object const& aText) {
     Kelm::StringObject const* const text = Kelm::asString(aText);
-    if (text == nullptr && !aText.isNull()) engine::failures::raiseNotAValue(engine::feature(Default));
+    if (text == nullptr && !aText.isNull())
+      engine::failures::raiseNotAValue(kSource, engine::feature(Default));
     if (text == nullptr || text->text().empty()) return replaceValue(aElement, Value, nullptr);
     Element* const value = values::reference(aElement, Value);
     Form const* const form = formOf(value);

@@ -10,6 +10,8 @@ namespace umlmm::rules {
 
 namespace {
 
+constexpr char kSource[] = "uml_metamodel/rules/multiplicity";
+
 struct Bound {
   engine::FeatureIndex fBound;
   engine::FeatureIndex fValue;
@@ -49,7 +51,7 @@ Kelm::Object readUpper(engine::Element const& aElement, Kelm::Deviant const&) {
 template <Bound const& Side>
 void set(engine::Element& aElement, Kelm::Deviant const&, Kelm::Object const& aValue) {
   if (!aValue.isNull() && !Kelm::isPrimitive(aValue, Side.fKind))
-    engine::failures::raiseNotAValue(engine::feature(Side.fBound));
+    engine::failures::raiseNotAValue(kSource, engine::feature(Side.fBound));
   engine::Element* literal = values::reference(aElement, Side.fValue);
   if (aValue.isNull()) {
     replaceValue(aElement, Side.fValue, nullptr);

@@ -11,6 +11,8 @@ namespace umlmm::rules {
 
 namespace {
 
+constexpr char kSource[] = "uml_metamodel/rules/operations";
+
 engine::Element* resultOf(engine::Element const& aOperation) {
   return queries::returnParameter(aOperation, ids::BehavioralFeature::OwnedParameter);
 }
@@ -28,7 +30,8 @@ void checkPrimitive(engine::Feature const& aFeature, Kelm::Object const& aValue)
   auto kind = Kelm::PrimitiveKind::UnlimitedNatural;
   if (aFeature.fValueType == engine::ValueType::Boolean) kind = Kelm::PrimitiveKind::Boolean;
   if (aFeature.fValueType == engine::ValueType::Integer) kind = Kelm::PrimitiveKind::Integer;
-  if (!aFeature.isReference() && !Kelm::isPrimitive(aValue, kind)) engine::failures::raiseNotAValue(aFeature);
+  if (!aFeature.isReference() && !Kelm::isPrimitive(aValue, kind))
+    engine::failures::raiseNotAValue(kSource, aFeature);
 }
 
 /// The feature Own of an operation is the feature Shown of its return parameter.

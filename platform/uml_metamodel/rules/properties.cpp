@@ -11,6 +11,8 @@ namespace umlmm::rules {
 
 namespace {
 
+constexpr char kSource[] = "uml_metamodel/rules/properties";
+
 using engine::Element;
 using Kelm::Deviant;
 using Kelm::Object;
@@ -21,7 +23,7 @@ bool isComposite(Element const& aProperty) noexcept {
 
 void setComposite(Element& aProperty, Deviant const& aDeviant, Object const& aValue) {
   if (!aValue.isNull() && !Kelm::isPrimitive(aValue, Kelm::PrimitiveKind::Boolean))
-    engine::failures::raiseNotAValue(engine::feature(ids::Property::IsComposite));
+    engine::failures::raiseNotAValue(kSource, engine::feature(ids::Property::IsComposite));
   bool const wanted = !aValue.isNull() && aValue.getDeviant().value() != 0;
   if (wanted == isComposite(aProperty)) return;
   engine::write(aProperty, aDeviant, engine::feature(ids::Property::Aggregation),
@@ -44,9 +46,10 @@ Element& makeAssociation(Element& aProperty, Element& aOther) {
 }
 
 void checkOpposite(Element const& aProperty, Element const& aOther) {
-  if (&aProperty == &aOther) engine::failures::raise("A property cannot be its own opposite");
+  if (&aProperty == &aOther) engine::failures::raise(kSource, "A property cannot be its own opposite");
   if (queries::isOwnedByAssociation(aProperty) || queries::isOwnedByAssociation(aOther))
     engine::failures::raise(
+        kSource,
         "Property.opposite joins ends that classifiers own; an end that its association owns cannot be set "
         "or be "
         "the value");

@@ -11,8 +11,7 @@
 namespace Kelm {
 
 /// Base of all iterators: counted, and safe to keep. An iterator holds a count on the sequence that gave it,
-/// if that is a counted one, and remembers at which change of its implementation its position was last known
-/// good; the implementation looks the position up again when the stamps differ.
+/// if that is a counted one.
 class UMLMM_API IteratorProxy : public Generic::IteratorIntf {
   static constexpr std::size_t kSmall = 80;
   using Blocks = detail::BlocksFor<kSmall>;
@@ -55,9 +54,9 @@ class UMLMM_API IteratorProxy : public Generic::IteratorIntf {
   Generic::SequenceIntf const* owner() const noexcept { return fOwner; }
 
  protected:
-  explicit IteratorProxy(std::uint64_t aStamp = 0) noexcept : fStamp(aStamp) {}
+  IteratorProxy() noexcept = default;
   /// For `clone`: the same owner with a count of its own, and no handle.
-  IteratorProxy(IteratorProxy const& aOther) : IteratorIntf(), fStamp(aOther.fStamp) {
+  IteratorProxy(IteratorProxy const& aOther) : IteratorIntf() {
     if (aOther.fOwner != nullptr) setOwner(aOther.fOwner);
   }
   // A count that breaks here has no one to report to: the process ends.
@@ -67,8 +66,6 @@ class UMLMM_API IteratorProxy : public Generic::IteratorIntf {
 
   mutable std::int32_t fRefCount = 0;
   Generic::SequenceIntf const* fOwner = nullptr;
-  /// The implementation's change counter when the position was last known good.
-  mutable std::uint64_t fStamp;
 };
 
 /// Gives the fresh iterator a count on the sequence, if that is a counted one at present.

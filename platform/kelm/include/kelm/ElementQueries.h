@@ -9,8 +9,8 @@ namespace Kelm {
 /// references with one count, which belongs to the caller; it is a snapshot and no live view. Null entries:
 /// no metamodel is loaded, so there are no elements.
 struct ElementQueries {
-  /// All elements of a model that are instances of the class or of a specialization of it, containers before
-  /// their contents.
+  /// All elements of a model that are instances of the class or of a specialization of it, in the order of a
+  /// document: containers before their contents. All are instances of the kernel's own class of elements.
   Generic::SequenceIntf* (*instancesOf)(ModelObject& aModel, Deviant const& aDeviant,
                                         NSInterface::ClassIntf const& aClass) = nullptr;
   /// All elements that refer to an element by a feature other than the one that contains it.

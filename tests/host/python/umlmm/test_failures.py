@@ -21,7 +21,7 @@ SEQUENCE = "kelm/kernel/containers/sequence/SequenceRef"
 LIST = "kelm/kernel/containers/sequence/list/ListQImplForPrimitives"
 MULTI_INDEX = "kelm/kernel/containers/sequence/multi_index/MultiIndexImplForPrimitives"
 FEATURE = "uml_metamodel/engine/FeatureSequence"
-ENGINE = "uml_metamodel/engine"
+ENGINE = "uml_metamodel/engine/"
 MARSHAL = "kelm_mi/marshal/"
 
 
@@ -151,11 +151,31 @@ def test_variants_and_what_is_gone(model):
     view = element.asDeviant(model.readOnlyVariant())
     for action in (set_(view, "name", "x"), view.destroy, lambda: view.ownedAttribute.append(umlmm.Property(model))):
         fails(action, "The object cannot be changed in a read-only variant of its model", "kelm/Kelm/DeviantAssertions")
-    lists = [package.packagedElement, package.ownedMember, text.body, text.language]
+    lists = [(package, package.packagedElement, "FeatureSequence"), (package, package.ownedMember, "FeatureSequence"),
+             (text, text.body, "ValueSequence"), (text, text.language, "ValueSequence")]
+    package.name, text.name, element.name = "shop", "x" * 61, ""
     for gone in (package, text, element):
         gone.destroy()
-    for action in [lambda: element.name, set_(element, "name", "x")]:
-        fails(action, NOT_IN_VARIANT, ENGINE)
-    for values in lists:
+    words = {package: ": the Package 'shop' is", text: f": the OpaqueExpression '{'x' * 60}...' is", element: ": the Class is"}
+    words = {gone: f"{NOT_IN_VARIANT}{what} destroyed or its model closed" for gone, what in words.items()}
+    for action, source in ((lambda: element.name, "access"), (set_(element, "name", "x"), "access"),
+                           (element.destroy, "lifecycle"), (lambda: element.uri, "kernel_features")):
+        fails(action, words[element], ENGINE + source)
+    fails(element.allParents, words[element], "uml_metamodel/operations/classifiers")
+    fails(set_(umlmm.Property(model), "type", element), "TypedElement.type takes elements of the same model only; "
+          "the Class is destroyed or its model closed", ENGINE + "links")
+    for owner, values, source in lists:
         for read in (len, list, repr, lambda s: s.at(1), lambda s: s.begin(), lambda s: 1 in s, lambda s: s.front()):
-            fails(lambda: read(values), NOT_IN_VARIANT, ENGINE)
+            fails(lambda: read(values), words[owner], ENGINE + source)
+
+
+def test_failures_name_the_line_of_the_check(model):
+    package, observed = umlmm.Package(model), umlmm.DurationObservation(model)
+    observed.event = [umlmm.Class(model), umlmm.Class(model)]
+    lines = set()
+    for action in (lambda: package.packagedElement.append(package), lambda: observed.event.append(package),
+                   set_(package, "nestingPackage", umlmm.Package(umlmm.Factory.createNewModel()))):
+        with pytest.raises(umlmm.Kelm.Error, match=f"{ENGINE}links:") as raised:
+            action()
+        lines.add(str(raised.value).rsplit(":", 2)[1])
+    assert len(lines) == 3

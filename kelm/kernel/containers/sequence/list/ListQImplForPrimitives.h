@@ -14,7 +14,7 @@
 #include "kelm/Asserter.h"
 #include "kelm/Generic.h"
 #include "kelm/kernel/containers/cow/COWWrapper.h"
-#include "kelm/kernel/containers/iterator/IteratorProxy.h"
+#include "kelm/kernel/containers/iterator/LiveIterators.h"
 #include "kelm/kernel/containers/sequence/Ref.h"
 #include "kelm/kernel/containers/sources.h"
 
@@ -29,8 +29,8 @@ namespace ListQImplInternal {
 /// the value, making the result's iterator, detaching, growing) comes before the first step that shows, and
 /// values whose moves may throw are changed in a copy.
 ///
-/// Iterators are element pointers. One given as an argument becomes an offset before the data moves; one that
-/// points outside the present storage, or belongs to another sequence, raises.
+/// Iterators are offsets that changes move along with their elements. One whose element was removed, or that
+/// belongs to another sequence, raises; one whose element was replaced stands at the new value.
 template <class T>
 class ListQImplForPrimitives : public Generic::SequenceIntf {
   using Ref = Generic::Ref;
@@ -65,8 +65,10 @@ class ListQImplForPrimitives : public Generic::SequenceIntf {
   IteratorPtr generic_begin(Deviant const&) const override { return edge(false); }
   IteratorPtr generic_end(Deviant const&) const override { return edge(true); }
   void generic_clear(Deviant const&) override {
+    std::size_t const count = size();
     fData.detachWithRoom(0).clear();
     ++fStamp;
+    noteErased(0, count);
   }
   int generic_size(Deviant const&) const override { return static_cast<int>(size()); }
   bool generic_empty(Deviant const&) const override { return fData.empty(); }
@@ -194,13 +196,13 @@ class ListQImplForPrimitives : public Generic::SequenceIntf {
   IteratorPtr edge(bool aAtEnd) const {
     auto result = std::make_unique<Iterator>(*this);
     Performance::COWDataAccessToken<Values> token;
-    Values& values = fData.publicDataRef(token);
-    result->fPosition = values.data() + (aAtEnd ? values.size() : 0);
+    Values const& values = fData.publicDataRef(token);
+    result->place(aAtEnd ? values.size() : 0);
     return result;
   }
-  /// The iterator, put at an offset of data that is detached by now.
-  IteratorPtr moved(std::unique_ptr<Iterator> aIterator, std::size_t aOffset) const noexcept {
-    aIterator->fPosition = const_cast<T*>(fData.read().data()) + aOffset;
+  /// The iterator, put at an offset of the present data.
+  static IteratorPtr moved(std::unique_ptr<Iterator> aIterator, std::size_t aOffset) noexcept {
+    aIterator->place(aOffset);
     return aIterator;
   }
 
@@ -219,9 +221,21 @@ class ListQImplForPrimitives : public Generic::SequenceIntf {
   void insertAt(std::size_t aOffset, T const& aValue) {
     T value = aValue;
     change(1, [&](Values& aValues) { aValues.insert(at(aValues, aOffset), std::move(value)); });
+    fIterators.forEach<Iterator>([&](Iterator& aIterator) {
+      if (aIterator.fOffset >= aOffset) ++aIterator.fOffset;
+    });
   }
   void eraseRange(std::size_t aFirst, std::size_t aLast) {
     change(0, [&](Values& aValues) { aValues.erase(at(aValues, aFirst), at(aValues, aLast)); });
+    noteErased(aFirst, aLast);
+  }
+  void noteErased(std::size_t aFirst, std::size_t aLast) const noexcept {
+    fIterators.forEach<Iterator>([&](Iterator& aIterator) {
+      if (aIterator.fOffset >= aLast)
+        aIterator.fOffset -= aLast - aFirst;
+      else if (aIterator.fOffset >= aFirst)
+        aIterator.end();
+    });
   }
   static typename Values::iterator at(Values& aValues, std::size_t aOffset) {
     return aValues.begin() + static_cast<std::ptrdiff_t>(aOffset);
@@ -229,33 +243,35 @@ class ListQImplForPrimitives : public Generic::SequenceIntf {
   int removeEach(Deviant const& aDeviant, T const& aValue);
 
   mutable Data fData;
+  mutable LiveIterators fIterators;
   /// Counts the changes of the contents.
   std::uint64_t fStamp = 1;
 };
 
 template <class T>
-class ListQImplForPrimitives<T>::Iterator : public IteratorProxy {
+class ListQImplForPrimitives<T>::Iterator : public LiveIterator {
  public:
   explicit Iterator(ListQImplForPrimitives const& aSequence) noexcept
-      : IteratorProxy(aSequence.fStamp), fSequence(aSequence) {}
+      : LiveIterator(aSequence.fIterators), fSequence(aSequence) {}
 
   Ref current(Deviant const&) const override {
     checkBefore(offset(), fSequence.size());
-    return Access::make(*fPosition);
+    return Access::make(fSequence.fData.read()[fOffset]);
   }
   void next(Deviant const&) override {
     checkBefore(offset(), fSequence.size());
-    ++fPosition;
+    ++fOffset;
   }
   void previous(Deviant const&) override {
     if (offset() == 0) [[unlikely]]
       raiseOutOfBounds();
-    --fPosition;
+    --fOffset;
   }
   IteratorPtr clone() const override { return IteratorPtr(new Iterator(*this)); }
   bool equal(IteratorIntf const* aOther) const override {
-    return aOther != nullptr && typeid(*aOther) == typeid(Iterator) &&
-           static_cast<Iterator const*>(aOther)->fPosition == fPosition;
+    if (aOther == nullptr || typeid(*aOther) != typeid(Iterator)) return false;
+    auto const& other = static_cast<Iterator const&>(*aOther);
+    return &other.fSequence == &fSequence && other.fOffset == fOffset && other.isGone() == isGone();
   }
 
  private:
@@ -270,18 +286,19 @@ class ListQImplForPrimitives<T>::Iterator : public IteratorProxy {
     return iterator;
   }
 
-  /// The position in the present data. Compares addresses only: the pointer may be of data that is gone.
+  /// The position in the present data, from 0 to the size.
   std::size_t offset() const {
-    Values const& values = fSequence.fData.read();
-    std::size_t const bytes =
-        reinterpret_cast<std::uintptr_t>(fPosition) - reinterpret_cast<std::uintptr_t>(values.data());
-    if (bytes % sizeof(T) != 0 || bytes / sizeof(T) > values.size()) [[unlikely]]
+    if (isGone()) [[unlikely]]
       raiseOutOfBounds();
-    return bytes / sizeof(T);
+    return fOffset;
+  }
+  void place(std::size_t aOffset) noexcept {
+    fOffset = aOffset;
+    revive();
   }
 
   ListQImplForPrimitives const& fSequence;
-  T* fPosition = nullptr;
+  std::size_t fOffset = 0;
 };
 
 template <class T>
@@ -293,10 +310,18 @@ int ListQImplForPrimitives<T>::generic_removeAll(Deviant const& aDeviant, Ref aV
     return removeEach(aDeviant, value);
   } else {
     Data before(fData);
+    std::vector<std::pair<std::size_t, bool>> places;
+    fIterators.forEach<Iterator>(
+        [&](Iterator const& aIterator) { places.emplace_back(aIterator.fOffset, aIterator.isGone()); });
     try {
       return removeEach(aDeviant, value);
     } catch (...) {
       fData.swap(before);
+      auto place = places.begin();
+      fIterators.forEach<Iterator>([&](Iterator& aIterator) {
+        aIterator.place(place->first);
+        if (place++->second) aIterator.end();
+      });
       throw;
     }
   }

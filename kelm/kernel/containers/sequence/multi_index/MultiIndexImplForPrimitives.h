@@ -18,7 +18,7 @@
 
 #include "kelm/Asserter.h"
 #include "kelm/Generic.h"
-#include "kelm/kernel/containers/iterator/IteratorProxy.h"
+#include "kelm/kernel/containers/iterator/LiveIterators.h"
 #include "kelm/kernel/containers/sequence/Ref.h"
 #include "kelm/kernel/containers/sources.h"
 
@@ -70,6 +70,7 @@ class MultiIndexImplForPrimitives : public Generic::SequenceIntf {
   IteratorPtr generic_begin(Deviant const&) const override { return iterator(fElements.begin()); }
   IteratorPtr generic_end(Deviant const&) const override { return iterator(fElements.end()); }
   void generic_clear(Deviant const&) override {
+    endIterators([&](Position const& aPosition) { return aPosition != fElements.end(); });
     fElements.clear();
     ++fStamp;
   }
@@ -86,16 +87,17 @@ class MultiIndexImplForPrimitives : public Generic::SequenceIntf {
   IteratorPtr generic_erase(Deviant const&, IteratorIntf const* aPosition) override {
     auto result = iterator(positionOf(aPosition));
     checkBefore(result->fPosition, fElements.end());
-    result->place(eraseAt(result->fPosition));
+    result->place(eraseAt(Position(result->fPosition)));
     return result;
   }
   IteratorPtr generic_erase(Deviant const&, IteratorIntf const* aFirst, IteratorIntf const* aLast) override {
     Position const first = positionOf(aFirst);
     auto result = iterator(positionOf(aLast));
-    if (result->fPosition < first) raiseOutOfBounds();
-    fElements.erase(first, result->fPosition);
+    Position const last = result->fPosition;
+    if (last < first) raiseOutOfBounds();
+    endIterators([&](Position const& aPosition) { return !(aPosition < first) && aPosition < last; });
+    fElements.erase(first, last);
     ++fStamp;
-    result->place(result->fPosition);
     return result;
   }
   void generic_erase(Deviant const&, int aIndex) override {
@@ -185,9 +187,13 @@ class MultiIndexImplForPrimitives : public Generic::SequenceIntf {
   Position positionOf(IteratorIntf const* aIterator) const {
     return Iterator::of(*this, aIterator).position();
   }
-  /// The index of an element, looked for from `aHint` outwards; raises when it has gone. Compares addresses
-  /// only: the element's memory may be free.
-  std::ptrdiff_t find(Position const& aPosition, std::ptrdiff_t aHint) const;
+  /// Ends the iterators whose elements are about to go; all others stay where they are.
+  template <class IsGoing>
+  void endIterators(IsGoing aIsGoing) const {
+    fIterators.forEach<Iterator>([&](Iterator& aIterator) {
+      if (!aIterator.isGone() && aIsGoing(aIterator.fPosition)) aIterator.end();
+    });
+  }
 
   template <class Tell>
   void enter(std::vector<Ref> const& aValues, Tell const& aTell);
@@ -199,22 +205,22 @@ class MultiIndexImplForPrimitives : public Generic::SequenceIntf {
   }
   /// The place of what followed.
   Position eraseAt(Position const& aPosition) {
+    endIterators([&](Position const& aOther) { return aOther == aPosition; });
     ++fStamp;
     return fElements.erase(aPosition);
   }
 
   ElementContainer fElements;
+  mutable LiveIterators fIterators;
   /// Counts the changes.
   std::uint64_t fStamp = 1;
 };
 
 template <class T, bool IsUnique, class KeyExtractor>
-class MultiIndexImplForPrimitives<T, IsUnique, KeyExtractor>::Iterator : public IteratorProxy {
+class MultiIndexImplForPrimitives<T, IsUnique, KeyExtractor>::Iterator : public LiveIterator {
  public:
   Iterator(MultiIndexImplForPrimitives const& aSequence, Position const& aPosition)
-      : fSequence(aSequence), fPosition(aPosition) {
-    place(aPosition);
-  }
+      : LiveIterator(aSequence.fIterators), fSequence(aSequence), fPosition(aPosition) {}
 
   Ref current(Deviant const&) const override {
     checkBefore(position(), fSequence.fElements.end());
@@ -223,17 +229,16 @@ class MultiIndexImplForPrimitives<T, IsUnique, KeyExtractor>::Iterator : public 
   void next(Deviant const&) override {
     checkBefore(position(), fSequence.fElements.end());
     ++fPosition;
-    ++fIndex;
   }
   void previous(Deviant const&) override {
     checkBefore(position(), fSequence.fElements.begin());
     --fPosition;
-    --fIndex;
   }
   IteratorPtr clone() const override { return IteratorPtr(new Iterator(*this)); }
   bool equal(IteratorIntf const* aOther) const override {
-    return aOther != nullptr && typeid(*aOther) == typeid(Iterator) &&
-           static_cast<Iterator const*>(aOther)->fPosition == fPosition;
+    if (aOther == nullptr || typeid(*aOther) != typeid(Iterator)) return false;
+    auto const& other = static_cast<Iterator const&>(*aOther);
+    return other.fPosition == fPosition && other.isGone() == isGone();
   }
 
  private:
@@ -250,40 +255,19 @@ class MultiIndexImplForPrimitives<T, IsUnique, KeyExtractor>::Iterator : public 
 
   /// The position, known to be one of the sequence.
   Position const& position() const {
-    if (fStamp != fSequence.fStamp) [[unlikely]] {
-      fIndex = fSequence.find(fPosition, fIndex);
-      fStamp = fSequence.fStamp;
-    }
+    if (isGone()) [[unlikely]]
+      raiseOutOfBounds();
     return fPosition;
   }
   /// Puts the iterator at a position that is one of the sequence now.
   void place(Position const& aPosition) noexcept {
     fPosition = aPosition;
-    fIndex = aPosition - fSequence.fElements.begin();
-    fStamp = fSequence.fStamp;
+    revive();
   }
 
   MultiIndexImplForPrimitives const& fSequence;
   Position fPosition;
-  /// Index of the position when the stamp was taken.
-  mutable std::ptrdiff_t fIndex = 0;
 };
-
-template <class T, bool IsUnique, class KeyExtractor>
-std::ptrdiff_t MultiIndexImplForPrimitives<T, IsUnique, KeyExtractor>::find(Position const& aPosition,
-                                                                            std::ptrdiff_t aHint) const {
-  auto const size = static_cast<std::ptrdiff_t>(fElements.size());
-  if (aPosition == fElements.end()) return size;
-  std::ptrdiff_t below = std::min(aHint, size - 1);
-  std::ptrdiff_t above = below + 1;
-  while (below >= 0 || above < size) {
-    if (below >= 0 && fElements.begin() + below == aPosition) return below;
-    if (above < size && fElements.begin() + above == aPosition) return above;
-    --below;
-    ++above;
-  }
-  raiseOutOfBounds();
-}
 
 template <class T, bool IsUnique, class KeyExtractor>
 int MultiIndexImplForPrimitives<T, IsUnique, KeyExtractor>::generic_removeAll(Deviant const&, Ref aValue) {
@@ -291,6 +275,9 @@ int MultiIndexImplForPrimitives<T, IsUnique, KeyExtractor>::generic_removeAll(De
   auto& sorted = fElements.template get<1>();
   auto const [first, last] = sorted.equal_range(value);
   if (first == last) return 0;
+  endIterators([&](Position const& aPosition) {
+    return aPosition != fElements.end() && SequenceTraits<T>::equal(*aPosition, value);
+  });
   ++fStamp;
   if (std::next(first) == last) {
     sorted.erase(first);
