@@ -40,8 +40,7 @@ Position position(RefCall const& aCall, int aArgument) {
   return {static_cast<Generic::IteratorIntf*>(found.fInterface), found.fDeviant};
 }
 
-/// Scripts count from 1.
-int index(RefCall const& aCall) { return aCall.fArguments[1].int32() - 1; }
+int index(RefCall const& aCall) { return kernelIndex(aCall.fArguments[1].int32()); }
 Object element(RefCall const& aCall, int aArgument) {
   return aCall.fClass.unboxElement(aCall.fArguments[aArgument]);
 }

@@ -107,6 +107,7 @@ class UMLMM_API GenericReferenceCountingSequenceProxy : public SequenceProxy {
   int indexOf(Deviant const& aDeviant, Ref const& aValue, int aFrom) const override {
     return fTarget->indexOf(aDeviant, aValue, aFrom);
   }
+  std::type_info const& valueType() const override { return fTarget->valueType(); }
 
  protected:
   Generic::SequenceIntf const& target() const noexcept { return *fTarget; }

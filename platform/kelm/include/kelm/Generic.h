@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <typeinfo>
 #include <utility>
 
 #include "kelm/Deviant.h"
@@ -88,9 +89,10 @@ class UMLMM_API SequenceIntf : public ReferenceCountingIntf {
                                           char const* aName) const = 0;
   /// Answers how many values went.
   virtual int generic_removeAll(Deviant const&, Ref aValue) = 0;
-  /// Whether `aOther` holds equal values in the same order, into `aResult`.
+  /// Whether `aOther` holds equal values in the same order, into `aResult`. Values of another type are none.
   virtual void specialized_equal(SequenceIntf const* aOther, Deviant const&, bool& aResult);
-  /// Replaces the contents by those of `aOther`; `aResult` becomes true.
+  /// Replaces the contents by those of `aOther`; `aResult` becomes true. Raises the incorrect-type failure,
+  /// with nothing changed, for values of another type.
   virtual void specialized_assign(SequenceIntf const* aOther, Deviant const&, bool& aResult);
 
   /// The state of the contents: another one whenever values came, went or moved; never 0.
@@ -100,6 +102,9 @@ class UMLMM_API SequenceIntf : public ReferenceCountingIntf {
   virtual int readBlock(Deviant const&, int aIndex, int aCount, Loan* aOut) const = 0;
   /// Index of the first value from `aFrom` on that equals `aValue`, or -1.
   virtual int indexOf(Deviant const&, Ref const& aValue, int aFrom) const;
+  /// The type of the values as they are stored, the same in all libraries: a holder of one type must not be
+  /// read as another. References to objects, as Kelm::Object, unless a sequence says otherwise.
+  virtual std::type_info const& valueType() const;
 
  protected:
   /// How many values `readBlock` lends of a sequence that has `aSize`.

@@ -147,3 +147,15 @@ def test_variants_and_what_is_gone(model):
     for values in lists:
         for read in (len, list, repr, lambda s: s.at(1), lambda s: s.begin(), lambda s: 1 in s, lambda s: s.front()):
             fails(lambda: read(values), NOT_IN_VARIANT, ENGINE)
+
+
+def test_the_lowest_index_of_all_is_too_low(model):
+    for values, value in ((umlmm.SequenceOfString.make(model), "x"),
+                          (umlmm.Class(model).ownedAttribute, umlmm.Property(model))):
+        for index in (0, -1, -2**31 + 1, -2**31):
+            for action in (lambda: values.at(index), lambda: values.erase(index), lambda: values.insert(index, value),
+                           lambda: values.replace(index, value)):
+                with pytest.raises(umlmm.Kelm.Error, match=NOT_POSITIVE):
+                    action()
+    with pytest.raises(umlmm.Kelm.Error, match=NOT_POSITIVE):
+        umlmm.ImmutableSequenceOfString.at(umlmm.SequenceOfString.make(model), -2**31)

@@ -137,6 +137,7 @@ class MultiIndexImplForPrimitives : public Generic::SequenceIntf {
     return count;
   }
   int indexOf(Deviant const& aDeviant, Ref const& aValue, int aFrom) const override;
+  std::type_info const& valueType() const override { return typeid(T); }
 
  private:
   static constexpr std::size_t kLookAhead = 32;
