@@ -14,7 +14,9 @@ class ImmutableSequenceWrapper final : public ClassMetaData {
   using ClassMetaData::ClassMetaData;
 
   /// Scripts count indices from 1.
-  UMLMM_API static T at(ImmutableSequence<T>* aSequence, int aIndex) { return aSequence->at(aIndex - 1); }
+  UMLMM_API static T at(ImmutableSequence<T>* aSequence, int aIndex) {
+    return aSequence->at(kernelIndex(aIndex));
+  }
 
   void initializeClass(vesk::VeskClass* aClass, vesk::VeskClient const*) override;
   vesk::SequenceHook const* getSequenceHook() const override { return ValueSequenceHook<T>::instance(); }

@@ -14,13 +14,13 @@ class SequenceWrapper final : public ClassMetaData {
  public:
   using ClassMetaData::ClassMetaData;
 
-  UMLMM_API static T at(Sequence<T>* aSequence, int aIndex) { return aSequence->at(aIndex - 1); }
-  UMLMM_API static void erase(Sequence<T>* aSequence, int aIndex) { aSequence->erase(aIndex - 1); }
+  UMLMM_API static T at(Sequence<T>* aSequence, int aIndex) { return aSequence->at(kernelIndex(aIndex)); }
+  UMLMM_API static void erase(Sequence<T>* aSequence, int aIndex) { aSequence->erase(kernelIndex(aIndex)); }
   UMLMM_API static void insert(Sequence<T>* aSequence, int aIndex, T const& aValue) {
-    aSequence->insert(aIndex - 1, aValue);
+    aSequence->insert(kernelIndex(aIndex), aValue);
   }
   UMLMM_API static void replace(Sequence<T>* aSequence, int aIndex, T const& aValue) {
-    aSequence->replace(aIndex - 1, aValue);
+    aSequence->replace(kernelIndex(aIndex), aValue);
   }
   /// New sequences belong to no model: they take the deviant of the given one alone, which may be null.
   UMLMM_API static Sequence<T> makeWithModel(Model const& aModel) { return make(aModel.getDeviant(), false); }

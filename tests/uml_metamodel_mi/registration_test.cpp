@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <boost/core/demangle.hpp>
 #include <set>
 
 #include "kelm/Model.h"
@@ -93,6 +94,16 @@ TEST_F(Published, descriptionsStandAsWritten) {
     EXPECT_EQ(info->factoryQuery(), 1) << name;
     EXPECT_EQ(info->handleQuerySecond(), 1) << name;
     EXPECT_FALSE(info->isAbstract()) << name;
+  }
+}
+
+TEST_F(Published, theInfosOfElementAndEnumerationClassesAreNamedAfterThem) {
+  for (std::string const name :
+       {"AggregationKind", "CallConcurrencyKind", "ConnectorKind", "InteractionOperatorKind", "MessageKind",
+        "MessageSort", "ParameterDirectionKind", "VisibilityKind", "Comment", "ImmutableComment",
+        "CommentMetaProperty", "Factory", "ImmutableFactory"}) {
+    vesk::VeskClassInfo const& info = *sPackage->find(name);
+    EXPECT_EQ(boost::core::demangle(typeid(info).name()), "umlmm::mi::" + name + "Wrapper");
   }
 }
 

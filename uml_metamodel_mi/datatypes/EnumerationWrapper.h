@@ -34,34 +34,25 @@ struct EnumerationMethods {
   }
 };
 
+template <class E, int... Numbers>
+void addLiterals(vesk::VeskClass* aClass, char const* aSelf, std::integer_sequence<int, Numbers...>) {
+  using Kelm::mi::Form;
+  (Kelm::mi::addTypedMethod(aClass,
+                            {E::kLiterals[Numbers].data(),
+                             0,
+                             Form::FreeFunction,
+                             {"", aSelf, nullptr},
+                             &Kelm::mi::bindFunction<&EnumerationMethods<E>::template literal<Numbers>>}),
+   ...);
+}
+
 }  // namespace detail
 
-/// The class of an enumeration. An instance stands for a literal and holds no number; a literal is reached by
-/// the static method of its name.
+/// Fills the class of an enumeration. An instance stands for a literal and holds no number; a literal is
+/// reached by the static method of its name.
 template <class E>
-class EnumerationWrapper final : public Kelm::mi::ClassMetaData {
- public:
-  using ClassMetaData::ClassMetaData;
-  void initializeClass(vesk::VeskClass* aClass, vesk::VeskClient const*) override;
-
- private:
+void fillEnumerationClass(vesk::VeskClass* aClass) {
   using Methods = detail::EnumerationMethods<E>;
-
-  template <int... Numbers>
-  static void addLiterals(vesk::VeskClass* aClass, char const* aSelf,
-                          std::integer_sequence<int, Numbers...>) {
-    using Kelm::mi::Form;
-    (Kelm::mi::addTypedMethod(aClass, {E::kLiterals[Numbers].data(),
-                                       0,
-                                       Form::FreeFunction,
-                                       {"", aSelf, nullptr},
-                                       &Kelm::mi::bindFunction<&Methods::template literal<Numbers>>}),
-     ...);
-  }
-};
-
-template <class E>
-void EnumerationWrapper<E>::initializeClass(vesk::VeskClass* aClass, vesk::VeskClient const*) {
   using Kelm::mi::bindFunction;
   using Kelm::mi::bindMember;
   using Kelm::mi::Form;
@@ -101,7 +92,7 @@ void EnumerationWrapper<E>::initializeClass(vesk::VeskClass* aClass, vesk::VeskC
       {"disp", selfFirst, Form::FreeFunction, {"", "void", nullptr, {self}}, &bindFunction<&Methods::disp>},
   };
   Kelm::mi::addTypedMethods(aClass, general);
-  addLiterals(aClass, self, std::make_integer_sequence<int, literals>());
+  detail::addLiterals<E>(aClass, self, std::make_integer_sequence<int, literals>());
   MethodRow const comparisons[] = {
       comparison("eq", &bindFunction<&Methods::eq>), comparison("ne", &bindFunction<&Methods::ne>),
       comparison("gt", &bindFunction<&Methods::gt>), comparison("ge", &bindFunction<&Methods::ge>),

@@ -8,14 +8,15 @@
 
 namespace umlmm::mi {
 
-/// The five classes of an enumeration; without a package as global classes.
-template <class E>
+/// The five classes of an enumeration, whose own class info is a Wrapper; without a package as global
+/// classes.
+template <class E, class Wrapper>
 void announceEnumerationClasses(vesk::VeskPackage* aPackage) {
   std::string const name = E::type().name();
   std::string const sequence = "sequence of " + name + " whose values can be changed";
   // Both kinds of iterators have one and the same description.
   std::string const iterator = "A iterator for traversing a modifiable list of " + name + " objects";
-  announceClass(aPackage, new EnumerationWrapper<E>(name, "An enumeration"));
+  announceClass(aPackage, new Wrapper(name, "An enumeration"));
   announceClass(aPackage, new Kelm::mi::SequenceWrapper<E>("SequenceOf" + name, "A " + sequence));
   announceClass(aPackage, new Kelm::mi::ImmutableSequenceWrapper<E>("ImmutableSequenceOf" + name,
                                                                     "A non-modifiable " + sequence));

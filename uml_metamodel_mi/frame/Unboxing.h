@@ -42,6 +42,9 @@ template <Reference T>
   return {T(static_cast<Intf*>(found.fInterface), found.fDeviant), true};
 }
 
+/// The index of a script, which counts from 1, as the kernel counts. All indices that are too low are -1.
+constexpr int kernelIndex(int aScriptIndex) noexcept { return aScriptIndex > 0 ? aScriptIndex - 1 : -1; }
+
 /// How a host value becomes a T: `static UnboxedArgument<T> unbox(vesk::VeskValue)`. Libraries specialise it
 /// for their types.
 template <class T>

@@ -75,9 +75,7 @@ void addMember(PyObject* dictionary, VeskInterned name, PyObject* member) {
 void addMethods(PyObject* dictionary, ClassFront& front) {
   for (MethodRecord const& method : front.fRecord->methods()) {
     if (method.fIsConstructor || PyDict_Contains(dictionary, pythonName(method.fName))) continue;
-    if (PyObject* function = functionOf(method)) {
-      addMember(dictionary, method.fName, function);
-    } else if (isLiteral(method)) {
+    if (isLiteral(method)) {
       front.fLiterals.push_back(method.fName);
       addMember(dictionary, method.fName, makeLiteral(method.fName, *front.fRecord).get());
     } else {

@@ -3,6 +3,7 @@
 #include "failures.h"
 #include "names.h"
 #include "packages.h"
+#include "vesk/Detail.h"
 #include "vesk/VeskClassInfo.h"
 #include "vesk/factory/VeskMethod.h"
 #include "vesk/host/PackageRecord.h"
@@ -51,7 +52,7 @@ Ref describeMethod(MethodRecord const& method) {
   Ref arguments = newList();
   for (VeskInterned type : signature.arguments()) append(arguments, pythonText(type.view()));
   put(dictionary, "arguments", std::move(arguments));
-  put(dictionary, "details", describeDetails(method.fInfo->details()));
+  put(dictionary, "details", describeDetails(detailsOf(*method.fInfo)));
   return dictionary;
 }
 
@@ -60,7 +61,7 @@ Ref describeProperty(host::PropertyRecord const& property) {
   put(dictionary, "name", property.fName.c_str());
   put(dictionary, "type", property.fTypeName.c_str());
   put(dictionary, "description", property.fInfo->getDescription());
-  put(dictionary, "details", describeDetails(property.fInfo->details()));
+  put(dictionary, "details", describeDetails(detailsOf(*property.fInfo)));
   return dictionary;
 }
 
@@ -72,6 +73,10 @@ Ref describeClass(ClassRecord& record) {
   put(dictionary, "short", record.info().getName());
   put(dictionary, "description", record.info().getDescription());
   put(dictionary, "detailedDescription", record.info().getDetailedDescription());
+  ClassRecord::Queries const& queries = record.queries();
+  put(dictionary, "handleQueryFirst", Ref(PyLong_FromLong(queries.fHandleFirst)));
+  put(dictionary, "factoryQuery", Ref(PyLong_FromLong(queries.fFactory)));
+  put(dictionary, "handleQuerySecond", Ref(PyLong_FromLong(queries.fHandleSecond)));
   Ref superclasses = newList(), methods = newList(), properties = newList();
   for (ClassRecord* super : record.superclasses()) append(superclasses, pythonText(super->fName.view()));
   for (MethodRecord const& method : record.methods()) append(methods, describeMethod(method));

@@ -13,6 +13,7 @@
 #include "lists.h"
 #include "names.h"
 #include "results.h"
+#include "vesk/Detail.h"
 #include "vesk/VeskError.h"
 
 namespace vesk::python {
@@ -223,7 +224,7 @@ PyObject* propertyDoc(PyObject* self, void*) {
   return guarded<PyObject*>(nullptr, [=] {
     host::PropertyRecord const& property = *asProperty(self).fRecord;
     std::string text = std::string(property.fName.view()) + ": " + property.fInfo->getDataType();
-    for (Detail const& detail : property.fInfo->details())
+    for (Detail const& detail : detailsOf(*property.fInfo))
       if (detail.fName == std::string_view("summary")) text += "\n\n" + std::get<std::string>(detail.fValue);
     for (char const* more : {property.fInfo->getDescription(), property.fInfo->getDetailedDescription()})
       if (more && *more) text.append("\n\n").append(more);

@@ -87,7 +87,10 @@ PyMethodDef sFunctions[] = {
      "extend(class_name, name, function): adds a method to a published class\n\n"
      "The class is named by the full name of its changeable form, such as 'umlmm.Comment'; the method is on "
      "its\n"
-     "read-only form too. The function is called with the object and the arguments of the call."},
+     "read-only form too. The function is called with the object and the arguments of the call. The name "
+     "must "
+     "be\n"
+     "free: published members are not replaced. A method that was added before is."},
     {"class_names", classNames, METH_O, "class_names(package) -> full names in the order of announcement"},
     {"describe_class", describe, METH_O, "describe_class(name) -> what the filled class tells of itself"},
     {"describe_functions", describePackageFunctions, METH_O,
@@ -115,6 +118,7 @@ int execute(PyObject*) {
     prepareMemberTypes();
     prepareListTypes();
     preparePackageType();
+    prepareAttributeAccess();
     host::setInstanceMaker(&makePyInstance);
     Py_AtExit(terminateHost);
     return 0;

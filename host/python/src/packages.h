@@ -16,10 +16,12 @@ void preparePackageType();
 /// The name of the module that shows a package; the package's own name until one is attached.
 [[nodiscard]] std::string moduleNameOf(std::string_view package);
 
-/// Hands a method with a Python body to the library of a class. Throws PythonError.
+/// Adds a method with a Python body to a class whose library takes extensions. Throws PythonError, and
+/// VeskError for a class that is not defined or takes none.
 void extendClass(PyObject* className, PyObject* name, PyObject* function);
-/// The Python function that is the body of a method, borrowed, or null.
-[[nodiscard]] PyObject* functionOf(host::MethodRecord const& method) noexcept;
+
+/// Lets libraries reach the attributes of Python objects by name.
+void prepareAttributeAccess();
 
 /// All that a class tells of itself, as a dictionary.
 [[nodiscard]] Ref describeClass(host::ClassRecord& record);

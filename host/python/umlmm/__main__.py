@@ -19,7 +19,8 @@ def _parser():
     commands = parser.add_subparsers(required=True)
 
     describe = commands.add_parser("describe", help="print all classes of a package as JSON")
-    describe.add_argument("--package", default="umlmm", help="full name of the package (default: umlmm)")
+    describe.add_argument("package", nargs="?", default="umlmm", choices=("umlmm", "Kelm"),
+                          help="umlmm, or Kelm for the kernel's (default: umlmm)")
     describe.add_argument("--indent", type=int, default=None, help="blanks of indentation (default: one line)")
     describe.set_defaults(run=_describe)
 

@@ -5,6 +5,7 @@ from umlmm._classes import python_name
 # By data type: what a script reads, and what it may give.
 _VALUES = {
     "void": ("None", "None"),
+    "any": ("_Any", "_Any"),
     "logical scalar": ("bool", "bool"),
     "int32 scalar": ("int", "int"),
     "char": ("str", "str"),
@@ -75,7 +76,7 @@ class Types:
     def _name_for(self, type_name):
         cls = self._packages.classes.get(type_name)
         if cls is None:
-            return {"int32 scalar": "number", "logical scalar": "flag"}.get(type_name, "text")
+            return {"int32 scalar": "number", "logical scalar": "flag", "any": "value"}.get(type_name, "text")
         short = cls.short.removeprefix("Immutable")
         return "iterator" if cls.item and not cls.is_list else short[0].lower() + short[1:]
 

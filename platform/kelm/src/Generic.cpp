@@ -6,6 +6,7 @@
 
 #include "asks.h"
 #include "kelm/Asserter.h"
+#include "kelm/Object.h"
 
 namespace Kelm::Generic {
 
@@ -36,7 +37,7 @@ bool SequenceIntf::generic_empty(Deviant const& aDeviant) const { return generic
 
 void SequenceIntf::specialized_equal(SequenceIntf const* aOther, Deviant const& aDeviant, bool& aResult) {
   aResult = aOther == this;
-  if (aResult || aOther == nullptr) return;
+  if (aResult || aOther == nullptr || aOther->valueType() != valueType()) return;
   int const size = generic_size(aDeviant);
   if (aOther->generic_size(aDeviant) != size) return;
 
@@ -47,6 +48,8 @@ void SequenceIntf::specialized_equal(SequenceIntf const* aOther, Deviant const& 
 
 void SequenceIntf::specialized_assign(SequenceIntf const* aOther, Deviant const& aDeviant, bool& aResult) {
   if (aOther != this) {
+    if (aOther != nullptr && aOther->valueType() != valueType())
+      kelm::Error_IncorrectType(generic_getVeskName(false, false, "Sequence"));
     // Read first: the other sequence may be a view of this one.
     std::vector<Ref> values;
     for (int i = 0; aOther != nullptr && i < aOther->generic_size(aDeviant); ++i)
@@ -89,6 +92,7 @@ void SequenceIntf::checkPlaces(std::span<int const> aPlaces, std::size_t aSize) 
   }
 }
 bool SequenceIntf::splice(Deviant const&, int, int, std::vector<Ref> const&) { return false; }
+std::type_info const& SequenceIntf::valueType() const { return typeid(Object); }
 
 int SequenceIntf::blockLength(int aIndex, int aCount, std::size_t aSize) {
   if (aIndex < 0) raiseFailure(words::kIndexNotPositive, kSource);

@@ -6,6 +6,7 @@
 #include "descriptors.h"
 #include "names.h"
 #include "uml_metamodel_mi/frame/Boxing.h"
+#include "vesk/Detail.h"
 #include "vesk/factory/Invoker.h"
 #include "vesk/factory/VeskMethod.h"
 
@@ -17,7 +18,7 @@ using vesk::VeskInterned;
 using vesk::factory::PropertyAttributes;
 
 /// A static method that asks for one property of the metamodel.
-class MetaPropertyMethod final : public vesk::factory::VeskMethod {
+class MetaPropertyMethod final : public vesk::factory::VeskMethod, public vesk::Detailed {
  public:
   using Getter = ImmutableProperty (*)(unsigned aId);
 
@@ -43,10 +44,10 @@ class MetaPropertyMethod final : public vesk::factory::VeskMethod {
   unsigned fId;
 };
 
+/// The class owns what it is given from then on, also when it fails to take it.
 template <class Property>
 void give(vesk::VeskClass* aClass, std::unique_ptr<Property> aProperty) {
-  aClass->addProperty(aProperty.get());
-  static_cast<void>(aProperty.release());
+  aClass->addProperty(aProperty.release());
 }
 
 void addSequence(KelmmiPropertyFactory const& aFactory, bool aOfElements, char const* aName,
@@ -89,9 +90,7 @@ void KelmmiPropertyFactory::PrimitiveSequence(char const* aName, Multiplicity, M
 
 void KelmmiPropertyFactory::addMetaProperty(char const* aName, ImmutableProperty (*aGetter)(unsigned aId),
                                             unsigned aId) const {
-  auto method = std::make_unique<MetaPropertyMethod>(aName, aGetter, aId);
-  veskClass->addMethod(method.get());
-  static_cast<void>(method.release());
+  veskClass->addMethod(std::make_unique<MetaPropertyMethod>(aName, aGetter, aId).release());
 }
 
 }  // namespace Kelm::mi

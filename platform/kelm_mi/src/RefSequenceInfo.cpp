@@ -43,8 +43,7 @@ Position position(RefCall const& aCall, int aArgument) {
   return {static_cast<Generic::IteratorIntf*>(found.fInterface), found.fDeviant};
 }
 
-/// Scripts count from 1.
-int index(RefCall const& aCall) { return aCall.fArguments[1].int32() - 1; }
+int index(RefCall const& aCall) { return kernelIndex(aCall.fArguments[1].int32()); }
 
 /// The receiver's own class decides what goes in: the method may be that of a class further up.
 RefClass const& receiverClass(RefCall const& aCall) {

@@ -106,6 +106,13 @@ void writeReference(Element& aElement, Feature const& aFeature, Object const& aV
   setReference(aElement, feature(aFeature.fRoot), &referenceIn(aFeature, aValue));
 }
 
+/// Values are handed over behind pointers: those of another type must not be taken for values of the feature.
+void checkValueType(Kelm::Generic::SequenceIntf const& aOwn, Kelm::Generic::SequenceIntf const* aValues,
+                    Feature const& aFeature) {
+  if (aValues != nullptr && aValues->valueType() != aOwn.valueType())
+    failures::raiseNotAValue(kSource, aFeature);
+}
+
 void checkMutable(Element const& aElement, Deviant const& aDeviant, Feature const& aFeature, Place aPlace) {
   checkWritable(aElement, aDeviant, aPlace);
   if (aFeature.fReadOnly) failures::raiseReadOnly(aPlace, aFeature);
@@ -269,10 +276,13 @@ Kelm::Generic::SequenceIntf* sequence(Element const& aElement, Deviant const& aD
 void assign(Element& aElement, Deviant const& aDeviant, Feature const& aFeature,
             Kelm::Generic::SequenceIntf const* aValues, Deviant const& aValuesDeviant) {
   checkMutable(aElement, aDeviant, aFeature, kSource);
-  if (aFeature.fStorage == Storage::PrimitiveList)
+  if (aFeature.fStorage == Storage::PrimitiveList) {
+    checkValueType(valueSequence(aElement, feature(aFeature.fRoot)), aValues, aFeature);
     return assignValues(aElement, feature(aFeature.fRoot), aDeviant, aValues, aValuesDeviant);
+  }
   FeatureSequence& own = FeatureSequence::of(aElement, aFeature);
   if (aValues == &own) return;
+  checkValueType(own, aValues, aFeature);
   std::vector<Element*> values;
   if (aValues != nullptr) {
     std::vector<Kelm::Generic::Loan> given(static_cast<std::size_t>(aValues->generic_size(aValuesDeviant)));

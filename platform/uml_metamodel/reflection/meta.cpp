@@ -1,8 +1,10 @@
 #include "reflection/meta.h"
 
+#include <algorithm>
 #include <array>
 #include <deque>
 #include <functional>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -161,7 +163,14 @@ void MetaClass::fill(int aIndex) {
   if (own.fSupers.empty()) fSupers.push_back(Kelm::ImmutableClassObject::MetaClass().get());
   for (int feature = own.fFirstFeature; feature < own.fFirstFeature + own.fFeatureCount; ++feature)
     fOwned.push_back(&sMetamodel->fProperties[static_cast<std::size_t>(feature)]);
-  addProperties(own.fVisible, fAll);
+  // The kernel's features follow those of the root.
+  for (auto const index : own.fVisible) {
+    fAll.push_back(&sMetamodel->fProperties[index]);
+    engine::Metaclass const& owner = kMetaclasses[kFeatures[index].fOwner];
+    if (owner.fSupers.empty() && kFeatures[index].fId == owner.fFeatureCount)
+      std::ranges::copy(Kelm::ImmutableClassObject::MetaClass().get()->ownedProperties(),
+                        std::back_inserter(fAll));
+  }
 }
 
 void MetaProperty::fill(int aIndex) {

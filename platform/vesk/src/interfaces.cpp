@@ -2,6 +2,7 @@
 
 #include "foundation/except.h"
 #include "lum/lum.h"
+#include "vesk/Detail.h"
 #include "vesk/VeskClass.h"
 #include "vesk/VeskClassInfo.h"
 #include "vesk/VeskClient.h"
@@ -61,6 +62,8 @@ VeskMethodSignature::VeskMethodSignature(VeskInterned names, VeskInterned result
   fArguments.reserve(argumentTypes.size());
   for (char const* type : argumentTypes) fArguments.push_back(internal::intern(type));
 }
+
+Detailed::~Detailed() = default;
 
 VeskPropInfo::VeskPropInfo() = default;
 VeskPropInfo::VeskPropInfo(char const* name, char const* description, factory::PropertyAttributes attributes)

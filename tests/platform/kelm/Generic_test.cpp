@@ -40,7 +40,9 @@ Ref refOf(int aValue) {
 /// A sequence with nothing but what the inherited operations stand on.
 class Numbers final : public SequenceIntf {
  public:
-  explicit Numbers(std::vector<int> aValues) : fValues(std::move(aValues)) {}
+  explicit Numbers(std::vector<int> aValues, std::type_info const& aType = typeid(int))
+      : fValues(std::move(aValues)), fType(aType) {}
+  std::type_info const& valueType() const override { return fType; }
 
   Ref generic_at(Deviant const&, int aIndex) const override { return refOf(fValues.at(aIndex)); }
   int generic_size(Deviant const&) const override { return static_cast<int>(fValues.size()); }
@@ -73,6 +75,9 @@ class Numbers final : public SequenceIntf {
   }
 
   std::vector<int> fValues;
+
+ private:
+  std::type_info const& fType;
 };
 
 std::vector<int> upTo(int aCount) {
@@ -119,6 +124,19 @@ TEST(SequenceIntf, EqualityComparesSizesAndValuesInOrder) {
   EXPECT_TRUE(result);
   numbers.specialized_equal(nullptr, Deviant(), result);
   EXPECT_FALSE(result);
+}
+
+TEST(SequenceIntf, ValuesOfAnotherTypeAreNeitherEqualNorAssigned) {
+  Numbers numbers({1, 2});
+  Numbers others({1, 2}, typeid(float));
+  bool result = true;
+  numbers.specialized_equal(&others, Deviant(), result);
+  EXPECT_FALSE(result);
+  bool done = false;
+  EXPECT_NE(failureOf([&] { numbers.specialized_assign(&others, Deviant(), done); }).find("Incorrect type"),
+            std::string::npos);
+  EXPECT_FALSE(done);
+  EXPECT_EQ(numbers.fValues, (std::vector<int>{1, 2}));
 }
 
 TEST(SequenceIntf, AssignmentReplacesTheContents) {

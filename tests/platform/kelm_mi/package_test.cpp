@@ -8,6 +8,7 @@
 #include "platform/kelm_mi/support/Script.h"
 #include "platform/kelm_mi/support/TestMetamodel.h"
 #include "platform/vesk/support/TestClasses.h"
+#include "vesk/host/Attributes.h"
 #include "vesk/host/Extensions.h"
 #include "vesk/host/PackageRecord.h"
 
@@ -127,19 +128,44 @@ TEST_F(PackageTest, elementsAnswerTheirFeaturesByName) {
   Value const other = show(makeBeast(dog()), false);
   auto const named = [](char16_t const* aName) { return std::u16string(aName); };
   EXPECT_FALSE(call(element, "isSet", {named(u"Friend")}).logical());
-  EXPECT_TRUE(call(element, "getProperty", {named(u"friend")}).isEmpty());
   set(element, "friend", other);
-  EXPECT_EQ(call(element, "getProperty", {named(u"Friend")}).className(), "zoo.ImmutableDog");
-  EXPECT_EQ(call(element, "getProperty", {named(u"Herd")}).className(),
-            "zoo.ImmutableSequenceOfImmutableAnimal");
   call(element, "unset", {named(u"Friend")});
   EXPECT_FALSE(call(element, "isSet", {named(u"friend")}).logical());
   beast(Kelm::ClassObject(static_cast<Beast*>(element.native()), Deviant())).fValues[Kind] =
       Kelm::makePrimitive(Kelm::PrimitiveKind::Integer, static_cast<std::uint32_t>(-7));
   EXPECT_EQ(call(element, "getPropertyText", {named(u"Kind")}).text(), "-7");
-  EXPECT_THROW(call(element, "getProperty", {named(u"Kind")}), Kelm::Exception);
   std::string const unknown = failureOf([&] { call(element, "isSet", {named(u"wings")}); });
   EXPECT_NE(unknown.find("The class 'Animal' has no property 'wings'"), std::string::npos);
+}
+
+TEST_F(PackageTest, aNameIsAsGoodAsTheAttributeOfTheInstance) {
+  Value const element = show(makeBeast(dog()), false);
+  Value const type = show(Kelm::ImmutableObject(&animal(), Kelm::metaDeviant()), true);
+  Value const herd = call(type, "property", {std::u16string(u"Herd")});
+  std::u16string const name = u"Friend";
+  EXPECT_NE(failureOf([&] { call(element, "getProperty", {name}); }).find("cannot be reached by its name"),
+            std::string::npos);
+  static std::vector<std::string> sAsked;
+  static Instance* sInstance = nullptr;
+  static constexpr std::uintptr_t kWord = 0x51;
+  vesk::host::setAttributeAccess({[](Instance& aInstance, vesk::VeskInterned aName) {
+                                    EXPECT_EQ(&aInstance, sInstance);
+                                    sAsked.push_back(std::string("get ") + aName.c_str());
+                                    return VeskValue::ofWord(kWord);
+                                  },
+                                  [](Instance& aInstance, vesk::VeskInterned aName, VeskValue aValue) {
+                                    EXPECT_EQ(&aInstance, sInstance);
+                                    EXPECT_EQ(aValue.logical(), true);
+                                    sAsked.push_back(std::string("set ") + aName.c_str());
+                                  }});
+  sInstance = element.object();
+  EXPECT_EQ(call(element, "getProperty", {name}).word(), kWord);
+  EXPECT_EQ(call(herd, "get", {element.object()}).word(), kWord);
+  call(element, "setProperty", {name, true});
+  call(herd, "set", {element.object(), true});
+  EXPECT_EQ(sAsked, (std::vector<std::string>{"get friend", "get herd", "set friend", "set herd"}));
+  EXPECT_NE(failureOf([&] { call(herd, "get", {Empty()}); }).find("NULL ref"), std::string::npos);
+  vesk::host::setAttributeAccess({});
 }
 
 TEST_F(PackageTest, kernelTextsAreKeptAndEmptied) {
@@ -176,8 +202,6 @@ TEST_F(PackageTest, theMetamodelTellsAboutItself) {
   EXPECT_EQ(call(get(herd, "subsetted"), "size").int32(), 0);
   EXPECT_TRUE(call(type, "property", {std::u16string(u"wings")}).isEmpty());
   EXPECT_NE(failureOf([&] { setEmpty(type, "name"); }).find("read-only"), std::string::npos);
-  Value const element = show(makeBeast(dog()), true);
-  EXPECT_EQ(call(herd, "get", {element.object()}).className(), "zoo.ImmutableSequenceOfImmutableAnimal");
 }
 
 class TestDataType final : public Kelm::NSInterface::DataTypeIntf {
@@ -201,24 +225,43 @@ TEST_F(PackageTest, literalsAreASequenceOfTexts) {
 }
 
 TEST_F(PackageTest, extensionsRunInOrderWhenTheClassIsFilledAndAtOnceBehindThat) {
+  using vesk::host::addExtension;
   auto& registry = Kelm::mi::VeskExtensionsRegistry::instance();
-  vesk::VeskClass* const cls = &classNamed("Kelm.Object");
-  std::string order;
-  vesk::host::addExtension("Kelm.Extended", [&](vesk::VeskClass* aClass, vesk::VeskClient const*) {
-    EXPECT_EQ(aClass, cls);
-    order += "a";
-    registry.addNonConstCallback("Kelm.Extended", [&](auto*, auto*) { order += "c"; });
+  static std::string sOrder;
+  static vesk::VeskClass* sExtended = nullptr;
+  vesk::testing::addPackage("late", [](vesk::VeskPackage& aPackage) {
+    for (char const* const name : {"Extended", "Plain"})
+      aPackage.addClass(new vesk::testing::TestClass(
+                            name,
+                            [name](vesk::VeskClass& aClass) {
+                              if (name != std::string_view("Extended")) return;
+                              sExtended = &aClass;
+                              sOrder += "f";
+                              Kelm::mi::VeskExtensionsRegistry::instance().executeNonConstCallbacks(
+                                  "late.Extended", &aClass, nullptr);
+                            }),
+                        2);
   });
-  registry.addNonConstCallback("Kelm.Extended", [&](auto*, auto*) { order += "b"; });
-  registry.executeNonConstCallbacks("Kelm.Unknown", cls, nullptr);
-  EXPECT_EQ(order, "");
-  registry.executeNonConstCallbacks("Kelm.Extended", cls, nullptr);
-  EXPECT_EQ(order, "abc");
-  vesk::host::addExtension("Kelm.Extended", [&](vesk::VeskClass* aClass, auto*) {
-    EXPECT_EQ(aClass, cls);
-    order += "d";
+  addExtension("late.Extended", [&](vesk::VeskClass* aClass, vesk::VeskClient const*) {
+    EXPECT_EQ(aClass, sExtended);
+    sOrder += "a";
+    registry.addNonConstCallback("late.Extended", [](auto*, auto*) { sOrder += "c"; });
   });
-  EXPECT_EQ(order, "abcd");
+  registry.addNonConstCallback("late.Extended", [](auto*, auto*) { sOrder += "b"; });
+  EXPECT_EQ(sOrder, "");
+  classNamed("late.Extended").ensureFilled();
+  EXPECT_EQ(sOrder, "fabc");
+  addExtension("late.Extended", [](vesk::VeskClass* aClass, auto*) {
+    EXPECT_EQ(aClass, sExtended);
+    sOrder += "d";
+  });
+  EXPECT_EQ(sOrder, "fabcd");
+  // What would never run is refused.
+  classNamed("late.Plain").ensureFilled();
+  auto const nothing = [](auto*, auto*) { FAIL(); };
+  EXPECT_NE(failureOf([&] { addExtension("late.Plain", nothing); }).find("takes no extensions"),
+            std::string::npos);
+  EXPECT_EQ(failureOf([&] { addExtension("late.Unknown", nothing); }), "Class 'late.Unknown' is not defined");
 }
 
 TEST_F(PackageTest, failuresOfTheKernelHaveAScriptName) {

@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <cstring>
+
 #include "kelm_mi/KelmmiProperty.h"
 #include "platform/kelm/support/failure.h"
 #include "platform/kelm_mi/support/Script.h"
@@ -201,6 +203,22 @@ TEST(BindingTest, hostObjectsHoldOneCountAndGiveItBack) {
   }
   EXPECT_EQ(Beast::sAlive, alive);
   EXPECT_EQ(tarn::liveArrayCount(), arrays);
+}
+
+/// The place of a virtual operation among those of its class, as a pointer to member has it.
+template <class Member>
+std::size_t slotOf(Member aMember) {
+  std::size_t words[2];
+  static_assert(sizeof aMember == sizeof words);
+  std::memcpy(words, &aMember, sizeof words);
+  return words[0] / sizeof(void*);
+}
+
+TEST_F(PropertyTest, theTwoReadersStandBehindTheHostsOperations) {
+  std::size_t const last = slotOf(&vesk::VeskPropInfo::getSarnArrays);
+  EXPECT_EQ(slotOf(&vesk::VeskPropInfo::getInterfaces), last - 1);
+  EXPECT_EQ(slotOf(&Kelm::mi::KelmmiProperty::getSingleValuedValue), last + 1);
+  EXPECT_EQ(slotOf(&Kelm::mi::KelmmiProperty::getMultiValuedValue), last + 2);
 }
 
 }  // namespace

@@ -96,6 +96,43 @@ TEST(ClassFailure, IsRememberedAndReachesSubclasses) {
                std::logic_error);
 }
 
+TEST(ClassFailure, LackOfMemoryPasses) {
+  static int sLeft = 3;
+  addPackage("lean", [](vesk::VeskPackage& package) {
+    package.addClass(new TestClass("Base",
+                                   [](vesk::VeskClass& cls) {
+                                     cls.addProperty(new TestProperty("text", "char"));
+                                     if (--sLeft >= 0) throw std::bad_alloc();
+                                   }),
+                     2);
+    package.addClass(
+        new TestClass("Derived", [](vesk::VeskClass& cls) { addSuperclasses(cls, {"lean.Base"}); }), 2);
+  });
+  for (char const* name : {"lean.Derived", "lean.Base", "lean.Derived"}) {
+    EXPECT_THROW(classNamed(name).ensureFilled(), std::bad_alloc);
+    EXPECT_EQ(classNamed(name).state(), State::Announced);
+  }
+  EXPECT_EQ(namesOf(classNamed("lean.Derived").linearization()), (Names{"Derived", "Base"}));
+  EXPECT_EQ(classNamed("lean.Base").properties().size(), 1u);
+}
+
+TEST(ClassFailure, AMemberWithoutANameIsRefused) {
+  addPackage("nameless", [](vesk::VeskPackage& package) {
+    package.addClass(
+        new TestClass("Property",
+                      [](vesk::VeskClass& cls) { cls.addProperty(new TestProperty("", "char")); }),
+        2);
+    package.addClass(
+        new TestClass("Method",
+                      [](vesk::VeskClass& cls) {
+                        cls.addMethod(new TestMethod("", 0, {"", "void", "nameless.Method"}, answering(1)));
+                      }),
+        2);
+  });
+  expectFailure("nameless.Property", "A property of class 'nameless.Property' has no name");
+  expectFailure("nameless.Method", "A method of class 'nameless.Method' has no name");
+}
+
 TEST(ClassFailure, UnknownDataTypesAndUnusableMethodsAreFoundWhileFilling) {
   vesk::factory::detail::initStringDataTypes();
   auto const method = [](TestMethod::Signature texts) {

@@ -30,6 +30,18 @@ TEST(Package, IsInitialisedOnceAtItsFirstUse) {
   EXPECT_EQ(vesk::host::findClass(intern("lazy")), nullptr);
 }
 
+TEST(Package, LackOfMemoryPasses) {
+  static int sLeft = 2;
+  addPackage("scarce", [](vesk::VeskPackage& package) {
+    package.addClass(new TestClass("One", nullptr), 2);
+    if (--sLeft >= 0) throw std::bad_alloc();
+  });
+  for (int i = 0; i < 2; ++i)
+    EXPECT_THROW(static_cast<void>(vesk::host::findClass(intern("scarce.One"))), std::bad_alloc);
+  EXPECT_EQ(findPackage("scarce")->classes().size(), 1u);
+  EXPECT_EQ(&classNamed("scarce.One"), findPackage("scarce")->classes()[0]);
+}
+
 TEST(Package, SecondDefinitionsAreRefusedByTheProvider) {
   addPackage("twice", [](vesk::VeskPackage& package) {
     package.addClass(new TestClass("One", nullptr), 2);

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <new>
 
@@ -9,9 +10,11 @@
 #include "uml_metamodel_mi/support/Script.h"
 #include "vesk/factory/BindingRegistry.h"
 
-// Every record that the libraries hand to the host comes from calloc; here the n-th one fails.
+// Every record that the libraries hand to the host comes from calloc, all else from malloc; here the n-th
+// allocation fails, of records alone or of both.
 
 extern "C" void* __libc_calloc(std::size_t aCount, std::size_t aSize);
+extern "C" void* __libc_malloc(std::size_t aSize);
 extern "C" void __libc_free(void* aMemory);
 
 namespace {
@@ -20,7 +23,14 @@ namespace {
 int sUntilFailure = -1;
 bool sHasFailed = false;
 bool sIsCounting = false;
+bool sOfRecordsAlone = true;
 long sLive = 0;
+
+bool isTheOneThatFails() {
+  if (sUntilFailure <= 0 || --sUntilFailure > 0) return false;
+  sHasFailed = true;
+  return true;
+}
 
 constexpr std::size_t kMost = 1 << 16;
 void* sRecords[kMost];
@@ -43,17 +53,25 @@ void forget(void* aMemory) {
   }
 }
 
+/// Goes on as if none of the living records were there.
+void forgetAll() {
+  std::fill_n(sRecords, kMost, nullptr);
+  sLive = 0;
+}
+
 }  // namespace
 
 extern "C" void* calloc(std::size_t aCount, std::size_t aSize) {
   if (!sIsCounting) return __libc_calloc(aCount, aSize);
-  if (sUntilFailure > 0 && --sUntilFailure == 0) {
-    sHasFailed = true;
-    return nullptr;
-  }
+  if (isTheOneThatFails()) return nullptr;
   void* const memory = __libc_calloc(aCount, aSize);
   remember(memory);
   return memory;
+}
+
+extern "C" void* malloc(std::size_t aSize) {
+  if (sIsCounting && !sOfRecordsAlone && isTheOneThatFails()) return nullptr;
+  return __libc_malloc(aSize);
 }
 
 extern "C" void free(void* aMemory) {
@@ -66,29 +84,36 @@ namespace {
 
 using umlmm::testing::call;
 using umlmm::testing::make;
-using umlmm::testing::RecordingClass;
 using umlmm::testing::RecordingPackage;
 using umlmm::testing::Value;
+using vesk::host::ClassRecord;
 
-/// Runs `aAction` with the n-th record failing; whether one failed.
+/// Runs `aAction` with the n-th allocation failing; whether that ended it.
 template <class Action>
-bool fails(int aNth, Action aAction) {
+bool attempt(int aNth, Action aAction) {
   sUntilFailure = aNth;
   sHasFailed = false;
   sIsCounting = true;
+  bool threw = false;
   try {
     aAction();
   } catch (std::bad_alloc const&) {
-    sIsCounting = false;
-    EXPECT_TRUE(sHasFailed) << "a bad allocation that nobody caused";
-    return true;
+    threw = true;
   } catch (...) {
     sIsCounting = false;
     throw;
   }
   sIsCounting = false;
-  EXPECT_FALSE(sHasFailed) << "a failure that was swallowed";
-  return false;
+  EXPECT_TRUE(sHasFailed || !threw) << "a bad allocation that nobody caused";
+  return threw;
+}
+
+/// The same; the failure must end the action.
+template <class Action>
+bool fails(int aNth, Action aAction) {
+  bool const threw = attempt(aNth, aAction);
+  EXPECT_EQ(threw, sHasFailed) << "a failure that was swallowed";
+  return threw;
 }
 
 class Faults : public ::testing::Test {
@@ -107,27 +132,72 @@ TEST_F(Faults, theAnnouncingPassLosesNothing) {
   }
 }
 
-TEST_F(Faults, fillingAClassOfEachKindLosesNothing) {
-  RecordingPackage package;
-  umlmmStaticInitializePackage(&package);
-  for (char const* name :
-       {"ImmutableClass", "Class", "ClassMetaProperty", "SequenceOfClass", "SequenceOfImmutableClass",
-        "ImmutableSequenceOfClass", "ImmutableSequenceOfImmutableClass", "ClassIterator",
-        "ImmutableClassImmutableIterator", "AggregationKind", "SequenceOfInteger",
-        "ImmutableSequenceOfString", "BooleanIterator", "StringImmutableIterator", "Factory",
-        "ImmutableFactory"}) {
-    bool failed = true;
-    for (int nth = 1; failed; ++nth) {
-      RecordingClass cls;
-      failed = fails(nth, [&] { package.find(name)->initializeClass(&cls, vesk::host::client()); });
-      if (failed) {
-        EXPECT_EQ(cls.fMethods.size() + cls.fProperties.size(), static_cast<std::size_t>(nth - 1)) << name;
-      }
-      cls.fMethods.clear();
-      cls.fProperties.clear();
-      ASSERT_EQ(sLive, 0) << name << " at " << nth;
+constexpr int kMostAllocations = 5000;
+using Texts = std::vector<std::string>;
+
+/// What a class tells of itself.
+Texts describe(ClassRecord& aClass) {
+  Texts texts;
+  for (ClassRecord const* const cls : aClass.linearization()) texts.emplace_back(cls->fName.view());
+  for (auto const& property : aClass.properties())
+    texts.push_back(property.fName.c_str() + std::string(": ") + property.fTypeName.c_str());
+  for (auto const& method : aClass.methods()) texts.push_back(method.text());
+  return texts;
+}
+
+/// Fills the class with the n-th allocation failing, for each n until none does, and again after each
+/// failure: nothing is left of the attempt.
+void sweepFilling(vesk::VeskInterned aName, vesk::VeskClassInfo& aInfo, Texts const& aUndisturbed) {
+  sHasFailed = true;
+  for (int nth = 1; sHasFailed; ++nth) {
+    ASSERT_LT(nth, kMostAllocations);
+    long const live = sLive;
+    {
+      ClassRecord scratch(aName, &aInfo, nullptr, 2);
+      bool const threw = attempt(nth, [&] { scratch.ensureFilled(); });
+      ASSERT_EQ(scratch.state(), threw ? ClassRecord::State::Announced : ClassRecord::State::Filled);
+      ASSERT_TRUE(!threw || sLive == live) << aName.c_str() << " at " << nth;
+      Texts const described = describe(scratch);
+      ASSERT_EQ(Texts(described.begin() + 1, described.end()), aUndisturbed)
+          << aName.c_str() << " at " << nth;
     }
+    ASSERT_EQ(sLive, live) << aName.c_str() << " at " << nth;
   }
+}
+
+TEST_F(Faults, aClassOfEachKindIsFilledOnceMemoryIsBackAndNothingIsLost) {
+  sOfRecordsAlone = false;
+  for (char const* name : {"umlmm.ImmutableClass",
+                           "umlmm.Class",
+                           "umlmm.AssociationMetaProperty",
+                           "umlmm.SequenceOfClass",
+                           "umlmm.SequenceOfImmutableClass",
+                           "umlmm.ImmutableSequenceOfClass",
+                           "umlmm.ImmutableSequenceOfImmutableClass",
+                           "umlmm.ClassIterator",
+                           "umlmm.ImmutableClassImmutableIterator",
+                           "umlmm.AggregationKind",
+                           "umlmm.SequenceOfInteger",
+                           "umlmm.ImmutableSequenceOfString",
+                           "umlmm.BooleanIterator",
+                           "umlmm.StringImmutableIterator",
+                           "umlmm.Factory",
+                           "umlmm.ImmutableFactory",
+                           "Kelm.ImmutableClassObject",
+                           "Kelm.ClassObject",
+                           "Kelm.Model",
+                           "Kelm.ImmutableProperty",
+                           "Kelm.ImmutableSequenceOfString"}) {
+    // The first attempts fill superclasses on the way.
+    ClassRecord& real = umlmm::testing::classNamed(name);
+    for (int nth = 1; real.state() != ClassRecord::State::Filled && nth < kMostAllocations; ++nth)
+      attempt(nth, [&] { real.ensureFilled(); });
+    Texts const described = describe(real);
+    sweepFilling(real.fName, real.info(), Texts(described.begin() + 1, described.end()));
+    if (HasFatalFailure()) break;
+  }
+  sOfRecordsAlone = true;
+  forgetAll();
 }
 
 TEST_F(Faults, callsWritesAndListChangesLeaveNothingHalfBound) {

@@ -117,6 +117,7 @@ class UMLMM_API GenericReferenceCountingSequenceProxy : public SequenceProxy {
   bool splice(Deviant const& aDeviant, int aFirst, int aRemoved, std::vector<Ref> const& aValues) override {
     return fTarget->splice(aDeviant, aFirst, aRemoved, aValues);
   }
+  std::type_info const& valueType() const override { return fTarget->valueType(); }
 
  protected:
   Generic::SequenceIntf const& target() const noexcept { return *fTarget; }

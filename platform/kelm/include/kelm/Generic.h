@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <span>
+#include <typeinfo>
 #include <utility>
 #include <vector>
 
@@ -90,9 +91,10 @@ class UMLMM_API SequenceIntf : public ReferenceCountingIntf {
                                           char const* aName) const = 0;
   /// Answers how many values went.
   virtual int generic_removeAll(Deviant const&, Ref aValue) = 0;
-  /// Whether `aOther` holds equal values in the same order, into `aResult`.
+  /// Whether `aOther` holds equal values in the same order, into `aResult`. Values of another type are none.
   virtual void specialized_equal(SequenceIntf const* aOther, Deviant const&, bool& aResult);
-  /// Replaces the contents by those of `aOther`; `aResult` becomes true.
+  /// Replaces the contents by those of `aOther`; `aResult` becomes true. Raises the incorrect-type failure,
+  /// with nothing changed, for values of another type.
   virtual void specialized_assign(SequenceIntf const* aOther, Deviant const&, bool& aResult);
 
   /// The state of the contents: another one whenever values came, went or moved; never 0.
@@ -116,6 +118,9 @@ class UMLMM_API SequenceIntf : public ReferenceCountingIntf {
   virtual bool isUnique() const { return false; }
   /// Whether the sequence shows what an element holds, so that a change of it is one of the element.
   virtual bool isLive() const { return false; }
+  /// The type of the values as they are stored, the same in all libraries: a holder of one type must not be
+  /// read as another. References to objects, as Kelm::Object, unless a sequence says otherwise.
+  virtual std::type_info const& valueType() const;
 
  protected:
   /// Raises unless all indices are those of a sequence that has `aSize` values.

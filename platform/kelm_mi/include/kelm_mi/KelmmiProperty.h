@@ -2,6 +2,7 @@
 
 #include "kelm/ClassObject.h"
 #include "kelm_mi/codes.h"
+#include "vesk/Detail.h"
 #include "vesk/VeskPropInfo.h"
 #include "vesk/interned.h"
 
@@ -10,7 +11,7 @@ namespace Kelm::mi {
 /// Base of all property descriptors: one structural feature, served by the accessors of the metaclass that
 /// declares it. A descriptor never changes and holds nothing of an element. One descriptor serves the
 /// read-only and the changeable class alike, so whether a write is allowed is asked of the instance.
-class UMLMM_API KelmmiProperty : public vesk::VeskPropInfo {
+class UMLMM_API KelmmiProperty : public vesk::VeskPropInfo, public vesk::Detailed {
  public:
   enum Flag : std::uint32_t { multiValued = 2, readOnly = 4, required = 8 };
 
@@ -26,14 +27,14 @@ class UMLMM_API KelmmiProperty : public vesk::VeskPropInfo {
   /// 0 for a property that `setValue` may write, else 1. To be shown, not enforced: `setValue` tells why not.
   int getMemberSetAccess() const override { return has(readOnly) || has(multiValued) ? 1 : 0; }
 
-  /// A line on the feature, its id within the owner, and the two codes.
-  vesk::Details details() const override;
-
   /// Fetches the element and hands on to one of the two below. Raises for a null reference.
   vesk::VeskValue getValue(vesk::VeskInterface* aInstance) override;
 
   virtual vesk::VeskValue getSingleValuedValue(ClassObject& aObject);
   virtual vesk::VeskValue getMultiValuedValue(ClassObject& aObject, vesk::VeskInterface* aInstance);
+
+  /// A line on the feature, its id within the owner, and the two codes.
+  vesk::Details details() const override;
 
   /// Tells the script that the instance is read-only.
   [[noreturn]] static void throwSetProhibitedException();

@@ -2,11 +2,14 @@
 #include <vector>
 
 #include "KelmClass.h"
+#include "dynamicValues.h"
+#include "kelm/Asserter.h"
 #include "kelm/Model.h"
 #include "kelm/failureWords.h"
 #include "kelm_mi/VeskExtensionsRegistry.h"
 #include "kelm_mi/refClassInfos.h"
 #include "textClassInfos.h"
+#include "vesk/VeskError.h"
 #include "vesk/VeskPackage.h"
 #include "vesk/VeskPackageInfo.h"
 #include "vesk/host/Extensions.h"
@@ -134,12 +137,19 @@ vesk::host::FailureKind kindOfFailure(std::exception const& aFailure) {
 }
 
 void addExtension(char const* aClassName, vesk::host::ClassExtension aExtension) {
+  using State = vesk::host::ClassRecord::State;
   VeskExtensionsRegistry& registry = VeskExtensionsRegistry::instance();
+  vesk::VeskClass* const ran = registry.executedOn(aClassName);
+  auto const* const record = dynamic_cast<vesk::host::ClassRecord const*>(ran);
   // A class in use can be extended as far as its host can do that; the extension itself finds out.
-  if (vesk::VeskClass* const used = registry.executedOn(aClassName))
-    aExtension(used, vesk::host::client());
-  else
-    registry.addNonConstCallback(aClassName, std::move(aExtension));
+  if (ran != nullptr && (record == nullptr || record->state() == State::Filled))
+    return aExtension(ran, vesk::host::client());
+  if (ran == nullptr && vesk::host::classOf(vesk::internal::intern(aClassName)).state() == State::Filled)
+    throw vesk::VeskError(std::string("Class '") + aClassName +
+                              "' takes no extensions; the changeable classes of elements do, such as "
+                              "'umlmm.Comment', and through them the read-only ones",
+                          vesk::VeskError::Kind::Match);
+  registry.addNonConstCallback(aClassName, std::move(aExtension));
 }
 
 void registerWithHost() {
@@ -147,6 +157,7 @@ void registerWithHost() {
   vesk::host::registerDataType("kelmlogical", Carrier::OptionalLogical);
   vesk::host::registerDataType("kelmint32", Carrier::OptionalInt32);
   vesk::host::registerDataType("kelmunlimitedNatural", Carrier::NaturalText);
+  vesk::host::registerDataType(kAnyValue, Carrier::Front);
   vesk::host::nameFailures("Kelm.Error", &isKelmFailure, &kindOfFailure);
   vesk::host::setExtensionRegistrar("Kelm", &addExtension);
   vesk::VeskPackage::addPackage(new KelmPackageInfo);

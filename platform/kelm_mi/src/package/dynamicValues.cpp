@@ -3,19 +3,14 @@
 #include <algorithm>
 #include <source_location>
 
-#include "kelm/Generic.h"
 #include "kelm/values.h"
-#include "names.h"
-#include "uml_metamodel_mi/frame/Boxing.h"
-#include "vesk/factory/BindingRegistry.h"
+#include "vesk/host/Attributes.h"
 
 namespace Kelm::mi {
 
 namespace {
 
 using NSInterface::PropertyIntf;
-using vesk::VeskInterned;
-using vesk::VeskValue;
 
 constexpr char kSource[] = "kelm/Kelm/ClassObject_h";
 
@@ -40,29 +35,6 @@ NSInterface::ClassObjectIntf const* required(ImmutableClassObject const& aElemen
                                   static_cast<int>(aName.size()), aName.data())
       .handle(kSource, static_cast<int>(std::source_location::current().line()), "");
   __builtin_unreachable();
-}
-
-/// "umlmm::Class" is "umlmm.Class" in scripts.
-std::string scriptName(NSInterface::TypeIntf const& aType) {
-  std::string name(aType.getQualifiedName());
-  if (auto const at = name.find("::"); at != std::string::npos) name.replace(at, 2, ".");
-  return name;
-}
-
-/// The read-only class that shows all values of a many-valued property.
-VeskInterned sequenceClass(PropertyIntf const& aProperty) {
-  NSInterface::TypeIntf const& type = aProperty.getType();
-  bool const ofElements = queryInterface<NSInterface::ClassIntf>(&type) != nullptr;
-  return vesk::internal::intern(std::string_view(sequenceClassName({true, ofElements}, scriptName(type))));
-}
-
-VeskValue none() {
-  return vesk::factory::basic::BindingRegistry::announce(static_cast<void*>(nullptr),
-                                                         ScriptClass<ImmutableObject>::name());
-}
-
-bool isPlainValue(Object const& aValue) {
-  return aValue.getDeviant().isValue() || asString(aValue) != nullptr;
 }
 
 EnumerationLiteralObject const* asLiteral(Object const& aValue) {
@@ -90,19 +62,20 @@ void checkHasProperty(ImmutableClassObject const& aElement, PropertyIntf const& 
     raiseNoProperty(aElement, aProperty.getName());
 }
 
-VeskValue readProperty(ImmutableClassObject const& aElement, PropertyIntf const& aProperty) {
-  checkHasProperty(aElement, aProperty);
-  IntrospectiveMethods const& methods = aProperty.accessors();
-  Deviant const deviant = aElement.getDeviant();
-  if (aProperty.isMultivalued()) {
-    return announceObject(methods.getSequenceEntry(aElement.get(), deviant, aProperty.getId()), deviant, true,
-                          sequenceClass(aProperty));
-  }
-  Object const value = methods.getEntry(aElement.get(), deviant, aProperty.getId());
-  if (value.isNull()) return none();
-  if (isPlainValue(value)) kelm::Error_IncorrectType("Object");
-  // Literals are bound as their properties bind them.
-  return ReferenceBoxer::box(value, asLiteral(value) == nullptr, ScriptClass<ImmutableObject>::name());
+AnyValue readProperty(ElementInstance const& aElement, PropertyIntf const& aProperty) {
+  checkHasProperty(aElement.fElement, aProperty);
+  return {vesk::host::readAttribute(*aElement.fInstance, vesk::internal::intern(aProperty.getName()))};
+}
+
+void writeProperty(ElementInstance const& aElement, PropertyIntf const& aProperty, AnyValue const& aValue) {
+  checkHasProperty(aElement.fElement, aProperty);
+  vesk::host::writeAttribute(*aElement.fInstance, vesk::internal::intern(aProperty.getName()), aValue.fValue);
+}
+
+UnboxedArgument<ElementInstance> ArgumentUnboxer<ElementInstance>::unbox(vesk::VeskValue aValue) {
+  auto element = ArgumentUnboxer<ImmutableClassObject>::unbox(aValue);
+  if (!element.fHasValue) return {};
+  return {{omGetArrayElement(aValue.array(), 0), std::move(element.fValue)}, true};
 }
 
 String textOfProperty(ImmutableClassObject const& aElement, PropertyIntf const& aProperty) {

@@ -5,6 +5,9 @@
 
 #include "kelm/ClassObject.h"
 #include "kelm/meta.h"
+#include "uml_metamodel_mi/frame/Boxing.h"
+#include "uml_metamodel_mi/frame/Unboxing.h"
+#include "vesk/VeskInterface.h"
 #include "vesk/VeskValue.h"
 
 /// Reading and writing features that are known at run time only.
@@ -18,14 +21,41 @@ NSInterface::PropertyIntf const& propertyOf(ImmutableClassObject const& aElement
 /// Raises unless the property is one of the element's class.
 void checkHasProperty(ImmutableClassObject const& aElement, NSInterface::PropertyIntf const& aProperty);
 
-/// The host object of the value, read-only: an element, a literal or a sequence; the empty value for none.
-/// Raises the incorrect-type failure for a value that is no object, such as a number: see `textOfProperty`.
-vesk::VeskValue readProperty(ImmutableClassObject const& aElement,
-                             NSInterface::PropertyIntf const& aProperty);
+/// A value of whatever type, as the host's front has it.
+struct AnyValue {
+  vesk::VeskValue fValue;
+};
+/// Its data type.
+inline constexpr char kAnyValue[] = "any";
+
+/// An element together with the instance that a call has for it.
+struct ElementInstance {
+  vesk::VeskInterfacePtr fInstance;
+  ImmutableClassObject fElement;
+};
+
+/// What the attribute of the property's name reads and takes, whatever the type: as changeable as the
+/// instance.
+AnyValue readProperty(ElementInstance const& aElement, NSInterface::PropertyIntf const& aProperty);
+void writeProperty(ElementInstance const& aElement, NSInterface::PropertyIntf const& aProperty,
+                   AnyValue const& aValue);
 /// The value of a single-valued property of a data type as text: a text itself, digits, "true", "*", the name
 /// of a literal; empty for none.
 String textOfProperty(ImmutableClassObject const& aElement, NSInterface::PropertyIntf const& aProperty);
 bool isPropertySet(ImmutableClassObject const& aElement, NSInterface::PropertyIntf const& aProperty);
 void unsetProperty(ClassObject const& aElement, NSInterface::PropertyIntf const& aProperty);
+
+template <>
+struct ArgumentUnboxer<AnyValue> {
+  static UnboxedArgument<AnyValue> unbox(vesk::VeskValue aValue) { return {{aValue}, true}; }
+};
+template <>
+struct Boxer<AnyValue> {
+  static vesk::VeskValue box(AnyValue aValue) { return aValue.fValue; }
+};
+template <>
+struct ArgumentUnboxer<ElementInstance> {
+  static UnboxedArgument<ElementInstance> unbox(vesk::VeskValue aValue);
+};
 
 }  // namespace Kelm::mi

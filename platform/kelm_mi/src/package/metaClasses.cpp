@@ -67,8 +67,11 @@ std::optional<ImmutableProperty> oppositeOf(ImmutableProperty const& aProperty) 
 ImmutableClass ownerOf(ImmutableProperty const& aProperty) {
   return ImmutableClass(&required(aProperty).getOwner(), metaDeviant());
 }
-vesk::VeskValue get(ImmutableProperty const& aProperty, ImmutableClassObject const& aObject) {
+AnyValue get(ImmutableProperty const& aProperty, ElementInstance const& aObject) {
   return readProperty(aObject, required(aProperty));
+}
+void set(ImmutableProperty const& aProperty, ElementInstance const& aObject, AnyValue const& aValue) {
+  writeProperty(aObject, required(aProperty), aValue);
 }
 String getText(ImmutableProperty const& aProperty, ImmutableClassObject const& aObject) {
   return textOfProperty(aObject, required(aProperty));
@@ -131,7 +134,8 @@ constexpr std::array kDataTypeMethods{
 constexpr std::array kPropertyMethods{
     staysReadOnlyRow<ImmutableProperty>(kProperty),
     method("owner", {"", kClass, kProperty}, &bindFunction<&ownerOf>),
-    method("get", {"object", "Kelm.ImmutableObject", kProperty, {kElement}}, &bindFunction<&get>),
+    method("get", {"object", kAnyValue, kProperty, {kElement}}, &bindFunction<&get>),
+    method("set", {"object, value", "void", kProperty, {"Kelm.ClassObject", kAnyValue}}, &bindFunction<&set>),
     method("getText", {"object", kText, kProperty, {kElement}}, &bindFunction<&getText>),
 };
 constexpr std::array kPropertyProperties{

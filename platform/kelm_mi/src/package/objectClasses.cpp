@@ -26,8 +26,11 @@ ImmutableSequence<T> referencedBy(T const& aElement) {
   return ImmutableSequence<T>::adopt(elementQueries().referencedBy(*element, deviant), deviant);
 }
 
-vesk::VeskValue getProperty(ImmutableClassObject const& aElement, String const& aName) {
-  return readProperty(aElement, propertyOf(aElement, aName));
+AnyValue getProperty(ElementInstance const& aElement, String const& aName) {
+  return readProperty(aElement, propertyOf(aElement.fElement, aName));
+}
+void setProperty(ElementInstance const& aElement, String const& aName, AnyValue const& aValue) {
+  writeProperty(aElement, propertyOf(aElement.fElement, aName), aValue);
 }
 String getPropertyText(ImmutableClassObject const& aElement, String const& aName) {
   return textOfProperty(aElement, propertyOf(aElement, aName));
@@ -78,7 +81,7 @@ constexpr std::array kImmutableElementMethods{
     MethodRow{"getProperty",
               0,
               Form::MemberFunction,
-              {"name", kImmutableObject, kImmutableElement, {"char vector"}},
+              {"name", kAnyValue, kImmutableElement, {"char vector"}},
               &bindFunction<&getProperty>},
     MethodRow{"getPropertyText",
               0,
@@ -106,6 +109,11 @@ constexpr std::array kElementMethods{
     asDeviantRow<ClassObject>(kElement, kOverrides),
     castRow<ClassObject, Object>(kObject),
     asImmutableRow<ImmutableClassObject, ClassObject>(kImmutableElement, kElement),
+    MethodRow{"setProperty",
+              0,
+              Form::MemberFunction,
+              {"name, value", "void", kElement, {"char vector", kAnyValue}},
+              &bindFunction<&setProperty>},
     MethodRow{
         "unset", 0, Form::MemberFunction, {"name", "void", kElement, {"char vector"}}, &bindFunction<&unset>},
     MethodRow{"referencedBy",

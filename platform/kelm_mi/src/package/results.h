@@ -54,10 +54,4 @@ struct Boxer<std::string_view> {
   static vesk::VeskValue box(std::string_view aValue) { return Boxer<String>::box(String(toUtf16(aValue))); }
 };
 
-/// A host value that is made already.
-template <>
-struct Boxer<vesk::VeskValue> {
-  static vesk::VeskValue box(vesk::VeskValue aValue) noexcept { return aValue; }
-};
-
 }  // namespace Kelm::mi

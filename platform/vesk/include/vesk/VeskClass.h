@@ -16,11 +16,11 @@ class UMLMM_API VeskClass {
   virtual char const* getConstructorName() const = 0;
   /// Adds superclasses by their full names, in order. Access 0 is no restriction, inherit 1 is all members.
   virtual void addSuperclass(VeskInterned const* names, std::size_t count, int access, int inherit) = 0;
-  /// Adds a property, which the class owns.
+  /// Adds a property. The class owns it from the call on: one that it fails to take is deleted.
   virtual void addProperty(VeskPropInfo* property) = 0;
   /// Adds a name for an event; classes of this host raise none.
   virtual void addEvent(char const* name);
-  /// Adds a method or constructor, which the class owns.
+  /// Adds a method or constructor, which the class owns as it does a property.
   virtual void addMethod(VeskMethodInfo* method) = 0;
 
   /// Announces a class that belongs to no package.

@@ -2,7 +2,6 @@
 
 #include <cstddef>
 
-#include "vesk/Detail.h"
 #include "vesk/VeskMethodSignature.h"
 #include "vesk/VeskValue.h"
 #include "vesk/access.h"
@@ -42,8 +41,6 @@ class UMLMM_API VeskMethodInfo {
   virtual bool isLocked() const = 0;
   virtual bool isExplicit() const { return false; }
   virtual bool doesMethodOverrideAllSignatures() const = 0;
-  /// What a description of the class tells of the method beside its name and signature.
-  virtual Details details() const { return {}; }
 };
 
 }  // namespace vesk

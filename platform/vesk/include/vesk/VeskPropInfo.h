@@ -5,7 +5,6 @@
 #include <string>
 #include <vector>
 
-#include "vesk/Detail.h"
 #include "vesk/VeskInterface.h"
 #include "vesk/VeskValue.h"
 #include "vesk/access.h"
@@ -95,8 +94,6 @@ class UMLMM_API VeskPropInfo {
   /// The instances and the arrays that a property keeps for an instance; none unless it says otherwise.
   virtual std::vector<VeskInterfacePtr> getInterfaces(VeskClient const* client, VeskInterface* instance);
   virtual std::vector<tarnArray*> getSarnArrays(VeskClient const* client, VeskInterface* instance);
-  /// What a description of the class tells of the property beside its name and type.
-  virtual Details details() const { return {}; }
 
  private:
   [[nodiscard]] bool has(PropertyFlag flag) const noexcept { return (fWord & flag) != 0; }

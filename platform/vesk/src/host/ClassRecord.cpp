@@ -39,8 +39,10 @@ void checkTypes(MethodRecord const& method) {
 
 }  // namespace
 
-/// What a class has from the moment at which it is filled.
+/// What a class has from the moment at which it is filled. Owns the infos of its members.
 struct ClassRecord::Body {
+  ~Body();
+
   std::vector<ClassRecord*> fSuperclasses;
   std::vector<ClassRecord*> fLinearization;
   std::vector<PropertyRecord> fProperties;
@@ -56,6 +58,11 @@ struct ClassRecord::Body {
   /// Adds what this class declares under the name; true if no further class is to be asked.
   bool addTo(Member& member) const;
 };
+
+ClassRecord::Body::~Body() {
+  for (PropertyRecord const& property : fProperties) delete property.fInfo;
+  for (MethodRecord const& method : fMethods) delete method.fInfo;
+}
 
 void ClassRecord::Body::index() {
   for (std::uint32_t i = 0; i < fProperties.size(); ++i) fOwn.push_back({fProperties[i].fName, i, true});
@@ -83,7 +90,11 @@ bool ClassRecord::Body::addTo(Member& member) const {
 }
 
 ClassRecord::ClassRecord(VeskInterned fullName, VeskClassInfo* info, PackageRecord* package, int mode)
-    : Type{fullName, Carrier::Object}, fInfo(info), fPackage(package), fMode(mode) {}
+    : Type{fullName, Carrier::Object},
+      fInfo(info),
+      fPackage(package),
+      fMode(mode),
+      fQueries{info->handleQueryFirst(), info->factoryQuery(), info->handleQuerySecond()} {}
 
 ClassRecord::~ClassRecord() = default;
 
@@ -91,12 +102,17 @@ void ClassRecord::fill() {
   if (fState == State::Failed) std::rethrow_exception(fBody->fFailure);
   if (fState == State::Filling)
     throw VeskError("Class '" + std::string(fName.view()) + "' is needed while it is being filled");
-  fState = State::Filling;
   fBody = std::make_unique<Body>();
+  fState = State::Filling;
   try {
     fInfo->initializeClass(this, client());
     finishFilling();
     fState = State::Filled;
+  } catch (std::bad_alloc const&) {
+    // Memory may be back at the next use.
+    fBody.reset();
+    fState = State::Announced;
+    throw;
   } catch (...) {
     fState = State::Failed;
     fBody->fFailure = std::current_exception();
@@ -168,6 +184,11 @@ ClassRecord::Body& ClassRecord::bodyToFill() const {
   return *fBody;
 }
 
+void ClassRecord::checkName(char const* name, char const* kind) const {
+  if (name && *name) return;
+  throw VeskError("A " + std::string(kind) + " of class '" + std::string(fName.view()) + "' has no name");
+}
+
 void ClassRecord::addSuperclass(VeskInterned const* names, std::size_t count, int, int) {
   for (VeskInterned name : std::span(names, count)) {
     ClassRecord& super = classOf(name);
@@ -178,6 +199,7 @@ void ClassRecord::addSuperclass(VeskInterned const* names, std::size_t count, in
 
 void ClassRecord::addProperty(VeskPropInfo* property) {
   std::unique_ptr<VeskPropInfo> owner(property);
+  checkName(property->getName(), "property");
   bodyToFill().fProperties.push_back(
       {property, this, internal::intern(property->getName()), internal::intern(property->getDataType())});
   static_cast<void>(owner.release());
@@ -185,6 +207,7 @@ void ClassRecord::addProperty(VeskPropInfo* property) {
 
 void ClassRecord::addMethod(VeskMethodInfo* method) {
   std::unique_ptr<VeskMethodInfo> owner(method);
+  checkName(method->getName(), "method");
   bodyToFill().fMethods.emplace_back(method, this);
   static_cast<void>(owner.release());
 }

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "vesk/VeskError.h"
+#include "vesk/host/ClassRecord.h"
 
 namespace vesk::host {
 
@@ -71,7 +72,7 @@ void setExtensionRegistrar(char const* package, ExtensionRegistrar registrar) {
 }
 
 void addExtension(char const* className, ClassExtension extension) {
-  std::string_view const name = className;
+  std::string_view const name = classOf(internal::intern(className)).fName.view();
   std::string_view const package = name.substr(0, name.find('.'));
   auto found = std::find_if(registrars().begin(), registrars().end(),
                             [&](Registrar const& known) { return known.fPackage == package; });

@@ -52,10 +52,33 @@ void PackageRecord::ensureInitialized() {
   fIsInitialized = true;
   try {
     fProvider->initializePackage(this);
+  } catch (std::bad_alloc const&) {
+    // Memory may be back at the next use: what was announced is announced anew.
+    withdrawMembers();
+    fIsInitialized = false;
+    throw;
   } catch (...) {
     fFailure = std::current_exception();
     throw;
   }
+}
+
+void PackageRecord::withdrawMembers() noexcept {
+  for (ClassRecord* cls : fClasses) {
+    cls->fName.record()->fType = nullptr;
+    delete &cls->info();
+    delete cls;
+  }
+  for (Member* function : fFunctions) {
+    for (MethodRecord const* method : function->fMethods) {
+      delete method->fInfo;
+      delete method;
+    }
+    delete function;
+  }
+  fClasses.clear();
+  fFunctions.clear();
+  fAliases.clear();
 }
 
 std::span<ClassRecord* const> PackageRecord::classes() {
@@ -96,7 +119,13 @@ void PackageRecord::addClass(VeskClassInfo* info, int mode) {
   fullName.append(1, '.').append(info->getName());
   VeskInterned const token = internal::makeInterned(std::move(fullName));
   if (token.record()->fType) fProvider->throwErrorForDefinitionOfExistingName(info->getName());
-  fClasses.push_back(&announceClass(token, std::move(owner), this, mode));
+  fClasses.push_back(nullptr);  // room first: what is announced must not get lost
+  try {
+    fClasses.back() = &announceClass(token, std::move(owner), this, mode);
+  } catch (...) {
+    fClasses.pop_back();
+    throw;
+  }
 }
 
 void PackageRecord::addClassAlias(char const* alias, char const* className) { fAliases[alias] = className; }
@@ -106,13 +135,15 @@ void PackageRecord::setHelpText(char const* text) { fHelpText = text; }
 void PackageRecord::addFunction(factory::FunctionInfo* info) {
   std::unique_ptr<VeskMethodInfo> owner(info);
   auto method = std::make_unique<MethodRecord>(info, nullptr);
-  auto found = std::ranges::find(fFunctions, method->fName, &Member::fName);
-  if (found == fFunctions.end()) {
-    found = fFunctions.insert(found, new Member);
-    (*found)->fName = method->fName;
-  }
-  (*found)->fMethods.push_back(method.release());
+  auto const found = std::ranges::find(fFunctions, method->fName, &Member::fName);
+  auto added = found == fFunctions.end() ? std::make_unique<Member>() : nullptr;
+  Member& function = added ? *added : **found;
+  function.fName = method->fName;
+  fFunctions.reserve(fFunctions.size() + 1);
+  function.fMethods.push_back(method.get());
+  static_cast<void>(method.release());
   static_cast<void>(owner.release());
+  if (added) fFunctions.push_back(added.release());
 }
 
 std::span<PackageRecord* const> packages() { return registry().fPackages; }

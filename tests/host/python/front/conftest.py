@@ -22,16 +22,11 @@ def host():
     return _load_front()
 
 
-def _which(self, first, second):
-    return "script", first, second
-
-
 @pytest.fixture(scope="session")
 def demo(host):
     assert host.load("front_testpackage") == ("demo",)
     module = types.ModuleType("demo")
-    # Extensions from before the first use of the class.
+    # An extension from before the first use of the class.
     host.extend("demo.Thing", "shout", lambda self, mark="!": self.name.upper() + mark)
-    host.extend("demo.Thing", "which", _which)
     host.attach(module, "demo")
     return module

@@ -8,6 +8,7 @@
 
 #include "model.h"
 #include "platform/vesk/support/TestClasses.h"
+#include "vesk/Detail.h"
 #include "vesk/factory/BindingRegistry.h"
 #include "vesk/host/Extensions.h"
 #include "vesk/host/Instance.h"
@@ -86,7 +87,7 @@ VeskValue text(std::u16string const& value) { return tarnCreateStringOfLength(va
 
 // --- members
 
-struct Property final : vesk::VeskPropInfo {
+struct Property final : vesk::VeskPropInfo, vesk::Detailed {
   using Get = VeskValue (*)(Thing&, bool isReadOnly);
   using Set = void (*)(Thing&, VeskValue);
 

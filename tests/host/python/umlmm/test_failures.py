@@ -179,3 +179,15 @@ def test_failures_name_the_line_of_the_check(model):
             action()
         lines.add(str(raised.value).rsplit(":", 2)[1])
     assert len(lines) == 3
+
+
+def test_the_lowest_index_of_all_is_too_low(model):
+    for values, value in ((umlmm.SequenceOfString.make(model), "x"),
+                          (umlmm.Class(model).ownedAttribute, umlmm.Property(model))):
+        for index in (0, -1, -2**31 + 1, -2**31):
+            for action in (lambda: values.at(index), lambda: values.erase(index), lambda: values.insert(index, value),
+                           lambda: values.replace(index, value)):
+                with pytest.raises(umlmm.Kelm.Error, match=NOT_POSITIVE):
+                    action()
+    with pytest.raises(umlmm.Kelm.Error, match=NOT_POSITIVE):
+        umlmm.ImmutableSequenceOfString.at(umlmm.SequenceOfString.make(model), -2**31)

@@ -24,6 +24,15 @@ def test_totals(description):
     assert sum(len(cls["metaProperties"]) for cls in classes) == 4318
 
 
+def test_the_package_of_the_kernel_is_described_too():
+    printed = subprocess.run([sys.executable, "-m", "umlmm", "describe", "Kelm"], check=True, capture_output=True,
+                             text=True)
+    description = json.loads(printed.stdout)
+    classes = {cls["name"]: cls for cls in description["classes"]}
+    assert description["package"] == "Kelm" and "Kelm.ImmutableProperty" in classes
+    assert "externalId" in [entry["name"] for entry in classes["Kelm.ImmutableClassObject"]["properties"]]
+
+
 def test_a_class_in_detail(description):
     classes = {cls["name"]: cls for cls in description["classes"]}
     comment = classes["umlmm.ImmutableComment"]

@@ -9,7 +9,7 @@ template <class Action>
 std::string failureOf(Action aAction) {
   try {
     aAction();
-  } catch (Kelm::Exception const& failure) {
+  } catch (std::exception const& failure) {
     return failure.what();
   }
   return {};

@@ -33,6 +33,7 @@ class Value {
   bool isEmpty() const { return tarn::numberOfElements(fValue.value().array()) == 0; }
   bool logical() const { return fValue.value().logical(); }
   int int32() const { return fValue.value().int32(); }
+  std::uintptr_t word() const { return fValue.value().word(); }
   std::string text() const { return Kelm::String(tarn::get_ustring(fValue.value().array())).to_string(); }
   tarnArray* array() const { return fValue.value().array(); }
 

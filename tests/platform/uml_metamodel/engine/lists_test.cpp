@@ -23,6 +23,29 @@ class FeatureListTest : public ModelTest {
   std::vector<umlmm::Class> fClasses;
 };
 
+TEST_F(FeatureListTest, ValuesOfAnotherTypeAreNotAssigned) {
+  auto const numbers =
+      Kelm::SequenceCreator::create<umlmm::Integer>({fModel.getDeviant(), Kelm::MULTI_INDEX});
+  numbers.push_back(1);
+  auto const body = make<umlmm::OpaqueExpression>();
+  body.getBody().push_back(umlmm::String(u"text"));
+  for (auto const& [element, name] :
+       {std::pair<Kelm::ClassObject, std::string>(body, "body"),
+        std::pair<Kelm::ClassObject, std::string>(fPackage, "packagedElement")}) {
+    for (auto const* const property : element.get()->getMetaClass().get()->allProperties()) {
+      if (property->getName() != name) continue;
+      EXPECT_NE(failureOf([&] {
+                  property->accessors().setSequenceEntry(element.get(), element.getDeviant(),
+                                                         property->getId(), numbers.get(),
+                                                         numbers.getDeviant());
+                }).find(name),
+                std::string::npos);
+    }
+  }
+  EXPECT_EQ(body.getBody().at(0).text(), u"text");
+  EXPECT_EQ(order(), u"abcd");
+}
+
 TEST_F(FeatureListTest, AssignmentReplacesAllOrNothing) {
   auto const values =
       Kelm::SequenceCreator::create<umlmm::PackageableElement>({fModel.getDeviant(), Kelm::MULTI_INDEX});

@@ -31,6 +31,8 @@ class Arguments final : public host::ArgumentSource {
       case host::Carrier::RawInt32:
         if (std::holds_alternative<int>(value)) return host::cost::kExact;
         return std::holds_alternative<bool>(value) ? host::cost::kCoercion : host::cost::kNone;
+      case host::Carrier::Front:
+        return std::holds_alternative<bool>(value) ? host::cost::kExact : host::cost::kNone;
       case host::Carrier::Text:
         return std::holds_alternative<std::u16string>(value) ? host::cost::kExact : host::cost::kNone;
       case host::Carrier::Object:

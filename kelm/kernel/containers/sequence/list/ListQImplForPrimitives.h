@@ -155,6 +155,8 @@ class ListQImplForPrimitives : public Generic::SequenceIntf {
     });
   }
 
+  std::type_info const& valueType() const override { return typeid(T); }
+
   /// How many lists share the data, the shared empty data counting itself too.
   int shareCount() const noexcept { return fData.shareCount(); }
 

@@ -155,6 +155,7 @@ class MultiIndexImplForPrimitives : public Generic::SequenceIntf {
   }
   bool isUnique() const override { return IsUnique; }
   bool splice(Deviant const&, int aFirst, int aRemoved, std::vector<Ref> const& aValues) override;
+  std::type_info const& valueType() const override { return typeid(T); }
 
  private:
   static constexpr std::size_t kLookAhead = 32;

@@ -72,9 +72,14 @@ class UMLMM_API ClassRecord final : public Type, public VeskClass {
   [[nodiscard]] PackageRecord* package() const noexcept { return fPackage; }
   [[nodiscard]] State state() const noexcept { return fState; }
   [[nodiscard]] int mode() const noexcept { return fMode; }
+  /// What the class info answered when the class was announced.
+  struct Queries {
+    int fHandleFirst, fFactory, fHandleSecond;
+  };
+  [[nodiscard]] Queries const& queries() const noexcept { return fQueries; }
 
   /// Fills the class and its superclasses if that has not been done. A class whose filling failed raises
-  /// the same failure again each time.
+  /// the same failure again each time, unless it was for lack of memory: then it is as if not tried.
   void ensureFilled() {
     if (fState != State::Filled) [[unlikely]]
       fill();
@@ -111,10 +116,13 @@ class UMLMM_API ClassRecord final : public Type, public VeskClass {
   void finishFilling();
   int findDistance(ClassRecord const& ancestor);
   Body& bodyToFill() const;
+  /// Throws for a member without a name.
+  void checkName(char const* name, char const* kind) const;
 
   VeskClassInfo* fInfo;
   PackageRecord* fPackage;
   int fMode;
+  Queries fQueries;
   State fState = State::Announced;
   std::unique_ptr<Body> fBody;
 };

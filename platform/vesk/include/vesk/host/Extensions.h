@@ -35,13 +35,14 @@ UMLMM_API void nameFailures(char const* name, FailureMatcher matches, FailureCla
 
 /// Adds members to a class of a library.
 using ClassExtension = std::function<void(VeskClass* cls, VeskClient const* client)>;
-/// Takes an extension for the class of a full name, to be run while the class is filled.
+/// Takes an extension for the class of a full name, to be run while the class is filled. One for a class that
+/// is filled already is run at once, or refused with a VeskError if it never would be.
 using ExtensionRegistrar = void (*)(char const* className, ClassExtension extension);
 
 /// Sets where extensions of the classes of a package go; null removes.
 UMLMM_API void setExtensionRegistrar(char const* package, ExtensionRegistrar registrar);
 /// Hands an extension to the library of the class's package, or else to the first library that takes
-/// extensions. Throws a VeskError of kind Name if none does.
+/// extensions. Throws a VeskError of kind Name if none does and for a class that is not defined.
 UMLMM_API void addExtension(char const* className, ClassExtension extension);
 
 }  // namespace vesk::host

@@ -24,7 +24,7 @@ class UMLMM_API PackageRecord final : public VeskPackage {
   [[nodiscard]] bool isLocked() const;
 
   /// Lets the provider announce the members of the package if it has not been asked yet. If it fails, every
-  /// use of the package raises the same failure.
+  /// use of the package raises the same failure, unless it was for lack of memory: then it is asked again.
   void ensureInitialized();
 
   // What follows initialises the package first.
@@ -44,6 +44,7 @@ class UMLMM_API PackageRecord final : public VeskPackage {
   [[nodiscard]] std::string const& helpText() const noexcept { return fHelpText; }
 
  private:
+  void withdrawMembers() noexcept;
   [[nodiscard]] ClassRecord* findOwnClass(std::string_view shortName) const;
 
   VeskPackageInfo* fProvider;

@@ -88,6 +88,36 @@ TYPED_TEST(MetamodelValue, NamesTheScriptClassesOfItsSequences) {
   }
 }
 
+template <class... Ts>
+std::vector<Kelm::SequenceRef> sequencesOf(testing::Types<Ts...>) {
+  std::vector<Kelm::SequenceRef> sequences;
+  auto const add = [&]<class T>(T const& aValue, Kelm::SequenceImpl aImpl) {
+    auto const sequence = Kelm::SequenceCreator::create<T>({{}, aImpl});
+    sequence.push_back(aValue);
+    sequences.push_back(sequence);
+  };
+  (add(Ts(), Kelm::STD_VECTOR), ...);
+  (add(Ts(), Kelm::MULTI_INDEX), ...);
+  add(Kelm::Object(), Kelm::STD_VECTOR);
+  add(Kelm::Object(), Kelm::MULTI_INDEX);
+  return sequences;
+}
+
+/// Sequences of two types, each of one value, are never equal, and neither takes the values of the other.
+TEST(ValuesOfTwoTypes, AreNeverTakenForEachOther) {
+  auto const sequences = sequencesOf(Values());
+  for (auto const& left : sequences)
+    for (auto const& right : sequences) {
+      bool const isSame = left.get()->valueType() == right.get()->valueType();
+      bool result = !isSame;
+      left.get()->specialized_equal(right.get(), Deviant(), result);
+      EXPECT_EQ(result, isSame);
+      auto const assign = [&] { left.get()->specialized_assign(right.get(), Deviant(), result); };
+      EXPECT_EQ(failureOf(assign).starts_with("Incorrect type"), !isSame);
+      EXPECT_EQ(left.get()->generic_size(Deviant()), 1);
+    }
+}
+
 TEST(UniqueSequenceOfBoolean, HoldsTwoValuesAtMost) {
   auto const sequence = Kelm::SequenceCreator::create<umlmm::Boolean>({{}, Kelm::MULTI_INDEX, true, true});
   for (bool const value : {true, false, true, false}) sequence.push_back(value);
