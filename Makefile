@@ -7,6 +7,7 @@
 #   make reference                           writes a page for each metaclass to build/reference
 #   make install PREFIX=folder               installs libraries, headers, CMake package and Python package
 #   make asan                                all tests under AddressSanitizer and UBSan
+#   make tsan                                the C++ tests under ThreadSanitizer
 #   make lint, make format                   clang-tidy (of what is installed) and clang-format
 
 SCRIPT ?= examples/reverse_python.py
@@ -16,7 +17,7 @@ PYTHON = /usr/bin/python3
 HOST = PYTHONPATH=build/release/python $(PYTHON)
 SOURCES = git ls-files '*.cpp' '*.h'
 
-.PHONY: run test bench describe reference install asan debug lint format packages build-release build-debug build-asan
+.PHONY: run test bench describe reference install asan tsan debug lint format packages build-release build-debug build-asan build-tsan
 
 run: build-release
 	@$(HOST) $(SCRIPT) $(ARGS)
@@ -24,7 +25,7 @@ run: build-release
 test: build-release
 	ctest --preset release
 
-debug asan: %: build-%
+debug asan tsan: %: build-%
 	ctest --preset $@
 
 bench: build-release
@@ -42,7 +43,7 @@ reference: build-release
 install: build-release
 	cmake --install build/release --prefix $(abspath $(PREFIX))
 
-build-release build-debug build-asan: build-%: packages
+build-release build-debug build-asan build-tsan: build-%: packages
 	@cmake --preset $* > build/$*.log 2>&1 || { cat build/$*.log; exit 1; }
 	@cmake --build --preset $*
 

@@ -108,7 +108,11 @@ endfunction()
 set(UMLMM_PYTHON_ENVIRONMENT "PYTHONPATH=${CMAKE_BINARY_DIR}/python" PYTHONDONTWRITEBYTECODE=1)
 if(UMLMM_SANITIZE)
   set(preloaded)
-  foreach(library libasan.so libubsan.so)
+  set(runtimes libasan.so libubsan.so)
+  if(UMLMM_SANITIZE STREQUAL thread)
+    set(runtimes libtsan.so)
+  endif()
+  foreach(library IN LISTS runtimes)
     execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${library}
       OUTPUT_VARIABLE path OUTPUT_STRIP_TRAILING_WHITESPACE)
     list(APPEND preloaded ${path})
@@ -117,9 +121,13 @@ if(UMLMM_SANITIZE)
   list(APPEND UMLMM_PYTHON_ENVIRONMENT "LD_PRELOAD=${preloaded}" ASAN_OPTIONS=detect_leaks=0 PYTHONMALLOC=malloc)
 endif()
 
-# umlmm_python_test(name folder): the pytest files of a folder, with the package of this build.
+# umlmm_python_test(name folder): the pytest files of a folder, with the package of this build. They are left out under
+# ThreadSanitizer: scripts hold the interpreter's lock, so there is nothing for it to see.
 function(umlmm_python_test name folder)
   add_test(NAME ${name}
     COMMAND ${Python3_EXECUTABLE} -m pytest ${CMAKE_CURRENT_SOURCE_DIR}/${folder})
   set_tests_properties(${name} PROPERTIES ENVIRONMENT "${UMLMM_PYTHON_ENVIRONMENT}")
+  if(UMLMM_SANITIZE STREQUAL thread)
+    set_tests_properties(${name} PROPERTIES DISABLED TRUE)
+  endif()
 endfunction()

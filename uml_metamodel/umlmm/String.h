@@ -24,6 +24,8 @@ class UMLMM_API String : public Kelm::String {
   String(Kelm::String const& aText) noexcept : Kelm::String(aText) {}
   /// The text that the object carries; raises the incorrect-type failure for a null or any other object.
   explicit String(Kelm::ImmutableObject const& aObject);
+  /// The same; takes over the object's count.
+  explicit String(Kelm::Object&& aObject);
 
   operator Kelm::Object() const;
 };

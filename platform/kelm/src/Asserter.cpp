@@ -26,6 +26,14 @@ char const* Exception::what() const noexcept { return fText.c_str(); }
 
 constinit thread_local char Asserter::fLogBuf[Asserter::kLogBufSize];
 
+namespace {
+
+// The system gives a thread its variables when it asks for the first of them, and ends the process if there
+// is no memory for them then. The thread that loads the library asks at once.
+[[maybe_unused]] char const* const sLoadersBuffer = Asserter::fLogBuf;
+
+}  // namespace
+
 Asserter::Asserter(bool aCondition) noexcept : fCondition(aCondition) {}
 Asserter::~Asserter() = default;
 

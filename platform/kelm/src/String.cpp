@@ -33,10 +33,17 @@ StringObject* StringObject::empty() noexcept {
   return sEmpty;
 }
 
-int StringObject::decRef() const {
+// What the empty text counts until there is a second thread is nothing to go by.
+int StringObject::countShared(int aStep) const noexcept {
   if (fLength == 0) return 1;
-  int const count = addToSharedCount(fCount, -1);
-  if (count > 0) return count;
+  return std::atomic_ref(fCount).fetch_add(aStep, std::memory_order_acq_rel) + aStep;
+}
+
+int StringObject::decRef() const {
+  int const count = isSingleThreaded() ? --fCount : countShared(-1);
+  if (count > 0) [[likely]]
+    return count;
+  if (fLength == 0) return 1;
   delete this;
   return 0;
 }

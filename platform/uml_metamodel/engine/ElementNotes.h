@@ -2,24 +2,37 @@
 
 #include <memory>
 #include <unordered_map>
-#include <vector>
 
 #include "engine/FeatureSequence.h"
 
 namespace umlmm::engine {
+
+/// A sequence that is noted for its element.
+class NotedSequence : public FeatureSequence {
+ public:
+  using FeatureSequence::FeatureSequence;
+
+  /// The next of the same element.
+  std::unique_ptr<NotedSequence> fNext;
+};
 
 /// What few elements of a model have beside their slots: the sequences of computed features that somebody
 /// asked for, and texts of other tools. It is kept with the model, made when first needed, and a mark on the
 /// element tells that there is something.
 class ElementNotes final : public Kelm::ModelCompanion {
  public:
-  using Sequences = std::vector<std::unique_ptr<FeatureSequence>>;
+  using Sequences = std::unique_ptr<NotedSequence>;
   using Texts = std::unordered_map<Element const*, Kelm::String>;
 
   /// The notes of an open model.
-  static ElementNotes& of(Kelm::ModelObject& aModel);
+  static ElementNotes& of(Kelm::ModelObject& aModel) {
+    if (aModel.notes() == nullptr) [[unlikely]]
+      aModel.setNotes(std::make_unique<ElementNotes>());
+    return static_cast<ElementNotes&>(*aModel.notes());
+  }
 
-  Sequences& sequences(Element& aElement);
+  /// The first sequence of an element; null if it has none yet.
+  Sequences& sequences(Element const& aElement) { return fSequences[&aElement]; }
   /// Of one kind, by element.
   Texts& toolTexts(std::size_t aKind) noexcept { return fToolTexts[aKind]; }
 
@@ -32,13 +45,13 @@ class ElementNotes final : public Kelm::ModelCompanion {
   /// The memory of an element that has gone is given back.
   static void noteFreed(Element& aElement) noexcept {
     if ((aElement.fMarks & Element::HasComputed) != 0) [[unlikely]]
-      delete reinterpret_cast<Sequences*>(aElement.fReferrers);
+      delete reinterpret_cast<NotedSequence*>(aElement.fReferrers);
   }
 
  private:
   void remove(Element& aElement) noexcept;
 
-  std::unordered_map<Element const*, std::unique_ptr<Sequences>> fSequences;
+  std::unordered_map<Element const*, Sequences> fSequences;
   Texts fToolTexts[2];
 };
 

@@ -296,12 +296,6 @@ int FeatureSequence::generic_removeAll(Deviant const& aDeviant, Ref aValue) {
   return 1;
 }
 
-void FeatureSequence::specialized_assign(Kelm::Generic::SequenceIntf const* aOther, Deviant const& aDeviant,
-                                         bool& aResult) {
-  engine::assign(fElement, aDeviant, fFeature, aOther, aDeviant);
-  aResult = true;
-}
-
 std::uint64_t FeatureSequence::stamp(Deviant const& aDeviant) const {
   checkReadable(fElement, aDeviant, kSource);
   // Closing holes moves entries, not values: it must not look like a change later.

@@ -33,8 +33,6 @@ class FeatureSequence : public Kelm::Generic::SequenceIntf {
   Kelm::Generic::Ref generic_at(Deviant const& aDeviant, int aIndex) const override;
   Kelm::Generic::Ref generic_front(Deviant const& aDeviant) const override;
   Kelm::Generic::Ref generic_back(Deviant const& aDeviant) const override;
-  void specialized_assign(Kelm::Generic::SequenceIntf const* aOther, Deviant const& aDeviant,
-                          bool& aResult) override;
   Kelm::Generic::IteratorPtr generic_begin(Deviant const& aDeviant) const override;
   Kelm::Generic::IteratorPtr generic_end(Deviant const& aDeviant) const override;
   void generic_clear(Deviant const& aDeviant) override;

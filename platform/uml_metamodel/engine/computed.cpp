@@ -140,7 +140,7 @@ void assignComputed(Element& aElement, Feature const& aFeature, std::vector<Elem
 
 void arrangeComputed(Element& aElement, Feature const& aFeature, std::vector<Element*> const& aOrder) {
   if (!hasRule(aFeature) || ruleOf(aFeature).fArrange == nullptr)
-    failures::raise(failures::nameOf(aFeature) + " is computed, and so is its order");
+    failures::raise(kSource, failures::nameOf(aFeature) + " is computed, and so is its order");
   ruleOf(aFeature).fArrange(aElement, aOrder);
   aElement.fModel->noteChange();
 }

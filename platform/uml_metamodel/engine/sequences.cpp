@@ -80,10 +80,9 @@ class StoredSequence final : public FeatureSequence {
 };
 
 /// A computed feature. Values are kept as long as the model does not change.
-class ComputedSequence final : public FeatureSequence {
+class ComputedSequence final : public NotedSequence {
  public:
-  ComputedSequence(Element& aElement, Feature const& aFeature) noexcept
-      : FeatureSequence(aElement, aFeature) {}
+  ComputedSequence(Element& aElement, Feature const& aFeature) noexcept : NotedSequence(aElement, aFeature) {}
 
   void assign(Deviant const& aDeviant, std::vector<Element*> const& aValues) override {
     assignComputed(fElement, fFeature, withoutRepeats(aValues));
@@ -139,11 +138,14 @@ class ComputedSequence final : public FeatureSequence {
 };
 
 FeatureSequence& computedSequence(Element& aElement, Feature const& aFeature) {
-  auto& sequences = ElementNotes::of(*aElement.fModel).sequences(aElement);
-  for (auto const& sequence : sequences)
+  ElementNotes::Sequences& first = ElementNotes::of(*aElement.fModel).sequences(aElement);
+  for (NotedSequence* sequence = first.get(); sequence != nullptr; sequence = sequence->fNext.get())
     if (&sequence->shownFeature() == &aFeature) return *sequence;
-  sequences.push_back(std::make_unique<ComputedSequence>(aElement, aFeature));
-  return *sequences.back();
+  auto made = std::make_unique<ComputedSequence>(aElement, aFeature);
+  made->fNext = std::move(first);
+  first = std::move(made);
+  aElement.fMarks |= Element::HasComputed;
+  return *first;
 }
 
 }  // namespace

@@ -174,7 +174,7 @@ engine::FeatureIndex textFeature(int aMetaclass) {
 }
 
 Object make(Kelm::Model const& aModel, int aMetaclass, std::vector<Setting> const& aSettings) {
-  if (!aModel.isvalid()) engine::raiseNotInVariant();
+  if (!aModel.isvalid()) Kelm::raiseFailure(Kelm::words::kNotInVariant, "uml_metamodel/factory/textual");
   // Reading from text may fill the model of a read-only variant: it writes in the model's own variant.
   Kelm::Deviant const writable = aModel.object().baseDeviant();
   Element* const element = detail::createElement(aMetaclass, Kelm::Model(aModel.get(), writable));

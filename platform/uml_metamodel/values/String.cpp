@@ -17,6 +17,8 @@ Kelm::StringObject const* recordOf(Kelm::ImmutableObject const& aObject) {
 
 String::String(Kelm::ImmutableObject const& aObject) : Kelm::String(recordOf(aObject)) {}
 
+String::String(Kelm::Object&& aObject) : Kelm::String(recordOf(aObject), Counted()) { aObject.release(); }
+
 String::operator Kelm::Object() const { return Kelm::Object(record(), Kelm::Deviant()); }
 
 }  // namespace umlmm

@@ -2,6 +2,7 @@
 
 #include <concepts>
 #include <optional>
+#include <utility>
 
 #include "kelm/Object.h"
 #include "kelm/kernel/containers/sequence/SequenceRef.h"
@@ -73,8 +74,8 @@ class Reference : public Kelm::Handle<Intf> {
     } else if constexpr (ReferenceValue<T>) {
       return Kelm::queryHandle<T, VisitationDomain>(methods.getEntry(element, deviant, aId));
     } else {
-      Kelm::Object const value = methods.getEntry(element, deviant, aId);
-      return value.isNull() ? T() : T(value);
+      Kelm::Object value = methods.getEntry(element, deviant, aId);
+      return value.isNull() ? T() : T(std::move(value));
     }
   }
 

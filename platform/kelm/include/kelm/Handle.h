@@ -47,6 +47,9 @@ class Handle {
   /// Neither the old nor the new deviant may be a value word.
   void setDeviant(Deviant const& aDeviant) const noexcept { fDeviant = aDeviant; }
 
+  /// Gives the object up with the count on it, which is the caller's now; not for value words.
+  Intf const* release() noexcept { return std::exchange(fImpl, nullptr); }
+
   /// Whether the reference names an object that exists in its variant; false for a null reference.
   bool isvalid() const { return fImpl != nullptr && fImpl->deviant_isValid(fDeviant); }
 

@@ -7,7 +7,9 @@ namespace Kelm {
 
 namespace NSInterface {
 
-/// A model: owner of its top-level elements. The virtual members other than the three inline ones are the
+/// A model: owner of its top-level elements. One thread at a time uses it and all that was read from it;
+/// models in different threads are independent, and a model may be handed from one thread to another between
+/// calls. The virtual members other than the three inline ones are the
 /// implementation's (kelm/ModelObject.h).
 class UMLMM_API ModelIntf : public ObjectIntf {
  public:

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <concepts>
 #include <cstdint>
 #include <string>
@@ -12,14 +13,14 @@ namespace Kelm {
 
 /// An immutable, counted UTF-16 text: what a string slot holds, and how a string travels as an object.
 /// The text follows the record and is zero-terminated. Models and threads may share it; the empty text, which
-/// all of them do, is immortal and not counted.
+/// all of them do, is immortal, and threads leave its count alone.
 class UMLMM_API StringObject final : public NSInterface::ObjectIntf {
  public:
   /// A new text with one count; the one empty text for no characters.
   static StringObject* make(std::u16string_view aText);
   static StringObject* empty() noexcept;
 
-  int incRef() const override { return fLength == 0 ? 1 : addToSharedCount(fCount, 1); }
+  int incRef() const override { return isSingleThreaded() ? ++fCount : countShared(1); }
   int decRef() const override;
   int numRef() const override { return std::atomic_ref(fCount).load(std::memory_order_relaxed); }
   char const* getVeskName(bool aImmutable) const override;
@@ -31,6 +32,8 @@ class UMLMM_API StringObject final : public NSInterface::ObjectIntf {
   static void operator delete(void* aMemory);
 
  private:
+  int countShared(int aStep) const noexcept;
+
   StringObject() = default;
   ~StringObject() override;
   static void* operator new(std::size_t aSize, std::size_t aCharacters);
@@ -40,7 +43,8 @@ class UMLMM_API StringObject final : public NSInterface::ObjectIntf {
   std::uint32_t fLength = 0;
 };
 
-/// A UTF-16 text that shares its record with copies, with a narrow copy made when asked for.
+/// A UTF-16 text that shares its record with copies, in whatever threads, with a narrow copy made when asked
+/// for.
 class UMLMM_API String {
  public:
   String() noexcept;
@@ -75,6 +79,10 @@ class UMLMM_API String {
   }
 
  protected:
+  struct Counted {};
+  /// Takes over a count on the record.
+  String(StringObject const* aRecord, Counted) noexcept : fText(aRecord) {}
+
   StringObject const* fText;
   mutable char* fNarrow = nullptr;
 };

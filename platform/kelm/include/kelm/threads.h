@@ -2,8 +2,6 @@
 
 #include <sys/single_threaded.h>
 
-#include <atomic>
-#include <cstdint>
 #include <mutex>
 
 /// What models share, and therefore threads: guarded once there is a second thread, and free of cost before.
@@ -11,12 +9,6 @@ namespace Kelm {
 
 /// Whether the process has had one thread only so far.
 inline bool isSingleThreaded() noexcept { return __libc_single_threaded != 0; }
-
-/// Adds to a count that several threads may hold parts of; answers the new one.
-inline std::int32_t addToSharedCount(std::int32_t& aCount, std::int32_t aStep) noexcept {
-  if (isSingleThreaded()) return aCount += aStep;
-  return std::atomic_ref(aCount).fetch_add(aStep, std::memory_order_acq_rel) + aStep;
-}
 
 /// Holds a mutex to the end of the scope.
 class SharedGuard {

@@ -40,6 +40,24 @@ TEST_F(TextualTest, NamesTheplaceOfAnErrorAndMakesNothing) {
   }
 }
 
+TEST_F(TextualTest, AFactoryOfAReadOnlyVariantReadsAndShowsWhatItMadeThere) {
+  auto const base = named<umlmm::Class>(u"Base");
+  Kelm::Deviant const readOnly = fModel.object().readOnlyDeviant();
+  auto const factory = umlmm::Factory::createNewFactory(Kelm::Model(fModel.get(), readOnly));
+  auto const made = umlmm::cast<umlmm::Class>(
+      factory.createFromString(Kelm::String(u"Class Order { superClass = [Base]; isAbstract = true }")));
+  EXPECT_EQ(made.getDeviant(), readOnly);
+  EXPECT_EQ(made.getSuperClass().front().get(), base.get());
+  EXPECT_NE(failureOf([&] { made.setName("other"); }), "") << "only reading is free";
+  EXPECT_NE(
+      failureOf([&] { factory.createFromString(Kelm::String(u"Class A { ownedAttribute = [Base] }")); }), "");
+  EXPECT_EQ(elements(), 2);
+  fModel.object().close();
+  EXPECT_NE(
+      failureOf([&] { factory.createFromString(Kelm::String(u"Class B")); }).find(Kelm::words::kNotInVariant),
+      std::string::npos);
+}
+
 TEST_F(TextualTest, ReadsAValueOfAType) {
   auto const make = [&](char16_t const* aType, char16_t const* aText) {
     return factory().createFromString(Kelm::String(aType), Kelm::String(aText));

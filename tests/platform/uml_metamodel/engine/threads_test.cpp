@@ -32,13 +32,19 @@ umlmm::String text(std::string const& aText) { return umlmm::String(Kelm::toUtf1
 /// A model with references into it. Every step may run in another thread than the one before.
 class Shop {
  public:
-  explicit Shop(std::string aName) : fName(std::move(aName)), fModel(umlmm::createNewModel()) {
-    auto& cache = Kelm::ModelCache::instance();
-    cache.bindModel(Kelm::toUtf16(fName), fModel);
-    EXPECT_EQ(cache.getNextAvailableModelUri(Kelm::toUtf16(fName)), Kelm::toUtf16(fName + "1"));
+  Shop() : fModel(umlmm::createNewModel()) {
+    bind();
     fPackage = umlmm::Package::create(fModel);
     fPackage.setName(text(fName));
     for (int number = 0; number < kClasses; ++number) add(number);
+  }
+
+  void bind() {
+    auto& cache = Kelm::ModelCache::instance();
+    auto const guard = cache.guard();
+    std::u16string const uri = cache.getNextAvailableModelUri(u"shop");
+    cache.bindModel(uri, fModel);
+    fName = umlmm::String::to_string(uri);
   }
 
   void add(int aNumber) {
@@ -137,9 +143,9 @@ constexpr auto kSteps = {+[](Shop& aShop) { aShop.ask(); },    +[](Shop& aShop) 
                          +[](Shop& aShop) { aShop.shrink(); }, +[](Shop& aShop) { aShop.close(); }};
 
 TEST(Threads, ModelsOfTheirOwnAreIndependent) {
-  inThreads([](int aNumber) {
+  inThreads([](int) {
     for (int round = 0; round < 30; ++round) {
-      Shop shop("own" + std::to_string(aNumber));
+      Shop shop;
       for (auto const step : kSteps) step(shop);
     }
   });
@@ -153,13 +159,13 @@ TEST(Threads, AModelGoesFromThreadToThread) {
       // Each turn every thread has other models than before, and those that made them are gone.
       inThreads([&](int aNumber) {
         for (int at = 0; at < kModels; ++at)
-          if ((at + aTurn) % kThreads == aNumber) aWork(shops[static_cast<std::size_t>(at)], at);
+          if ((at + aTurn) % kThreads == aNumber) aWork(shops[static_cast<std::size_t>(at)]);
       });
     };
-    forOwn(0, [](std::optional<Shop>& aShop, int aAt) { aShop.emplace("passed" + std::to_string(aAt)); });
+    forOwn(0, [](std::optional<Shop>& aShop) { aShop.emplace(); });
     int turn = 0;
-    for (auto const step : kSteps) forOwn(++turn, [step](std::optional<Shop>& aShop, int) { step(*aShop); });
-    forOwn(++turn, [](std::optional<Shop>& aShop, int) { aShop.reset(); });
+    for (auto const step : kSteps) forOwn(++turn, [step](std::optional<Shop>& aShop) { step(*aShop); });
+    forOwn(++turn, [](std::optional<Shop>& aShop) { aShop.reset(); });
   }
 }
 
