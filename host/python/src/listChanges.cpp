@@ -115,17 +115,19 @@ void insertRange(PyObject* self, Py_ssize_t first, PyObject* list, Py_ssize_t fr
 
 /// Puts new values in the place of a run of old ones; if one is refused, the old ones come back.
 void replaceRange(PyObject* self, Py_ssize_t first, Py_ssize_t count, PyObject* values) {
-  Py_ssize_t const added = PyTuple_GET_SIZE(values);
-  if (count + added == 0 || splice(self, first, count, values)) return;
+  if (count + PyTuple_GET_SIZE(values) == 0 || splice(self, first, count, values)) return;
   Ref const before = readRange(self, first, first + count);
+  Py_ssize_t const left = sizeOf(self) - count;
+  Py_ssize_t inserted = 0;  // a list of unique elements leaves out what it holds
   runSteps(
-      count + added,
+      count + PyTuple_GET_SIZE(values),
       [&](Py_ssize_t i) {
-        i < count ? eraseAt(self, first + count - 1 - i)
-                  : insertAt(self, first + i - count, PyTuple_GET_ITEM(values, i - count));
+        if (i < count) return eraseAt(self, first + count - 1 - i);
+        insertAt(self, first + inserted, PyTuple_GET_ITEM(values, i - count));
+        inserted = sizeOf(self) - left;
       },
       [&](Py_ssize_t done) {
-        eraseRange(self, first, std::max<Py_ssize_t>(done - count, 0));
+        eraseRange(self, first, inserted);
         insertRange(self, first, before.get(), std::max<Py_ssize_t>(count - done, 0));
       });
 }

@@ -131,6 +131,17 @@ def test_a_slice_that_is_refused_changes_nothing(model):
             assert published == values
 
 
+def test_a_slice_of_elements_that_is_refused_comes_back(model):
+    package = umlmm.Package(model)
+    package.packagedElement = classes = [umlmm.Class(model) for _ in range(4)]
+    foreign = umlmm.Class(umlmm.Factory.createNewModel())
+    with pytest.raises(umlmm.Kelm.Error):
+        package.packagedElement[0:1] = [umlmm.Class(model), classes[3], foreign]
+    with pytest.raises(umlmm.Kelm.Error):
+        package.packagedElement.extend([umlmm.Class(model), foreign])
+    assert package.packagedElement == classes
+
+
 def test_slices_of_long_lists_take_time_for_each_value_once(model):
     for published, values in value_lists(model):
         started = time.process_time()
