@@ -87,7 +87,8 @@ void assignSlice(PyObject* self, PyObject* slice, PyObject* iterable) {
   Ref const values = elementsFor(self, iterable);
   Slice const range = resolveSlice(self, slice);
   if (assignOrder(self, range, values.get())) return;
-  if (range.fStep == 1 && !isUnique(self)) return replaceRange(self, range, values.get());
+  if (range.fStep == 1 && (!isUnique(self) || replacesAll(self, range, values.get())))
+    return replaceRange(self, range, values.get());
   if (range.fStep != 1 && PyList_GET_SIZE(values.get()) != range.fCount)
     raise(PyExc_ValueError, "attempt to assign " + std::to_string(PyList_GET_SIZE(values.get())) +
                                 " values to an extended slice of " + std::to_string(range.fCount));
