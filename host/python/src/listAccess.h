@@ -54,6 +54,9 @@ void prepareListChanges(PyTypeObject& type);
 void assignAt(PyObject* list, Py_ssize_t place, PyObject* value);
 /// Puts the elements of a range into another order, if that is what the values are; answers whether.
 [[nodiscard]] bool assignOrder(PyObject* list, Slice const& range, PyObject* values);
+/// Whether values are all new to a unique list, which can be told without a look at all of it when they and
+/// the range are few beside it; false also if they are many. ValueError for one that would stand twice.
+[[nodiscard]] bool replacesAll(PyObject* list, Slice const& range, PyObject* values);
 /// Puts values into the place of a range, for unique lists: a value that stays is not taken out in between.
 /// All or nothing; ValueError for a value that would stand twice.
 void assignUnique(PyObject* list, Slice const& range, PyObject* values);

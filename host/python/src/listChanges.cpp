@@ -155,7 +155,8 @@ void assignSlice(PyObject* self, PyObject* slice, PyObject* iterable) {
   if (range.fStep != 1 && PyTuple_GET_SIZE(values.get()) != range.fCount)
     raise(PyExc_ValueError, "attempt to assign " + std::to_string(PyTuple_GET_SIZE(values.get())) +
                                 " values to an extended slice of " + std::to_string(range.fCount));
-  if (isUnique(self)) return assignUnique(self, range, values.get());
+  if (isUnique(self) && !(range.fStep == 1 && replacesAll(self, range, values.get())))
+    return assignUnique(self, range, values.get());
   if (range.fStep == 1) return replaceRange(self, range.fStart, range.fCount, values.get());
   if (spliceSteps(self, range, values.get())) return;
   Ref const before = readAll(self);

@@ -55,7 +55,8 @@ Ref keysOf(Ref const& elements, PyObject* key) {
   Ref keys = Ref::checked(PyList_New(size));
   for (Py_ssize_t i = 0; i < size; ++i) {
     checkSignals(static_cast<std::size_t>(i));
-    PyList_SET_ITEM(keys.get(), i, checked(PyObject_CallOneArg(key, PyList_GET_ITEM(elements.get(), i))));
+    Ref const element = Ref::shared(checked(PyList_GetItem(elements.get(), i)));
+    PyList_SET_ITEM(keys.get(), i, checked(PyObject_CallOneArg(key, element.get())));
   }
   return keys;
 }
@@ -111,8 +112,21 @@ Ref withRange(Ref const& elements, Slice const& range, PyObject* values) {
   return all;
 }
 
-/// Refuses values of which one stands outside of the range or comes twice.
-void checkEachOnce(PyObject* list, Ref const& before, Slice const& range, PyObject* values) {
+/// Refuses values of which one comes twice.
+void checkRepeats(PyObject* list, PyObject* values) {
+  Ref const given = Ref::checked(PyDict_New());
+  for (Py_ssize_t i = 0; i < PyTuple_GET_SIZE(values); ++i) {
+    checkSignals(static_cast<std::size_t>(i));
+    PyObject* const value = PyTuple_GET_ITEM(values, i);
+    if (lookUp(given, value) >= 0)
+      raise(PyExc_ValueError,
+            shortRepr(value) + " comes twice; the " + listClassName(list) + " holds each element once");
+    note(given, value, i);
+  }
+}
+
+/// Refuses values of which one stands outside of the range.
+void checkOutside(PyObject* list, Ref const& before, Slice const& range, PyObject* values) {
   Ref const outside = Ref::checked(PyDict_New());
   for (Py_ssize_t place = 0; place < PyList_GET_SIZE(before.get()); ++place) {
     checkSignals(static_cast<std::size_t>(place));
@@ -121,16 +135,9 @@ void checkEachOnce(PyObject* list, Ref const& before, Slice const& range, PyObje
     bool const isInside = offset % range.fStep == 0 && number >= 0 && number < range.fCount;
     if (!isInside) note(outside, PyList_GET_ITEM(before.get(), place), place);
   }
-  Ref const given = Ref::checked(PyDict_New());
-  for (Py_ssize_t i = 0; i < PyTuple_GET_SIZE(values); ++i) {
-    checkSignals(static_cast<std::size_t>(i));
-    PyObject* const value = PyTuple_GET_ITEM(values, i);
-    if (Py_ssize_t const place = lookUp(outside, value); place >= 0) raiseStandsElsewhere(list, value, place);
-    if (lookUp(given, value) >= 0)
-      raise(PyExc_ValueError,
-            shortRepr(value) + " comes twice; the " + listClassName(list) + " holds each element once");
-    note(given, value, i);
-  }
+  for (Py_ssize_t i = 0; i < PyTuple_GET_SIZE(values); ++i)
+    if (Py_ssize_t const place = lookUp(outside, PyTuple_GET_ITEM(values, i)); place >= 0)
+      raiseStandsElsewhere(list, PyTuple_GET_ITEM(values, i), place);
 }
 
 }  // namespace
@@ -152,14 +159,15 @@ void assignAt(PyObject* list, Py_ssize_t place, PyObject* value) {
 bool assignOrder(PyObject* list, Slice const& range, PyObject* values) {
   if (PyTuple_GET_SIZE(values) != range.fCount) return false;
   std::uint64_t const state = stateOf(list);
-  Ref const before = readAll(list);
+  bool const isRun = range.fStep == 1;
+  Ref const before = isRun ? readRange(list, range.fStart, range.fStart + range.fCount) : readAll(list);
   auto const placeOfNumber = [&](Py_ssize_t number) { return range.fStart + number * range.fStep; };
   // By value the first place that is not taken yet; by place the next one with an equal value.
   Ref const places = Ref::checked(PyDict_New());
   std::vector<Py_ssize_t> next(static_cast<std::size_t>(range.fCount));
   for (Py_ssize_t number = range.fCount; number-- > 0;) {
     checkSignals(static_cast<std::size_t>(number));
-    PyObject* const value = checked(PyList_GetItem(before.get(), placeOfNumber(number)));
+    PyObject* const value = checked(PyList_GetItem(before.get(), isRun ? number : placeOfNumber(number)));
     next[static_cast<std::size_t>(number)] = lookUp(places, value);
     note(places, value, number);
   }
@@ -177,10 +185,25 @@ bool assignOrder(PyObject* list, Slice const& range, PyObject* values) {
   return true;
 }
 
+bool replacesAll(PyObject* list, Slice const& range, PyObject* values) {
+  constexpr Py_ssize_t kFew = 8;
+  if ((range.fCount + PyTuple_GET_SIZE(values)) * kFew > sizeOf(list)) return false;
+  bool stays = false;
+  for (Py_ssize_t i = 0; i < PyTuple_GET_SIZE(values); ++i) {
+    Py_ssize_t const held = placeHeld(list, PyTuple_GET_ITEM(values, i));
+    bool const isInside = held >= range.fStart && held < range.fStart + range.fCount;
+    if (held >= 0 && !isInside) raiseStandsElsewhere(list, PyTuple_GET_ITEM(values, i), held);
+    stays |= isInside;
+  }
+  checkRepeats(list, values);
+  return !stays;
+}
+
 void assignUnique(PyObject* list, Slice const& range, PyObject* values) {
   std::uint64_t const state = stateOf(list);
   Ref const before = readAll(list);
-  checkEachOnce(list, before, range, values);
+  checkOutside(list, before, range, values);
+  checkRepeats(list, values);
   Ref const all = withRange(before, range, values);
   PyInstance& instance = instanceOf(list);
   Ref const order = buildList(instance.classRecord(), all.get());

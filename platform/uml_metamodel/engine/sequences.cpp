@@ -59,7 +59,9 @@ class StoredSequence final : public FeatureSequence {
   Element* at(std::uint32_t aPosition) const override { return list()->at(aPosition); }
   std::span<Element* const> all() const override { return list()->dense(); }
   std::uint32_t find(Element const& aValue) const override {
-    return list() == nullptr ? kNowhere : list()->positionOf(&aValue, ownsHints(fRoot));
+    // A part knows its owner: no search for one that is elsewhere.
+    if (list() == nullptr || (ownsHints(fRoot) && !holds(fElement, fRoot, aValue))) return kNowhere;
+    return list()->positionOf(&aValue, ownsHints(fRoot));
   }
   bool contains(Element const& aValue) const override { return holds(fElement, fRoot, aValue); }
   void check(Element const& aValue, Element const* aReplaced) const override {
