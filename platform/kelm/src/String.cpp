@@ -16,7 +16,10 @@ void StringObject::operator delete(void* aMemory) { ::operator delete(aMemory); 
 void StringObject::operator delete(void* aMemory, std::size_t) { ::operator delete(aMemory); }
 
 StringObject* StringObject::make(std::u16string_view aText) {
-  if (aText.empty()) return empty();
+  if (aText.empty()) {
+    empty()->incRef();
+    return empty();
+  }
   auto* const record = new (aText.size()) StringObject;
   record->fLength = static_cast<std::uint32_t>(aText.size());
   auto* const text = const_cast<char16_t*>(record->data());
