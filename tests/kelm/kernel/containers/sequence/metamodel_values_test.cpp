@@ -110,11 +110,11 @@ TEST(ValuesOfTwoTypes, AreNeverTakenForEachOther) {
     for (auto const& right : sequences) {
       bool const isSame = left.get()->valueType() == right.get()->valueType();
       bool result = !isSame;
-      left.get()->specialized_equal(right.get(), Deviant(), result);
+      left.get()->specialized_equal(right.get(), Kelm::Deviant(), result);
       EXPECT_EQ(result, isSame);
-      auto const assign = [&] { left.get()->specialized_assign(right.get(), Deviant(), result); };
+      auto const assign = [&] { left.get()->specialized_assign(right.get(), Kelm::Deviant(), result); };
       EXPECT_EQ(failureOf(assign).starts_with("Incorrect type"), !isSame);
-      EXPECT_EQ(left.get()->generic_size(Deviant()), 1);
+      EXPECT_EQ(left.get()->generic_size(Kelm::Deviant()), 1);
     }
 }
 
