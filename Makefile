@@ -33,7 +33,8 @@ bench: build-release
 
 describe: build-release
 	$(HOST) -m umlmm describe > build/describe.json
-	@echo "build/describe.json"
+	$(HOST) -m umlmm describe Kelm > build/describe-Kelm.json
+	@echo "build/describe.json build/describe-Kelm.json"
 
 reference: build-release
 	@rm -rf build/reference

@@ -121,13 +121,17 @@ if(UMLMM_SANITIZE)
   list(APPEND UMLMM_PYTHON_ENVIRONMENT "LD_PRELOAD=${preloaded}" ASAN_OPTIONS=detect_leaks=0 PYTHONMALLOC=malloc)
 endif()
 
-# umlmm_python_test(name folder): the pytest files of a folder, with the package of this build. They are left out under
+# umlmm_python_command(name argument...): a test that runs Python with the package of this build. It is left out under
 # ThreadSanitizer: scripts hold the interpreter's lock, so there is nothing for it to see.
-function(umlmm_python_test name folder)
-  add_test(NAME ${name}
-    COMMAND ${Python3_EXECUTABLE} -m pytest ${CMAKE_CURRENT_SOURCE_DIR}/${folder})
+function(umlmm_python_command name)
+  add_test(NAME ${name} COMMAND ${Python3_EXECUTABLE} ${ARGN})
   set_tests_properties(${name} PROPERTIES ENVIRONMENT "${UMLMM_PYTHON_ENVIRONMENT}")
   if(UMLMM_SANITIZE STREQUAL thread)
     set_tests_properties(${name} PROPERTIES DISABLED TRUE)
   endif()
+endfunction()
+
+# umlmm_python_test(name folder): the pytest files of a folder.
+function(umlmm_python_test name folder)
+  umlmm_python_command(${name} -m pytest ${CMAKE_CURRENT_SOURCE_DIR}/${folder})
 endfunction()

@@ -1,5 +1,6 @@
 #include "engine/ValueSequence.h"
 
+#include <algorithm>
 #include <memory>
 #include <vector>
 
@@ -116,6 +117,10 @@ class ValueSequence final : public Proxy {
   }
   bool splice(Deviant const& aDeviant, int aFirst, int aRemoved, std::vector<Ref> const& aValues) override {
     change(aDeviant);
+    auto const size = static_cast<std::size_t>(target().generic_size(aDeviant));
+    auto const going = std::min(static_cast<std::size_t>(aRemoved), size);
+    if (fRoot.fUpper > 0 && size - going + aValues.size() > static_cast<std::size_t>(fRoot.fUpper))
+      failures::raiseTooMany(kSource, fRoot);
     return Proxy::splice(aDeviant, aFirst, aRemoved, aValues);
   }
 
