@@ -31,6 +31,11 @@ std::string describe(Element const& aElement) {
   return kMetaclasses[metaclassOf(aElement)].fName + nameIn(aElement);
 }
 
+/// "an Association", "a Class"; names with a U are spoken with a consonant.
+std::string withArticle(std::string const& aName) {
+  return (std::string_view("AEIO").find(aName.front()) != std::string_view::npos ? "an " : "a ") + aName;
+}
+
 /// Why an element is not one of a model that is open: "the Class 'Order' is destroyed or its model closed".
 std::string whyNotHere(Element const& aElement) {
   return "the " + describe(aElement) +
@@ -62,7 +67,8 @@ void raiseOtherModel(Place aPlace, Feature const& aFeature, Element const& aValu
 }
 
 void raiseWrongType(Place aPlace, Feature const& aFeature, Element const& aValue) {
-  raise(aPlace, nameOf(aFeature) + " takes a " + typeName(aFeature) + ", not a " + describe(aValue));
+  raise(aPlace, nameOf(aFeature) + " takes " + withArticle(typeName(aFeature)) + ", not " +
+                    withArticle(describe(aValue)));
 }
 
 void raiseNotAValue(Place aPlace, Feature const& aFeature) {
@@ -81,7 +87,7 @@ void raiseTooMany(Place aPlace, Feature const& aFeature) {
 }
 
 void raiseOwnsItself(Place aPlace, Feature const& aFeature, Element const& aElement) {
-  raise(aPlace, nameOf(aFeature) + " would make a " + describe(aElement) + " own itself");
+  raise(aPlace, nameOf(aFeature) + " would make " + withArticle(describe(aElement)) + " own itself");
 }
 
 void raiseReadOnly(Place aPlace, Feature const& aFeature) {
@@ -97,7 +103,7 @@ void raiseManyExpected(Place aPlace, Feature const& aFeature) {
 }
 
 void raiseNotMember(Place aPlace, Element const& aElement, Feature const& aFeature) {
-  raise(aPlace, "a " + describe(aElement) + " has no feature " + nameOf(aFeature));
+  raise(aPlace, withArticle(describe(aElement)) + " has no feature " + nameOf(aFeature));
 }
 
 }  // namespace failures

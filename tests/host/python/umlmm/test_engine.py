@@ -18,7 +18,7 @@ def extension(model):
     return result
 
 
-CYCLE, TYPE, ROOM = "own itself", "Extension.ownedEnd takes a ExtensionEnd, not a Property 'p'", "one value at most"
+CYCLE, TYPE, ROOM = "own itself", "Extension.ownedEnd takes an ExtensionEnd, not a Property 'p'", "one value at most"
 
 
 def own_behavior(model):
