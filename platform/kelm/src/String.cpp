@@ -42,10 +42,7 @@ int StringObject::countShared(int aStep) const noexcept {
   return std::atomic_ref(fCount).fetch_add(aStep, std::memory_order_acq_rel) + aStep;
 }
 
-int StringObject::decRef() const {
-  int const count = isSingleThreaded() ? --fCount : countShared(-1);
-  if (count > 0) [[likely]]
-    return count;
+int StringObject::end() const {
   if (fLength == 0) return 1;
   delete this;
   return 0;

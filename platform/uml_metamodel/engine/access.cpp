@@ -101,9 +101,18 @@ Element& referenceIn(Feature const& aFeature, Object const& aValue) {
   return *element;
 }
 
+void replaceReference(Element& aElement, Feature const& aRoot, Element* aOld, Element* aValue) {
+  if (aOld != nullptr) unlink(aElement, aRoot, *aOld);
+  if (aValue != nullptr) link(aElement, aRoot, *aValue);
+}
+
 void writeReference(Element& aElement, Feature const& aFeature, Object const& aValue) {
-  checkReference(aElement, aFeature, aValue);
-  setReference(aElement, feature(aFeature.fRoot), &referenceIn(aFeature, aValue));
+  Feature const& root = feature(aFeature.fRoot);
+  Element& value = referenceIn(aFeature, aValue);
+  Element* const old = single(aElement, root);
+  if (old == &value) return;
+  checkLink(aElement, root, value, old);
+  replaceReference(aElement, root, old, &value);
 }
 
 /// Values are handed over behind pointers: those of another type must not be taken for values of the feature.
@@ -130,9 +139,7 @@ void checkReference(Element const& aElement, Feature const& aFeature, Object con
 void setReference(Element& aElement, Feature const& aRoot, Element* aValue) {
   // A many-valued slot that a redefinition has narrowed to one value is replaced as a whole.
   Element* const old = single(aElement, aRoot);
-  if (old == aValue) return;
-  if (old != nullptr) unlink(aElement, aRoot, *old);
-  if (aValue != nullptr) link(aElement, aRoot, *aValue);
+  if (old != aValue) replaceReference(aElement, aRoot, old, aValue);
 }
 
 namespace {

@@ -121,6 +121,26 @@ void checkSupersets(Element const& aElement, Feature const& aFeature, Element co
   });
 }
 
+/// `aSeen`: what the feature is on the owner's metaclass.
+void checkFitAs(Element const& aOwner, Feature const& aRoot, Feature const& aSeen, Element const& aValue) {
+  if (aValue.fModel != aOwner.fModel) failures::raiseOtherModel(kSource, aSeen, aValue);
+  if (!isA(aValue, aSeen.fType)) failures::raiseWrongType(kSource, aSeen, aValue);
+  bool const contains = aRoot.isContainment();
+  Element const& inner = contains ? aValue : aOwner;
+  Element const& outer = contains ? aOwner : aValue;
+  if ((contains || isView(aRoot)) && (inner.fMarks & Element::HasContents || &inner == &outer)) {
+    for (Element const* step = &outer; step != nullptr; step = step->fContainer)
+      if (step == &inner) failures::raiseOwnsItself(kSource, aSeen, inner);
+  }
+  if (!aRoot.fSupersets.empty()) checkSupersets(aOwner, aRoot, aValue);
+  if (aSeen.fOpposite == kNoFeature) return;
+  Feature const& far = feature(aSeen.fOpposite);
+  Feature const& farSeen = seenOn(aValue, far);
+  if (&farSeen != &far && !isA(aOwner, farSeen.fType)) failures::raiseWrongType(kSource, farSeen, aOwner);
+  if (isFull(aValue, far, farSeen, nullptr)) failures::raiseNoRoom(kSource, farSeen);
+  if (!far.fSupersets.empty()) checkSupersets(aValue, far, aOwner);
+}
+
 void linkSupersets(Element& aElement, Feature const& aFeature, Element& aValue) {
   forEachHere(aElement, aFeature.fSupersets, [&](Feature const& aWide) { link(aElement, aWide, aValue); });
 }
@@ -175,29 +195,13 @@ void collect(Element const& aOwner, Feature const& aRoot, std::vector<Element*>&
 }
 
 void checkLink(Element const& aOwner, Feature const& aRoot, Element const& aValue, Element const* aReplaced) {
-  checkFit(aOwner, aRoot, aValue);
-  if (Feature const& seen = seenOn(aOwner, aRoot); isFull(aOwner, aRoot, seen, aReplaced))
-    failures::raiseNoRoom(kSource, seen);
+  Feature const& seen = seenOn(aOwner, aRoot);
+  checkFitAs(aOwner, aRoot, seen, aValue);
+  if (isFull(aOwner, aRoot, seen, aReplaced)) failures::raiseNoRoom(kSource, seen);
 }
 
 void checkFit(Element const& aOwner, Feature const& aRoot, Element const& aValue) {
-  Feature const& seen = seenOn(aOwner, aRoot);
-  if (aValue.fModel != aOwner.fModel) failures::raiseOtherModel(kSource, seen, aValue);
-  if (!isA(aValue, seen.fType)) failures::raiseWrongType(kSource, seen, aValue);
-  bool const contains = aRoot.isContainment();
-  Element const& inner = contains ? aValue : aOwner;
-  Element const& outer = contains ? aOwner : aValue;
-  if ((contains || isView(aRoot)) && (inner.fMarks & Element::HasContents || &inner == &outer)) {
-    for (Element const* step = &outer; step != nullptr; step = step->fContainer)
-      if (step == &inner) failures::raiseOwnsItself(kSource, seen, inner);
-  }
-  if (!aRoot.fSupersets.empty()) checkSupersets(aOwner, aRoot, aValue);
-  if (seen.fOpposite == kNoFeature) return;
-  Feature const& far = feature(seen.fOpposite);
-  Feature const& farSeen = seenOn(aValue, far);
-  if (&farSeen != &far && !isA(aOwner, farSeen.fType)) failures::raiseWrongType(kSource, farSeen, aOwner);
-  if (isFull(aValue, far, farSeen, nullptr)) failures::raiseNoRoom(kSource, farSeen);
-  if (!far.fSupersets.empty()) checkSupersets(aValue, far, aOwner);
+  checkFitAs(aOwner, aRoot, seenOn(aOwner, aRoot), aValue);
 }
 
 void checkRoom(Element const& aOwner, Feature const& aRoot, std::span<Element* const> aValues) {

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <concepts>
+#include <type_traits>
+
 #include "kelm/Handle.h"
 
 namespace Kelm {
@@ -17,6 +20,14 @@ class Object : public ImmutableObject {
  public:
   Object() noexcept = default;
   Object(NSInterface::ObjectIntf const* aImpl, Deviant aDeviant) : ImmutableObject(aImpl, aDeviant) {}
+  /// The same for an object of a final class, which is counted without a look at its table.
+  template <std::derived_from<NSInterface::ObjectIntf> Final>
+  requires std::is_final_v<Final> Object(Final const* aImpl, Deviant aDeviant)
+  noexcept {
+    fImpl = aImpl;
+    fDeviant = aDeviant;
+    if (isCounted()) aImpl->incRef();
+  }
   explicit Object(Handle const& aOther) : ImmutableObject(aOther) {}
 
   NSInterface::ObjectIntf* get() const noexcept { return const_cast<NSInterface::ObjectIntf*>(fImpl); }

@@ -20,8 +20,17 @@ class UMLMM_API StringObject final : public NSInterface::ObjectIntf {
   static StringObject* make(std::u16string_view aText);
   static StringObject* empty() noexcept;
 
-  int incRef() const override { return isSingleThreaded() ? ++fCount : countShared(1); }
-  int decRef() const override;
+  int incRef() const override {
+    if (isSingleThreaded()) [[likely]]
+      return ++fCount;
+    return countShared(1);
+  }
+  int decRef() const override {
+    int const count = isSingleThreaded() ? --fCount : countShared(-1);
+    if (count > 0) [[likely]]
+      return count;
+    return end();
+  }
   int numRef() const override { return std::atomic_ref(fCount).load(std::memory_order_relaxed); }
   char const* getVeskName(bool aImmutable) const override;
   bool deviant_isValid(Deviant) const override { return true; }
@@ -32,7 +41,9 @@ class UMLMM_API StringObject final : public NSInterface::ObjectIntf {
   static void operator delete(void* aMemory);
 
  private:
-  int countShared(int aStep) const noexcept;
+  /// The last count is gone.
+  [[gnu::cold]] int end() const;
+  [[gnu::cold]] int countShared(int aStep) const noexcept;
 
   StringObject() = default;
   ~StringObject() override;
