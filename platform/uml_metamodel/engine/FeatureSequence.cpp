@@ -261,14 +261,10 @@ void FeatureSequence::generic_pop_front(Deviant const& aDeviant) {
 }
 
 void FeatureSequence::generic_push_back(Deviant const& aDeviant, Ref aValue) {
-  checkChange(aDeviant);
   add(aDeviant, size(), aValue);
 }
 
-void FeatureSequence::generic_push_front(Deviant const& aDeviant, Ref aValue) {
-  checkChange(aDeviant);
-  add(aDeviant, 0, aValue);
-}
+void FeatureSequence::generic_push_front(Deviant const& aDeviant, Ref aValue) { add(aDeviant, 0, aValue); }
 
 void FeatureSequence::generic_replace(Deviant const& aDeviant, int aIndex, Ref aValue) {
   checkChange(aDeviant);

@@ -121,8 +121,9 @@ void checkSupersets(Element const& aElement, Feature const& aFeature, Element co
   });
 }
 
-/// `aSeen`: what the feature is on the owner's metaclass.
-void checkFitAs(Element const& aOwner, Feature const& aRoot, Feature const& aSeen, Element const& aValue) {
+/// `aSeen`: what the feature is on the owner's metaclass. Inline, as every link that is made comes by.
+[[gnu::always_inline]] inline void checkFitAs(Element const& aOwner, Feature const& aRoot,
+                                              Feature const& aSeen, Element const& aValue) {
   if (aValue.fModel != aOwner.fModel) failures::raiseOtherModel(kSource, aSeen, aValue);
   if (!isA(aValue, aSeen.fType)) failures::raiseWrongType(kSource, aSeen, aValue);
   bool const contains = aRoot.isContainment();
@@ -132,13 +133,15 @@ void checkFitAs(Element const& aOwner, Feature const& aRoot, Feature const& aSee
     for (Element const* step = &outer; step != nullptr; step = step->fContainer)
       if (step == &inner) failures::raiseOwnsItself(kSource, aSeen, inner);
   }
-  if (!aRoot.fSupersets.empty()) checkSupersets(aOwner, aRoot, aValue);
+  if (!aRoot.fSupersets.empty()) [[unlikely]]
+    checkSupersets(aOwner, aRoot, aValue);
   if (aSeen.fOpposite == kNoFeature) return;
   Feature const& far = feature(aSeen.fOpposite);
   Feature const& farSeen = seenOn(aValue, far);
   if (&farSeen != &far && !isA(aOwner, farSeen.fType)) failures::raiseWrongType(kSource, farSeen, aOwner);
   if (isFull(aValue, far, farSeen, nullptr)) failures::raiseNoRoom(kSource, farSeen);
-  if (!far.fSupersets.empty()) checkSupersets(aValue, far, aOwner);
+  if (!far.fSupersets.empty()) [[unlikely]]
+    checkSupersets(aValue, far, aOwner);
 }
 
 void linkSupersets(Element& aElement, Feature const& aFeature, Element& aValue) {
