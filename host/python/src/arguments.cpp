@@ -1,6 +1,8 @@
 #include "arguments.h"
 
+#include <algorithm>
 #include <cmath>
+#include <cstring>
 
 #include "classes.h"
 #include "failures.h"
@@ -131,13 +133,10 @@ bool toLogicalElement(PyObject* object) {
   return toLogical(object);
 }
 
-/// Answers whether there is a zero among the characters.
 template <class Character>
-bool copyUtf16(Character const* text, Py_ssize_t length, char16_t* out) noexcept {
-  bool hasZero = false;
-  for (Py_ssize_t i = 0; i < length; ++i) {
+void copyUtf16(Character const* text, std::size_t length, char16_t* out) noexcept {
+  for (std::size_t i = 0; i < length; ++i) {
     Character const character = text[i];
-    hasZero |= character == 0;
     if constexpr (sizeof(Character) == 4) {
       if (character >= 0x10000) {
         *out++ = static_cast<char16_t>(0xD7C0 + (character >> 10));
@@ -147,34 +146,40 @@ bool copyUtf16(Character const* text, Py_ssize_t length, char16_t* out) noexcept
     }
     *out++ = static_cast<char16_t>(character);
   }
-  return hasZero;
 }
 
-bool copyText(PyObject* text, char16_t* out) noexcept {
-  Py_ssize_t const length = PyUnicode_GET_LENGTH(text);
-  switch (PyUnicode_KIND(text)) {
-    case PyUnicode_1BYTE_KIND:
-      return copyUtf16(PyUnicode_1BYTE_DATA(text), length, out);
-    case PyUnicode_2BYTE_KIND:
-      return copyUtf16(PyUnicode_2BYTE_DATA(text), length, out);
-    default:
-      return copyUtf16(PyUnicode_4BYTE_DATA(text), length, out);
-  }
+template <class Character>
+bool hasZero(Character const* text, std::size_t length) noexcept {
+  if constexpr (sizeof(Character) == 1)
+    return std::memchr(text, 0, length) != nullptr;
+  else
+    return std::find(text, text + length, Character{0}) != text + length;
+}
+
+template <class Character>
+tarnArray* toTextOf(Character const* text, std::size_t length) {
+  if (hasZero(text, length)) return nullptr;
+  std::size_t units = length;
+  if constexpr (sizeof(Character) == 4)
+    units += static_cast<std::size_t>(
+        std::count_if(text, text + length, [](Character character) { return character >= 0x10000; }));
+  tarnArray* array = tarnCreateStringOfLength(nullptr, units);
+  copyUtf16(text, length, tarn::dataAs<char16_t>(array));
+  return array;
 }
 
 /// Null for a text with a zero character: much of what reads a text later ends there.
 tarnArray* toTextOrNull(PyObject* text) {
-  auto units = static_cast<std::size_t>(PyUnicode_GET_LENGTH(text));
-  if (units == 0) return tarnCreateEmpty(charClassId);
-  if (PyUnicode_KIND(text) == PyUnicode_4BYTE_KIND) {
-    Py_UCS4 const* data = PyUnicode_4BYTE_DATA(text);
-    for (Py_ssize_t i = 0; i < PyUnicode_GET_LENGTH(text); ++i) units += data[i] >= 0x10000 ? 1 : 0;
+  auto const length = static_cast<std::size_t>(PyUnicode_GET_LENGTH(text));
+  if (length == 0) return tarnCreateEmpty(charClassId);
+  switch (PyUnicode_KIND(text)) {
+    case PyUnicode_1BYTE_KIND:
+      return toTextOf(PyUnicode_1BYTE_DATA(text), length);
+    case PyUnicode_2BYTE_KIND:
+      return toTextOf(PyUnicode_2BYTE_DATA(text), length);
+    default:
+      return toTextOf(PyUnicode_4BYTE_DATA(text), length);
   }
-  tarnArray* array = tarnCreateStringOfLength(nullptr, units);
-  if (!copyText(text, tarn::dataAs<char16_t>(array))) [[likely]]
-    return array;
-  tarnDestroyArray(array);
-  return nullptr;
 }
 
 tarnArray* toText(PyObject* text) {

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <mutex>
-#include <typeinfo>
 
 #include "Immortal.h"
 #include "asks.h"
@@ -37,12 +36,6 @@ bool isSpelling(std::string_view aText, std::string_view aLiteral) {
 
 NSInterface::ObjectIntf const* const primitiveObjects[3] = {&sPrimitives[0].fObject, &sPrimitives[1].fObject,
                                                             &sPrimitives[2].fObject};
-
-StringObject const* asString(ImmutableObject const& aObject) noexcept {
-  NSInterface::ObjectIntf const* const object = aObject.get();
-  if (object == nullptr || typeid(*object) != typeid(StringObject)) return nullptr;
-  return static_cast<StringObject const*>(object);
-}
 
 EnumerationType::EnumerationType(char const* aName, char const* aVeskName,
                                  std::span<std::string_view const> aLiterals)

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <span>
 #include <string_view>
+#include <typeinfo>
 
 #include "kelm/Object.h"
 #include "kelm/String.h"
@@ -29,7 +30,11 @@ inline bool isPrimitive(ImmutableObject const& aObject, PrimitiveKind aKind) noe
 }
 
 /// The record of `aObject` if it is a string, else null.
-UMLMM_API StringObject const* asString(ImmutableObject const& aObject) noexcept;
+inline StringObject const* asString(ImmutableObject const& aObject) noexcept {
+  NSInterface::ObjectIntf const* const object = aObject.get();
+  if (object == nullptr || typeid(*object) != typeid(StringObject)) return nullptr;
+  return static_cast<StringObject const*>(object);
+}
 
 class EnumerationLiteralObject;
 
