@@ -1,3 +1,4 @@
+#include "engine/Change.h"
 #include "engine/access.h"
 #include "engine/classes.h"
 #include "engine/engine.h"
@@ -16,25 +17,15 @@ Kelm::NSInterface::ModelElementIntf* createElement(int aMetaclass, Kelm::Model c
   if (!model.deviant_isValid(aModel.getDeviant()))
     Kelm::raiseFailure(Kelm::words::kNotInVariant, "uml_metamodel/metamodel_api");
   aModel.getDeviant().assertWritable(&model);
-  engine::Element& element = engine::create(aMetaclass, model);
-  if (aRequired.empty()) return &element;
+  if (aRequired.empty()) return &engine::Change::create(aMetaclass, model);
+  // Nothing of a refused element stays behind.
+  engine::Change change(model);
+  engine::Element& element = engine::Change::create(aMetaclass, model);
   auto const required = engine::layoutOf(element).fRequired;
-  auto const forEachGiven = [&](auto aAction) {
-    for (std::size_t at = 0; at < aRequired.size() && at < required.size(); ++at)
-      if (!aRequired[at].isNull()) aAction(engine::feature(required[at]), aRequired[at]);
-  };
-  try {
-    // All checks come first: a part that has moved into a refused element would end with it.
-    forEachGiven(
-        [&](auto const& aFeature, auto const& aValue) { engine::checkReference(element, aFeature, aValue); });
-    forEachGiven([&](auto const& aFeature, auto const& aValue) {
-      engine::write(element, aModel.getDeviant(), aFeature, aValue);
-    });
-  } catch (...) {
-    // Nothing of a refused element stays behind.
-    engine::destroy(element, aModel.getDeviant());
-    throw;
-  }
+  for (std::size_t at = 0; at < aRequired.size() && at < required.size(); ++at)
+    if (!aRequired[at].isNull())
+      engine::write(element, aModel.getDeviant(), engine::feature(required[at]), aRequired[at]);
+  change.commit();
   return &element;
 }
 

@@ -20,6 +20,8 @@ constexpr std::uint32_t kFirstCapacity = 3;
 constexpr std::uint32_t kScanned = 32;
 /// A search goes this far from a hint before all hints are renewed.
 constexpr std::uint32_t kMaxDrift = 256;
+/// So many holes are walked over before they are closed.
+constexpr std::uint32_t kLongestRun = 64;
 
 }  // namespace
 
@@ -48,8 +50,8 @@ void ElementList::destroy(ElementList* aList) noexcept {
   Blocks::free(aList, size);
 }
 
-ElementList* ElementList::grown(ElementList* aList, Blocks& aBlocks) {
-  ElementList* const list = allocate(aBlocks, 2 * aList->fCapacity + 1);
+ElementList* ElementList::grown(ElementList* aList, Blocks& aBlocks, std::uint32_t aCapacity) {
+  ElementList* const list = allocate(aBlocks, aCapacity);
   aList->closeFront();
   std::memcpy(list->items(), aList->items(), aList->fEnd * sizeof(Element*));
   list->fProxy = std::exchange(aList->fProxy, nullptr);
@@ -64,32 +66,30 @@ ElementList* ElementList::grown(ElementList* aList, Blocks& aBlocks) {
   return list;
 }
 
-void ElementList::reserveOne(ElementList*& aList, Blocks& aBlocks) {
+void ElementList::makeRoom(ElementList*& aList, Blocks& aBlocks, std::uint32_t aCount) {
   if (aList == nullptr)
-    aList = allocate(aBlocks, kFirstCapacity);
-  else if (aList->fEnd < aList->fCapacity)
-    return;
-  else if (aList->fBegin > aList->fCapacity / 4)
+    aList = allocate(aBlocks, std::max(kFirstCapacity, aCount));
+  else if (aList->fBegin > std::max(aList->fCapacity / 4, aCount))
     aList->closeFront();
   else
-    aList = grown(aList, aBlocks);
+    aList = grown(aList, aBlocks, std::max(2 * aList->fCapacity + 1, aList->fEnd + aCount));
 }
 
 void ElementList::append(ElementList*& aList, Blocks& aBlocks, Element* aElement, bool aOwning) {
-  reserveOne(aList, aBlocks);
+  reserve(aList, aBlocks, 1);
   aList->put(aList->fEnd, aElement, aOwning);
 }
 
 void ElementList::insert(ElementList*& aList, Blocks& aBlocks, std::uint32_t aPosition, Element* aElement,
                          bool aOwning) {
-  reserveOne(aList, aBlocks);
+  reserve(aList, aBlocks, 1);
   if (aPosition == aList->fLive) return aList->put(aList->fEnd, aElement, aOwning);
   aList->closeHoles();
   aList->put(aList->fBegin + aPosition, aElement, aOwning);
 }
 
 // Makes way for the element and puts it there; there are no holes behind the entry.
-void ElementList::put(std::uint32_t aEntry, Element* aElement, bool aOwning) {
+void ElementList::put(std::uint32_t aEntry, Element* aElement, bool aOwning) noexcept {
   Element** const place = items() + aEntry;
   if (aEntry < fEnd) {
     std::memmove(place + 1, place, (fEnd - aEntry) * sizeof(Element*));
@@ -103,7 +103,7 @@ void ElementList::put(std::uint32_t aEntry, Element* aElement, bool aOwning) {
   setHint(aElement, aEntry, aOwning);
 }
 
-std::uint32_t ElementList::find(Element const* aElement, bool aOwning) {
+std::uint32_t ElementList::find(Element const* aElement, bool aOwning) noexcept {
   if (!aOwning && !hasHints()) return scan(aElement);
   if (fDrift > kMaxDrift) renewHints(aOwning);
   return searchAround(aElement, hintOf(aElement, aOwning));
@@ -132,7 +132,38 @@ std::uint32_t ElementList::searchAround(Element const* aElement, std::int64_t aH
   return found;
 }
 
-void ElementList::eraseEntry(std::uint32_t aEntry, bool aOwning) {
+ElementList::Element* ElementList::before(Element const* aElement, bool aOwning) noexcept {
+  std::uint32_t entry = find(aElement, aOwning);
+  for (std::uint32_t const first = entry; entry > fBegin; --entry) {
+    if (items()[entry - 1] != nullptr) return items()[entry - 1];
+    if (first - entry < kLongestRun) continue;
+    // Many were erased before it: a run of holes is walked once.
+    closeHoles();
+    renewHints(aOwning);
+    entry = find(aElement, aOwning) + 1;
+  }
+  return nullptr;
+}
+
+void ElementList::restore(Element const* aPrevious, Element* aElement, bool aOwning) noexcept {
+  auto const place = [&] { return aPrevious == nullptr ? fBegin : find(aPrevious, aOwning) + 1; };
+  std::uint32_t entry = place();
+  if (aPrevious == nullptr && fBegin > 0) {
+    entry = --fBegin;
+  } else if (entry == fEnd ? fEnd == fCapacity : items()[entry] != nullptr) {
+    closeHoles();
+    closeFront();
+    return put(place(), aElement, aOwning);
+  } else if (entry == fEnd) {
+    return put(entry, aElement, aOwning);
+  }
+  items()[entry] = aElement;
+  ++fLive;
+  ++fStamp;
+  setHint(aElement, entry, aOwning);
+}
+
+void ElementList::eraseEntry(std::uint32_t aEntry, bool aOwning) noexcept {
   Element*& entry = items()[aEntry];
   if (!aOwning && fHints != nullptr) fHints->fEntries.take(entry);
   entry = nullptr;
@@ -151,7 +182,7 @@ void ElementList::eraseEntry(std::uint32_t aEntry, bool aOwning) {
   }
 }
 
-bool ElementList::erase(Element const* aElement, bool aOwning) {
+bool ElementList::erase(Element const* aElement, bool aOwning) noexcept {
   std::uint32_t const entry = find(aElement, aOwning);
   if (entry == kNotFound) return false;
   eraseEntry(entry, aOwning);
@@ -201,7 +232,7 @@ void ElementList::rearrange(std::span<int const> aFrom, std::span<int const> aTo
   ++fStamp;
 }
 
-void ElementList::reorder(std::span<Element* const> aOrder, bool aOwning) {
+void ElementList::reorder(std::span<Element* const> aOrder, bool aOwning) noexcept {
   closeHoles();
   std::copy(aOrder.begin(), aOrder.end(), items() + fBegin);
   renewHints(aOwning);
@@ -260,7 +291,7 @@ void ElementList::renewHints(bool aOwning) noexcept {
       fHints->fEntries.assign(element, entry);
     } else {
       if (entry + kAhead < fEnd) __builtin_prefetch(items()[entry + kAhead], 1);
-      element->fHint = static_cast<std::int32_t>(entry);
+      ElementState::hint(*element) = static_cast<std::int32_t>(entry);
     }
   }
   fSteps += fEnd - fBegin;
@@ -284,14 +315,14 @@ bool ElementList::hasHints() noexcept try {
 }
 
 std::int64_t ElementList::hintOf(Element const* aElement, bool aOwning) const noexcept {
-  if (aOwning) return aElement->fHint;
+  if (aOwning) return ElementState::hint(const_cast<Element&>(*aElement));
   std::uint32_t const entry = fHints->fEntries.find(aElement);
   return entry == PointerTable::kNotFound ? INT64_MAX / 2 : entry;
 }
 
 void ElementList::setHint(Element* aElement, std::uint32_t aEntry, bool aOwning) noexcept try {
   if (aOwning)
-    aElement->fHint = static_cast<std::int32_t>(aEntry);
+    ElementState::hint(*aElement) = static_cast<std::int32_t>(aEntry);
   else if (fHints != nullptr && !fHints->fRepeats && !fHints->fEntries.insert(aElement, aEntry))
     fHints->fRepeats = true;
 } catch (std::bad_alloc const&) {

@@ -89,13 +89,19 @@ void ModelObject::close() {
 
 void ModelObject::addRoot(NSInterface::ModelElementIntf* aElement) {
   ElementList::append(fRoots, *fBlocks, aElement, true);
-  aElement->fContainer = nullptr;
-  aElement->fModel = this;
+  ElementState::container(*aElement) = nullptr;
+  ElementState::model(*aElement) = this;
   noteChange();
 }
 
-void ModelObject::removeRoot(NSInterface::ModelElementIntf* aElement) {
+void ModelObject::removeRoot(NSInterface::ModelElementIntf* aElement) noexcept {
   if (fRoots != nullptr) fRoots->erase(aElement, true);
+  noteChange();
+}
+
+void ModelObject::restoreRoot(NSInterface::ModelElementIntf* aPrevious,
+                              NSInterface::ModelElementIntf* aElement) noexcept {
+  fRoots->restore(aPrevious, aElement, true);
   noteChange();
 }
 

@@ -33,19 +33,24 @@ class ElementNotes final : public Kelm::ModelCompanion {
 
   /// The first sequence of an element; null if it has none yet.
   Sequences& sequences(Element const& aElement) { return fSequences[&aElement]; }
+  /// Tells the element that there is something.
+  static void note(Element& aElement, Element::Mark aMark) noexcept {
+    auto& marks = Kelm::ElementState::marks(aElement);
+    marks = static_cast<std::uint8_t>(marks | aMark);
+  }
   /// Of one kind, by element.
   Texts& toolTexts(std::size_t aKind) noexcept { return fToolTexts[aKind]; }
 
   /// The element goes from its model. Its sequences stay with it in place of the references to it, as they
   /// may be held as long as the element itself.
   static void noteGone(Element& aElement) noexcept {
-    if ((aElement.fMarks & (Element::HasComputed | Element::HasToolTexts)) != 0) [[unlikely]]
-      of(*aElement.fModel).remove(aElement);
+    if ((aElement.marks() & (Element::HasComputed | Element::HasToolTexts)) != 0) [[unlikely]]
+      of(*aElement.model()).remove(aElement);
   }
   /// The memory of an element that has gone is given back.
   static void noteFreed(Element& aElement) noexcept {
-    if ((aElement.fMarks & Element::HasComputed) != 0) [[unlikely]]
-      delete reinterpret_cast<NotedSequence*>(aElement.fReferrers);
+    if ((aElement.marks() & Element::HasComputed) != 0) [[unlikely]]
+      delete reinterpret_cast<NotedSequence*>(Kelm::ElementState::referrers(aElement));
   }
 
  private:

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "engine/Change.h"
 #include "engine/ElementRef.h"
 #include "engine/access.h"
 #include "engine/failures.h"
@@ -164,7 +165,7 @@ void FeatureSequence::checkChange(Deviant const& aDeviant, int aLine) const {
   if (fFeature.fReadOnly) failures::raiseReadOnly({kSource, aLine}, fFeature);
 }
 
-std::uint32_t FeatureSequence::add(Deviant const& aDeviant, std::uint32_t aPosition, Ref const& aValue) {
+Element& FeatureSequence::add(Deviant const& aDeviant, std::uint32_t aPosition, Ref const& aValue) {
   checkChange(aDeviant);
   Element* const value = elementOf(aValue);
   if (value == nullptr) failures::raiseNotAValue(kSource, fFeature);
@@ -172,7 +173,7 @@ std::uint32_t FeatureSequence::add(Deviant const& aDeviant, std::uint32_t aPosit
     check(*value, nullptr);
     insert(aPosition, *value);
   }
-  return aPosition < size() && at(aPosition) == value ? aPosition : find(*value);
+  return *value;
 }
 
 Ref FeatureSequence::generic_at(Deviant const& aDeviant, int aIndex) const {
@@ -220,15 +221,24 @@ void FeatureSequence::generic_insert(Deviant const& aDeviant, int aIndex, Ref aV
 IteratorPtr FeatureSequence::generic_insert(Deviant const& aDeviant, IteratorIntf const* aPosition,
                                             Ref aValue) {
   checkChange(aDeviant);
-  return iteratorAt(add(aDeviant, positionOf(aPosition), aValue));
+  Change change(*fElement.model());
+  std::uint32_t const position = positionOf(aPosition);
+  Element const& value = add(aDeviant, position, aValue);
+  bool const isThere = position < size() && at(position) == &value;
+  auto result = iteratorAt(isThere ? position : find(value));
+  change.commit();
+  return result;
 }
 
 IteratorPtr FeatureSequence::generic_erase(Deviant const& aDeviant, IteratorIntf const* aPosition) {
   checkChange(aDeviant);
   std::uint32_t const position = positionOf(aPosition);
   if (position >= size()) raiseOutOfBounds();
+  Change change(*fElement.model());
   erase(*at(position));
-  return iteratorAt(position);
+  auto result = iteratorAt(position);
+  change.commit();
+  return result;
 }
 
 IteratorPtr FeatureSequence::generic_erase(Deviant const& aDeviant, IteratorIntf const* aFirst,
@@ -239,8 +249,11 @@ IteratorPtr FeatureSequence::generic_erase(Deviant const& aDeviant, IteratorIntf
   if (last < first) raiseOutOfBounds();
   std::vector<Element*> going;
   for (std::uint32_t position = first; position < last; ++position) going.push_back(at(position));
+  Change change(*fElement.model());
   for (Element* const value : going) erase(*value);
-  return iteratorAt(first);
+  auto result = iteratorAt(first);
+  change.commit();
+  return result;
 }
 
 void FeatureSequence::generic_erase(Deviant const& aDeviant, int aIndex) {
@@ -274,20 +287,22 @@ void FeatureSequence::generic_replace(Deviant const& aDeviant, int aIndex, Ref a
   if (contains(*value)) return;
   Element* const old = at(position);
   check(*value, old);
+  Change change(*fElement.model());
   erase(*old);
   insert(position, *value);
+  change.commit();
 }
 
 bool FeatureSequence::generic_contains(Deviant const& aDeviant, Ref aValue) const {
   checkReadable(fElement, aDeviant, kSource);
   Element* const value = elementOf(aValue);
-  return value != nullptr && value->fModel == fElement.fModel && contains(*value);
+  return value != nullptr && value->model() == fElement.model() && contains(*value);
 }
 
 int FeatureSequence::generic_removeAll(Deviant const& aDeviant, Ref aValue) {
   checkChange(aDeviant);
   Element* const value = elementOf(aValue);
-  if (value == nullptr || value->fModel != fElement.fModel || !contains(*value)) return 0;
+  if (value == nullptr || value->model() != fElement.model() || !contains(*value)) return 0;
   erase(*value);
   return 1;
 }
@@ -310,7 +325,7 @@ int FeatureSequence::readBlock(Deviant const& aDeviant, int aIndex, int aCount,
 int FeatureSequence::indexOf(Deviant const& aDeviant, Ref const& aValue, int aFrom) const {
   checkReadable(fElement, aDeviant, kSource);
   Element* const value = elementOf(aValue);
-  if (value == nullptr || value->fModel != fElement.fModel) return -1;
+  if (value == nullptr || value->model() != fElement.model()) return -1;
   std::uint32_t const position = find(*value);
   return position == kNowhere || static_cast<int>(position) < aFrom ? -1 : static_cast<int>(position);
 }

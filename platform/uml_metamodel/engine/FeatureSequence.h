@@ -97,8 +97,8 @@ class FeatureSequence : public Kelm::Generic::SequenceIntf {
   /// The element there with a count for the caller; null behind the last.
   Element* counted(std::uint32_t aPosition) const;
   Kelm::Generic::IteratorPtr iteratorAt(std::uint32_t aPosition) const;
-  /// Adds the value unless it is there; answers where it stands.
-  std::uint32_t add(Deviant const& aDeviant, std::uint32_t aPosition, Kelm::Generic::Ref const& aValue);
+  /// Adds the value unless it is there.
+  Element& add(Deviant const& aDeviant, std::uint32_t aPosition, Kelm::Generic::Ref const& aValue);
   void checkChange(Deviant const& aDeviant, int aLine = std::source_location::current().line()) const;
 
   Element& fElement;

@@ -5,7 +5,7 @@
 namespace umlmm::engine {
 
 HeldElements::HeldElements(std::vector<Element*> aElements) noexcept : fElements(std::move(aElements)) {
-  if (!fElements.empty()) enter(fElements.front()->fModel->links());
+  if (!fElements.empty()) enter(fElements.front()->model()->links());
 }
 
 void HeldElements::letGo() noexcept {

@@ -22,9 +22,9 @@ struct Placed {
 };
 
 Placed place(Kelm::ModelObject const& aModel, Element& aElement, bool aIsWanted) {
-  Element const* const owner = aElement.fContainer;
+  Element const* const owner = aElement.container();
   if (owner == nullptr) return {nullptr, 0, aModel.roots()->find(&aElement, true), &aElement, aIsWanted};
-  FeatureIndex const holder = aElement.fContainerFeature;
+  FeatureIndex const holder = aElement.containerFeature();
   bool const isList = feature(holder).fStorage == Storage::List;
   return {owner, slotOf(*owner, holder),
           isList ? pointerSlot<ElementList>(*owner, holder)->find(&aElement, true) : 0, &aElement, aIsWanted};
@@ -37,8 +37,8 @@ std::vector<Element*> inDocumentOrder(Kelm::ModelObject const& aModel,
   std::vector<Placed> tree;
   for (Element* const element : aElements) {
     tree.push_back(place(aModel, *element, true));
-    for (Element* owner = element->fContainer; owner != nullptr && seen.insert(owner).second;
-         owner = owner->fContainer)
+    for (Element* owner = element->container(); owner != nullptr && seen.insert(owner).second;
+         owner = owner->container())
       tree.push_back(place(aModel, *owner, false));
   }
   std::sort(tree.begin(), tree.end());
@@ -79,7 +79,7 @@ ModelIndex::~ModelIndex() {
 }
 
 void ModelIndex::addToExtent(Element& aElement) {
-  ElementList::append(fExtents[static_cast<std::size_t>(metaclassOf(aElement))], aElement.fModel->blocks(),
+  ElementList::append(fExtents[static_cast<std::size_t>(metaclassOf(aElement))], aElement.model()->blocks(),
                       &aElement, false);
 }
 

@@ -22,11 +22,11 @@ class ModelIndex final : public Kelm::ModelCompanion {
 
   // Hooks of the engine; cheap while nobody asked.
   static void noteCreated(Element& aElement) {
-    if (ModelIndex* const index = find(*aElement.fModel)) [[unlikely]]
+    if (ModelIndex* const index = find(*aElement.model())) [[unlikely]]
       index->addToExtent(aElement);
   }
   static void noteGone(Element& aElement) {
-    if (ModelIndex* const index = find(*aElement.fModel)) [[unlikely]]
+    if (ModelIndex* const index = find(*aElement.model())) [[unlikely]]
       index->removeFromExtent(aElement);
   }
 

@@ -10,26 +10,37 @@ namespace {
 
 /// Lists are searched up to this length.
 constexpr std::size_t kSearched = 32;
+/// Room of a new list.
+constexpr std::size_t kFewest = 2;
+
+using State = Kelm::ElementState;
 
 void const* key(std::uintptr_t aReference) noexcept { return reinterpret_cast<void const*>(aReference); }
 
 }  // namespace
 
-void Referrers::add(Element& aValue, Reference aReference) {
-  Word& word = aValue.fReferrers;
-  if (word == 0) {
-    word = pack(aReference);
-  } else if (Referrers* const list = listIn(word)) {
-    list->append(pack(aReference));
-  } else {
-    auto made = std::make_unique<Referrers>();
-    made->fWords = {word, pack(aReference)};
-    word = reinterpret_cast<Word>(made.release()) | kIsList;
+void Referrers::makeRoom(Element& aValue) {
+  Word& word = State::referrers(aValue);
+  if (Referrers* const list = listIn(word)) {
+    if (list->fWords.size() == list->fWords.capacity()) list->fWords.reserve(2 * list->fWords.capacity());
+    return;
   }
+  auto made = std::make_unique<Referrers>();
+  made->fWords.reserve(kFewest);
+  made->fWords.push_back(word);
+  word = reinterpret_cast<Word>(made.release()) | kIsList;
+}
+
+void Referrers::add(Element& aValue, Reference aReference) noexcept {
+  Word& word = State::referrers(aValue);
+  if (Referrers* const list = listIn(word))
+    list->append(pack(aReference));
+  else
+    word = pack(aReference);
 }
 
 void Referrers::remove(Element& aValue, Reference aReference) noexcept {
-  Word& word = aValue.fReferrers;
+  Word& word = State::referrers(aValue);
   if (word == pack(aReference)) {
     word = 0;
   } else if (Referrers* const list = listIn(word)) {
@@ -38,8 +49,63 @@ void Referrers::remove(Element& aValue, Reference aReference) noexcept {
   }
 }
 
+void Referrers::removeLast(Element& aValue) noexcept {
+  Word& word = State::referrers(aValue);
+  Referrers* const list = listIn(word);
+  if (list == nullptr) {
+    word = 0;
+    return;
+  }
+  list->fWords.pop_back();
+  list->fPlaces.reset();
+}
+
+std::uint32_t Referrers::strike(Element& aValue, Reference aReference) noexcept {
+  Word& word = State::referrers(aValue);
+  Referrers* const list = listIn(word);
+  if (list == nullptr) {
+    word = 0;
+    return 0;
+  }
+  std::size_t const place = list->takePlaceOf(pack(aReference));
+  list->fWords[place] = 0;
+  ++list->fHoles;
+  return static_cast<std::uint32_t>(place);
+}
+
+void Referrers::fill(Element& aValue, Reference aReference, std::uint32_t aPlace) noexcept {
+  Word& word = State::referrers(aValue);
+  Referrers* const list = listIn(word);
+  if (list == nullptr) {
+    word = pack(aReference);
+    return;
+  }
+  list->fWords[aPlace] = pack(aReference);
+  --list->fHoles;
+  list->fPlaces.reset();
+}
+
+void Referrers::closeHoles(Element& aValue) noexcept {
+  Referrers* const list = listIn(State::referrers(aValue));
+  if (list == nullptr) return;
+  if (list->fWords.size() == list->fHoles) return clear(aValue);
+  list->trim();
+}
+
+std::vector<std::uintptr_t> Referrers::words(Element const& aValue) {
+  Referrers const* const list = listIn(State::referrers(aValue));
+  return list == nullptr ? std::vector<Word>() : list->fWords;
+}
+
+void Referrers::restore(Element& aValue, std::vector<std::uintptr_t> const& aWords) noexcept {
+  Referrers* const list = listIn(State::referrers(aValue));
+  if (list == nullptr) return;
+  std::copy(aWords.begin(), aWords.end(), list->fWords.begin());
+  list->fPlaces.reset();
+}
+
 void Referrers::arrange(Element& aValue, std::vector<Reference> const& aOrder) {
-  Referrers* const list = listIn(aValue.fReferrers);
+  Referrers* const list = listIn(State::referrers(aValue));
   if (list == nullptr) return;
   std::unordered_set<Word> arranged;
   for (Reference const& reference : aOrder) arranged.insert(pack(reference));
@@ -50,23 +116,23 @@ void Referrers::arrange(Element& aValue, std::vector<Reference> const& aOrder) {
 }
 
 void Referrers::clear(Element& aValue) noexcept {
-  delete listIn(aValue.fReferrers);
-  aValue.fReferrers = 0;
+  delete listIn(State::referrers(aValue));
+  State::referrers(aValue) = 0;
 }
 
 std::vector<Reference> Referrers::of(Element const& aValue) {
   std::vector<Reference> references;
-  if (Referrers const* const list = listIn(aValue.fReferrers)) {
+  if (Referrers const* const list = listIn(State::referrers(aValue))) {
     references.reserve(list->fWords.size() - list->fHoles);
     for (Word const word : list->fWords)
       if (word != 0) references.push_back(unpack(word));
-  } else if (aValue.fReferrers != 0) {
-    references.push_back(unpack(aValue.fReferrers));
+  } else if (State::referrers(aValue) != 0) {
+    references.push_back(unpack(State::referrers(aValue)));
   }
   return references;
 }
 
-void Referrers::append(Word aReference) {
+void Referrers::append(Word aReference) noexcept {
   fWords.push_back(aReference);
   if (fPlaces == nullptr) return;
   try {
@@ -81,6 +147,10 @@ void Referrers::erase(Word aReference) noexcept {
   if (place == fWords.size()) return;
   fWords[place] = 0;
   ++fHoles;
+  trim();
+}
+
+void Referrers::trim() noexcept {
   for (; !fWords.empty() && fWords.back() == 0; --fHoles) fWords.pop_back();
   if (fHoles * 2 > fWords.size()) closeHoles();
 }

@@ -21,8 +21,13 @@ struct Reference {
 /// it.
 class Referrers {
  public:
-  /// Notes a reference that is not noted yet. Nothing has changed if it raises for want of memory.
-  static void add(Element& aValue, Reference aReference);
+  /// Makes room for one more reference, so that `add` can't fail.
+  static void reserve(Element& aValue) {
+    if (Kelm::ElementState::referrers(aValue) != 0) [[unlikely]]
+      makeRoom(aValue);
+  }
+  /// Notes a reference that is not noted yet, in the room that was made for it.
+  static void add(Element& aValue, Reference aReference) noexcept;
   /// Forgets a reference; nothing if it is not noted.
   static void remove(Element& aValue, Reference aReference) noexcept;
   /// Puts noted references, each once, into the order given; the places that they have together stay theirs.
@@ -30,10 +35,23 @@ class Referrers {
   /// Forgets all.
   static void clear(Element& aValue) noexcept;
 
+  // For changes that may be taken back.
+
+  /// Takes back the last `add`.
+  static void removeLast(Element& aValue) noexcept;
+  /// As `remove`, but leaves a hole, which `fill` finds by the answer.
+  static std::uint32_t strike(Element& aValue, Reference aReference) noexcept;
+  static void fill(Element& aValue, Reference aReference, std::uint32_t aPlace) noexcept;
+  /// Forgets the holes when nothing will be filled any more.
+  static void closeHoles(Element& aValue) noexcept;
+  /// All that is kept of the references, as words; `restore` takes it back.
+  static std::vector<std::uintptr_t> words(Element const& aValue);
+  static void restore(Element& aValue, std::vector<std::uintptr_t> const& aWords) noexcept;
+
   /// Calls `aVisit` with each reference, after all have been forgotten.
   template <class Visit>
   static void take(Element& aValue, Visit aVisit) {
-    Word const word = std::exchange(aValue.fReferrers, 0);
+    Word const word = std::exchange(Kelm::ElementState::referrers(aValue), 0);
     std::unique_ptr<Referrers> const list(listIn(word));
     if (list == nullptr) {
       if (word != 0) aVisit(unpack(word));
@@ -65,11 +83,13 @@ class Referrers {
     return (aWord & kIsList) == 0 ? nullptr : reinterpret_cast<Referrers*>(aWord & ~kIsList);
   }
 
-  void append(Word aReference);
+  static void makeRoom(Element& aValue);
+  void append(Word aReference) noexcept;
   void erase(Word aReference) noexcept;
   /// Where the reference stands, or the size; it is no longer in the table of places.
   std::size_t takePlaceOf(Word aReference) noexcept;
   bool makePlaces() noexcept;
+  void trim() noexcept;
   void closeHoles() noexcept;
 
   /// Null words are holes.

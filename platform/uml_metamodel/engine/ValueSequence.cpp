@@ -4,6 +4,7 @@
 #include <memory>
 #include <vector>
 
+#include "engine/Change.h"
 #include "engine/failures.h"
 #include "kelm/kernel/containers/sequence/SequenceCreator.h"
 #include "uml_metamodel/umlmm/Boolean.h"
@@ -137,7 +138,7 @@ class ValueSequence final : public Proxy {
   }
   void change(Deviant const& aDeviant, int aLine = std::source_location::current().line()) const {
     checkWritable(fElement, aDeviant, {kSource, aLine});
-    fElement.fModel->noteChange();
+    fElement.model()->noteChange();
   }
   /// Raises when the feature is full. Features with a bound take a value as often as it is given.
   void checkRoom() const {
@@ -159,15 +160,14 @@ SequenceIntf* makeValues(bool aIsUnique) {
 }  // namespace
 
 SequenceIntf& valueSequence(Element& aElement, Feature const& aRoot) {
-  auto*& slot = pointerSlot<SequenceIntf>(aElement, indexOf(aRoot));
-  if (slot == nullptr) {
+  return Change::values(aElement, indexOf(aRoot), [&]() -> SequenceIntf* {
     std::unique_ptr<SequenceIntf> values(aRoot.fValueType == ValueType::String
                                              ? makeValues<String>(aRoot.fUnique)
                                              : makeValues<Boolean>(aRoot.fUnique));
-    slot = new ValueSequence(aElement, aRoot, values.get());
+    SequenceIntf* const made = new ValueSequence(aElement, aRoot, values.get());
     static_cast<void>(values.release());
-  }
-  return *slot;
+    return made;
+  });
 }
 
 void assignValues(Element& aElement, Feature const& aRoot, Deviant const& aDeviant,
@@ -180,8 +180,7 @@ void assignValues(Element& aElement, Feature const& aRoot, Deviant const& aDevia
     values.push_back(aValues->generic_at(aValuesDeviant, i));
   if (aRoot.fUpper > 0 && values.size() > static_cast<std::size_t>(aRoot.fUpper))
     failures::raiseTooMany(kSource, aRoot);
-  own.generic_clear(aDeviant);
-  for (Ref& value : values) own.generic_push_back(aDeviant, std::move(value));
+  own.splice(aDeviant, 0, own.generic_size(aDeviant), values);
 }
 
 }  // namespace umlmm::engine

@@ -39,13 +39,6 @@ Object readText(Element const& aElement, Feature const& aRoot) {
   return Object(text, Deviant());
 }
 
-void writeText(Element& aElement, Feature const& aRoot, StringObject const* aText) {
-  auto*& slot = pointerSlot<StringObject>(aElement, indexOf(aRoot));
-  if (aText != nullptr) aText->incRef();
-  if (slot != nullptr) slot->decRef();
-  slot = const_cast<StringObject*>(aText);
-}
-
 /// A Boolean or enumeration with its presence bit, if it has one.
 struct FlagLayout {
   unsigned fWidth;
@@ -83,7 +76,7 @@ std::uint32_t bitsOf(Feature const& aFeature, Object const& aValue) {
 
 void writeFlag(Element& aElement, Feature const& aRoot, std::uint32_t aValue) {
   FlagLayout const layout(aRoot);
-  setFlagBits(aElement, indexOf(aRoot), layout.width(), layout.bits(aValue));
+  Change::setFlags(aElement, indexOf(aRoot), layout.width(), layout.bits(aValue));
 }
 
 /// The bits of a fresh element.
@@ -91,8 +84,8 @@ void resetFlag(Element& aElement, Feature const& aRoot) {
   FlagLayout const layout(aRoot);
   unsigned const position = slotOf(aElement, indexOf(aRoot));
   bool const required = seenOn(aElement, aRoot).fLower > 0;
-  std::uint32_t const fresh = aElement.fClass->fDefaultFlags >> position & ((1U << layout.width()) - 1);
-  setFlagBits(aElement, indexOf(aRoot), layout.width(), required ? fresh : 0);
+  std::uint32_t const fresh = aElement.classTable()->fDefaultFlags >> position & ((1U << layout.width()) - 1);
+  Change::setFlags(aElement, indexOf(aRoot), layout.width(), required ? fresh : 0);
 }
 
 Element& referenceIn(Feature const& aFeature, Object const& aValue) {
@@ -101,18 +94,13 @@ Element& referenceIn(Feature const& aFeature, Object const& aValue) {
   return *element;
 }
 
-void replaceReference(Element& aElement, Feature const& aRoot, Element* aOld, Element* aValue) {
-  if (aOld != nullptr) unlink(aElement, aRoot, *aOld);
-  if (aValue != nullptr) link(aElement, aRoot, *aValue);
-}
-
 void writeReference(Element& aElement, Feature const& aFeature, Object const& aValue) {
   Feature const& root = feature(aFeature.fRoot);
   Element& value = referenceIn(aFeature, aValue);
   Element* const old = single(aElement, root);
   if (old == &value) return;
   checkLink(aElement, root, value, old);
-  replaceReference(aElement, root, old, &value);
+  replace(aElement, root, old, &value);
 }
 
 /// Values are handed over behind pointers: those of another type must not be taken for values of the feature.
@@ -129,17 +117,10 @@ void checkMutable(Element const& aElement, Deviant const& aDeviant, Feature cons
 
 }  // namespace
 
-void checkReference(Element const& aElement, Feature const& aFeature, Object const& aValue) {
-  Feature const& root = feature(aFeature.fRoot);
-  Element const& value = referenceIn(aFeature, aValue);
-  Element const* const old = single(aElement, root);
-  if (old != &value) checkLink(aElement, root, value, old);
-}
-
 void setReference(Element& aElement, Feature const& aRoot, Element* aValue) {
   // A many-valued slot that a redefinition has narrowed to one value is replaced as a whole.
   Element* const old = single(aElement, aRoot);
-  if (old != aValue) replaceReference(aElement, aRoot, old, aValue);
+  if (old != aValue) replace(aElement, aRoot, old, aValue);
 }
 
 namespace {
@@ -156,8 +137,7 @@ namespace {
     case Storage::Enumeration:
       return readFlag(aElement, root);
     case Storage::Integer:
-      return Kelm::makePrimitive(primitiveKind(root),
-                                 integerSlot(const_cast<Element&>(aElement), indexOf(root)));
+      return Kelm::makePrimitive(primitiveKind(root), integerSlot(aElement, indexOf(root)));
     case Storage::Reference:
     case Storage::Container:
       return Object(single(aElement, root), aDeviant);
@@ -223,7 +203,7 @@ void write(Element& aElement, Deviant const& aDeviant, Feature const& aFeature, 
     case Storage::String: {
       StringObject const* const text = Kelm::asString(aValue);
       if (text == nullptr) failures::raiseNotAValue(kSource, aFeature);
-      writeText(aElement, root, text);
+      Change::setText(aElement, root, text);
       break;
     }
     case Storage::Flag:
@@ -231,7 +211,7 @@ void write(Element& aElement, Deviant const& aDeviant, Feature const& aFeature, 
       writeFlag(aElement, root, bitsOf(root, aValue));
       break;
     case Storage::Integer:
-      integerSlot(aElement, indexOf(root)) = bitsOf(root, aValue);
+      Change::setInteger(aElement, indexOf(root), bitsOf(root, aValue));
       break;
     case Storage::Computed:
       if (aFeature.isReference()) checkComputed(aElement, aFeature, referenceIn(aFeature, aValue));
@@ -240,7 +220,6 @@ void write(Element& aElement, Deviant const& aDeviant, Feature const& aFeature, 
     default:
       return writeReference(aElement, aFeature, aValue);
   }
-  aElement.fModel->noteChange();
 }
 
 void unset(Element& aElement, Deviant const& aDeviant, Feature const& aFeature) {
@@ -248,14 +227,14 @@ void unset(Element& aElement, Deviant const& aDeviant, Feature const& aFeature) 
   Feature const& root = feature(aFeature.fRoot);
   switch (root.fStorage) {
     case Storage::String:
-      writeText(aElement, root, nullptr);
+      Change::setText(aElement, root, nullptr);
       break;
     case Storage::Flag:
     case Storage::Enumeration:
       resetFlag(aElement, root);
       break;
     case Storage::Integer:
-      integerSlot(aElement, indexOf(root)) = 0;
+      Change::setInteger(aElement, indexOf(root), 0);
       break;
     case Storage::Reference:
     case Storage::Container:
@@ -268,7 +247,6 @@ void unset(Element& aElement, Deviant const& aDeviant, Feature const& aFeature) 
       setComputed(aElement, aDeviant, aFeature, Object());
       break;
   }
-  aElement.fModel->noteChange();
 }
 
 Kelm::Generic::SequenceIntf* sequence(Element const& aElement, Deviant const& aDeviant,

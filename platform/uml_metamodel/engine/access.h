@@ -20,8 +20,6 @@ Kelm::Generic::SequenceIntf* sequence(Element const& aElement, Deviant const& aD
 void assign(Element& aElement, Deviant const& aDeviant, Feature const& aFeature,
             Kelm::Generic::SequenceIntf const* aValues, Deviant const& aValuesDeviant);
 
-/// Raises when the single reference of a feature that is no computed one can't be set to the value.
-void checkReference(Element const& aElement, Feature const& aFeature, Kelm::Object const& aValue);
 /// Sets a single reference without checks of variant and mutability; null unsets.
 void setReference(Element& aElement, Feature const& aRoot, Element* aValue);
 

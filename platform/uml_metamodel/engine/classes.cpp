@@ -103,7 +103,7 @@ Classes const& classes() {
   return all;
 }
 
-std::size_t placeOf(Element const& aElement) noexcept { return aElement.fClass->fIndex; }
+std::size_t placeOf(Element const& aElement) noexcept { return aElement.classTable()->fIndex; }
 
 }  // namespace
 

@@ -89,7 +89,7 @@ void computeValues(Element const& aElement, Feature const& aFeature, std::vector
   if (!hasRule(aFeature)) return unionValues(aElement, aFeature, aOut);
   Rule const& rule = ruleOf(aFeature);
   if (rule.fValues != nullptr) return rule.fValues(aElement, aOut);
-  if (Element* const value = elementOf(rule.fValue(aElement, aElement.fModel->baseDeviant())))
+  if (Element* const value = elementOf(rule.fValue(aElement, aElement.model()->baseDeviant())))
     aOut.push_back(value);
 }
 
@@ -102,11 +102,13 @@ Kelm::Object computeValue(Element const& aElement, Deviant const& aDeviant, Feat
 
 void setComputed(Element& aElement, Deviant const& aDeviant, Feature const& aFeature,
                  Kelm::Object const& aValue) {
+  Change change(*aElement.model());
   ruleOf(aFeature).fSet(aElement, aDeviant, aValue);
+  change.commit();
 }
 
 void checkComputed(Element const& aElement, Feature const& aFeature, Element const& aValue) {
-  if (aValue.fModel != aElement.fModel) failures::raiseOtherModel(kSource, aFeature, aValue);
+  if (aValue.model() != aElement.model()) failures::raiseOtherModel(kSource, aFeature, aValue);
   if (!isA(aValue, aFeature.fType)) failures::raiseWrongType(kSource, aFeature, aValue);
   // A filtered view of a containment takes what the containment takes.
   if (aFeature.fComposite && aFeature.fContainment != kNoFeature)
@@ -114,13 +116,15 @@ void checkComputed(Element const& aElement, Feature const& aFeature, Element con
 }
 
 void insertComputed(Element& aElement, Feature const& aFeature, Element& aValue, Element* aBefore) {
+  Change change(*aElement.model());
   ruleOf(aFeature).fInsert(aElement, aValue, aBefore);
-  aElement.fModel->noteChange();
+  change.commit();
 }
 
 void eraseComputed(Element& aElement, Feature const& aFeature, Element& aValue) {
+  Change change(*aElement.model());
   ruleOf(aFeature).fErase(aElement, aValue);
-  aElement.fModel->noteChange();
+  change.commit();
 }
 
 void assignComputed(Element& aElement, Feature const& aFeature, std::vector<Element*> const& aValues) {
@@ -129,6 +133,7 @@ void assignComputed(Element& aElement, Feature const& aFeature, std::vector<Elem
   for (Element* const value : aValues)
     if (!held.contains(value)) checkComputed(aElement, aFeature, *value);
   std::unordered_set<Element*> const staying(aValues.begin(), aValues.end());
+  Change change(*aElement.model());
   for (Element* const value : old)
     if (!staying.contains(value)) eraseComputed(aElement, aFeature, *value);
   for (Element* const value : aValues)
@@ -136,13 +141,15 @@ void assignComputed(Element& aElement, Feature const& aFeature, std::vector<Elem
   if (auto const arrange = ruleOf(aFeature).fArrange;
       arrange != nullptr && valuesOf(aElement, aFeature) != aValues)
     arrange(aElement, aValues);
+  change.commit();
 }
 
 void arrangeComputed(Element& aElement, Feature const& aFeature, std::vector<Element*> const& aOrder) {
   if (!hasRule(aFeature) || ruleOf(aFeature).fArrange == nullptr)
     failures::raise(kSource, failures::nameOf(aFeature) + " is computed, and so is its order");
+  Change change(*aElement.model());
   ruleOf(aFeature).fArrange(aElement, aOrder);
-  aElement.fModel->noteChange();
+  change.commit();
 }
 
 void valuesOf(Element const& aElement, Feature const& aFeature, std::vector<Element*>& aOut) {

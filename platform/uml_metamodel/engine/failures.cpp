@@ -39,7 +39,7 @@ std::string withArticle(std::string const& aName) {
 /// Why an element is not one of a model that is open: "the Class 'Order' is destroyed or its model closed".
 std::string whyNotHere(Element const& aElement) {
   return "the " + describe(aElement) +
-         (aElement.fModel == nullptr ? " is destroyed or its model closed" : " is of another model");
+         (aElement.model() == nullptr ? " is destroyed or its model closed" : " is of another model");
 }
 
 std::string bound(Feature const& aFeature) {

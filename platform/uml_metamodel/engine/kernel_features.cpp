@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <unordered_map>
 
+#include "engine/Change.h"
 #include "engine/ElementNotes.h"
 #include "engine/ModelIndex.h"
 #include "engine/Referrers.h"
@@ -28,16 +29,16 @@ using Sequence = Kelm::Generic::SequenceIntf;
 
 Element const& root(Element const& aElement) noexcept {
   Element const* element = &aElement;
-  while (element->fContainer != nullptr) element = element->fContainer;
+  while (element->container() != nullptr) element = element->container();
   return *element;
 }
 
 /// "untitled1#//0/3/1": the model's uri and the way down from its top level, by position among the contents.
 std::u16string uriOf(Element const& aElement) {
   std::vector<Element const*> way;
-  for (Element const* step = &aElement; step != nullptr; step = step->fContainer) way.push_back(step);
+  for (Element const* step = &aElement; step != nullptr; step = step->container()) way.push_back(step);
   std::string path;
-  ElementList* const roots = aElement.fModel->roots();
+  ElementList* const roots = aElement.model()->roots();
   path = std::to_string(roots->positionOf(way.back(), true));
   std::vector<Element*> contents;
   for (std::size_t at = way.size() - 1; at > 0; --at) {
@@ -47,7 +48,7 @@ std::u16string uriOf(Element const& aElement) {
     path += '/';
     path += std::to_string(found - contents.begin());
   }
-  return std::u16string(aElement.fModel->getModelUri(aElement.fModel->baseDeviant()).text()) +
+  return std::u16string(aElement.model()->getModelUri(aElement.model()->baseDeviant()).text()) +
          Kelm::toUtf16("#//" + path);
 }
 
@@ -79,7 +80,7 @@ std::vector<Element*> referrers(Element const& aElement) {
 
 /// Texts of other tools about elements.
 ElementNotes::Texts& toolTexts(Element const& aElement, unsigned aId) {
-  return ElementNotes::of(*aElement.fModel).toolTexts(aId == ClassObjectIntf::ExternalId ? 0 : 1);
+  return ElementNotes::of(*aElement.model()).toolTexts(aId == ClassObjectIntf::ExternalId ? 0 : 1);
 }
 
 }  // namespace
@@ -88,16 +89,16 @@ Kelm::Object kernelEntry(Element const* aElement, Deviant const& aDeviant, unsig
   checkReadable(*aElement, aDeviant, kSource);
   switch (aId) {
     case ClassObjectIntf::ModelKelm:
-      return Kelm::Object(aElement->fModel, aDeviant);
+      return Kelm::Object(aElement->model(), aDeviant);
     case ClassObjectIntf::ContainerKelm:
-      return Kelm::Object(aElement->fContainer, aDeviant);
+      return Kelm::Object(aElement->container(), aDeviant);
     case ClassObjectIntf::RootModel:
       return Kelm::Object(&root(*aElement), aDeviant);
     case ClassObjectIntf::Uri:
       return textObject(uriOf(*aElement));
     case ClassObjectIntf::ExternalId:
     case ClassObjectIntf::ExternalToolInfo: {
-      if ((aElement->fMarks & Element::HasToolTexts) == 0) return Kelm::Object();
+      if ((aElement->marks() & Element::HasToolTexts) == 0) return Kelm::Object();
       auto const& texts = toolTexts(*aElement, aId);
       auto const found = texts.find(aElement);
       return found == texts.end() ? Kelm::Object() : Kelm::Object(found->second.record(), Deviant());
@@ -119,7 +120,7 @@ void setKernelEntry(Element* aElement, Deviant const& aDeviant, unsigned aId, Ke
   Kelm::StringObject const* const text = Kelm::asString(aValue);
   if (text == nullptr) kelm::Error_IncorrectType("String");
   texts[aElement] = Kelm::String(text);
-  aElement->fMarks |= Element::HasToolTexts;
+  ElementNotes::note(*aElement, Element::HasToolTexts);
 }
 
 Sequence* kernelSequence(Element const* aElement, Deviant const& aDeviant, unsigned aId) {
@@ -147,7 +148,7 @@ void installQueries() {
     return snapshot(referrers(aElement), aDeviant);
   };
   Kelm::setElementQueries(queries);
-  Kelm::dropElements = dropAll;
+  Kelm::dropElements = Change::dropAll;
 }
 
 }  // namespace umlmm::engine

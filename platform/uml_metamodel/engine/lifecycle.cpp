@@ -1,4 +1,6 @@
+#include <algorithm>
 #include <cstring>
+#include <utility>
 
 #include "engine/ElementNotes.h"
 #include "engine/ElementRef.h"
@@ -16,17 +18,19 @@ namespace umlmm::engine {
 
 namespace {
 
-void freeTexts(Element& aElement, std::uint64_t aWords) {
+using State = Kelm::ElementState;
+
+void freeTexts(Element& aElement, std::uint64_t aWords) noexcept {
   forEachWord(aWords, [&](unsigned aWord) {
-    void*& word = wordAt(aElement, aWord);
-    if (word != nullptr) static_cast<Kelm::StringObject*>(word)->decRef();
-    word = nullptr;
+    std::uint64_t& word = State::slots(aElement)[aWord];
+    if (word != 0) reinterpret_cast<Kelm::StringObject*>(word)->decRef();
+    word = 0;
   });
 }
 
 /// The last count is gone: the slots hold no links any more, as the model or the container let go first.
 void release(Element* aElement) {
-  Kelm::ClassTable const& table = *aElement->fClass;
+  Kelm::ClassTable const& table = *aElement->classTable();
   freeTexts(*aElement, table.fStringWords);
   forEachWord(table.fListWords, [&](unsigned aWord) {
     if (void* const list = wordAt(*aElement, aWord)) ElementList::destroy(static_cast<ElementList*>(list));
@@ -40,50 +44,84 @@ void release(Element* aElement) {
   Kelm::Blocks::free(memory, table.fSize);
 }
 
-/// An element and all below it, owners first.
-std::vector<Element*> subtree(Element& aElement) {
-  std::vector<Element*> all;
-  all.reserve(32);
-  all.push_back(&aElement);
-  for (std::size_t next = 0; next < all.size(); ++next) {
-    all[next]->fMarks |= Element::Dying;
-    if (!hadContents(*all[next])) continue;
-    forEachPart(*all[next], [&](Element& aPart) {
-      prefetchSlots(aPart);
-      all.push_back(&aPart);
+/// Elements that go, one after the other as they were found. They are chained by their containers, which they
+/// lose anyway, as there may be no memory for a list of them.
+class Dying {
+ public:
+  void add(Element& aElement) noexcept {
+    State::marks(aElement) |= Element::Dying;
+    State::container(aElement) = nullptr;
+    (fLast == nullptr ? fFirst : State::container(*fLast)) = &aElement;
+    fLast = &aElement;
+  }
+  /// Adds all that the elements own, owners first.
+  void addParts() noexcept {
+    forEach([&](Element& aElement) {
+      if (!hadContents(aElement)) return;
+      forEachPart(aElement, [&](Element& aPart) {
+        prefetchSlots(aPart);
+        add(aPart);
+      });
     });
   }
-  return all;
+  template <class Visit>
+  void forEach(Visit aVisit) const noexcept {
+    for (Element* next = fFirst; next != nullptr; next = next->container()) aVisit(*next);
+  }
+  /// Takes all out, the last found first.
+  template <class Visit>
+  void take(Visit aVisit) noexcept {
+    Element* reversed = nullptr;
+    while (fFirst != nullptr) {
+      Element* const next = std::exchange(State::container(*fFirst), reversed);
+      reversed = std::exchange(fFirst, next);
+    }
+    while (reversed != nullptr) aVisit(*std::exchange(reversed, reversed->container()));
+  }
+
+ private:
+  Element* fFirst = nullptr;
+  Element* fLast = nullptr;
+};
+
+bool isDying(Element const& aElement) noexcept { return (aElement.marks() & Element::Dying) != 0; }
+
+void leaveReferrer(Element& aElement, Reference aReference) {
+  if (!isDying(*aReference.fOwner)) unlink(*aReference.fOwner, feature(aReference.fFeature), aElement);
 }
 
-bool isDying(Element const& aElement) noexcept { return (aElement.fMarks & Element::Dying) != 0; }
-
 void leaveReferrers(Element& aElement) {
-  if (aElement.fReferrers == 0) return;
-  Referrers::take(aElement, [&](Reference aReference) {
-    if (!isDying(*aReference.fOwner)) unlink(*aReference.fOwner, feature(aReference.fFeature), aElement);
-  });
+  if (!aElement.hasReferrers()) return;
+  if (aElement.model()->record() == nullptr) {
+    Referrers::take(aElement, [&](Reference aReference) { leaveReferrer(aElement, aReference); });
+  } else {
+    for (Reference const& reference : Referrers::of(aElement)) leaveReferrer(aElement, reference);
+  }
 }
 
 /// The far ends of what a word refers to lose the element.
 void leaveReferred(Element& aElement, unsigned aWord) {
-  Feature const& root = feature(aElement.fClass->fFeatureOfWord[aWord]);
-  if (root.fOpposite == kNoFeature) {
-    forEachIn(aElement, aWord, [&](Element& aValue) {
-      if (!isDying(aValue)) Referrers::remove(aValue, {&aElement, indexOf(root)});
+  Feature const& root = feature(aElement.classTable()->fFeatureOfWord[aWord]);
+  if (root.fOpposite == kNoFeature)
+    return forEachIn(aElement, aWord, [&](Element& aValue) {
+      if (!isDying(aValue)) Change::forget(aElement, root, aValue);
     });
-    return;
+  if (root.fStorage != Storage::List)
+    return forEachIn(aElement, aWord, [&](Element& aValue) {
+      if (!isDying(aValue)) unlink(aElement, root, aValue);
+    });
+  // From the end: values that stay only move towards the front while others go.
+  auto& list = *static_cast<ElementList*>(wordAt(aElement, aWord));
+  for (auto at = list.end() - list.begin(); at > 0;) {
+    at = std::min(at, list.end() - list.begin()) - 1;
+    Element* const value = at < 0 ? nullptr : list.begin()[at];
+    if (value != nullptr && !isDying(*value)) unlink(aElement, root, *value);
   }
-  std::vector<Element*> staying;
-  forEachIn(aElement, aWord, [&](Element& aValue) {
-    if (!isDying(aValue)) staying.push_back(&aValue);
-  });
-  for (Element* const value : staying) unlink(aElement, root, *value);
 }
 
 void leaveOthers(Element& aElement) {
   leaveReferrers(aElement);
-  Kelm::ClassTable const& table = *aElement.fClass;
+  Kelm::ClassTable const& table = *aElement.classTable();
   forEachWord((table.fReferenceWords | table.fListWords) & ~table.fContentWords, [&](unsigned aWord) {
     if (wordAt(aElement, aWord) != nullptr) leaveReferred(aElement, aWord);
   });
@@ -91,71 +129,110 @@ void leaveOthers(Element& aElement) {
 
 /// Empties a list but keeps what scripts hold of it; what the slot held is gone with the subtree. The name
 /// stays, so that failures can tell which element is gone.
-void emptySlots(Element& aElement) {
+void emptySlots(Element& aElement) noexcept {
   std::uint64_t const name = hasSlot(aElement, ids::NamedElement::Name)
                                  ? std::uint64_t{1} << slotOf(aElement, ids::NamedElement::Name)
                                  : 0;
-  freeTexts(aElement, aElement.fClass->fStringWords & ~name);
-  forEachWord(aElement.fClass->fReferenceWords, [&](unsigned aWord) { wordAt(aElement, aWord) = nullptr; });
-  forEachWord(aElement.fClass->fListWords, [&](unsigned aWord) {
+  freeTexts(aElement, aElement.classTable()->fStringWords & ~name);
+  forEachWord(aElement.classTable()->fReferenceWords,
+              [&](unsigned aWord) { State::slots(aElement)[aWord] = 0; });
+  forEachWord(aElement.classTable()->fListWords, [&](unsigned aWord) {
     if (auto* const list = static_cast<ElementList*>(wordAt(aElement, aWord))) list->clear();
   });
 }
 
-void letGo(Element& aElement) {
+}  // namespace
+
+void Change::letGo(Element& aElement) noexcept {
   // Nobody sees the slots of an element that nobody else holds.
-  if (aElement.fCount > 1) emptySlots(aElement);
-  if (aElement.fReferrers != 0) Referrers::clear(aElement);
+  if (aElement.numRef() > 1) emptySlots(aElement);
+  if (aElement.hasReferrers()) Referrers::clear(aElement);
   ModelIndex::noteGone(aElement);
   ElementNotes::noteGone(aElement);
-  aElement.fContainer = nullptr;
-  aElement.fModel = nullptr;
+  State::container(aElement) = nullptr;
+  State::model(aElement) = nullptr;
   aElement.decRef();
 }
 
-}  // namespace
+void Change::revive(Element& aElement, Kelm::ModelObject& aModel) noexcept {
+  State::model(aElement) = &aModel;
+  State::marks(aElement) = static_cast<std::uint8_t>(aElement.marks() & ~Element::Dying);
+}
 
-Element& create(int aMetaclass, Kelm::ModelObject& aModel) {
+Element& Change::create(int aMetaclass, Kelm::ModelObject& aModel) {
   Kelm::ClassTable const* const table = classTable(aMetaclass);
+  Kelm::ChangeRecord* const open = aModel.record();
+  if (open != nullptr) open->reserve();
+  aModel.reserveRoots(1);
   auto* const memory = static_cast<char*>(aModel.blocks().allocate(table->fSize));
   std::size_t const head = table->fRootOffset + table->fSlotOffset;
   std::memset(memory + head, 0, table->fSize - head);
   Element& element = *kElementClasses[table->fIndex].fConstruct(memory);
-  element.fClass = table;
-  element.fFlags = table->fDefaultFlags;
-  element.fModel = &aModel;
-  element.fCount = 1;
+  State::begin(element, *table, aModel);
   try {
-    aModel.addRoot(&element);
+    ModelIndex::noteCreated(element);
   } catch (...) {
-    element.fModel = nullptr;
+    State::model(element) = nullptr;
     element.decRef();
     throw;
   }
-  ModelIndex::noteCreated(element);
-  aModel.noteChange();
+  aModel.addRoot(&element);
+  if (open != nullptr) open->note({Step::Kind::Created, kNoFeature, 0, &element, nullptr, nullptr});
   return element;
+}
+
+void Change::destroy(Element& aElement) {
+  Kelm::ModelObject& model = *aElement.model();
+  HeldElements::countAll(model);
+  if (model.record() != nullptr) return destroyNoted(aElement);
+  State::marks(aElement) |= Element::Dying;
+  if (aElement.container() != nullptr)
+    leaveContainer(aElement);
+  else
+    model.removeRoot(&aElement);
+  Dying dying;
+  dying.add(aElement);
+  dying.addParts();
+  dying.forEach(leaveOthers);
+  model.noteChange();
+  // An element is let go when nothing that it owns is left.
+  dying.take(letGo);
+}
+
+void Change::destroyNoted(Element& aElement) {
+  Kelm::ModelObject& model = *aElement.model();
+  Kelm::ChangeRecord& open = *model.record();
+  leaveContainer(aElement);
+  std::vector<Element*> dying{&aElement};
+  for (std::size_t next = 0; next < dying.size(); ++next) collectContents(*dying[next], dying);
+  // All are marked before any is left, and marks are taken back like the rest.
+  for (Element* const element : dying) {
+    open.note({Step::Kind::Marked, kNoFeature, 0, element, &model, nullptr});
+    State::marks(*element) |= Element::Dying;
+  }
+  for (Element* const element : dying) leaveOthers(*element);
+  leaveRoots(aElement, &open);
+  for (Element* const element : dying) {
+    open.note({Step::Kind::Destroyed, kNoFeature, 0, element, &model, nullptr});
+    State::model(*element) = nullptr;
+  }
+  model.noteChange();
+}
+
+void Change::dropAll(Kelm::ModelObject& aModel) noexcept {
+  HeldElements::countAll(aModel);
+  aModel.setCompanion(nullptr);
+  if (aModel.roots() == nullptr) return;
+  Dying all;
+  for (Element* const root : *aModel.roots())
+    if (root != nullptr) all.add(*root);
+  all.addParts();
+  all.take(letGo);
 }
 
 void destroy(Element& aElement, Deviant const& aDeviant) {
   checkWritable(aElement, aDeviant, "uml_metamodel/engine/lifecycle");
-  Kelm::ModelObject& model = *aElement.fModel;
-  HeldElements::countAll(model);
-  leaveContainer(aElement);
-  std::vector<Element*> const dying = subtree(aElement);
-  for (Element* const element : dying) leaveOthers(*element);
-  model.removeRoot(&aElement);
-  model.noteChange();
-  // Innermost first: an element is let go when nothing that it owns is left.
-  for (auto next = dying.rbegin(); next != dying.rend(); ++next) letGo(**next);
-}
-
-void dropAll(Kelm::ModelObject& aModel) {
-  HeldElements::countAll(aModel);
-  aModel.setCompanion(nullptr);
-  std::vector<Element*> all;
-  forEachElement(aModel, [&](Element& aElement) { all.push_back(&aElement); });
-  for (auto next = all.rbegin(); next != all.rend(); ++next) letGo(**next);
+  Change::destroy(aElement);
 }
 
 Kelm::ElementEngine const kElementEngine{

@@ -17,60 +17,21 @@ constexpr char kSource[] = "uml_metamodel/engine/links";
 bool isView(Feature const& aRoot) noexcept { return aRoot.fStorage == Storage::Container; }
 
 bool isOwnersFeature(Element const& aElement, Element const& aOwner, Feature const& aContainment) noexcept {
-  return aElement.fContainer == &aOwner && aElement.fContainerFeature == indexOf(aContainment);
-}
-
-/// Puts the value into the owner's slot, and the owner into the container fields of a part.
-void store(Element& aOwner, Feature const& aRoot, Element& aValue, std::uint32_t aPosition) {
-  bool const owning = ownsHints(aRoot);
-  if (owning && aValue.fContainer != nullptr) leaveContainer(aValue);
-  // Room first: once the value has left the model or has noted the reference, nothing may fail.
-  if (aRoot.fStorage == Storage::List)
-    ElementList::reserveOne(pointerSlot<ElementList>(aOwner, indexOf(aRoot)), aOwner.fModel->blocks());
-  if (owning)
-    aValue.fModel->removeRoot(&aValue);
-  else if (aRoot.fOpposite == kNoFeature)
-    Referrers::add(aValue, {&aOwner, indexOf(aRoot)});
-  if (aRoot.fStorage == Storage::List) {
-    auto& list = pointerSlot<ElementList>(aOwner, indexOf(aRoot));
-    if (aPosition >= ElementList::size(list))
-      ElementList::append(list, aOwner.fModel->blocks(), &aValue, owning);
-    else
-      ElementList::insert(list, aOwner.fModel->blocks(), aPosition, &aValue, owning);
-  } else {
-    pointerSlot<Element>(aOwner, indexOf(aRoot)) = &aValue;
-  }
-  if (owning) {
-    aValue.fContainer = &aOwner;
-    aValue.fContainerFeature = indexOf(aRoot);
-    aOwner.fMarks |= Element::HasContents;
-  }
-  aOwner.fModel->noteChange();
+  return aElement.container() == &aOwner && aElement.containerFeature() == indexOf(aContainment);
 }
 
 /// A bound whose value was taken away is unset: its default does not come back.
-void forgetDefault(Element& aOwner, Feature const& aRoot) noexcept {
+void forgetDefault(Element& aOwner, Feature const& aRoot) {
   if (indexOf(aRoot) == ids::MultiplicityElement::LowerValue)
-    setFlagBits(aOwner, ids::MultiplicityElement::Lower, 1, 0);
+    Change::setFlags(aOwner, ids::MultiplicityElement::Lower, 1, 0);
   else if (indexOf(aRoot) == ids::MultiplicityElement::UpperValue)
-    setFlagBits(aOwner, ids::MultiplicityElement::Upper, 1, 0);
+    Change::setFlags(aOwner, ids::MultiplicityElement::Upper, 1, 0);
 }
 
 /// Takes the value out of the owner's slot; a part goes to its model's top level.
 void drop(Element& aOwner, Feature const& aRoot, Element& aValue) {
-  bool const owning = ownsHints(aRoot);
-  if (aRoot.fStorage == Storage::List)
-    pointerSlot<ElementList>(aOwner, indexOf(aRoot))->erase(&aValue, owning);
-  else
-    pointerSlot<Element>(aOwner, indexOf(aRoot)) = nullptr;
-  if (owning) {
-    forgetDefault(aOwner, aRoot);
-    aValue.fContainer = nullptr;
-    aValue.fModel->addRoot(&aValue);
-  } else if (aRoot.fOpposite == kNoFeature) {
-    Referrers::remove(aValue, {&aOwner, indexOf(aRoot)});
-  }
-  aOwner.fModel->noteChange();
+  if (ownsHints(aRoot)) forgetDefault(aOwner, aRoot);
+  Change::erase(aOwner, aRoot, aValue);
 }
 
 /// The features that must hold the value as well, as far as the element has them.
@@ -124,13 +85,13 @@ void checkSupersets(Element const& aElement, Feature const& aFeature, Element co
 /// `aSeen`: what the feature is on the owner's metaclass. Inline, as every link that is made comes by.
 [[gnu::always_inline]] inline void checkFitAs(Element const& aOwner, Feature const& aRoot,
                                               Feature const& aSeen, Element const& aValue) {
-  if (aValue.fModel != aOwner.fModel) failures::raiseOtherModel(kSource, aSeen, aValue);
+  if (aValue.model() != aOwner.model()) failures::raiseOtherModel(kSource, aSeen, aValue);
   if (!isA(aValue, aSeen.fType)) failures::raiseWrongType(kSource, aSeen, aValue);
   bool const contains = aRoot.isContainment();
   Element const& inner = contains ? aValue : aOwner;
   Element const& outer = contains ? aOwner : aValue;
-  if ((contains || isView(aRoot)) && (inner.fMarks & Element::HasContents || &inner == &outer)) {
-    for (Element const* step = &outer; step != nullptr; step = step->fContainer)
+  if ((contains || isView(aRoot)) && (inner.marks() & Element::HasContents || &inner == &outer)) {
+    for (Element const* step = &outer; step != nullptr; step = step->container())
       if (step == &inner) failures::raiseOwnsItself(kSource, aSeen, inner);
   }
   if (!aRoot.fSupersets.empty()) [[unlikely]]
@@ -148,11 +109,43 @@ void linkSupersets(Element& aElement, Feature const& aFeature, Element& aValue) 
   forEachHere(aElement, aFeature.fSupersets, [&](Feature const& aWide) { link(aElement, aWide, aValue); });
 }
 
+/// Whether making the link is one step after which nothing can fail, once there is room for it.
+bool isSimple(Feature const& aRoot, Feature const* aFar) noexcept {
+  return aRoot.fSupersets.empty() && (aFar == nullptr || aFar->fSupersets.empty());
+}
+
+/// Makes room at both ends, and at the top level for the parts that give way or move.
+void reserveLink(Element& aOwner, Feature const& aRoot, Feature const* aFar, Element& aValue) {
+  if (ownsHints(aRoot)) aOwner.model()->reserveRoots(2);
+  Change::reserve(aOwner, aRoot, aValue);
+  if (aFar != nullptr && !isView(*aFar)) Change::reserve(aValue, *aFar, aOwner);
+}
+
+/// Both ends of the link, without the supersets.
+void linkEnds(Element& aOwner, Feature const& aRoot, Feature const* aFar, Element& aValue,
+              std::uint32_t aPosition) {
+  reserveLink(aOwner, aRoot, aFar, aValue);
+  if (aRoot.fStorage == Storage::Reference)
+    if (Element* const old = single(aOwner, aRoot)) unlink(aOwner, aRoot, *old);
+  if (aFar != nullptr && !isView(*aFar) && aFar->fUpper == 1)
+    if (Element* const partner = single(aValue, *aFar)) unlink(*partner, aRoot, aValue);
+  if (ownsHints(aRoot) && aValue.container() != nullptr) leaveContainer(aValue);
+  Change::insert(aOwner, aRoot, aValue, aPosition);
+  if (aFar != nullptr && !isView(*aFar)) Change::insert(aValue, *aFar, aOwner, kAtEnd);
+}
+
+/// Whether taking the value out of the feature may make it an element of the top level.
+bool mayRelease(Feature const& aRoot, Feature const* aFar, Element const& aOwner,
+                Element const& aValue) noexcept {
+  if (((aOwner.marks() | aValue.marks()) & Element::Dying) != 0) return false;
+  return aRoot.fComposite || !aRoot.fSubsets.empty() || (aFar != nullptr && !aFar->fSubsets.empty());
+}
+
 }  // namespace
 
 Element* containerThrough(Element const& aElement, Feature const& aView) noexcept {
-  Element* const container = aElement.fContainer;
-  if (container == nullptr || aElement.fContainerFeature != aView.fContainment) return nullptr;
+  Element* const container = aElement.container();
+  if (container == nullptr || aElement.containerFeature() != aView.fContainment) return nullptr;
   return isA(*container, aView.fType) ? container : nullptr;
 }
 
@@ -229,17 +222,15 @@ void link(Element& aOwner, Feature const& aRoot, Element& aValue, std::uint32_t 
     return;
   }
   if (holds(aOwner, aRoot, aValue)) return;
+  Feature const* const far = farEnd(aOwner, aRoot);
+  if (isSimple(aRoot, far)) [[likely]]
+    return linkEnds(aOwner, aRoot, far, aValue, aPosition);
+  Change change(*aOwner.model());
   // A stored subset of a containment: the part enters the whole first, which may take it from another owner.
   linkSupersets(aOwner, aRoot, aValue);
-  Feature const* const far = farEnd(aOwner, aRoot);
-  if (aRoot.fStorage == Storage::Reference)
-    if (Element* const old = single(aOwner, aRoot)) unlink(aOwner, aRoot, *old);
-  if (far != nullptr && !isView(*far) && far->fUpper == 1)
-    if (Element* const partner = single(aValue, *far)) unlink(*partner, aRoot, aValue);
-  store(aOwner, aRoot, aValue, aPosition);
-  if (far == nullptr) return;
-  if (!isView(*far)) store(aValue, *far, aOwner, kAtEnd);
-  linkSupersets(aValue, *far, aOwner);
+  linkEnds(aOwner, aRoot, far, aValue, aPosition);
+  if (far != nullptr) linkSupersets(aValue, *far, aOwner);
+  change.commit();
 }
 
 void unlink(Element& aOwner, Feature const& aRoot, Element& aValue) {
@@ -249,6 +240,8 @@ void unlink(Element& aOwner, Feature const& aRoot, Element& aValue) {
   }
   if (!holds(aOwner, aRoot, aValue)) return;
   Feature const* const far = farEnd(aOwner, aRoot);
+  // Room first: taking out can't fail from here on.
+  if (mayRelease(aRoot, far, aOwner, aValue)) aOwner.model()->reserveRoots(1);
   bool hadSubsets = unlinkSubsets(aOwner, aRoot, aValue);
   if (far != nullptr) hadSubsets |= unlinkSubsets(aValue, *far, aOwner);
   if (hadSubsets && !holds(aOwner, aRoot, aValue)) return;  // a subset's removal took it along
@@ -260,9 +253,24 @@ void unlink(Element& aOwner, Feature const& aRoot, Element& aValue) {
     forEachHere(aValue, far->fSupersets, [&](Feature const& aWide) { unlink(aValue, aWide, aOwner); });
 }
 
+void replace(Element& aOwner, Feature const& aRoot, Element* aOld, Element* aValue) {
+  if (aOld == nullptr) return aValue == nullptr ? void() : link(aOwner, aRoot, *aValue);
+  if (aValue == nullptr) return unlink(aOwner, aRoot, *aOld);
+  Feature const* const far = isView(aRoot) ? nullptr : farEnd(aOwner, aRoot);
+  if (!isView(aRoot) && isSimple(aRoot, far)) [[likely]] {
+    reserveLink(aOwner, aRoot, far, *aValue);
+    unlink(aOwner, aRoot, *aOld);
+    return link(aOwner, aRoot, *aValue);
+  }
+  Change change(*aOwner.model());
+  unlink(aOwner, aRoot, *aOld);
+  link(aOwner, aRoot, *aValue);
+  change.commit();
+}
+
 void leaveContainer(Element& aElement) {
-  if (aElement.fContainer != nullptr)
-    unlink(*aElement.fContainer, feature(aElement.fContainerFeature), aElement);
+  if (aElement.container() != nullptr)
+    unlink(*aElement.container(), feature(aElement.containerFeature()), aElement);
 }
 
 void arrangeValues(Element& aOwner, Feature const& aRoot, std::span<Element* const> aValues) {
@@ -274,14 +282,7 @@ void arrangeValues(Element& aOwner, Feature const& aRoot, std::span<Element* con
   auto next = aValues.begin();
   for (Element*& place : order)
     if (arranged.contains(place)) place = *next++;
-  list->reorder(order, ownsHints(aRoot));
-  aOwner.fModel->noteChange();
-}
-
-void rearrangeValues(Element& aOwner, Feature const& aRoot, std::span<int const> aFrom,
-                     std::span<int const> aTo) {
-  pointerSlot<ElementList>(aOwner, indexOf(aRoot))->rearrange(aFrom, aTo, ownsHints(aRoot));
-  aOwner.fModel->noteChange();
+  Change::arrange(aOwner, aRoot, order);
 }
 
 }  // namespace umlmm::engine

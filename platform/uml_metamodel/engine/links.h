@@ -3,13 +3,11 @@
 #include <span>
 #include <vector>
 
-#include "engine/slots.h"
+#include "engine/Change.h"
 
 /// References between elements: stored slots, their far ends, subsets and the one container of an element,
 /// all driven by the table of features. Nothing here asks for writability: see access.h.
 namespace umlmm::engine {
-
-inline constexpr std::uint32_t kAtEnd = UINT32_MAX;
 
 /// The container if the containment that `aView` is the far end of holds the element, else null. `aView` may
 /// be a redefinition or a narrower view of it.
@@ -48,19 +46,13 @@ void link(Element& aOwner, Feature const& aRoot, Element& aValue, std::uint32_t 
 /// Takes the link away, also from the subsets at both ends. A part becomes a top-level element of its model.
 void unlink(Element& aOwner, Feature const& aRoot, Element& aValue);
 
+/// Unlinks the one and links the other, each unless it is null.
+void replace(Element& aOwner, Feature const& aRoot, Element* aOld, Element* aValue);
+
 /// Takes the element out of its container; it becomes a top-level element.
 void leaveContainer(Element& aElement);
 
 /// Puts values of a list, each once, into the order given; the places that they have together stay theirs.
 void arrangeValues(Element& aOwner, Feature const& aRoot, std::span<Element* const> aValues);
-
-/// Gives values of a list other positions: the one at `aFrom[i]` comes to `aTo[i]`; both name the same ones.
-void rearrangeValues(Element& aOwner, Feature const& aRoot, std::span<int const> aFrom,
-                     std::span<int const> aTo);
-
-/// Whether the feature's list keeps its hints in its elements.
-inline bool ownsHints(Feature const& aRoot) noexcept {
-  return aRoot.fComposite && aRoot.fContainment == indexOf(aRoot);
-}
 
 }  // namespace umlmm::engine

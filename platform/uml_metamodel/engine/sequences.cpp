@@ -34,13 +34,12 @@ class StoredSequence final : public FeatureSequence {
     std::unordered_set<Element*> const staying(wanted.begin(), wanted.end());
     std::vector<Element*> old;
     collect(fElement, fRoot, old);
+    Change change(*fElement.model());
     for (Element* const value : old)
       if (!staying.contains(value)) unlink(fElement, fRoot, *value);
     for (Element* const value : wanted) link(fElement, fRoot, *value);
-    if (!wanted.empty()) {
-      list()->reorder(wanted, ownsHints(fRoot));
-      fElement.fModel->noteChange();
-    }
+    if (!wanted.empty()) Change::arrange(fElement, fRoot, wanted);
+    change.commit();
   }
 
  private:
@@ -72,7 +71,7 @@ class StoredSequence final : public FeatureSequence {
   }
   void erase(Element& aValue) override { unlink(fElement, fRoot, aValue); }
   void rearrange(std::span<int const> aFrom, std::span<int const> aTo) override {
-    rearrangeValues(fElement, fRoot, aFrom, aTo);
+    Change::rearrange(fElement, fRoot, aFrom, aTo);
   }
   std::uint64_t changes() const override {
     return list() == nullptr ? 1 : list()->stamp() + std::uint64_t{1};
@@ -94,10 +93,10 @@ class ComputedSequence final : public NotedSequence {
  private:
   std::vector<Element*> const& values() const {
     // A destroyed element has no model and no values; reads are refused before they come here.
-    std::uint64_t const revision = fElement.fModel == nullptr ? 0 : fElement.fModel->revision();
+    std::uint64_t const revision = fElement.model() == nullptr ? 0 : fElement.model()->revision();
     if (revision != fRevision) {
       std::vector<Element*> now;
-      if (fElement.fModel != nullptr) computeValues(fElement, fFeature, now);
+      if (fElement.model() != nullptr) computeValues(fElement, fFeature, now);
       if (now != fValues) {
         fValues = std::move(now);
         ++fChanges;
@@ -140,13 +139,13 @@ class ComputedSequence final : public NotedSequence {
 };
 
 FeatureSequence& computedSequence(Element& aElement, Feature const& aFeature) {
-  ElementNotes::Sequences& first = ElementNotes::of(*aElement.fModel).sequences(aElement);
+  ElementNotes::Sequences& first = ElementNotes::of(*aElement.model()).sequences(aElement);
   for (NotedSequence* sequence = first.get(); sequence != nullptr; sequence = sequence->fNext.get())
     if (&sequence->shownFeature() == &aFeature) return *sequence;
   auto made = std::make_unique<ComputedSequence>(aElement, aFeature);
   made->fNext = std::move(first);
   first = std::move(made);
-  aElement.fMarks |= Element::HasComputed;
+  ElementNotes::note(aElement, Element::HasComputed);
   return *first;
 }
 
@@ -154,10 +153,9 @@ FeatureSequence& computedSequence(Element& aElement, Feature const& aFeature) {
 
 FeatureSequence& FeatureSequence::of(Element& aElement, Feature const& aFeature) {
   if (aFeature.fStorage == Storage::Computed) return computedSequence(aElement, aFeature);
-  auto*& list = pointerSlot<ElementList>(aElement, aFeature.fRoot);
-  if (list == nullptr) ElementList::reserveOne(list, aElement.fModel->blocks());
-  if (list->fProxy == nullptr) list->fProxy = new StoredSequence(aElement, feature(aFeature.fRoot));
-  return static_cast<FeatureSequence&>(*list->fProxy);
+  auto*& proxy = Change::list(aElement, aFeature.fRoot).fProxy;
+  if (proxy == nullptr) proxy = new StoredSequence(aElement, feature(aFeature.fRoot));
+  return static_cast<FeatureSequence&>(*proxy);
 }
 
 }  // namespace umlmm::engine

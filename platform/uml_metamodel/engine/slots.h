@@ -6,8 +6,9 @@
 #include "kelm/ModelElementIntf.h"
 #include "kelm/String.h"
 
-/// The one place through which every slot of an element is read and written. Each access takes the deviant:
-/// here it is checked against the element's model, and here other ways of storing variants would come in.
+/// The one place through which every slot of an element is read; `Change.h` is where it is written. What is
+/// read for scripts is checked here against the variant, and here other ways of storing variants would come
+/// in.
 namespace umlmm::engine {
 
 using Element = Kelm::NSInterface::ModelElementIntf;
@@ -27,7 +28,7 @@ inline void checkWritable(Element const& aElement, Deviant const& aDeviant, Plac
 }
 
 inline std::uint8_t slotOf(Element const& aElement, FeatureIndex aRoot) noexcept {
-  return aElement.fClass->fSlotOfFeature[aRoot];
+  return aElement.classTable()->fSlotOfFeature[aRoot];
 }
 inline bool hasSlot(Element const& aElement, FeatureIndex aRoot) noexcept {
   return slotOf(aElement, aRoot) != Kelm::ClassTable::kNoSlot;
@@ -35,33 +36,26 @@ inline bool hasSlot(Element const& aElement, FeatureIndex aRoot) noexcept {
 
 /// The pointer word of a string, reference or list.
 template <class T>
-T*& pointerSlot(Element& aElement, FeatureIndex aRoot) noexcept {
-  return reinterpret_cast<T**>(aElement.slots())[slotOf(aElement, aRoot)];
-}
-template <class T>
 T* pointerSlot(Element const& aElement, FeatureIndex aRoot) noexcept {
-  return pointerSlot<T>(const_cast<Element&>(aElement), aRoot);
+  return reinterpret_cast<T* const*>(aElement.slots())[slotOf(aElement, aRoot)];
 }
-
-inline std::uint32_t& integerSlot(Element& aElement, FeatureIndex aRoot) noexcept {
-  return reinterpret_cast<std::uint32_t*>(aElement.slots())[slotOf(aElement, aRoot)];
+inline std::uint32_t integerSlot(Element const& aElement, FeatureIndex aRoot) noexcept {
+  return reinterpret_cast<std::uint32_t const*>(aElement.slots())[slotOf(aElement, aRoot)];
 }
-
 /// `aWidth` bits of the flag word from the slot's position on.
 inline std::uint32_t flagBits(Element const& aElement, FeatureIndex aRoot, unsigned aWidth) noexcept {
-  return aElement.fFlags >> slotOf(aElement, aRoot) & ((1U << aWidth) - 1);
+  return aElement.flags() >> slotOf(aElement, aRoot) & ((1U << aWidth) - 1);
 }
-inline void setFlagBits(Element& aElement, FeatureIndex aRoot, unsigned aWidth,
-                        std::uint32_t aBits) noexcept {
-  unsigned const position = slotOf(aElement, aRoot);
-  std::uint32_t const mask = ((1U << aWidth) - 1) << position;
-  aElement.fFlags = (aElement.fFlags & ~mask) | (aBits << position & mask);
+
+/// Whether the feature's list keeps its hints in its elements: the one stored containment of its parts.
+inline bool ownsHints(Feature const& aRoot) noexcept {
+  return aRoot.fComposite && aRoot.fContainment == indexOf(aRoot);
 }
 
 /// Bits of an enumeration's number; its presence bit follows.
 inline constexpr unsigned kEnumerationBits = 4;
 
-inline int metaclassOf(Element const& aElement) noexcept { return aElement.fClass->fMetaclass; }
+inline int metaclassOf(Element const& aElement) noexcept { return aElement.classTable()->fMetaclass; }
 inline bool isA(Element const& aElement, int aMetaclass) noexcept {
   return conforms(metaclassOf(aElement), aMetaclass);
 }

@@ -3,6 +3,7 @@
 #include <charconv>
 #include <vector>
 
+#include "engine/Change.h"
 #include "engine/FeatureSequence.h"
 #include "engine/access.h"
 #include "engine/engine.h"
@@ -177,13 +178,10 @@ Object make(Kelm::Model const& aModel, int aMetaclass, std::vector<Setting> cons
   if (!aModel.isvalid()) Kelm::raiseFailure(Kelm::words::kNotInVariant, "uml_metamodel/factory/textual");
   // Reading from text may fill the model of a read-only variant: it writes in the model's own variant.
   Kelm::Deviant const writable = aModel.object().baseDeviant();
+  engine::Change change(aModel.object());
   Element* const element = detail::createElement(aMetaclass, Kelm::Model(aModel.get(), writable));
-  try {
-    for (Setting const& setting : aSettings) apply(*element, writable, setting);
-  } catch (...) {
-    engine::destroy(*element, writable);
-    throw;
-  }
+  for (Setting const& setting : aSettings) apply(*element, writable, setting);
+  change.commit();
   return Object(element, aModel.getDeviant());
 }
 

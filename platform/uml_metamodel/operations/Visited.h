@@ -27,13 +27,19 @@ class Visited {
   /// Whether the element is new to the set.
   bool insert(Element const& aElement) {
     auto& element = const_cast<Element&>(aElement);
-    if (!setMark(element, fMark, fHashed)) return false;
+    if (fMark == 0) {
+      if (!fHashed.insert(&element).second) return false;
+      fMembers.push_back(&element);
+      return true;
+    }
+    if ((element.marks() & fMark) != 0) return false;
+    // Noted before it is marked: no mark may outlive the walk, not even when memory fails.
     fMembers.push_back(&element);
-    return true;
+    return setMark(element, fMark, fHashed);
   }
   bool contains(Element const& aElement) const {
     if (fMark == 0) return fHashed.contains(&const_cast<Element&>(aElement));
-    return (aElement.fMarks & fMark) != 0;
+    return (aElement.marks() & fMark) != 0;
   }
 
   /// Whether a member is followed for the first time: a second mark on members, only for sets that ask.
@@ -59,15 +65,15 @@ class Visited {
   }
   static bool setMark(Element& aElement, std::uint8_t aMark, Hashed& aHashed) {
     if (aMark == 0) return aHashed.insert(&aElement).second;
-    if ((aElement.fMarks & aMark) != 0) return false;
-    aElement.fMarks = static_cast<std::uint8_t>(aElement.fMarks | aMark);
+    if ((aElement.marks() & aMark) != 0) return false;
+    Kelm::ElementState::marks(aElement) = static_cast<std::uint8_t>(aElement.marks() | aMark);
     return true;
   }
   void clearMarks() noexcept {
     auto const kept = static_cast<std::uint8_t>(~(fMark | fFollowedMark));
     for (std::size_t at = 0; at < fMembers.size(); ++at) {
       engine::prefetch(fMembers, at);
-      fMembers[at]->fMarks = static_cast<std::uint8_t>(fMembers[at]->fMarks & kept);
+      Kelm::ElementState::marks(*fMembers[at]) = static_cast<std::uint8_t>(fMembers[at]->marks() & kept);
     }
   }
 

@@ -33,12 +33,12 @@ Element* associationOf(Element const& aProperty) noexcept {
 }  // namespace
 
 bool isOwnedByAssociation(Element const& aProperty) noexcept {
-  return aProperty.fContainer != nullptr && aProperty.fContainerFeature == ids::Association::OwnedEnd;
+  return aProperty.container() != nullptr && aProperty.containerFeature() == ids::Association::OwnedEnd;
 }
 
 bool isAttribute(Element const& aProperty) noexcept {
-  if (aProperty.fContainer == nullptr) return false;
-  auto const& containment = engine::feature(aProperty.fContainerFeature);
+  if (aProperty.container() == nullptr) return false;
+  auto const& containment = engine::feature(aProperty.containerFeature());
   return containment.fGivesFeaturingClassifier && !isOwnedByAssociation(aProperty);
 }
 
@@ -71,7 +71,7 @@ Elements subsettingContext(Element const& aProperty) {
     }
     return types;
   }
-  return isAttribute(aProperty) ? Elements{aProperty.fContainer} : Elements();
+  return isAttribute(aProperty) ? Elements{aProperty.container()} : Elements();
 }
 
 Element* returnParameter(Element const& aOwner, engine::FeatureIndex aParameters) {
@@ -108,7 +108,7 @@ Elements allConnections(Element const& aAssociationClass) {
 
 Element* metaclassEnd(Element const& aExtension) {
   for (Element* const end : values::elements(aExtension, ids::Association::MemberEnd))
-    if (end->fContainer != &aExtension || !isOwnedByAssociation(*end)) return end;
+    if (end->container() != &aExtension || !isOwnedByAssociation(*end)) return end;
   return nullptr;
 }
 

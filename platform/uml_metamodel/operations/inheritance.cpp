@@ -138,7 +138,7 @@ class UpwardWalk {
       engine::prefetch(aMembers, at);
       Element* const member = aMembers[at];
       if (member == nullptr || isPrivate(*member)) continue;
-      if (member->fReferrers == 0 || !isKeptBack(*member)) fFound.push_back(member);
+      if (!member->hasReferrers() || !isKeptBack(*member)) fFound.push_back(member);
     }
   }
 

@@ -125,7 +125,7 @@ Kelm::StringObject* qualifiedName(Element const& aNamed) {
 
 Elements ownedMembers(Element const& aNamespace) {
   Elements owned;
-  if ((aNamespace.fMarks & Element::HasContents) == 0) return owned;
+  if ((aNamespace.marks() & Element::HasContents) == 0) return owned;
   for (engine::FeatureIndex const index : sOwnedMembers.of(engine::metaclassOf(aNamespace)))
     engine::collect(aNamespace, engine::feature(index), owned);
   return owned;

@@ -19,8 +19,8 @@ namespace queries {
 namespace {}  // namespace
 
 Element* nearestOwner(Element const& aElement, int aMetaclass) noexcept {
-  Element* owner = aElement.fContainer;
-  while (owner != nullptr && !isA(*owner, aMetaclass)) owner = owner->fContainer;
+  Element* owner = aElement.container();
+  while (owner != nullptr && !isA(*owner, aMetaclass)) owner = owner->container();
   return owner;
 }
 

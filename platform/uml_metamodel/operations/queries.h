@@ -37,9 +37,9 @@ Elements allOwningPackages(Element const& aElement);
 
 /// The container if it holds the element among its owned members, else null.
 inline Element* namespaceOf(Element const& aElement) noexcept {
-  Element* const container = aElement.fContainer;
+  Element* const container = aElement.container();
   if (container == nullptr) return nullptr;
-  return engine::feature(aElement.fContainerFeature).fGivesNamespace ? container : nullptr;
+  return engine::feature(aElement.containerFeature()).fGivesNamespace ? container : nullptr;
 }
 inline std::u16string_view nameOf(Element const& aNamed) noexcept {
   return values::text(aNamed, ids::NamedElement::Name);

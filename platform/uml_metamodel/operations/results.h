@@ -22,7 +22,7 @@ using engine::Element;
 template <class Intf>
 Element const* given(Kelm::Handle<Intf> const& aArgument) noexcept {
   Element const* const element = aArgument.get();
-  return element == nullptr || element->fModel == nullptr ? nullptr : element;
+  return element == nullptr || element->model() == nullptr ? nullptr : element;
 }
 
 /// The elements of a sequence argument in order; none for a null one.

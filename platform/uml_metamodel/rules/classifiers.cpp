@@ -36,14 +36,14 @@ void insertGeneral(engine::Element& aElement, engine::Element& aValue, engine::E
     auto* const list = engine::pointerSlot<engine::ElementList>(aElement, ids::Classifier::Generalization);
     position = list->positionOf(leadingTo(aElement, *aBefore).front(), true);
   }
-  auto& generalization = engine::create(ids::metaclass::Generalization, *aElement.fModel);
+  auto& generalization = engine::Change::create(ids::metaclass::Generalization, *aElement.model());
   engine::link(generalization, engine::feature(ids::Generalization::General), aValue);
   engine::link(aElement, generalizations(), generalization, position);
 }
 
 void eraseGeneral(engine::Element& aElement, engine::Element& aValue) {
   for (engine::Element* const generalization : leadingTo(aElement, aValue))
-    engine::destroy(*generalization, aElement.fModel->baseDeviant());
+    engine::destroy(*generalization, aElement.model()->baseDeviant());
 }
 
 void arrangeGeneral(engine::Element& aElement, std::vector<engine::Element*> const& aOrder) {

@@ -14,8 +14,8 @@ using engine::Element;
 engine::Feature const& role() noexcept { return engine::feature(ids::ConnectorEnd::Role); }
 
 Element* definingEnd(Element const& aEnd) {
-  Element const* const connector = aEnd.fContainer;
-  if (connector == nullptr || aEnd.fContainerFeature != ids::Connector::End) return nullptr;
+  Element const* const connector = aEnd.container();
+  if (connector == nullptr || aEnd.containerFeature() != ids::Connector::End) return nullptr;
   Element const* const type = values::reference(*connector, ids::Connector::Type);
   if (type == nullptr) return nullptr;
   auto* const memberEnds = engine::pointerSlot<engine::ElementList>(*type, ids::Association::MemberEnd);
@@ -33,7 +33,7 @@ void arrangeEnds(Element& aConnectable, std::vector<Element*> const& aOrder) {
   std::vector<engine::Reference> references;
   references.reserve(aOrder.size());
   for (Element* const end : aOrder) references.push_back({end, ids::ConnectorEnd::Role});
-  engine::Referrers::arrange(aConnectable, references);
+  engine::Change::arrangeReferrers(aConnectable, references);
 }
 
 }  // namespace

@@ -9,14 +9,14 @@ namespace {
 
 /// The feature that holds the element, as its container has it.
 engine::Feature const& holder(engine::Element const& aElement) noexcept {
-  return engine::seenOn(*aElement.fContainer, engine::feature(aElement.fContainerFeature));
+  return engine::seenOn(*aElement.container(), engine::feature(aElement.containerFeature()));
 }
 
 }  // namespace
 
 engine::Rule const Element::Owner{
     .fValue = [](engine::Element const& aElement, Kelm::Deviant const& aDeviant) {
-      return Kelm::Object(aElement.fContainer, aDeviant);
+      return Kelm::Object(aElement.container(), aDeviant);
     }};
 
 engine::Rule const NamedElement::Namespace{
@@ -26,8 +26,8 @@ engine::Rule const NamedElement::Namespace{
 
 engine::Rule const Feature::FeaturingClassifier{
     .fValues = [](engine::Element const& aElement, std::vector<engine::Element*>& aOut) {
-      if (aElement.fContainer != nullptr && holder(aElement).fGivesFeaturingClassifier)
-        aOut.push_back(aElement.fContainer);
+      if (aElement.container() != nullptr && holder(aElement).fGivesFeaturingClassifier)
+        aOut.push_back(aElement.container());
     }};
 
 // A behavior's context may be a classifier further out than the one that nests it.
@@ -38,9 +38,9 @@ engine::Rule const RedefinableElement::RedefinitionContext{
         behaviored = queries::nearestOwner(aElement, ids::metaclass::BehavioredClassifier);
         if (behaviored != nullptr) aOut.push_back(behaviored);
       }
-      if (aElement.fContainer != nullptr && aElement.fContainer != behaviored &&
+      if (aElement.container() != nullptr && aElement.container() != behaviored &&
           holder(aElement).fGivesContext)
-        aOut.push_back(aElement.fContainer);
+        aOut.push_back(aElement.container());
     }};
 
 }  // namespace umlmm::rules

@@ -154,7 +154,7 @@ struct DefaultText {
     Element* const value = values::reference(aElement, Value);
     Form const* const form = formOf(value);
     if (form != nullptr && form->fTake != nullptr && form->fTake(*value, aDeviant, aText)) return;
-    Element& literal = engine::create(ids::metaclass::LiteralString, *aElement.fModel);
+    Element& literal = engine::Change::create(ids::metaclass::LiteralString, *aElement.model());
     takeString(literal, aDeviant, aText);
     replaceValue(aElement, Value, &literal);
   }

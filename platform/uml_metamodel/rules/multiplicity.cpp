@@ -57,12 +57,12 @@ void set(engine::Element& aElement, Kelm::Deviant const&, Kelm::Object const& aV
     replaceValue(aElement, Side.fValue, nullptr);
   } else {
     if (literal == nullptr || !queries::isA(*literal, Side.fLiteral)) {
-      literal = &engine::create(Side.fLiteral, *aElement.fModel);
+      literal = &engine::Change::create(Side.fLiteral, *aElement.model());
       replaceValue(aElement, Side.fValue, literal);
     }
-    engine::integerSlot(*literal, Side.fNumber) = aValue.getDeviant().value();
+    engine::Change::setInteger(*literal, Side.fNumber, aValue.getDeviant().value());
   }
-  engine::setFlagBits(aElement, Side.fBound, 1, 0);
+  engine::Change::setFlags(aElement, Side.fBound, 1, 0);
 }
 
 }  // namespace

@@ -18,7 +18,7 @@ engine::Element* resultOf(engine::Element const& aOperation) {
 }
 
 engine::Element& makeResult(engine::Element& aOperation, Kelm::Deviant const& aDeviant) {
-  auto& parameter = engine::create(ids::metaclass::Parameter, *aOperation.fModel);
+  auto& parameter = engine::Change::create(ids::metaclass::Parameter, *aOperation.model());
   engine::write(parameter, aDeviant, engine::feature(ids::Parameter::Direction),
                 ParameterDirectionKind(ParameterDirectionKind::Return));
   engine::link(aOperation, engine::feature(ids::BehavioralFeature::OwnedParameter), parameter);

@@ -40,7 +40,7 @@ Element* associationOf(Element const& aProperty) noexcept {
 Element& makeAssociation(Element& aProperty, Element& aOther) {
   Element* package = queries::nearestOwner(aProperty, ids::metaclass::Package);
   if (package == nullptr) package = queries::nearestOwner(aOther, ids::metaclass::Package);
-  Element& association = engine::create(ids::metaclass::Association, *aProperty.fModel);
+  Element& association = engine::Change::create(ids::metaclass::Association, *aProperty.model());
   if (package != nullptr) engine::link(*package, engine::feature(ids::Package::PackagedElement), association);
   return association;
 }

@@ -8,7 +8,7 @@ namespace umlmm::rules {
 
 void replaceValue(engine::Element& aOwner, engine::FeatureIndex aRoot, engine::Element* aLiteral) {
   if (engine::Element* const old = values::reference(aOwner, aRoot))
-    engine::destroy(*old, aOwner.fModel->baseDeviant());
+    engine::destroy(*old, aOwner.model()->baseDeviant());
   if (aLiteral != nullptr) engine::link(aOwner, engine::feature(aRoot), *aLiteral);
 }
 

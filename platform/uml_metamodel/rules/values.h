@@ -28,7 +28,7 @@ inline int literal(Element const& aElement, FeatureIndex aRoot) noexcept {
 
 /// Integers as stored; unlimited naturals have all bits set when unlimited.
 inline std::uint32_t number(Element const& aElement, FeatureIndex aRoot) noexcept {
-  return engine::integerSlot(const_cast<Element&>(aElement), aRoot);
+  return engine::integerSlot(aElement, aRoot);
 }
 
 /// The text record, or null when it is unset.

@@ -17,6 +17,12 @@ using Element = ElementList::Element;
 Kelm::Blocks::Owner const sBlocks = Kelm::Blocks::make();
 
 /// A list beside the plain vector that tells what it should hold.
+struct Erased {
+  std::uint32_t fPosition;
+  Element* fElement;
+  Element* fPrevious;
+};
+
 class Pair {
  public:
   explicit Pair(bool aOwning) : fOwning(aOwning) {}
@@ -34,6 +40,17 @@ class Pair {
     EXPECT_TRUE(fList->erase(fModel[aPosition], fOwning));
     EXPECT_FALSE(fList->contains(fModel[aPosition], fOwning));
     fModel.erase(fModel.begin() + aPosition);
+  }
+  Erased take(std::uint32_t aPosition) {
+    Element* const element = fModel[aPosition];
+    Element* const previous = fList->before(element, fOwning);
+    EXPECT_EQ(previous, aPosition == 0 ? nullptr : fModel[aPosition - 1]);
+    erase(aPosition);
+    return {aPosition, element, previous};
+  }
+  void restore(Erased const& aErased) {
+    fList->restore(aErased.fPrevious, aErased.fElement, fOwning);
+    fModel.insert(fModel.begin() + aErased.fPosition, aErased.fElement);
   }
   void move(std::uint32_t aFrom, std::uint32_t aTo) {
     std::vector<int> from{static_cast<int>(aFrom)};
@@ -116,6 +133,26 @@ TEST_P(Lists, DoWhatAVectorDoes) {
   }
 }
 
+// Erased in any order, near and far from each other, and put back in the opposite order.
+TEST_P(Lists, TakeBackWhatWasErased) {
+  std::mt19937 random(4711);
+  for (std::uint32_t const size : {1U, 7U, 40U, 2'000U}) {
+    for (int const share : {0, 50, 100}) {
+      Pair pair(GetParam());
+      for (std::uint32_t i = 0; i < size; ++i) pair.append();
+      std::vector<Erased> erased;
+      while (pair.size() > size / 4) {
+        bool const isFirst = static_cast<int>(random() % 100) < share;
+        erased.push_back(
+            pair.take(isFirst ? pair.size() / 8 : static_cast<std::uint32_t>(random()) % pair.size()));
+      }
+      for (; !erased.empty(); erased.pop_back()) pair.restore(erased.back());
+      pair.checkEntries();
+      pair.checkPosition(size / 2);
+    }
+  }
+}
+
 TEST_P(Lists, CanBeEmptiedFromBothEndsAndFilledAgain) {
   Pair pair(GetParam());
   for (int round = 0; round < 3; ++round) {
@@ -143,7 +180,7 @@ TEST_P(Lists, DoNotFindWhatTheyDoNotHold) {
   for (int i = 0; i < 100; ++i) pair.append();
   for (std::int32_t const hint : {0, 50, 99, 100, -1, INT32_MAX, INT32_MIN}) {
     TestElement stranger;
-    stranger.fHint = hint;
+    Kelm::ElementState::hint(stranger) = hint;
     EXPECT_EQ(pair.list()->find(&stranger, GetParam()), ElementList::kNotFound);
     EXPECT_EQ(pair.list()->positionOf(&stranger, GetParam()), ElementList::kNotFound);
     EXPECT_FALSE(pair.list()->erase(&stranger, GetParam()));
@@ -186,7 +223,7 @@ TEST(ElementList, RoomCanBeMadeFirst) {
   ElementList* list = nullptr;
   TestElement element;
   for (int i = 0; i < 100; ++i) {
-    ElementList::reserveOne(list, *sBlocks);
+    ElementList::reserve(list, *sBlocks, 1);
     ElementList const* const before = list;
     ElementList::insert(list, *sBlocks, 0, &element, false);
     EXPECT_EQ(list, before) << "a list with room stays where it is";

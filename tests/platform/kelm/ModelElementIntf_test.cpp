@@ -19,13 +19,13 @@ constexpr char kSource[] = "kelm/Kelm/ClassObject";
 
 TEST(BareInterface, AnswersAsIfNobodyStoodBehindIt) {
   TestElement bare(nullptr);
-  bare.fHint = 3;
+  Kelm::ElementState::hint(bare) = 3;
   EXPECT_EQ(bare.incRef(), 0);
   EXPECT_EQ(bare.decRef(), 0);
   EXPECT_EQ(bare.numRef(), 0);
   EXPECT_EQ(Kelm::queryInterface<ClassObjectIntf>(&bare), nullptr);
   OpenModel const model;
-  bare.fModel = &model.object();
+  Kelm::ElementState::model(bare) = &model.object();
   EXPECT_FALSE(bare.deviant_isValid(model.base()));
   EXPECT_TRUE(bare.getMetaClass().isNull());
 
@@ -40,7 +40,7 @@ TEST(Element, ExistsInTheVariantsOfItsOpenModelOnly) {
   OpenModel const model;
   OpenModel const other;
   TestElement element;
-  element.fModel = &model.object();
+  Kelm::ElementState::model(element) = &model.object();
   EXPECT_TRUE(element.deviant_isValid(model.base()));
   EXPECT_TRUE(element.deviant_isValid(model.object().readOnlyDeviant()));
   EXPECT_FALSE(element.deviant_isValid(other.base()));

@@ -21,7 +21,7 @@ class Dropping : public testing::Test {
       if (aModel.roots() == nullptr) return;
       for (auto* const element : *aModel.roots()) {
         if (element == nullptr) continue;
-        element->fModel = nullptr;
+        Kelm::ElementState::model(*element) = nullptr;
         element->decRef();
       }
     };

@@ -29,19 +29,28 @@ class UMLMM_API ElementList {
   /// Puts the element before position `aPosition` (0-based among the elements; at most size).
   static void insert(ElementList*& aList, Blocks& aBlocks, std::uint32_t aPosition, Element* aElement,
                      bool aOwning);
-  /// Makes room for one more element, so that the next append or insert can't fail.
-  static void reserveOne(ElementList*& aList, Blocks& aBlocks);
+  /// Makes room for more elements, so that as many appends or inserts can't fail.
+  static void reserve(ElementList*& aList, Blocks& aBlocks, std::uint32_t aCount) {
+    if (aList == nullptr || aList->fCapacity - aList->fEnd < aCount) [[unlikely]]
+      makeRoom(aList, aBlocks, aCount);
+  }
   static void destroy(ElementList* aList) noexcept;
   static std::uint32_t size(ElementList const* aList) noexcept { return aList ? aList->fLive : 0; }
 
   std::uint32_t size() const noexcept { return fLive; }
   /// Entry number of the element (of its first occurrence, in lists that take one twice), or kNotFound.
   /// Entries are counted with the holes; the numbers hold until the next change or question for a position.
-  std::uint32_t find(Element const* aElement, bool aOwning);
-  bool contains(Element const* aElement, bool aOwning) { return find(aElement, aOwning) != kNotFound; }
+  std::uint32_t find(Element const* aElement, bool aOwning) noexcept;
+  bool contains(Element const* aElement, bool aOwning) noexcept {
+    return find(aElement, aOwning) != kNotFound;
+  }
+  /// The element before one of the list, or null before the first: where `restore` finds its place.
+  Element* before(Element const* aElement, bool aOwning) noexcept;
+  /// Puts an element back that was erased; needs no memory as long as nothing else came instead.
+  void restore(Element const* aPrevious, Element* aElement, bool aOwning) noexcept;
   /// Removes the entry at an answer of `find`.
-  void eraseEntry(std::uint32_t aEntry, bool aOwning);
-  bool erase(Element const* aElement, bool aOwning);
+  void eraseEntry(std::uint32_t aEntry, bool aOwning) noexcept;
+  bool erase(Element const* aElement, bool aOwning) noexcept;
   /// The element at a position; closes the holes.
   Element* at(std::uint32_t aPosition);
   /// Position of an answer of `find` among the elements; closes the holes.
@@ -49,7 +58,7 @@ class UMLMM_API ElementList {
   /// The element at position `aFrom[i]` comes to `aTo[i]`; both name the same positions, each once.
   void rearrange(std::span<int const> aFrom, std::span<int const> aTo, bool aOwning);
   /// Puts the elements into the order given, which must hold each of them once.
-  void reorder(std::span<Element* const> aOrder, bool aOwning);
+  void reorder(std::span<Element* const> aOrder, bool aOwning) noexcept;
   /// Takes all out; memory and proxy stay.
   void clear() noexcept;
 
@@ -74,8 +83,9 @@ class UMLMM_API ElementList {
   ~ElementList();
   static std::size_t bytesFor(std::uint32_t aCapacity) noexcept;
   static ElementList* allocate(Blocks& aBlocks, std::uint32_t aCapacity);
-  static ElementList* grown(ElementList* aList, Blocks& aBlocks);
-  void put(std::uint32_t aEntry, Element* aElement, bool aOwning);
+  static ElementList* grown(ElementList* aList, Blocks& aBlocks, std::uint32_t aCapacity);
+  static void makeRoom(ElementList*& aList, Blocks& aBlocks, std::uint32_t aCount);
+  void put(std::uint32_t aEntry, Element* aElement, bool aOwning) noexcept;
   void closeHoles() noexcept;
   void closeFront() noexcept;
   void renewHints(bool aOwning) noexcept;

@@ -6,6 +6,10 @@
 #include "kelm/ClassTable.h"
 #include "kelm/ModelObject.h"
 
+namespace Kelm {
+class ElementState;
+}
+
 namespace Kelm::NSInterface {
 
 /// The kernel part of every element: counts, identity, container and slots. All that does not depend on the
@@ -41,10 +45,20 @@ class UMLMM_API ModelElementIntf : public ClassObjectIntf {
   void setKernelEntry(Deviant const& aDeviant, unsigned aId, Object const& aValue) final;
   Generic::SequenceIntf* getKernelSequence(Deviant const& aDeviant, unsigned aId) const final;
 
-  // Below: for the metamodel's implementation only.
+  // Below: for the metamodel's implementation only, which changes what is read here through ElementState.
 
   /// Null for a bare interface.
   ClassTable const* classTable() const noexcept { return fClass; }
+  /// Null for an element at the top level, and for one that is gone.
+  ModelElementIntf* container() const noexcept { return fContainer; }
+  /// The stored containment feature that holds the element; meaningless without a container.
+  std::uint16_t containerFeature() const noexcept { return fContainerFeature; }
+  /// Null once the element is destroyed or its model closed.
+  ModelObject* model() const noexcept { return fModel; }
+  /// Booleans and enumerations, as the class table lays them out.
+  std::uint32_t flags() const noexcept { return fFlags; }
+  /// Whether anybody refers to the element through a feature without a far end.
+  bool hasReferrers() const noexcept { return fReferrers != 0; }
   /// Whether the element lives, its model is open, and the deviant is one of that model.
   bool existsIn(Deviant const& aDeviant) const noexcept {
     Variant const* const variant = aDeviant.variant();
@@ -52,10 +66,9 @@ class UMLMM_API ModelElementIntf : public ClassObjectIntf {
   }
 
   /// First slot word.
-  std::uint64_t* slots() noexcept {
-    return reinterpret_cast<std::uint64_t*>(reinterpret_cast<char*>(this) + fClass->fSlotOffset);
+  std::uint64_t const* slots() const noexcept {
+    return reinterpret_cast<std::uint64_t const*>(reinterpret_cast<char const*>(this) + fClass->fSlotOffset);
   }
-  std::uint64_t const* slots() const noexcept { return const_cast<ModelElementIntf*>(this)->slots(); }
 
   enum Mark : std::uint8_t {
     HasContents = 1,   ///< Something was put into it once: only such elements can close a cycle of ownership.
@@ -65,9 +78,7 @@ class UMLMM_API ModelElementIntf : public ClassObjectIntf {
     WalkMarks = 0xF0   ///< For walks over the model; clear between them.
   };
   /// Marks, added up.
-  std::uint8_t fMarks = 0;
-  /// The stored containment feature that holds the element; meaningless without a container.
-  std::uint16_t fContainerFeature = 0;
+  std::uint8_t marks() const noexcept { return fMarks; }
 
  protected:
   ModelElementIntf() noexcept = default;
@@ -79,11 +90,13 @@ class UMLMM_API ModelElementIntf : public ClassObjectIntf {
  private:
   [[noreturn]] void raiseNoElement() const;
 
- public:
+  friend class Kelm::ElementState;
+
+  std::uint8_t fMarks = 0;
+  std::uint16_t fContainerFeature = 0;
   mutable std::int32_t fCount = 0;
   ClassTable const* fClass = nullptr;
   ModelElementIntf* fContainer = nullptr;
-  /// Null once the element is destroyed or its model closed.
   ModelObject* fModel = nullptr;
   /// Where the element stood last in the list that owns it.
   std::int32_t fHint = 0;
@@ -92,6 +105,41 @@ class UMLMM_API ModelElementIntf : public ClassObjectIntf {
   /// what the metamodel keeps of it.
   std::uintptr_t fReferrers = 0;
 };
+
+}  // namespace Kelm::NSInterface
+
+namespace Kelm {
+
+/// The one way to write what an element is made of. The gate of changes uses it, with the few that keep its
+/// books: lists of elements, the model's top level, who refers to whom, marks of walks. Everybody else reads.
+class ElementState {
+ public:
+  using Element = NSInterface::ModelElementIntf;
+
+  static std::uint8_t& marks(Element& aElement) noexcept { return aElement.fMarks; }
+  static std::uint16_t& containerFeature(Element& aElement) noexcept { return aElement.fContainerFeature; }
+  static Element*& container(Element& aElement) noexcept { return aElement.fContainer; }
+  static ModelObject*& model(Element& aElement) noexcept { return aElement.fModel; }
+  static std::int32_t& hint(Element& aElement) noexcept { return aElement.fHint; }
+  static std::uint32_t& flags(Element& aElement) noexcept { return aElement.fFlags; }
+  static std::uintptr_t& referrers(Element& aElement) noexcept { return aElement.fReferrers; }
+  static std::uintptr_t referrers(Element const& aElement) noexcept { return aElement.fReferrers; }
+  static std::uint64_t* slots(Element& aElement) noexcept {
+    return const_cast<std::uint64_t*>(aElement.slots());
+  }
+  static ClassTable const*& table(Element& aElement) noexcept { return aElement.fClass; }
+  /// Brings a fresh element, with one count, to the class and into the model.
+  static void begin(Element& aElement, ClassTable const& aClass, ModelObject& aModel) noexcept {
+    aElement.fClass = &aClass;
+    aElement.fFlags = aClass.fDefaultFlags;
+    aElement.fModel = &aModel;
+    aElement.fCount = 1;
+  }
+};
+
+}  // namespace Kelm
+
+namespace Kelm::NSInterface {
 
 /// Set by the metamodel: the name of a metaclass by index, for the failure of a bare interface.
 UMLMM_API extern char const* (*metaclassName)(int aMetaclass);

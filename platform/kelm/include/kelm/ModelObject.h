@@ -10,6 +10,9 @@
 
 namespace Kelm {
 
+/// What the metamodel notes of a change, to take it back.
+class ChangeRecord;
+
 /// What the metamodel keeps with a model, such as its index of elements by metaclass.
 class UMLMM_API ModelCompanion {
  public:
@@ -74,8 +77,13 @@ class UMLMM_API ModelObject final : public NSInterface::ModelIntf {
   /// Takes an element without a container into the model, which takes over one of its counts. Nothing has
   /// changed if it raises.
   void addRoot(NSInterface::ModelElementIntf* aElement);
+  /// Makes room for more top-level elements, so that adding them can't fail.
+  void reserveRoots(std::uint32_t aCount) { ElementList::reserve(fRoots, *fBlocks, aCount); }
   /// Lets a top-level element go, without giving back its count.
-  void removeRoot(NSInterface::ModelElementIntf* aElement);
+  void removeRoot(NSInterface::ModelElementIntf* aElement) noexcept;
+  /// Undoes `removeRoot`; `aPrevious` stood before the element, null for the first.
+  void restoreRoot(NSInterface::ModelElementIntf* aPrevious,
+                   NSInterface::ModelElementIntf* aElement) noexcept;
   ElementList* roots() const noexcept { return fRoots; }
   /// Memory for its elements and their lists.
   Blocks& blocks() const noexcept { return *fBlocks; }
@@ -83,6 +91,10 @@ class UMLMM_API ModelObject final : public NSInterface::ModelIntf {
   /// Counts every change in the model, so that computed values know when they are stale.
   std::uint64_t revision() const noexcept { return fRevision; }
   void noteChange() noexcept { ++fRevision; }
+
+  /// The record of the change that is under way, or null.
+  ChangeRecord* record() const noexcept { return fRecord; }
+  void setRecord(ChangeRecord* aRecord) noexcept { fRecord = aRecord; }
 
   ModelCompanion* companion() const noexcept { return fCompanion; }
   /// The model takes ownership and deletes the old one.
@@ -103,6 +115,7 @@ class UMLMM_API ModelObject final : public NSInterface::ModelIntf {
   std::uint64_t fRevision = 1;
   Variant* fBase;
   Variant* fReadOnly = nullptr;
+  ChangeRecord* fRecord = nullptr;
   ElementList* fRoots = nullptr;
   Blocks::Owner fBlocks = Blocks::make();
   ModelCompanion* fCompanion = nullptr;

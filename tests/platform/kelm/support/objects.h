@@ -23,8 +23,8 @@ class CountedObject : public Kelm::NSInterface::ObjectIntf {
 /// An element without slots.
 class TestElement final : public Kelm::NSInterface::ModelElementIntf {
  public:
-  TestElement() { fClass = &table(); }
-  explicit TestElement(Kelm::ClassTable const* aTable) { fClass = aTable; }
+  TestElement() : TestElement(&table()) {}
+  explicit TestElement(Kelm::ClassTable const* aTable) { Kelm::ElementState::table(*this) = aTable; }
   ~TestElement() override { ++sDeleted; }
 
   static Kelm::ClassTable const& table() {

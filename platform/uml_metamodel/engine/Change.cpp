@@ -1,0 +1,167 @@
+#include "engine/Change.h"
+
+namespace umlmm::engine {
+
+Change::Change(Kelm::ModelObject& aModel)
+    : fModel(aModel),
+      fRecord(aModel.record() != nullptr ? *aModel.record() : fOwn.emplace()),
+      fMark(fRecord.size()) {
+  if (fOwn) fModel.setRecord(&*fOwn);
+}
+
+Change::~Change() {
+  if (!fIsCommitted) fRecord.takeBack(fMark);
+  if (!fOwn) return;
+  fModel.setRecord(nullptr);
+  fRecord.finish();
+}
+
+void Change::noteNumber(Step::Kind aKind, Element& aElement, FeatureIndex aRoot, std::uint32_t aNumber) {
+  record(aElement)->note({aKind, aRoot, aNumber, &aElement, nullptr, nullptr});
+}
+
+void Change::noteText(Element& aElement, Feature const& aRoot, Kelm::StringObject* aText) {
+  auto*& slot = pointer<Kelm::StringObject>(aElement, indexOf(aRoot));
+  record(aElement)->note({Step::Kind::Text, indexOf(aRoot), 0, &aElement, slot, nullptr});
+  if (aText != nullptr) aText->incRef();
+  slot = aText;
+  aElement.model()->noteChange();
+}
+
+void Change::put(Element& aOwner, Feature const& aRoot, Element& aValue, std::uint32_t aPosition) {
+  bool const owning = ownsHints(aRoot);
+  if (aRoot.fStorage == Storage::List) {
+    auto*& list = pointer<ElementList>(aOwner, indexOf(aRoot));
+    if (aPosition >= ElementList::size(list))
+      ElementList::append(list, aOwner.model()->blocks(), &aValue, owning);
+    else
+      ElementList::insert(list, aOwner.model()->blocks(), aPosition, &aValue, owning);
+  } else {
+    pointer<Element>(aOwner, indexOf(aRoot)) = &aValue;
+  }
+  if (owning) contain(aOwner, aRoot, aValue);
+}
+
+void Change::contain(Element& aOwner, Feature const& aRoot, Element& aValue) noexcept {
+  State::container(aValue) = &aOwner;
+  State::containerFeature(aValue) = indexOf(aRoot);
+  State::marks(aOwner) |= Element::HasContents;
+}
+
+void Change::putBack(Element& aOwner, Feature const& aRoot, Element& aValue, Element* aPrevious) noexcept {
+  bool const owning = ownsHints(aRoot);
+  if (aRoot.fStorage == Storage::List)
+    pointer<ElementList>(aOwner, indexOf(aRoot))->restore(aPrevious, &aValue, owning);
+  else
+    pointer<Element>(aOwner, indexOf(aRoot)) = &aValue;
+  if (owning) contain(aOwner, aRoot, aValue);
+}
+
+void Change::take(Element& aOwner, Feature const& aRoot, Element& aValue) noexcept {
+  bool const owning = ownsHints(aRoot);
+  if (aRoot.fStorage == Storage::List)
+    pointer<ElementList>(aOwner, indexOf(aRoot))->erase(&aValue, owning);
+  else
+    pointer<Element>(aOwner, indexOf(aRoot)) = nullptr;
+  if (owning) State::container(aValue) = nullptr;
+}
+
+void Change::enterRoots(Element& aElement, Kelm::ChangeRecord* aOpen) {
+  if (aOpen != nullptr) [[unlikely]]
+    aOpen->note({Step::Kind::RootAdded, kNoFeature, 0, &aElement, nullptr, nullptr});
+  aElement.model()->addRoot(&aElement);
+}
+
+void Change::leaveRoots(Element& aElement, Kelm::ChangeRecord* aOpen) {
+  Kelm::ModelObject& model = *aElement.model();
+  if (aOpen != nullptr) [[unlikely]] {
+    Element* const previous = model.roots()->before(&aElement, true);
+    aOpen->note({Step::Kind::RootRemoved, kNoFeature, 0, &aElement, nullptr, previous});
+  }
+  model.removeRoot(&aElement);
+}
+
+void Change::insert(Element& aOwner, Feature const& aRoot, Element& aValue, std::uint32_t aPosition) {
+  Kelm::ChangeRecord* const open = record(aOwner);
+  bool const isPart = ownsHints(aRoot);
+  bool const isNoted = !isPart && aRoot.fOpposite == kNoFeature;
+  if (isPart) leaveRoots(aValue, open);
+  if (open != nullptr) [[unlikely]]
+    open->note({Step::Kind::Stored, indexOf(aRoot), isNoted ? 1U : 0U, &aOwner, &aValue, nullptr});
+  put(aOwner, aRoot, aValue, aPosition);
+  if (isNoted) Referrers::add(aValue, {&aOwner, indexOf(aRoot)});
+  aOwner.model()->noteChange();
+}
+
+void Change::erase(Element& aOwner, Feature const& aRoot, Element& aValue) {
+  bool const owning = ownsHints(aRoot);
+  Kelm::ChangeRecord* const open = record(aOwner);
+  if (open != nullptr) [[unlikely]] {
+    Element* const previous = aRoot.fStorage == Storage::List
+                                  ? pointerSlot<ElementList>(aOwner, indexOf(aRoot))->before(&aValue, owning)
+                                  : nullptr;
+    open->note({Step::Kind::Dropped, indexOf(aRoot), 0, &aOwner, &aValue, previous});
+  }
+  take(aOwner, aRoot, aValue);
+  if (owning) {
+    // One that is being destroyed has no place at the top level.
+    if ((aValue.marks() & Element::Dying) == 0) enterRoots(aValue, open);
+  } else if (aRoot.fOpposite == kNoFeature) {
+    forget(aOwner, aRoot, aValue);
+  }
+  aOwner.model()->noteChange();
+}
+
+void Change::forget(Element& aOwner, Feature const& aRoot, Element& aValue) {
+  Reference const reference{&aOwner, indexOf(aRoot)};
+  Kelm::ChangeRecord* const open = record(aOwner);
+  if (open == nullptr) [[likely]]
+    return Referrers::remove(aValue, reference);
+  open->reserve();
+  std::uint32_t const place = Referrers::strike(aValue, reference);
+  open->note({Step::Kind::Unreferred, indexOf(aRoot), place, &aOwner, &aValue, nullptr});
+}
+
+void Change::arrange(Element& aOwner, Feature const& aRoot, std::span<Element* const> aOrder) {
+  ElementList& list = *pointerSlot<ElementList>(aOwner, indexOf(aRoot));
+  if (Kelm::ChangeRecord* const open = record(aOwner)) {
+    std::vector<std::uintptr_t> old;
+    for (Element* const value : list.dense()) old.push_back(reinterpret_cast<std::uintptr_t>(value));
+    open->reserve();
+    open->note({Step::Kind::Arranged, indexOf(aRoot), open->keep(std::move(old)), &aOwner, nullptr, nullptr});
+  }
+  list.reorder(aOrder, ownsHints(aRoot));
+  aOwner.model()->noteChange();
+}
+
+void Change::rearrange(Element& aOwner, Feature const& aRoot, std::span<int const> aFrom,
+                       std::span<int const> aTo) {
+  ElementList& list = *pointerSlot<ElementList>(aOwner, indexOf(aRoot));
+  if (record(aOwner) != nullptr) {
+    auto const values = list.dense();
+    std::vector<Element*> order(values.begin(), values.end());
+    for (std::size_t i = 0; i < aTo.size(); ++i)
+      order[static_cast<std::size_t>(aTo[i])] = values[static_cast<std::size_t>(aFrom[i])];
+    return arrange(aOwner, aRoot, order);
+  }
+  list.rearrange(aFrom, aTo, ownsHints(aRoot));
+  aOwner.model()->noteChange();
+}
+
+void Change::reorder(Element& aOwner, Feature const& aRoot,
+                     std::vector<std::uintptr_t> const& aOrder) noexcept {
+  auto* const order = reinterpret_cast<Element* const*>(aOrder.data());
+  pointer<ElementList>(aOwner, indexOf(aRoot))->reorder({order, aOrder.size()}, ownsHints(aRoot));
+}
+
+void Change::arrangeReferrers(Element& aValue, std::vector<Reference> const& aOrder) {
+  if (Kelm::ChangeRecord* const open = record(aValue)) {
+    open->reserve();
+    std::uint32_t const kept = open->keep(Referrers::words(aValue));
+    open->note({Step::Kind::ReferrersArranged, kNoFeature, kept, &aValue, nullptr, nullptr});
+  }
+  Referrers::arrange(aValue, aOrder);
+  aValue.model()->noteChange();
+}
+
+}  // namespace umlmm::engine

@@ -1,0 +1,142 @@
+#pragma once
+
+#include <optional>
+#include <span>
+
+#include "engine/ChangeRecord.h"
+#include "engine/slots.h"
+#include "kelm/String.h"
+
+namespace umlmm::engine {
+
+inline constexpr std::uint32_t kAtEnd = UINT32_MAX;
+
+/// The gate through which everything changes that elements hold. Its steps are all there are: each is made as
+/// a whole or not at all, takes the model to its next revision and keeps the books of who refers to whom.
+/// Checks, and what follows from a step at far ends and in supersets, are the business of `links.h` and
+/// `access.h`.
+///
+/// A change of several steps that may fail in the middle is a `Change` object: it notes what was there before
+/// each step, and takes all of them back when it ends without `commit`. One that is made while another is
+/// open in the model joins it. While none is open, a step notes nothing and costs nothing more; `destroy`
+/// needs no memory then.
+class Change {
+ public:
+  explicit Change(Kelm::ModelObject& aModel);
+  Change(Change const&) = delete;
+  Change& operator=(Change const&) = delete;
+  ~Change();
+
+  /// All steps stay. If the change has joined another one, that one decides in the end.
+  void commit() noexcept { fIsCommitted = true; }
+
+  // Values. `aRoot` is the feature with the slot.
+
+  static void setText(Element& aElement, Feature const& aRoot, Kelm::StringObject const* aText) {
+    Kelm::StringObject* const text = const_cast<Kelm::StringObject*>(aText);
+    auto*& slot = pointer<Kelm::StringObject>(aElement, indexOf(aRoot));
+    if (record(aElement) != nullptr) [[unlikely]]
+      return noteText(aElement, aRoot, text);
+    if (text != nullptr) text->incRef();
+    if (slot != nullptr) slot->decRef();
+    slot = text;
+    aElement.model()->noteChange();
+  }
+  /// `aWidth` bits of the flag word from the slot's position on.
+  static void setFlags(Element& aElement, FeatureIndex aRoot, unsigned aWidth, std::uint32_t aBits) {
+    if (record(aElement) != nullptr) [[unlikely]]
+      noteNumber(Step::Kind::Flags, aElement, aRoot, aElement.flags());
+    unsigned const position = slotOf(aElement, aRoot);
+    std::uint32_t const mask = ((1U << aWidth) - 1) << position;
+    State::flags(aElement) = (aElement.flags() & ~mask) | (aBits << position & mask);
+    aElement.model()->noteChange();
+  }
+  static void setInteger(Element& aElement, FeatureIndex aRoot, std::uint32_t aValue) {
+    if (record(aElement) != nullptr) [[unlikely]]
+      noteNumber(Step::Kind::Integer, aElement, aRoot, integerSlot(aElement, aRoot));
+    integer(aElement, aRoot) = aValue;
+    aElement.model()->noteChange();
+  }
+  /// The sequence of a feature of values, made when first asked for by `aMake(slot)`.
+  template <class Make>
+  static Kelm::Generic::SequenceIntf& values(Element& aElement, FeatureIndex aRoot, Make aMake) {
+    auto*& slot = pointer<Kelm::Generic::SequenceIntf>(aElement, aRoot);
+    if (slot == nullptr) slot = aMake();
+    return *slot;
+  }
+  /// The list of a feature, made when first asked for.
+  static ElementList& list(Element& aElement, FeatureIndex aRoot) {
+    auto*& slot = pointer<ElementList>(aElement, aRoot);
+    ElementList::reserve(slot, aElement.model()->blocks(), slot == nullptr ? 1 : 0);
+    return *slot;
+  }
+
+  // References. Only the one slot changes, and what follows for a part: its container, and the top level of
+  // the model, which a part enters when it leaves its owner.
+
+  /// Makes room for a value, so that `insert` can't fail unless a change is open.
+  static void reserve(Element& aOwner, Feature const& aRoot, Element& aValue) {
+    if (aRoot.fStorage == Storage::List)
+      ElementList::reserve(pointer<ElementList>(aOwner, indexOf(aRoot)), aOwner.model()->blocks(), 1);
+    if (!ownsHints(aRoot) && aRoot.fOpposite == kNoFeature) Referrers::reserve(aValue);
+  }
+  /// Puts a value, which no other owner holds, into a reference that is empty or before a position of a list,
+  /// where `reserve` has made room.
+  static void insert(Element& aOwner, Feature const& aRoot, Element& aValue, std::uint32_t aPosition);
+  static void erase(Element& aOwner, Feature const& aRoot, Element& aValue);
+  /// Puts all values of a list into the order given, each once.
+  static void arrange(Element& aOwner, Feature const& aRoot, std::span<Element* const> aOrder);
+  /// The value at `aFrom[i]` comes to `aTo[i]`; both name the same positions.
+  static void rearrange(Element& aOwner, Feature const& aRoot, std::span<int const> aFrom,
+                        std::span<int const> aTo);
+  /// Puts references to an element, each once, into the order given.
+  static void arrangeReferrers(Element& aValue, std::vector<Reference> const& aOrder);
+
+  // Elements.
+
+  /// A new element with the defaults of its metaclass, at the top level of the model.
+  static Element& create(int aMetaclass, Kelm::ModelObject& aModel);
+  /// The element and all that it owns, innermost last to leave: no feature of any other element refers to one
+  /// of them afterwards. While a change is open they are kept until it ends.
+  static void destroy(Element& aElement);
+  /// The value of a reference without a far end forgets an element that is being destroyed.
+  static void forget(Element& aOwner, Feature const& aRoot, Element& aValue);
+  /// Lets go of all elements of a model that is being closed.
+  static void dropAll(Kelm::ModelObject& aModel) noexcept;
+
+ private:
+  friend class Kelm::ChangeRecord;
+  using State = Kelm::ElementState;
+
+  static Kelm::ChangeRecord* record(Element const& aElement) noexcept { return aElement.model()->record(); }
+  static void noteNumber(Step::Kind aKind, Element& aElement, FeatureIndex aRoot, std::uint32_t aNumber);
+  static void noteText(Element& aElement, Feature const& aRoot, Kelm::StringObject* aText);
+
+  template <class T>
+  static T*& pointer(Element& aElement, FeatureIndex aRoot) noexcept {
+    return reinterpret_cast<T**>(State::slots(aElement))[slotOf(aElement, aRoot)];
+  }
+  static std::uint32_t& integer(Element& aElement, FeatureIndex aRoot) noexcept {
+    return reinterpret_cast<std::uint32_t*>(State::slots(aElement))[slotOf(aElement, aRoot)];
+  }
+  static void put(Element& aOwner, Feature const& aRoot, Element& aValue, std::uint32_t aPosition);
+  static void putBack(Element& aOwner, Feature const& aRoot, Element& aValue, Element* aPrevious) noexcept;
+  static void take(Element& aOwner, Feature const& aRoot, Element& aValue) noexcept;
+  static void reorder(Element& aOwner, Feature const& aRoot,
+                      std::vector<std::uintptr_t> const& aOrder) noexcept;
+  static void contain(Element& aOwner, Feature const& aRoot, Element& aValue) noexcept;
+  static void revive(Element& aElement, Kelm::ModelObject& aModel) noexcept;
+  static void enterRoots(Element& aElement, Kelm::ChangeRecord* aOpen);
+  static void leaveRoots(Element& aElement, Kelm::ChangeRecord* aOpen);
+  static void destroyNoted(Element& aElement);
+  static void letGo(Element& aElement) noexcept;
+
+  Kelm::ModelObject& fModel;
+  /// Of the outermost change alone.
+  std::optional<Kelm::ChangeRecord> fOwn;
+  Kelm::ChangeRecord& fRecord;
+  std::size_t fMark;
+  bool fIsCommitted = false;
+};
+
+}  // namespace umlmm::engine
