@@ -25,8 +25,8 @@ constexpr std::uint32_t kLongestRun = 64;
 
 }  // namespace
 
-/// The hints of a list that does not own its elements.
-struct ElementList::Hints {
+/// Where elements stand in a list that does not own them.
+struct ElementList::Table {
   PointerTable fEntries;
   /// An element stands in the list twice: its place can't be told by a table, the list is scanned.
   bool fRepeats = false;
@@ -39,10 +39,6 @@ std::size_t ElementList::bytesFor(std::uint32_t aCapacity) noexcept {
 ElementList::ElementList(std::uint32_t aCapacity) noexcept : fCapacity(aCapacity) {}
 ElementList::~ElementList() { delete fProxy; }
 
-ElementList* ElementList::allocate(Blocks& aBlocks, std::uint32_t aCapacity) {
-  return new (aBlocks.allocate(bytesFor(aCapacity))) ElementList(aCapacity);
-}
-
 void ElementList::destroy(ElementList* aList) noexcept {
   if (aList == nullptr) return;
   std::size_t const size = bytesFor(aList->fCapacity);
@@ -50,46 +46,55 @@ void ElementList::destroy(ElementList* aList) noexcept {
   Blocks::free(aList, size);
 }
 
-ElementList* ElementList::grown(ElementList* aList, Blocks& aBlocks, std::uint32_t aCapacity) {
-  ElementList* const list = allocate(aBlocks, aCapacity);
-  aList->closeFront();
-  std::memcpy(list->items(), aList->items(), aList->fEnd * sizeof(Element*));
-  list->fProxy = std::exchange(aList->fProxy, nullptr);
-  list->fHints = std::move(aList->fHints);
-  list->fLive = aList->fLive;
-  list->fEnd = aList->fEnd;
-  list->fFirstHole = aList->fFirstHole;
-  list->fStamp = aList->fStamp;
-  list->fDrift = aList->fDrift;
-  list->fSteps = aList->fSteps + list->fEnd;
-  destroy(aList);
-  return list;
+void ElementList::takeOver(ElementList& aOld) noexcept {
+  aOld.closeFront();
+  std::memcpy(items(), aOld.items(), aOld.fEnd * sizeof(Element*));
+  fProxy = std::exchange(aOld.fProxy, nullptr);
+  fTable = std::move(aOld.fTable);
+  fLive = aOld.fLive;
+  fEnd = aOld.fEnd;
+  fFirstHole = aOld.fFirstHole;
+  fStamp = aOld.fStamp;
+  fDrift = aOld.fDrift;
+  fSteps = aOld.fSteps + fEnd;
 }
 
-void ElementList::makeRoom(ElementList*& aList, Blocks& aBlocks, std::uint32_t aCount) {
-  if (aList == nullptr)
+template <bool IsOwning>
+HintedList<IsOwning>* HintedList<IsOwning>::allocate(Blocks& aBlocks, std::uint32_t aCapacity) {
+  return new (aBlocks.allocate(bytesFor(aCapacity))) HintedList(aCapacity);
+}
+
+template <bool IsOwning>
+void HintedList<IsOwning>::makeRoom(HintedList*& aList, Blocks& aBlocks, std::uint32_t aCount) {
+  if (aList == nullptr) {
     aList = allocate(aBlocks, std::max(kFirstCapacity, aCount));
-  else if (aList->fBegin > std::max(aList->fCapacity / 4, aCount))
+  } else if (aList->fBegin > std::max(aList->fCapacity / 4, aCount)) {
     aList->closeFront();
-  else
-    aList = grown(aList, aBlocks, std::max(2 * aList->fCapacity + 1, aList->fEnd + aCount));
+  } else {
+    HintedList* const list = allocate(aBlocks, std::max(2 * aList->fCapacity + 1, aList->fEnd + aCount));
+    list->takeOver(*aList);
+    destroy(std::exchange(aList, list));
+  }
 }
+template <bool IsOwning>
 
-void ElementList::append(ElementList*& aList, Blocks& aBlocks, Element* aElement, bool aOwning) {
+void HintedList<IsOwning>::append(HintedList*& aList, Blocks& aBlocks, Element* aElement) {
   reserve(aList, aBlocks, 1);
-  aList->put(aList->fEnd, aElement, aOwning);
+  aList->put(aList->fEnd, aElement);
 }
+template <bool IsOwning>
 
-void ElementList::insert(ElementList*& aList, Blocks& aBlocks, std::uint32_t aPosition, Element* aElement,
-                         bool aOwning) {
+void HintedList<IsOwning>::insert(HintedList*& aList, Blocks& aBlocks, std::uint32_t aPosition,
+                                  Element* aElement) {
   reserve(aList, aBlocks, 1);
-  if (aPosition == aList->fLive) return aList->put(aList->fEnd, aElement, aOwning);
+  if (aPosition == aList->fLive) return aList->put(aList->fEnd, aElement);
   aList->closeHoles();
-  aList->put(aList->fBegin + aPosition, aElement, aOwning);
+  aList->put(aList->fBegin + aPosition, aElement);
 }
 
 // Makes way for the element and puts it there; there are no holes behind the entry.
-void ElementList::put(std::uint32_t aEntry, Element* aElement, bool aOwning) noexcept {
+template <bool IsOwning>
+void HintedList<IsOwning>::put(std::uint32_t aEntry, Element* aElement) noexcept {
   Element** const place = items() + aEntry;
   if (aEntry < fEnd) {
     std::memmove(place + 1, place, (fEnd - aEntry) * sizeof(Element*));
@@ -100,13 +105,14 @@ void ElementList::put(std::uint32_t aEntry, Element* aElement, bool aOwning) noe
   ++fEnd;
   ++fLive;
   ++fStamp;
-  setHint(aElement, aEntry, aOwning);
+  setHint(aElement, aEntry);
 }
+template <bool IsOwning>
 
-std::uint32_t ElementList::find(Element const* aElement, bool aOwning) noexcept {
-  if (!aOwning && !hasHints()) return scan(aElement);
-  if (fDrift > kMaxDrift) renewHints(aOwning);
-  return searchAround(aElement, hintOf(aElement, aOwning));
+std::uint32_t HintedList<IsOwning>::find(Element const* aElement) noexcept {
+  if (!IsOwning && !hasHints()) return scan(aElement);
+  if (fDrift > kMaxDrift) renewHints();
+  return searchAround(aElement, hintOf(aElement));
 }
 
 std::uint32_t ElementList::scan(Element const* aElement) const noexcept {
@@ -131,41 +137,44 @@ std::uint32_t ElementList::searchAround(Element const* aElement, std::int64_t aH
   fSteps += static_cast<std::uint32_t>(distance) + 1;
   return found;
 }
+template <bool IsOwning>
 
-ElementList::Element* ElementList::before(Element const* aElement, bool aOwning) noexcept {
-  std::uint32_t entry = find(aElement, aOwning);
+ElementList::Element* HintedList<IsOwning>::before(Element const* aElement) noexcept {
+  std::uint32_t entry = find(aElement);
   for (std::uint32_t const first = entry; entry > fBegin; --entry) {
     if (items()[entry - 1] != nullptr) return items()[entry - 1];
     if (first - entry < kLongestRun) continue;
     // Many were erased before it: a run of holes is walked once.
     closeHoles();
-    renewHints(aOwning);
-    entry = find(aElement, aOwning) + 1;
+    renewHints();
+    entry = find(aElement) + 1;
   }
   return nullptr;
 }
+template <bool IsOwning>
 
-void ElementList::restore(Element const* aPrevious, Element* aElement, bool aOwning) noexcept {
-  auto const place = [&] { return aPrevious == nullptr ? fBegin : find(aPrevious, aOwning) + 1; };
+void HintedList<IsOwning>::restore(Element const* aPrevious, Element* aElement) noexcept {
+  auto const place = [&] { return aPrevious == nullptr ? fBegin : find(aPrevious) + 1; };
   std::uint32_t entry = place();
   if (aPrevious == nullptr && fBegin > 0) {
     entry = --fBegin;
   } else if (entry == fEnd ? fEnd == fCapacity : items()[entry] != nullptr) {
     closeHoles();
     closeFront();
-    return put(place(), aElement, aOwning);
+    return put(place(), aElement);
   } else if (entry == fEnd) {
-    return put(entry, aElement, aOwning);
+    return put(entry, aElement);
   }
   items()[entry] = aElement;
   ++fLive;
   ++fStamp;
-  setHint(aElement, entry, aOwning);
+  setHint(aElement, entry);
 }
+template <bool IsOwning>
 
-void ElementList::eraseEntry(std::uint32_t aEntry, bool aOwning) noexcept {
+void HintedList<IsOwning>::eraseEntry(std::uint32_t aEntry) noexcept {
   Element*& entry = items()[aEntry];
-  if (!aOwning && fHints != nullptr) fHints->fEntries.take(entry);
+  if (!IsOwning && fTable != nullptr) fTable->fEntries.take(entry);
   entry = nullptr;
   --fLive;
   ++fStamp;
@@ -178,14 +187,15 @@ void ElementList::eraseEntry(std::uint32_t aEntry, bool aOwning) noexcept {
     fFirstHole = std::min(fFirstHole, aEntry);
     if (holes() * 4 < fEnd - fBegin) return;
     closeHoles();
-    renewHints(aOwning);
+    renewHints();
   }
 }
+template <bool IsOwning>
 
-bool ElementList::erase(Element const* aElement, bool aOwning) noexcept {
-  std::uint32_t const entry = find(aElement, aOwning);
+bool HintedList<IsOwning>::erase(Element const* aElement) noexcept {
+  std::uint32_t const entry = find(aElement);
   if (entry == kNotFound) return false;
-  eraseEntry(entry, aOwning);
+  eraseEntry(entry);
   return true;
 }
 
@@ -198,19 +208,21 @@ std::span<ElementList::Element* const> ElementList::dense() noexcept {
   closeHoles();
   return {begin(), fLive};
 }
+template <bool IsOwning>
 
-std::uint32_t ElementList::positionOf(Element const* aElement, bool aOwning) {
-  std::uint32_t entry = find(aElement, aOwning);
+std::uint32_t HintedList<IsOwning>::positionOf(Element const* aElement) noexcept {
+  std::uint32_t entry = find(aElement);
   if (entry == kNotFound) return kNotFound;
   if (entry > fFirstHole) {
     std::uint32_t const stamp = fStamp;
     closeHoles();
-    if (stamp != fStamp) entry = find(aElement, aOwning);
+    if (stamp != fStamp) entry = find(aElement);
   }
   return entry - fBegin;
 }
+template <bool IsOwning>
 
-void ElementList::rearrange(std::span<int const> aFrom, std::span<int const> aTo, bool aOwning) {
+void HintedList<IsOwning>::rearrange(std::span<int const> aFrom, std::span<int const> aTo) {
   closeHoles();
   std::vector<Element*> moving;
   moving.reserve(aFrom.size());
@@ -222,27 +234,28 @@ void ElementList::rearrange(std::span<int const> aFrom, std::span<int const> aTo
     // Mostly one moves far and many make way: these keep their hints, and their memory is left alone.
     if (std::abs(aTo[i] - aFrom[i]) == 1)
       shifted = true;
-    else if (aOwning)
-      setHint(moving[i], entry, true);
-    else if (fHints != nullptr)
-      fHints->fEntries.assign(moving[i], entry);
+    else if (IsOwning)
+      setHint(moving[i], entry);
+    else if (fTable != nullptr)
+      fTable->fEntries.assign(moving[i], entry);
   }
   if (shifted) ++fDrift;
   fSteps += static_cast<std::uint32_t>(aTo.size());
   ++fStamp;
 }
+template <bool IsOwning>
 
-void ElementList::reorder(std::span<Element* const> aOrder, bool aOwning) noexcept {
+void HintedList<IsOwning>::reorder(std::span<Element* const> aOrder) noexcept {
   closeHoles();
   std::copy(aOrder.begin(), aOrder.end(), items() + fBegin);
-  renewHints(aOwning);
+  renewHints();
   ++fStamp;
 }
 
 void ElementList::clear() noexcept {
   fLive = fBegin = fEnd = fDrift = 0;
   fFirstHole = kNotFound;
-  fHints.reset();
+  fTable.reset();
   ++fStamp;
 }
 
@@ -280,15 +293,16 @@ void ElementList::closeFront() noexcept {
   fBegin = 0;
   ++fStamp;
 }
+template <bool IsOwning>
 
-void ElementList::renewHints(bool aOwning) noexcept {
+void HintedList<IsOwning>::renewHints() noexcept {
   constexpr std::uint32_t kAhead = 16;
-  if (!aOwning && fHints == nullptr) return;
+  if (!IsOwning && fTable == nullptr) return;
   for (std::uint32_t entry = fBegin; entry < fEnd; ++entry) {
     Element* const element = items()[entry];
     if (element == nullptr) continue;
-    if (!aOwning) {
-      fHints->fEntries.assign(element, entry);
+    if (!IsOwning) {
+      fTable->fEntries.assign(element, entry);
     } else {
       if (entry + kAhead < fEnd) __builtin_prefetch(items()[entry + kAhead], 1);
       ElementState::hint(*element) = static_cast<std::int32_t>(entry);
@@ -299,34 +313,40 @@ void ElementList::renewHints(bool aOwning) noexcept {
 }
 
 // A list without a table is right, only slower: so a table that finds no memory is none.
-bool ElementList::hasHints() noexcept try {
-  if (fHints != nullptr) return !fHints->fRepeats;
+template <bool IsOwning>
+bool HintedList<IsOwning>::hasHints() noexcept try {
+  if (fTable != nullptr) return !fTable->fRepeats;
   if (fEnd - fBegin <= kScanned) return false;
-  auto hints = std::make_unique<Hints>();
-  hints->fEntries.reserve(fLive);
+  auto table = std::make_unique<Table>();
+  table->fEntries.reserve(fLive);
   for (std::uint32_t entry = fBegin; entry < fEnd; ++entry)
-    if (items()[entry] != nullptr && !hints->fEntries.insert(items()[entry], entry)) hints->fRepeats = true;
+    if (items()[entry] != nullptr && !table->fEntries.insert(items()[entry], entry)) table->fRepeats = true;
   fSteps += fEnd - fBegin;
   fDrift = 0;
-  fHints = std::move(hints);
-  return !fHints->fRepeats;
+  fTable = std::move(table);
+  return !fTable->fRepeats;
 } catch (std::bad_alloc const&) {
   return false;
 }
+template <bool IsOwning>
 
-std::int64_t ElementList::hintOf(Element const* aElement, bool aOwning) const noexcept {
-  if (aOwning) return ElementState::hint(const_cast<Element&>(*aElement));
-  std::uint32_t const entry = fHints->fEntries.find(aElement);
+std::int64_t HintedList<IsOwning>::hintOf(Element const* aElement) const noexcept {
+  if (IsOwning) return ElementState::hint(const_cast<Element&>(*aElement));
+  std::uint32_t const entry = fTable->fEntries.find(aElement);
   return entry == PointerTable::kNotFound ? INT64_MAX / 2 : entry;
 }
+template <bool IsOwning>
 
-void ElementList::setHint(Element* aElement, std::uint32_t aEntry, bool aOwning) noexcept try {
-  if (aOwning)
+void HintedList<IsOwning>::setHint(Element* aElement, std::uint32_t aEntry) noexcept try {
+  if (IsOwning)
     ElementState::hint(*aElement) = static_cast<std::int32_t>(aEntry);
-  else if (fHints != nullptr && !fHints->fRepeats && !fHints->fEntries.insert(aElement, aEntry))
-    fHints->fRepeats = true;
+  else if (fTable != nullptr && !fTable->fRepeats && !fTable->fEntries.insert(aElement, aEntry))
+    fTable->fRepeats = true;
 } catch (std::bad_alloc const&) {
-  fHints.reset();
+  fTable.reset();
 }
+
+template class HintedList<true>;
+template class HintedList<false>;
 
 }  // namespace Kelm

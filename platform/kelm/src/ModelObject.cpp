@@ -88,20 +88,20 @@ void ModelObject::close() {
 }
 
 void ModelObject::addRoot(NSInterface::ModelElementIntf* aElement) {
-  ElementList::append(fRoots, *fBlocks, aElement, true);
+  PartList::append(fRoots, *fBlocks, aElement);
   ElementState::container(*aElement) = nullptr;
   ElementState::model(*aElement) = this;
   noteChange();
 }
 
 void ModelObject::removeRoot(NSInterface::ModelElementIntf* aElement) noexcept {
-  if (fRoots != nullptr) fRoots->erase(aElement, true);
+  if (fRoots != nullptr) fRoots->erase(aElement);
   noteChange();
 }
 
 void ModelObject::restoreRoot(NSInterface::ModelElementIntf* aPrevious,
                               NSInterface::ModelElementIntf* aElement) noexcept {
-  fRoots->restore(aPrevious, aElement, true);
+  fRoots->restore(aPrevious, aElement);
   noteChange();
 }
 

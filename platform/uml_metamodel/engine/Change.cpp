@@ -29,17 +29,16 @@ void Change::noteText(Element& aElement, Feature const& aRoot, Kelm::StringObjec
 }
 
 void Change::put(Element& aOwner, Feature const& aRoot, Element& aValue, std::uint32_t aPosition) {
-  bool const owning = ownsHints(aRoot);
-  if (aRoot.fStorage == Storage::List) {
-    auto*& list = pointer<ElementList>(aOwner, indexOf(aRoot));
-    if (aPosition >= ElementList::size(list))
-      ElementList::append(list, aOwner.model()->blocks(), &aValue, owning);
-    else
-      ElementList::insert(list, aOwner.model()->blocks(), aPosition, &aValue, owning);
-  } else {
+  if (aRoot.fStorage == Storage::List)
+    withSlot(aOwner, aRoot, [&]<class List>(List*& aSlot) {
+      if (aPosition >= ElementList::size(aSlot))
+        List::append(aSlot, aOwner.model()->blocks(), &aValue);
+      else
+        List::insert(aSlot, aOwner.model()->blocks(), aPosition, &aValue);
+    });
+  else
     pointer<Element>(aOwner, indexOf(aRoot)) = &aValue;
-  }
-  if (owning) contain(aOwner, aRoot, aValue);
+  if (ownsParts(aRoot)) contain(aOwner, aRoot, aValue);
 }
 
 void Change::contain(Element& aOwner, Feature const& aRoot, Element& aValue) noexcept {
@@ -49,21 +48,19 @@ void Change::contain(Element& aOwner, Feature const& aRoot, Element& aValue) noe
 }
 
 void Change::putBack(Element& aOwner, Feature const& aRoot, Element& aValue, Element* aPrevious) noexcept {
-  bool const owning = ownsHints(aRoot);
   if (aRoot.fStorage == Storage::List)
-    pointer<ElementList>(aOwner, indexOf(aRoot))->restore(aPrevious, &aValue, owning);
+    withList(aOwner, aRoot, [&](auto& aList) { aList.restore(aPrevious, &aValue); });
   else
     pointer<Element>(aOwner, indexOf(aRoot)) = &aValue;
-  if (owning) contain(aOwner, aRoot, aValue);
+  if (ownsParts(aRoot)) contain(aOwner, aRoot, aValue);
 }
 
 void Change::take(Element& aOwner, Feature const& aRoot, Element& aValue) noexcept {
-  bool const owning = ownsHints(aRoot);
   if (aRoot.fStorage == Storage::List)
-    pointer<ElementList>(aOwner, indexOf(aRoot))->erase(&aValue, owning);
+    withList(aOwner, aRoot, [&](auto& aList) { aList.erase(&aValue); });
   else
     pointer<Element>(aOwner, indexOf(aRoot)) = nullptr;
-  if (owning) State::container(aValue) = nullptr;
+  if (ownsParts(aRoot)) State::container(aValue) = nullptr;
 }
 
 void Change::enterRoots(Element& aElement, Kelm::ChangeRecord* aOpen) {
@@ -75,7 +72,7 @@ void Change::enterRoots(Element& aElement, Kelm::ChangeRecord* aOpen) {
 void Change::leaveRoots(Element& aElement, Kelm::ChangeRecord* aOpen) {
   Kelm::ModelObject& model = *aElement.model();
   if (aOpen != nullptr) [[unlikely]] {
-    Element* const previous = model.roots()->before(&aElement, true);
+    Element* const previous = model.roots()->before(&aElement);
     aOpen->note({Step::Kind::RootRemoved, kNoFeature, 0, &aElement, nullptr, previous});
   }
   model.removeRoot(&aElement);
@@ -83,7 +80,7 @@ void Change::leaveRoots(Element& aElement, Kelm::ChangeRecord* aOpen) {
 
 void Change::insert(Element& aOwner, Feature const& aRoot, Element& aValue, std::uint32_t aPosition) {
   Kelm::ChangeRecord* const open = record(aOwner);
-  bool const isPart = ownsHints(aRoot);
+  bool const isPart = ownsParts(aRoot);
   bool const isNoted = !isPart && aRoot.fOpposite == kNoFeature;
   if (isPart) leaveRoots(aValue, open);
   if (open != nullptr) [[unlikely]]
@@ -94,12 +91,12 @@ void Change::insert(Element& aOwner, Feature const& aRoot, Element& aValue, std:
 }
 
 void Change::erase(Element& aOwner, Feature const& aRoot, Element& aValue) {
-  bool const owning = ownsHints(aRoot);
+  bool const owning = ownsParts(aRoot);
   Kelm::ChangeRecord* const open = record(aOwner);
   if (open != nullptr) [[unlikely]] {
-    Element* const previous = aRoot.fStorage == Storage::List
-                                  ? pointerSlot<ElementList>(aOwner, indexOf(aRoot))->before(&aValue, owning)
-                                  : nullptr;
+    Element* previous = nullptr;
+    if (aRoot.fStorage == Storage::List)
+      previous = withList(aOwner, aRoot, [&](auto& aList) { return aList.before(&aValue); });
     open->note({Step::Kind::Dropped, indexOf(aRoot), 0, &aOwner, &aValue, previous});
   }
   take(aOwner, aRoot, aValue);
@@ -123,35 +120,34 @@ void Change::forget(Element& aOwner, Feature const& aRoot, Element& aValue) {
 }
 
 void Change::arrange(Element& aOwner, Feature const& aRoot, std::span<Element* const> aOrder) {
-  ElementList& list = *pointerSlot<ElementList>(aOwner, indexOf(aRoot));
   if (Kelm::ChangeRecord* const open = record(aOwner)) {
     std::vector<std::uintptr_t> old;
-    for (Element* const value : list.dense()) old.push_back(reinterpret_cast<std::uintptr_t>(value));
+    for (Element* const value : pointerSlot<ElementList>(aOwner, indexOf(aRoot))->dense())
+      old.push_back(reinterpret_cast<std::uintptr_t>(value));
     open->reserve();
     open->note({Step::Kind::Arranged, indexOf(aRoot), open->keep(std::move(old)), &aOwner, nullptr, nullptr});
   }
-  list.reorder(aOrder, ownsHints(aRoot));
+  withList(aOwner, aRoot, [&](auto& aList) { aList.reorder(aOrder); });
   aOwner.model()->noteChange();
 }
 
 void Change::rearrange(Element& aOwner, Feature const& aRoot, std::span<int const> aFrom,
                        std::span<int const> aTo) {
-  ElementList& list = *pointerSlot<ElementList>(aOwner, indexOf(aRoot));
   if (record(aOwner) != nullptr) {
-    auto const values = list.dense();
+    auto const values = pointerSlot<ElementList>(aOwner, indexOf(aRoot))->dense();
     std::vector<Element*> order(values.begin(), values.end());
     for (std::size_t i = 0; i < aTo.size(); ++i)
       order[static_cast<std::size_t>(aTo[i])] = values[static_cast<std::size_t>(aFrom[i])];
     return arrange(aOwner, aRoot, order);
   }
-  list.rearrange(aFrom, aTo, ownsHints(aRoot));
+  withList(aOwner, aRoot, [&](auto& aList) { aList.rearrange(aFrom, aTo); });
   aOwner.model()->noteChange();
 }
 
 void Change::reorder(Element& aOwner, Feature const& aRoot,
                      std::vector<std::uintptr_t> const& aOrder) noexcept {
   auto* const order = reinterpret_cast<Element* const*>(aOrder.data());
-  pointer<ElementList>(aOwner, indexOf(aRoot))->reorder({order, aOrder.size()}, ownsHints(aRoot));
+  withList(aOwner, aRoot, [&](auto& aList) { aList.reorder({order, aOrder.size()}); });
 }
 
 void Change::arrangeReferrers(Element& aValue, std::vector<Reference> const& aOrder) {

@@ -21,6 +21,19 @@ inline constexpr std::uint32_t kAtEnd = UINT32_MAX;
 /// open in the model joins it. While none is open, a step notes nothing and costs nothing more; `destroy`
 /// needs no memory then.
 class Change {
+  using State = Kelm::ElementState;
+
+  template <class T>
+  static T*& pointer(Element& aElement, FeatureIndex aRoot) noexcept {
+    return reinterpret_cast<T**>(State::slots(aElement))[slotOf(aElement, aRoot)];
+  }
+  /// Calls `aVisit` with the slot of a list, which may be null, as the kind of list that it is.
+  template <class Visit>
+  static decltype(auto) withSlot(Element& aOwner, Feature const& aRoot, Visit aVisit) {
+    if (ownsParts(aRoot)) return aVisit(pointer<PartList>(aOwner, indexOf(aRoot)));
+    return aVisit(pointer<ReferenceList>(aOwner, indexOf(aRoot)));
+  }
+
  public:
   explicit Change(Kelm::ModelObject& aModel);
   Change(Change const&) = delete;
@@ -65,10 +78,11 @@ class Change {
     return *slot;
   }
   /// The list of a feature, made when first asked for.
-  static ElementList& list(Element& aElement, FeatureIndex aRoot) {
-    auto*& slot = pointer<ElementList>(aElement, aRoot);
-    ElementList::reserve(slot, aElement.model()->blocks(), slot == nullptr ? 1 : 0);
-    return *slot;
+  static ElementList& list(Element& aElement, Feature const& aRoot) {
+    return withSlot(aElement, aRoot, [&]<class List>(List*& aSlot) -> ElementList& {
+      List::reserve(aSlot, aElement.model()->blocks(), aSlot == nullptr ? 1 : 0);
+      return *aSlot;
+    });
   }
 
   // References. Only the one slot changes, and what follows for a part: its container, and the top level of
@@ -77,8 +91,9 @@ class Change {
   /// Makes room for a value, so that `insert` can't fail unless a change is open.
   static void reserve(Element& aOwner, Feature const& aRoot, Element& aValue) {
     if (aRoot.fStorage == Storage::List)
-      ElementList::reserve(pointer<ElementList>(aOwner, indexOf(aRoot)), aOwner.model()->blocks(), 1);
-    if (!ownsHints(aRoot) && aRoot.fOpposite == kNoFeature) Referrers::reserve(aValue);
+      withSlot(aOwner, aRoot,
+               [&]<class List>(List*& aSlot) { List::reserve(aSlot, aOwner.model()->blocks(), 1); });
+    if (!ownsParts(aRoot) && aRoot.fOpposite == kNoFeature) Referrers::reserve(aValue);
   }
   /// Puts a value, which no other owner holds, into a reference that is empty or before a position of a list,
   /// where `reserve` has made room.
@@ -106,16 +121,11 @@ class Change {
 
  private:
   friend class Kelm::ChangeRecord;
-  using State = Kelm::ElementState;
 
   static Kelm::ChangeRecord* record(Element const& aElement) noexcept { return aElement.model()->record(); }
   static void noteNumber(Step::Kind aKind, Element& aElement, FeatureIndex aRoot, std::uint32_t aNumber);
   static void noteText(Element& aElement, Feature const& aRoot, Kelm::StringObject* aText);
 
-  template <class T>
-  static T*& pointer(Element& aElement, FeatureIndex aRoot) noexcept {
-    return reinterpret_cast<T**>(State::slots(aElement))[slotOf(aElement, aRoot)];
-  }
   static std::uint32_t& integer(Element& aElement, FeatureIndex aRoot) noexcept {
     return reinterpret_cast<std::uint32_t*>(State::slots(aElement))[slotOf(aElement, aRoot)];
   }

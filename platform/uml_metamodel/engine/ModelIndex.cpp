@@ -23,11 +23,11 @@ struct Placed {
 
 Placed place(Kelm::ModelObject const& aModel, Element& aElement, bool aIsWanted) {
   Element const* const owner = aElement.container();
-  if (owner == nullptr) return {nullptr, 0, aModel.roots()->find(&aElement, true), &aElement, aIsWanted};
+  if (owner == nullptr) return {nullptr, 0, aModel.roots()->find(&aElement), &aElement, aIsWanted};
   FeatureIndex const holder = aElement.containerFeature();
   bool const isList = feature(holder).fStorage == Storage::List;
-  return {owner, slotOf(*owner, holder),
-          isList ? pointerSlot<ElementList>(*owner, holder)->find(&aElement, true) : 0, &aElement, aIsWanted};
+  return {owner, slotOf(*owner, holder), isList ? pointerSlot<PartList>(*owner, holder)->find(&aElement) : 0,
+          &aElement, aIsWanted};
 }
 
 /// The elements as a walk over the whole model would come by them, found by the ways up from them alone.
@@ -79,13 +79,13 @@ ModelIndex::~ModelIndex() {
 }
 
 void ModelIndex::addToExtent(Element& aElement) {
-  ElementList::append(fExtents[static_cast<std::size_t>(metaclassOf(aElement))], aElement.model()->blocks(),
-                      &aElement, false);
+  ReferenceList::append(fExtents[static_cast<std::size_t>(metaclassOf(aElement))], aElement.model()->blocks(),
+                        &aElement);
 }
 
 void ModelIndex::removeFromExtent(Element& aElement) {
-  if (ElementList* const extent = fExtents[static_cast<std::size_t>(metaclassOf(aElement))])
-    extent->erase(&aElement, false);
+  if (ReferenceList* const extent = fExtents[static_cast<std::size_t>(metaclassOf(aElement))])
+    extent->erase(&aElement);
 }
 
 std::vector<Element*> ModelIndex::instancesOf(int aMetaclass) const {

@@ -43,7 +43,7 @@ class ModelIndex final : public Kelm::ModelCompanion {
   }
 
   Kelm::ModelObject const& fModel;
-  std::array<ElementList*, kMetaclassCount> fExtents{};
+  std::array<ReferenceList*, kMetaclassCount> fExtents{};
 };
 
 /// Calls `aVisit` with every living element of the model in the order of a document: one of the top level

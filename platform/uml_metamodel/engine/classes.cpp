@@ -57,7 +57,7 @@ void fillFeatures(Entry& aEntry, Metaclass const& aMetaclass, std::size_t aWords
     aEntry.fStored.push_back(root);
     std::uint8_t const word = aEntry.fTable.fSlotOfFeature[root];
     aEntry.fFeatureOfWord[word] = root;
-    if (ownsHints(feature(root))) aEntry.fTable.fContentWords |= std::uint64_t{1} << word;
+    if (ownsParts(feature(root))) aEntry.fTable.fContentWords |= std::uint64_t{1} << word;
   }
   aEntry.fTable.fFeatureOfWord = aEntry.fFeatureOfWord.data();
 }

@@ -38,8 +38,8 @@ std::u16string uriOf(Element const& aElement) {
   std::vector<Element const*> way;
   for (Element const* step = &aElement; step != nullptr; step = step->container()) way.push_back(step);
   std::string path;
-  ElementList* const roots = aElement.model()->roots();
-  path = std::to_string(roots->positionOf(way.back(), true));
+  PartList* const roots = aElement.model()->roots();
+  path = std::to_string(roots->positionOf(way.back()));
   std::vector<Element*> contents;
   for (std::size_t at = way.size() - 1; at > 0; --at) {
     contents.clear();
@@ -69,7 +69,7 @@ std::vector<Element*> referrers(Element const& aElement) {
   std::vector<Element*> found;
   for (Reference const& reference : Referrers::of(aElement)) found.push_back(reference.fOwner);
   for (FeatureIndex const index : storedReferences(aElement))
-    if (feature(index).fOpposite != kNoFeature && !ownsHints(feature(index))) {
+    if (feature(index).fOpposite != kNoFeature && !ownsParts(feature(index))) {
       Feature const& far = feature(feature(index).fOpposite);
       if (far.fStorage != Storage::Container) collect(aElement, feature(index), found);
     }

@@ -30,7 +30,7 @@ void forgetDefault(Element& aOwner, Feature const& aRoot) {
 
 /// Takes the value out of the owner's slot; a part goes to its model's top level.
 void drop(Element& aOwner, Feature const& aRoot, Element& aValue) {
-  if (ownsHints(aRoot)) forgetDefault(aOwner, aRoot);
+  if (ownsParts(aRoot)) forgetDefault(aOwner, aRoot);
   Change::erase(aOwner, aRoot, aValue);
 }
 
@@ -116,7 +116,7 @@ bool isSimple(Feature const& aRoot, Feature const* aFar) noexcept {
 
 /// Makes room at both ends, and at the top level for the parts that give way or move.
 void reserveLink(Element& aOwner, Feature const& aRoot, Feature const* aFar, Element& aValue) {
-  if (ownsHints(aRoot)) aOwner.model()->reserveRoots(2);
+  if (ownsParts(aRoot)) aOwner.model()->reserveRoots(2);
   Change::reserve(aOwner, aRoot, aValue);
   if (aFar != nullptr && !isView(*aFar)) Change::reserve(aValue, *aFar, aOwner);
 }
@@ -129,7 +129,7 @@ void linkEnds(Element& aOwner, Feature const& aRoot, Feature const* aFar, Elemen
     if (Element* const old = single(aOwner, aRoot)) unlink(aOwner, aRoot, *old);
   if (aFar != nullptr && !isView(*aFar) && aFar->fUpper == 1)
     if (Element* const partner = single(aValue, *aFar)) unlink(*partner, aRoot, aValue);
-  if (ownsHints(aRoot) && aValue.container() != nullptr) leaveContainer(aValue);
+  if (ownsParts(aRoot) && aValue.container() != nullptr) leaveContainer(aValue);
   Change::insert(aOwner, aRoot, aValue, aPosition);
   if (aFar != nullptr && !isView(*aFar)) Change::insert(aValue, *aFar, aOwner, kAtEnd);
 }
@@ -158,19 +158,18 @@ Element* single(Element const& aOwner, Feature const& aRoot) noexcept {
 
 bool holds(Element const& aOwner, Feature const& aRoot, Element const& aValue) {
   if (aRoot.fStorage != Storage::List) return single(aOwner, aRoot) == &aValue;
-  auto* const list = pointerSlot<ElementList>(aOwner, indexOf(aRoot));
+  auto* const list = pointerSlot<ReferenceList>(aOwner, indexOf(aRoot));
   if (ElementList::size(list) == 0) return false;
-  if (ownsHints(aRoot)) return isOwnersFeature(aValue, aOwner, aRoot);
+  if (ownsParts(aRoot)) return isOwnersFeature(aValue, aOwner, aRoot);
   // The value knows its side of a pair, which may be the shorter one.
   if (aRoot.fOpposite != kNoFeature) {
     Feature const& far = feature(aRoot.fOpposite);
     if (!isA(aValue, far.fOwner)) return false;
     if (far.fStorage != Storage::List) return single(aValue, far) == &aOwner;
-    auto* const back = pointerSlot<ElementList>(aValue, aRoot.fOpposite);
-    if (ElementList::size(back) < ElementList::size(list))
-      return back != nullptr && back->contains(&aOwner, false);
+    auto* const back = pointerSlot<ReferenceList>(aValue, aRoot.fOpposite);
+    if (ElementList::size(back) < ElementList::size(list)) return back != nullptr && back->contains(&aOwner);
   }
-  return list->contains(&aValue, false);
+  return list->contains(&aValue);
 }
 
 std::uint32_t countOf(Element const& aOwner, Feature const& aRoot) noexcept {

@@ -59,8 +59,8 @@ class StoredSequence final : public FeatureSequence {
   std::span<Element* const> all() const override { return list()->dense(); }
   std::uint32_t find(Element const& aValue) const override {
     // A part knows its owner: no search for one that is elsewhere.
-    if (list() == nullptr || (ownsHints(fRoot) && !holds(fElement, fRoot, aValue))) return kNowhere;
-    return list()->positionOf(&aValue, ownsHints(fRoot));
+    if (list() == nullptr || (ownsParts(fRoot) && !holds(fElement, fRoot, aValue))) return kNowhere;
+    return withList(fElement, fRoot, [&](auto& aList) { return aList.positionOf(&aValue); });
   }
   bool contains(Element const& aValue) const override { return holds(fElement, fRoot, aValue); }
   void check(Element const& aValue, Element const* aReplaced) const override {
@@ -153,7 +153,7 @@ FeatureSequence& computedSequence(Element& aElement, Feature const& aFeature) {
 
 FeatureSequence& FeatureSequence::of(Element& aElement, Feature const& aFeature) {
   if (aFeature.fStorage == Storage::Computed) return computedSequence(aElement, aFeature);
-  auto*& proxy = Change::list(aElement, aFeature.fRoot).fProxy;
+  auto*& proxy = Change::list(aElement, feature(aFeature.fRoot)).fProxy;
   if (proxy == nullptr) proxy = new StoredSequence(aElement, feature(aFeature.fRoot));
   return static_cast<FeatureSequence&>(*proxy);
 }

@@ -14,6 +14,8 @@ namespace umlmm::engine {
 using Element = Kelm::NSInterface::ModelElementIntf;
 using Kelm::Deviant;
 using Kelm::ElementList;
+using Kelm::PartList;
+using Kelm::ReferenceList;
 
 /// Raises, telling what the element is or was, when it does not exist in the variant.
 [[noreturn]] void raiseNotInVariant(Element const& aElement, Place aPlace);
@@ -47,9 +49,16 @@ inline std::uint32_t flagBits(Element const& aElement, FeatureIndex aRoot, unsig
   return aElement.flags() >> slotOf(aElement, aRoot) & ((1U << aWidth) - 1);
 }
 
-/// Whether the feature's list keeps its hints in its elements: the one stored containment of its parts.
-inline bool ownsHints(Feature const& aRoot) noexcept {
+/// Whether the slot is the one that owns its parts; what holds the same parts beside it refers to them.
+inline bool ownsParts(Feature const& aRoot) noexcept {
   return aRoot.fComposite && aRoot.fContainment == indexOf(aRoot);
+}
+
+/// Calls `aVisit` with the list of a feature, which is there, as the kind of list that it is.
+template <class Visit>
+decltype(auto) withList(Element const& aOwner, Feature const& aRoot, Visit aVisit) {
+  if (ownsParts(aRoot)) return aVisit(*pointerSlot<PartList>(aOwner, indexOf(aRoot)));
+  return aVisit(*pointerSlot<ReferenceList>(aOwner, indexOf(aRoot)));
 }
 
 /// Bits of an enumeration's number; its presence bit follows.

@@ -100,7 +100,8 @@ Boolean ClassifierIntf::conformsTo(Kelm::Deviant const& aDeviant, ImmutableClass
 Kelm::ImmutableSequence<ImmutableNamedElement> ClassifierIntf::inherit(
     Kelm::Deviant const& aDeviant, Kelm::ImmutableSequence<ImmutableNamedElement> const& aInhs) const {
   engine::checkReadable(*this, aDeviant, kSource);
-  return makeResult<ImmutableNamedElement>(aDeviant, queries::inherit(*this, queries::givenElements(aInhs)));
+  return makeResult<ImmutableNamedElement>(aDeviant,
+                                           queries::inherit(*this, queries::givenElements(*model(), aInhs)));
 }
 
 Kelm::ImmutableSequence<ImmutableNamedElement> ClassIntf::inherit(

@@ -25,8 +25,9 @@ Element const* given(Kelm::Handle<Intf> const& aArgument) noexcept {
   return element == nullptr || element->model() == nullptr ? nullptr : element;
 }
 
-/// The elements of a sequence argument in order; none for a null one.
-std::vector<Element*> givenElements(Kelm::SequenceRef const& aArgument);
+/// The elements of a sequence argument in order, as far as they are in the model: an answer holds elements of
+/// one model alone. None for a null sequence.
+std::vector<Element*> givenElements(Kelm::ModelObject const& aModel, Kelm::SequenceRef const& aArgument);
 
 /// A new counted list of element references.
 template <class T>

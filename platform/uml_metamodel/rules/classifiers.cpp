@@ -33,8 +33,8 @@ std::vector<engine::Element*> leadingTo(engine::Element const& aSpecific, engine
 void insertGeneral(engine::Element& aElement, engine::Element& aValue, engine::Element* aBefore) {
   std::uint32_t position = engine::kAtEnd;
   if (aBefore != nullptr) {
-    auto* const list = engine::pointerSlot<engine::ElementList>(aElement, ids::Classifier::Generalization);
-    position = list->positionOf(leadingTo(aElement, *aBefore).front(), true);
+    auto* const list = engine::pointerSlot<engine::PartList>(aElement, ids::Classifier::Generalization);
+    position = list->positionOf(leadingTo(aElement, *aBefore).front());
   }
   auto& generalization = engine::Change::create(ids::metaclass::Generalization, *aElement.model());
   engine::link(generalization, engine::feature(ids::Generalization::General), aValue);

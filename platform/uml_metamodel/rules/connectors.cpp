@@ -19,8 +19,8 @@ Element* definingEnd(Element const& aEnd) {
   Element const* const type = values::reference(*connector, ids::Connector::Type);
   if (type == nullptr) return nullptr;
   auto* const memberEnds = engine::pointerSlot<engine::ElementList>(*type, ids::Association::MemberEnd);
-  auto* const ends = engine::pointerSlot<engine::ElementList>(*connector, ids::Connector::End);
-  std::uint32_t const position = ends->positionOf(&aEnd, true);
+  auto* const ends = engine::pointerSlot<engine::PartList>(*connector, ids::Connector::End);
+  std::uint32_t const position = ends->positionOf(&aEnd);
   return position < engine::ElementList::size(memberEnds) ? memberEnds->at(position) : nullptr;
 }
 

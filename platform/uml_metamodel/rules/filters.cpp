@@ -17,7 +17,7 @@ struct Filter {
   static void insert(engine::Element& aElement, engine::Element& aValue, engine::Element* aBefore) {
     std::uint32_t position = engine::kAtEnd;
     if (aBefore != nullptr)
-      position = engine::pointerSlot<engine::ElementList>(aElement, Base)->positionOf(aBefore, true);
+      position = engine::pointerSlot<engine::PartList>(aElement, Base)->positionOf(aBefore);
     engine::link(aElement, engine::feature(Base), aValue, position);
   }
   static void erase(engine::Element& aElement, engine::Element& aValue) {

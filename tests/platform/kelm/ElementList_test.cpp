@@ -13,43 +13,45 @@ namespace {
 
 using Kelm::ElementList;
 using Element = ElementList::Element;
+using Kinds = testing::Types<Kelm::PartList, Kelm::ReferenceList>;
 
 Kelm::Blocks::Owner const sBlocks = Kelm::Blocks::make();
 
-/// A list beside the plain vector that tells what it should hold.
+/// What was taken out of a list, and where it stood.
 struct Erased {
   std::uint32_t fPosition;
   Element* fElement;
   Element* fPrevious;
 };
 
+/// A list beside the plain vector that tells what it should hold.
+template <class List>
 class Pair {
  public:
-  explicit Pair(bool aOwning) : fOwning(aOwning) {}
   ~Pair() { ElementList::destroy(fList); }
 
   void append() {
-    ElementList::append(fList, *sBlocks, make(), fOwning);
+    List::append(fList, *sBlocks, make());
     fModel.push_back(&fElements.back());
   }
   void insert(std::uint32_t aPosition) {
-    ElementList::insert(fList, *sBlocks, aPosition, make(), fOwning);
+    List::insert(fList, *sBlocks, aPosition, make());
     fModel.insert(fModel.begin() + aPosition, &fElements.back());
   }
   void erase(std::uint32_t aPosition) {
-    EXPECT_TRUE(fList->erase(fModel[aPosition], fOwning));
-    EXPECT_FALSE(fList->contains(fModel[aPosition], fOwning));
+    EXPECT_TRUE(fList->erase(fModel[aPosition]));
+    EXPECT_FALSE(fList->contains(fModel[aPosition]));
     fModel.erase(fModel.begin() + aPosition);
   }
   Erased take(std::uint32_t aPosition) {
     Element* const element = fModel[aPosition];
-    Element* const previous = fList->before(element, fOwning);
+    Element* const previous = fList->before(element);
     EXPECT_EQ(previous, aPosition == 0 ? nullptr : fModel[aPosition - 1]);
     erase(aPosition);
     return {aPosition, element, previous};
   }
   void restore(Erased const& aErased) {
-    fList->restore(aErased.fPrevious, aErased.fElement, fOwning);
+    fList->restore(aErased.fPrevious, aErased.fElement);
     fModel.insert(fModel.begin() + aErased.fPosition, aErased.fElement);
   }
   void move(std::uint32_t aFrom, std::uint32_t aTo) {
@@ -59,14 +61,14 @@ class Pair {
       from.push_back(at + step);
       to.push_back(at);
     }
-    fList->rearrange(from, to, fOwning);
+    fList->rearrange(from, to);
     Element* const element = fModel[aFrom];
     fModel.erase(fModel.begin() + aFrom);
     fModel.insert(fModel.begin() + aTo, element);
   }
   void shuffle(std::mt19937& aRandom) {
     std::ranges::shuffle(fModel, aRandom);
-    fList->reorder(fModel, fOwning);
+    fList->reorder(fModel);
   }
   void clear() {
     fList->clear();
@@ -74,7 +76,7 @@ class Pair {
   }
   void checkPosition(std::uint32_t aPosition) {
     EXPECT_EQ(fList->at(aPosition), fModel[aPosition]);
-    EXPECT_EQ(fList->positionOf(fModel[aPosition], fOwning), aPosition);
+    EXPECT_EQ(fList->positionOf(fModel[aPosition]), aPosition);
   }
   void checkEntries() const {
     std::vector<Element*> entries(fList->begin(), fList->end());
@@ -88,30 +90,30 @@ class Pair {
     EXPECT_EQ(elements.size(), static_cast<std::size_t>(fList->end() - fList->begin()));
   }
   std::uint32_t size() const { return static_cast<std::uint32_t>(fModel.size()); }
-  ElementList* list() const { return fList; }
+  List* list() const { return fList; }
 
  private:
   Element* make() { return &fElements.emplace_back(); }
 
-  bool fOwning;
-  ElementList* fList = nullptr;
+  List* fList = nullptr;
   std::vector<Element*> fModel;
   std::deque<TestElement> fElements;
 };
 
-class Lists : public testing::TestWithParam<bool> {};
-INSTANTIATE_TEST_SUITE_P(OwningOrNot, Lists, testing::Bool());
+template <class List>
+class Lists : public testing::Test {};
+TYPED_TEST_SUITE(Lists, Kinds);
 
 struct Mix {
   std::uint32_t fSize;
   int fRounds;
 };
 
-TEST_P(Lists, DoWhatAVectorDoes) {
+TYPED_TEST(Lists, DoWhatAVectorDoes) {
   std::mt19937 random(4711);
   auto const below = [&](std::uint32_t aLimit) { return static_cast<std::uint32_t>(random() % aLimit); };
   for (Mix const mix : {Mix{2, 500}, Mix{20, 2000}, Mix{60, 4000}, Mix{700, 6000}}) {
-    Pair pair(GetParam());
+    Pair<TypeParam> pair;
     pair.append();
     for (int round = 0; round < mix.fRounds; ++round) {
       std::uint32_t const size = pair.size();
@@ -134,11 +136,11 @@ TEST_P(Lists, DoWhatAVectorDoes) {
 }
 
 // Erased in any order, near and far from each other, and put back in the opposite order.
-TEST_P(Lists, TakeBackWhatWasErased) {
+TYPED_TEST(Lists, TakeBackWhatWasErased) {
   std::mt19937 random(4711);
   for (std::uint32_t const size : {1U, 7U, 40U, 2'000U}) {
     for (int const share : {0, 50, 100}) {
-      Pair pair(GetParam());
+      Pair<TypeParam> pair;
       for (std::uint32_t i = 0; i < size; ++i) pair.append();
       std::vector<Erased> erased;
       while (pair.size() > size / 4) {
@@ -153,8 +155,8 @@ TEST_P(Lists, TakeBackWhatWasErased) {
   }
 }
 
-TEST_P(Lists, CanBeEmptiedFromBothEndsAndFilledAgain) {
-  Pair pair(GetParam());
+TYPED_TEST(Lists, CanBeEmptiedFromBothEndsAndFilledAgain) {
+  Pair<TypeParam> pair;
   for (int round = 0; round < 3; ++round) {
     for (int i = 0; i < 100; ++i) pair.append();
     while (pair.size() > 50) pair.erase(0);
@@ -164,8 +166,8 @@ TEST_P(Lists, CanBeEmptiedFromBothEndsAndFilledAgain) {
   }
 }
 
-TEST_P(Lists, CloseHolesThatATrimmedFrontLeavesBehind) {
-  Pair pair(GetParam());
+TYPED_TEST(Lists, CloseHolesThatATrimmedFrontLeavesBehind) {
+  Pair<TypeParam> pair;
   for (int i = 0; i < 31; ++i) pair.append();  // as many as fit
   pair.erase(20);
   pair.erase(3);
@@ -175,21 +177,21 @@ TEST_P(Lists, CloseHolesThatATrimmedFrontLeavesBehind) {
   pair.checkDense();
 }
 
-TEST_P(Lists, DoNotFindWhatTheyDoNotHold) {
-  Pair pair(GetParam());
+TYPED_TEST(Lists, DoNotFindWhatTheyDoNotHold) {
+  Pair<TypeParam> pair;
   for (int i = 0; i < 100; ++i) pair.append();
   for (std::int32_t const hint : {0, 50, 99, 100, -1, INT32_MAX, INT32_MIN}) {
     TestElement stranger;
     Kelm::ElementState::hint(stranger) = hint;
-    EXPECT_EQ(pair.list()->find(&stranger, GetParam()), ElementList::kNotFound);
-    EXPECT_EQ(pair.list()->positionOf(&stranger, GetParam()), ElementList::kNotFound);
-    EXPECT_FALSE(pair.list()->erase(&stranger, GetParam()));
+    EXPECT_EQ(pair.list()->find(&stranger), ElementList::kNotFound);
+    EXPECT_EQ(pair.list()->positionOf(&stranger), ElementList::kNotFound);
+    EXPECT_FALSE(pair.list()->erase(&stranger));
   }
   EXPECT_EQ(ElementList::size(nullptr), 0u);
 }
 
-TEST_P(Lists, TheStampTellsOfEveryChange) {
-  Pair pair(GetParam());
+TYPED_TEST(Lists, TheStampTellsOfEveryChange) {
+  Pair<TypeParam> pair;
   for (int i = 0; i < 50; ++i) pair.append();
   std::uint32_t stamp = pair.list()->stamp();
   auto const changed = [&] { return std::exchange(stamp, pair.list()->stamp()) != pair.list()->stamp(); };
@@ -208,47 +210,47 @@ TEST_P(Lists, TheStampTellsOfEveryChange) {
 
 TEST(ElementList, MayHoldAnElementTwiceWhenItDoesNotOwnIt) {
   std::deque<TestElement> elements(100);
-  ElementList* list = nullptr;
-  for (TestElement& element : elements) ElementList::append(list, *sBlocks, &element, false);
-  EXPECT_EQ(list->positionOf(&elements[40], false), 40u);
-  ElementList::append(list, *sBlocks, &elements[40], false);
-  EXPECT_TRUE(list->erase(&elements[40], false));
-  EXPECT_EQ(list->positionOf(&elements[40], false), 99u);
-  EXPECT_TRUE(list->erase(&elements[40], false));
-  EXPECT_FALSE(list->contains(&elements[40], false));
+  Kelm::ReferenceList* list = nullptr;
+  for (TestElement& element : elements) Kelm::ReferenceList::append(list, *sBlocks, &element);
+  EXPECT_EQ(list->positionOf(&elements[40]), 40u);
+  Kelm::ReferenceList::append(list, *sBlocks, &elements[40]);
+  EXPECT_TRUE(list->erase(&elements[40]));
+  EXPECT_EQ(list->positionOf(&elements[40]), 99u);
+  EXPECT_TRUE(list->erase(&elements[40]));
+  EXPECT_FALSE(list->contains(&elements[40]));
   ElementList::destroy(list);
 }
 
-TEST(ElementList, RoomCanBeMadeFirst) {
-  ElementList* list = nullptr;
+TYPED_TEST(Lists, CanBeGivenRoomFirst) {
+  TypeParam* list = nullptr;
   TestElement element;
   for (int i = 0; i < 100; ++i) {
-    ElementList::reserve(list, *sBlocks, 1);
+    TypeParam::reserve(list, *sBlocks, 1);
     ElementList const* const before = list;
-    ElementList::insert(list, *sBlocks, 0, &element, false);
+    TypeParam::insert(list, *sBlocks, 0, &element);
     EXPECT_EQ(list, before) << "a list with room stays where it is";
   }
   ElementList::destroy(list);
 }
 
 /// Steps for each erase by element when `aCount` elements, met by `aOrder`, go one after the other.
-template <class Order>
-double stepsForEachErase(std::uint32_t aCount, bool aOwning, Order aOrder) {
+template <class List, class Order>
+double stepsForEachErase(std::uint32_t aCount, Order aOrder) {
   std::vector<TestElement> elements(aCount);
-  ElementList* list = nullptr;
-  for (TestElement& element : elements) ElementList::append(list, *sBlocks, &element, aOwning);
+  List* list = nullptr;
+  for (TestElement& element : elements) List::append(list, *sBlocks, &element);
   std::vector<Element*> order;
   for (TestElement& element : elements) order.push_back(&element);
   aOrder(order);
   order.resize(aCount / 2);
   std::uint32_t const before = list->steps();
-  for (Element* const element : order) EXPECT_TRUE(list->erase(element, aOwning));
+  for (Element* const element : order) EXPECT_TRUE(list->erase(element));
   double const steps = static_cast<double>(list->steps() - before);
   ElementList::destroy(list);
   return steps / (aCount / 2);
 }
 
-TEST_P(Lists, ErasingByElementCostsTheSameInALongList) {
+TYPED_TEST(Lists, ErasingByElementCostsTheSameInALongList) {
   auto const middle = [](std::vector<Element*>& aElements) {
     std::ranges::rotate(aElements, aElements.begin() + aElements.size() / 4);
   };
@@ -256,21 +258,21 @@ TEST_P(Lists, ErasingByElementCostsTheSameInALongList) {
     std::ranges::shuffle(aElements, std::mt19937(7));
   };
   auto const backwards = [](std::vector<Element*>& aElements) { std::ranges::reverse(aElements); };
-  EXPECT_LE(stepsForEachErase(100'000, GetParam(), middle), 2 * stepsForEachErase(1'000, GetParam(), middle));
-  EXPECT_LE(stepsForEachErase(100'000, GetParam(), mixed), 2 * stepsForEachErase(1'000, GetParam(), mixed));
-  EXPECT_LE(stepsForEachErase(100'000, GetParam(), backwards), 3);
+  EXPECT_LE(stepsForEachErase<TypeParam>(100'000, middle), 2 * stepsForEachErase<TypeParam>(1'000, middle));
+  EXPECT_LE(stepsForEachErase<TypeParam>(100'000, mixed), 2 * stepsForEachErase<TypeParam>(1'000, mixed));
+  EXPECT_LE(stepsForEachErase<TypeParam>(100'000, backwards), 3);
 }
 
-TEST_P(Lists, PositionsBetweenErasesKeepLookupsShort) {
+TYPED_TEST(Lists, PositionsBetweenErasesKeepLookupsShort) {
   constexpr int kRounds = 1000;
-  Pair pair(GetParam());
+  Pair<TypeParam> pair;
   for (int i = 0; i < 2000; ++i) pair.append();
-  pair.list()->contains(pair.list()->at(0), GetParam());
+  pair.list()->contains(pair.list()->at(0));
   int renewals = 0;
   for (int round = 0; round < kRounds; ++round) {
     Element* const element = pair.list()->at(pair.size() / 2);
     std::uint32_t const before = pair.list()->steps();
-    EXPECT_TRUE(pair.list()->contains(element, GetParam()));
+    EXPECT_TRUE(pair.list()->contains(element));
     if (pair.list()->steps() - before > 300) ++renewals;
     pair.erase(pair.size() / 2);
   }

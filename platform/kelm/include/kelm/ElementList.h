@@ -10,55 +10,24 @@
 
 namespace Kelm {
 
-/// The elements of one many-valued feature, in stable order, in one block of memory.
+/// The elements of one many-valued feature, in stable order, in one block of memory: what can be read of them
+/// without knowing who they belong to. A list is either a `PartList` or a `ReferenceList`.
 ///
 /// An erase by element leaves a hole (null) that iteration skips, so that it costs the same in a long list as
-/// in a short one; the holes are closed when a quarter are holes or when a position is asked for. Where an
-/// element stands is remembered as a hint: in the element itself for the list that owns it, in a table beside
-/// the list for other long lists. A lookup starts at the hint and goes outwards, as closing holes and
-/// inserting in the middle shift entries by little; after many shifts the hints are renewed.
+/// in a short one; the holes are closed when a quarter are holes or when a position is asked for.
 ///
-/// Lists own no counts: who holds what is the engine's affair. A null ElementList* is an empty list.
+/// Lists own no counts: who holds what is the engine's affair. A null pointer is an empty list.
 class UMLMM_API ElementList {
  public:
   using Element = NSInterface::ModelElementIntf;
   static constexpr std::uint32_t kNotFound = UINT32_MAX;
 
-  /// `aBlocks`: of the elements' model. `aOwning`: the hints stand in the elements.
-  static void append(ElementList*& aList, Blocks& aBlocks, Element* aElement, bool aOwning);
-  /// Puts the element before position `aPosition` (0-based among the elements; at most size).
-  static void insert(ElementList*& aList, Blocks& aBlocks, std::uint32_t aPosition, Element* aElement,
-                     bool aOwning);
-  /// Makes room for more elements, so that as many appends or inserts can't fail.
-  static void reserve(ElementList*& aList, Blocks& aBlocks, std::uint32_t aCount) {
-    if (aList == nullptr || aList->fCapacity - aList->fEnd < aCount) [[unlikely]]
-      makeRoom(aList, aBlocks, aCount);
-  }
   static void destroy(ElementList* aList) noexcept;
   static std::uint32_t size(ElementList const* aList) noexcept { return aList ? aList->fLive : 0; }
 
   std::uint32_t size() const noexcept { return fLive; }
-  /// Entry number of the element (of its first occurrence, in lists that take one twice), or kNotFound.
-  /// Entries are counted with the holes; the numbers hold until the next change or question for a position.
-  std::uint32_t find(Element const* aElement, bool aOwning) noexcept;
-  bool contains(Element const* aElement, bool aOwning) noexcept {
-    return find(aElement, aOwning) != kNotFound;
-  }
-  /// The element before one of the list, or null before the first: where `restore` finds its place.
-  Element* before(Element const* aElement, bool aOwning) noexcept;
-  /// Puts an element back that was erased; needs no memory as long as nothing else came instead.
-  void restore(Element const* aPrevious, Element* aElement, bool aOwning) noexcept;
-  /// Removes the entry at an answer of `find`.
-  void eraseEntry(std::uint32_t aEntry, bool aOwning) noexcept;
-  bool erase(Element const* aElement, bool aOwning) noexcept;
   /// The element at a position; closes the holes.
   Element* at(std::uint32_t aPosition);
-  /// Position of an answer of `find` among the elements; closes the holes.
-  std::uint32_t positionOf(Element const* aElement, bool aOwning);
-  /// The element at position `aFrom[i]` comes to `aTo[i]`; both name the same positions, each once.
-  void rearrange(std::span<int const> aFrom, std::span<int const> aTo, bool aOwning);
-  /// Puts the elements into the order given, which must hold each of them once.
-  void reorder(std::span<Element* const> aOrder, bool aOwning) noexcept;
   /// Takes all out; memory and proxy stay.
   void clear() noexcept;
 
@@ -76,29 +45,23 @@ class UMLMM_API ElementList {
   /// The live sequence that shows the list, once somebody asked for it; deleted with the list.
   Generic::SequenceIntf* fProxy = nullptr;
 
- private:
-  struct Hints;
+ protected:
+  struct Table;
 
   explicit ElementList(std::uint32_t aCapacity) noexcept;
   ~ElementList();
   static std::size_t bytesFor(std::uint32_t aCapacity) noexcept;
-  static ElementList* allocate(Blocks& aBlocks, std::uint32_t aCapacity);
-  static ElementList* grown(ElementList* aList, Blocks& aBlocks, std::uint32_t aCapacity);
-  static void makeRoom(ElementList*& aList, Blocks& aBlocks, std::uint32_t aCount);
-  void put(std::uint32_t aEntry, Element* aElement, bool aOwning) noexcept;
+  void takeOver(ElementList& aOld) noexcept;
   void closeHoles() noexcept;
   void closeFront() noexcept;
-  void renewHints(bool aOwning) noexcept;
-  bool hasHints() noexcept;
-  std::int64_t hintOf(Element const* aElement, bool aOwning) const noexcept;
-  void setHint(Element* aElement, std::uint32_t aEntry, bool aOwning) noexcept;
   std::uint32_t scan(Element const* aElement) const noexcept;
   std::uint32_t searchAround(Element const* aElement, std::int64_t aHint) const noexcept;
   std::uint32_t holes() const noexcept { return fEnd - fBegin - fLive; }
   Element** items() noexcept { return reinterpret_cast<Element**>(this + 1); }
   Element* const* items() const noexcept { return reinterpret_cast<Element* const*>(this + 1); }
 
-  std::unique_ptr<Hints> fHints;
+  /// Hints of a list that refers.
+  std::unique_ptr<Table> fTable;
   std::uint32_t fCapacity;
   /// No hole lies before it.
   std::uint32_t fFirstHole = kNotFound;
@@ -112,5 +75,60 @@ class UMLMM_API ElementList {
   std::uint32_t fBegin = 0;
   std::uint32_t fEnd = 0;
 };
+
+/// A list that can be searched and changed. Where an element stands is remembered as a hint: in the element
+/// itself for the one list that owns it, in a table beside other long lists. A lookup starts at the hint and
+/// goes outwards, as closing holes and inserting in the middle shift entries by little; after many shifts the
+/// hints are renewed.
+template <bool IsOwning>
+class UMLMM_API HintedList final : public ElementList {
+ public:
+  /// `aBlocks`: of the elements' model.
+  static void append(HintedList*& aList, Blocks& aBlocks, Element* aElement);
+  /// Puts the element before position `aPosition` (0-based among the elements; at most size).
+  static void insert(HintedList*& aList, Blocks& aBlocks, std::uint32_t aPosition, Element* aElement);
+  /// Makes room for more elements, so that as many appends or inserts can't fail.
+  static void reserve(HintedList*& aList, Blocks& aBlocks, std::uint32_t aCount) {
+    if (aList == nullptr || aList->fCapacity - aList->fEnd < aCount) [[unlikely]]
+      makeRoom(aList, aBlocks, aCount);
+  }
+
+  /// Entry number of the element (of its first occurrence, in lists that take one twice), or kNotFound.
+  /// Entries are counted with the holes; the numbers hold until the next change or question for a position.
+  std::uint32_t find(Element const* aElement) noexcept;
+  bool contains(Element const* aElement) noexcept { return find(aElement) != kNotFound; }
+  /// Position of an element, or kNotFound; closes the holes.
+  std::uint32_t positionOf(Element const* aElement) noexcept;
+  /// Removes the entry at an answer of `find`.
+  void eraseEntry(std::uint32_t aEntry) noexcept;
+  bool erase(Element const* aElement) noexcept;
+  /// The element before one of the list, or null before the first: where `restore` finds its place.
+  Element* before(Element const* aElement) noexcept;
+  /// Puts an element back that was erased; needs no memory as long as nothing else came instead.
+  void restore(Element const* aPrevious, Element* aElement) noexcept;
+  /// The element at position `aFrom[i]` comes to `aTo[i]`; both name the same positions, each once.
+  void rearrange(std::span<int const> aFrom, std::span<int const> aTo);
+  /// Puts the elements into the order given, which must hold each of them once.
+  void reorder(std::span<Element* const> aOrder) noexcept;
+
+ private:
+  using ElementList::ElementList;
+
+  static HintedList* allocate(Blocks& aBlocks, std::uint32_t aCapacity);
+  static void makeRoom(HintedList*& aList, Blocks& aBlocks, std::uint32_t aCount);
+  void put(std::uint32_t aEntry, Element* aElement) noexcept;
+  void renewHints() noexcept;
+  bool hasHints() noexcept;
+  std::int64_t hintOf(Element const* aElement) const noexcept;
+  void setHint(Element* aElement, std::uint32_t aEntry) noexcept;
+};
+
+extern template class HintedList<true>;
+extern template class HintedList<false>;
+
+/// Owns its elements: each is in one such list at most.
+using PartList = HintedList<true>;
+/// Refers to its elements.
+using ReferenceList = HintedList<false>;
 
 }  // namespace Kelm

@@ -78,13 +78,13 @@ class UMLMM_API ModelObject final : public NSInterface::ModelIntf {
   /// changed if it raises.
   void addRoot(NSInterface::ModelElementIntf* aElement);
   /// Makes room for more top-level elements, so that adding them can't fail.
-  void reserveRoots(std::uint32_t aCount) { ElementList::reserve(fRoots, *fBlocks, aCount); }
+  void reserveRoots(std::uint32_t aCount) { PartList::reserve(fRoots, *fBlocks, aCount); }
   /// Lets a top-level element go, without giving back its count.
   void removeRoot(NSInterface::ModelElementIntf* aElement) noexcept;
   /// Undoes `removeRoot`; `aPrevious` stood before the element, null for the first.
   void restoreRoot(NSInterface::ModelElementIntf* aPrevious,
                    NSInterface::ModelElementIntf* aElement) noexcept;
-  ElementList* roots() const noexcept { return fRoots; }
+  PartList* roots() const noexcept { return fRoots; }
   /// Memory for its elements and their lists.
   Blocks& blocks() const noexcept { return *fBlocks; }
 
@@ -116,7 +116,7 @@ class UMLMM_API ModelObject final : public NSInterface::ModelIntf {
   Variant* fBase;
   Variant* fReadOnly = nullptr;
   ChangeRecord* fRecord = nullptr;
-  ElementList* fRoots = nullptr;
+  PartList* fRoots = nullptr;
   Blocks::Owner fBlocks = Blocks::make();
   ModelCompanion* fCompanion = nullptr;
   std::unique_ptr<ModelCompanion> fNotes;

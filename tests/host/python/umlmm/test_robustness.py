@@ -193,3 +193,16 @@ def test_an_interrupted_change_changes_nothing(model, interrupted):
         numbers.clear()
         interrupted(action, min(seconds, 0.06))
         assert len(numbers) == 0
+
+
+def test_an_answer_keeps_to_its_model(model):
+    """An element of another model may go without this one knowing of it."""
+    other = umlmm.Factory.createNewModel()
+    ours, stranger = umlmm.Class(model), umlmm.Class(other)
+    answer = ours.inherit([stranger, ours])
+    assert list(answer) == [ours]
+    stranger.destroy()
+    del stranger
+    umlmm.Class(model).destroy()
+    assert list(answer) == [ours]
+    other.close()
