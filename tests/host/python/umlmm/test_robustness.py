@@ -165,7 +165,8 @@ def test_a_text_of_lone_surrogates_is_read_in_one_go(model):
         assert len(comment.body) == 5_000_000
         return time.process_time() - started
 
-    assert seconds("\ud800") < 10 * seconds("€") + 0.05
+    # One by one they would take a hundred times as long, on a busy machine a few times.
+    assert seconds("\ud800") < 30 * seconds("€") + 0.3
 
 
 class Interrupt:
