@@ -6,6 +6,7 @@ import random
 import signal
 import subprocess
 import sys
+import time
 import weakref
 
 import pytest
