@@ -1,8 +1,9 @@
 # The few commands of daily work; the build itself is CMake's (see CMakePresets.json).
 #
-#   make run [SCRIPT=file.py] [ARGS="..."]   runs a script in the host
-#   make test                                builds and runs all tests
+#   make run [SCRIPT=file.py] [ARGS="..."]   builds the product alone, and runs a script in the host
+#   make test                                builds the rest, and runs all tests
 #   make bench                               measures, against limits taken in the same run
+#   make bench-smoke                         runs every benchmark once, for a moment, without a look at the times
 #   make describe                            writes the published surface to build/describe.json
 #   make reference                           writes a page for each metaclass to build/reference
 #   make install PREFIX=folder               installs libraries, headers, CMake package and Python package
@@ -16,47 +17,66 @@ PREFIX ?= build/installed
 PYTHON = /usr/bin/python3
 HOST = PYTHONPATH=build/release/python $(PYTHON)
 SOURCES = git ls-files '*.cpp' '*.h'
+INSTALL_PACKAGES = @tools/install-packages
 
-.PHONY: run test bench describe reference install asan tsan debug lint format packages build-release build-debug build-asan build-tsan
+# A new tree of the release preset has the product alone. Tests and benchmarks join it when a target asks for them, and
+# then they stay, so that going from one target to the other builds nothing again.
+FIRST = $(if $(wildcard build/release/CMakeCache.txt),,-DUMLMM_TESTS=OFF -DUMLMM_BENCHMARKS=OFF)
+CONFIGURE = @tools/configure
 
-run: build-release
-	@$(HOST) $(SCRIPT) $(ARGS)
+# Targets share a build tree.
+.NOTPARALLEL:
 
-test: build-release
+.PHONY: run test bench bench-smoke describe reference install asan tsan debug lint format \
+  product python generate packages test-packages
+
+run: product
+	@$(HOST) "$(SCRIPT)" $(ARGS)
+
+test: test-packages
+	$(CONFIGURE) release $(FIRST) -DUMLMM_TESTS=ON
+	@cmake --build --preset release
 	ctest --preset release
 
-debug asan tsan: %: build-%
+debug asan tsan: test-packages
+	$(CONFIGURE) $@
+	@cmake --build --preset $@
 	ctest --preset $@
 
-bench: build-release
-	$(HOST) benchmarks/run.py --build build/release
+bench bench-smoke: test-packages
+	$(CONFIGURE) release $(FIRST) -DUMLMM_BENCHMARKS=ON
+	@cmake --build --preset release --target umlmm_benchmarks
+	$(HOST) benchmarks/run.py --build build/release $(if $(filter bench-smoke,$@),--smoke)
 
-describe: build-release
+describe: product
 	$(HOST) -m umlmm describe > build/describe.json
 	$(HOST) -m umlmm describe Kelm > build/describe-Kelm.json
 	@echo "build/describe.json build/describe-Kelm.json"
 
-reference: build-release
+reference: product
 	@rm -rf build/reference
 	@$(HOST) -m umlmm reference build/reference
 	@echo "build/reference/index.md"
 
-install: build-release
-	cmake --install build/release --prefix $(abspath $(PREFIX))
+install: python
+	cmake --install build/release --prefix "$$(realpath -m -- "$(PREFIX)")"
 
-build-release build-debug build-asan build-tsan: build-%: packages
-	@cmake --preset $* > build/$*.log 2>&1 || { cat build/$*.log; exit 1; }
-	@cmake --build --preset $*
+# What a script needs; that and the stubs; the generated sources, of which the linter needs the headers.
+product python generate: packages
+	$(CONFIGURE) release $(FIRST)
+	@cmake --build --preset release --target umlmm_$@
 
 packages:
-	@mkdir -p build
-	@tools/install-packages packages.txt
+	$(INSTALL_PACKAGES) packages.txt
 
-lint: build-release
-	@tools/install-packages packages.txt packages-dev.txt
+test-packages:
+	$(INSTALL_PACKAGES) packages.txt packages-test.txt
+
+lint: generate
+	$(INSTALL_PACKAGES) packages-dev.txt
 	@$(SOURCES) | xargs clang-format --dry-run --Werror
 	@$(SOURCES) | grep '\.cpp$$' | grep -v '^tests/\|^benchmarks/\|^examples/' | xargs -P 2 -n 4 clang-tidy-16 -p build/release --quiet
 
 format:
-	@tools/install-packages packages-dev.txt
+	$(INSTALL_PACKAGES) packages-dev.txt
 	@$(SOURCES) | xargs clang-format -i

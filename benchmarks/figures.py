@@ -2,6 +2,12 @@
 
 import dataclasses
 
+# A smoke run measures each figure once and briefly, to see that it can still be measured; its values mean nothing.
+smoke = False
+
+# No clock tells less from nothing.
+SHORTEST = 1e-3
+
 
 @dataclasses.dataclass
 class Figure:
@@ -17,7 +23,7 @@ class Figure:
 
     @property
     def ratio(self):
-        return None if self.limit is None else self.value / self.limit
+        return None if self.limit is None else self.value / max(self.limit, SHORTEST)
 
     @property
     def met(self):

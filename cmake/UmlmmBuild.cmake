@@ -34,6 +34,9 @@ set(CMAKE_LIBRARY_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/${CMAKE_INSTALL_LIBDIR})
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
 set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
 
+# The version is the project's, in the top list. Before 1.0 a new minor version may change what libraries export, so it
+# is part of the name that programs link with, and of what the CMake package takes for compatible.
+set(UMLMM_SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
 write_basic_package_version_file(${CMAKE_BINARY_DIR}/umlmmConfigVersion.cmake COMPATIBILITY SameMinorVersion)
 install(FILES ${CMAKE_BINARY_DIR}/umlmmConfigVersion.cmake DESTINATION ${UMLMM_INSTALL_CMAKEDIR})
 install(EXPORT umlmm FILE umlmmConfig.cmake NAMESPACE umlmm:: DESTINATION ${UMLMM_INSTALL_CMAKEDIR})
@@ -63,7 +66,9 @@ function(umlmm_library name)
   add_library(${name} SHARED ${ARG_SOURCES})
   target_compile_features(${name} PUBLIC cxx_std_20)
   target_link_libraries(${name} PUBLIC ${ARG_DEPENDS} PRIVATE umlmm_settings)
-  set_target_properties(${name} PROPERTIES BUILD_WITH_INSTALL_RPATH ON INSTALL_RPATH "$ORIGIN")
+  set_target_properties(${name} PROPERTIES
+    VERSION ${PROJECT_VERSION} SOVERSION ${UMLMM_SOVERSION}
+    BUILD_WITH_INSTALL_RPATH ON INSTALL_RPATH "$ORIGIN")
   umlmm_publish(${name} PUBLIC INCLUDE ${ARG_INCLUDE} HEADERS ${ARG_HEADERS})
 endfunction()
 
@@ -102,10 +107,13 @@ function(umlmm_benchmark name)
   add_executable(${name} ${ARG_SOURCES})
   target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR}/benchmarks)
   target_link_libraries(${name} PRIVATE ${ARG_DEPENDS} benchmark::benchmark umlmm_settings)
+  add_dependencies(umlmm_benchmarks ${name})
 endfunction()
 
-# Python itself is built without sanitizers: their libraries have to be there before it starts.
-set(UMLMM_PYTHON_ENVIRONMENT "PYTHONPATH=${CMAKE_BINARY_DIR}/python" PYTHONDONTWRITEBYTECODE=1)
+# What scripts do at random they do from fixed seeds, so the order of sets is fixed as well. Python itself is built
+# without sanitizers: their libraries have to be there before it starts.
+set(UMLMM_PYTHON_ENVIRONMENT
+  "PYTHONPATH=${CMAKE_BINARY_DIR}/python" PYTHONDONTWRITEBYTECODE=1 PYTHONHASHSEED=0)
 if(UMLMM_SANITIZE)
   set(preloaded)
   set(runtimes libasan.so libubsan.so)

@@ -4,7 +4,8 @@
 #
 # Sets OUTVAR to the full paths of the files of a set (see catalogue/tables/outputs.txt). The target
 # umlmm_generate_SET makes them in UMLMM_GENERATED_DIR; a target that compiles or includes them depends on it by
-# add_dependencies. Files whose text stays the same are left untouched, so nothing is compiled anew for them.
+# add_dependencies, and umlmm_generate makes all sets. Files whose text stays the same are left untouched, so nothing is
+# compiled anew for them.
 function(umlmm_generated set out)
   if(NOT TARGET umlmm_generate_${set})
     umlmm_add_generated_set(${set})
@@ -37,6 +38,10 @@ function(umlmm_add_generated_set set)
     DEPENDS ${inputs} ${templates}
     COMMENT "Making the ${set} of the metamodel from its tables" VERBATIM)
   add_custom_target(umlmm_generate_${set} DEPENDS ${stamp})
+  if(NOT TARGET umlmm_generate)
+    add_custom_target(umlmm_generate)
+  endif()
+  add_dependencies(umlmm_generate umlmm_generate_${set})
   set_source_files_properties(${files} PROPERTIES GENERATED TRUE)
   set_target_properties(umlmm_generate_${set} PROPERTIES UMLMM_FILES "${files}")
 endfunction()

@@ -44,13 +44,13 @@ def test_the_installed_python_package_stands_alone(prefix):
     (package,) = prefix.glob("lib/python3*/dist-packages")
     script = (f"import sys; sys.path.insert(0, {str(package)!r}); import umlmm; "
               "print(umlmm.Class(umlmm.Factory.createNewModel()).qualifiedName == ''); "
-              "print(*{line.split()[-1] for line in open('/proc/self/maps') if 'uml' in line})")
+              "print(*{line.split(maxsplit=5)[-1].strip() for line in open('/proc/self/maps') if 'uml' in line}, sep='\\n')")
     preload = {"LD_PRELOAD": os.environ.get("LD_PRELOAD", "")}
     done = subprocess.run([sys.executable, "-c", script], env=ENVIRONMENT | preload, capture_output=True, text=True)
-    answer, libraries = done.stdout.splitlines()
+    answer, *libraries = done.stdout.splitlines()
     assert answer == "True"
     assert {"__init__.pyi", "Kelm.pyi", "_typing.pyi", "py.typed"} <= {path.name for path in package.rglob("*")}
-    assert {pathlib.Path(path).is_relative_to(prefix) for path in libraries.split()} == {True}
+    assert {pathlib.Path(path).is_relative_to(prefix) for path in libraries} == {True}
 
 
 def test_libraries_are_looked_for_beside_each_other_only(prefix):
@@ -62,3 +62,15 @@ def test_libraries_are_looked_for_beside_each_other_only(prefix):
         entries = re.search(r"runpath: \[(.*)\]", dynamic)[1].split(":")
         assert {entry.partition("/")[0] for entry in entries} == {"$ORIGIN"}, (file, entries)
         assert file.name == "engine_test" or "BIND_NOW" in dynamic, file
+
+
+def test_libraries_and_package_tell_the_version_of_the_project(prefix):
+    version = re.search(r"project\(umlmm VERSION (\S+)", (EXAMPLE.parents[1] / "CMakeLists.txt").read_text())[1]
+    told = (prefix / "lib" / "cmake" / "umlmm" / "umlmmConfigVersion.cmake").read_text()
+    assert f'set(PACKAGE_VERSION "{version}")' in told
+    libraries = [path for path in prefix.glob("lib/lib*.so") if path.is_symlink()]
+    assert len(libraries) == len([*prefix.glob("lib/lib*.so")]) > 5
+    for library in libraries:
+        name = f"{library.name}.{version.rpartition('.')[0]}"
+        assert f"soname: [{name}]" in run("readelf", "--dynamic", "--wide", library)
+        assert (prefix / "lib" / name).resolve().name == f"{library.name}.{version}"

@@ -1,5 +1,7 @@
 """Scripts that interfere: code that runs in the middle of things, interrupts, and lists that are long."""
 
+import ctypes
+import functools
 import random
 import signal
 import subprocess
@@ -164,35 +166,26 @@ def test_a_text_of_lone_surrogates_is_read_in_one_go(model):
         assert len(comment.body) == 5_000_000
         return time.process_time() - started
 
-    assert seconds("\ud800") < 10 * seconds("€") + 0.05
+    # One by one they would take a hundred times as long, on a busy machine a few times.
+    assert seconds("\ud800") < 30 * seconds("€") + 0.3
 
 
-@pytest.fixture
-def interrupted():
-    """Runs an action and interrupts it in the middle of the time that it took before."""
-    def handler(*_):
-        raise KeyboardInterrupt
+class Interrupt:
+    """A number that sends the process a signal when it is converted. No bytecode runs on the way, so the signal is seen
+    only where the loop that converts looks for signals."""
 
-    def run(action, seconds):
-        with pytest.raises(KeyboardInterrupt):
-            signal.setitimer(signal.ITIMER_REAL, seconds / 3)
-            action()
-
-    before = signal.signal(signal.SIGALRM, handler)
-    yield run
-    signal.setitimer(signal.ITIMER_REAL, 0)
-    signal.signal(signal.SIGALRM, before)
+    __index__ = functools.partial(ctypes.CDLL(None)["raise"], signal.SIGINT)
 
 
-def test_an_interrupted_change_changes_nothing(model, interrupted):
-    numbers, many = umlmm.SequenceOfInteger.make(model), list(range(1_000_000))
-    for action in (lambda: numbers.extend(many), lambda: numbers.__setitem__(slice(0, 0), many)):
-        started = time.perf_counter()
-        action()
-        seconds = time.perf_counter() - started
-        numbers.clear()
-        interrupted(action, min(seconds, 0.06))
-        assert len(numbers) == 0
+@pytest.mark.parametrize("change", [
+    lambda numbers, many: numbers.extend(many),
+    lambda numbers, many: numbers.__setitem__(slice(0, 0), many),
+])
+def test_an_interrupted_change_changes_nothing(model, change):
+    numbers = umlmm.SequenceOfInteger.make(model)
+    with pytest.raises(KeyboardInterrupt):
+        change(numbers, [*range(5_000), Interrupt(), *range(5_000)])
+    assert len(numbers) == 0
 
 
 def test_an_answer_keeps_to_its_model(model):
