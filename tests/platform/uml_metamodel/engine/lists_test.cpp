@@ -46,28 +46,6 @@ TEST_F(FeatureListTest, ValuesOfAnotherTypeAreNotAssigned) {
   EXPECT_EQ(order(), u"abcd");
 }
 
-TEST_F(FeatureListTest, AssignmentReplacesAllOrNothing) {
-  auto const values =
-      Kelm::SequenceCreator::create<umlmm::PackageableElement>({fModel.getDeviant(), Kelm::MULTI_INDEX});
-  values.push_back(fClasses[3]);
-  values.push_back(named<umlmm::Class>(u"n"));
-  values.push_back(fClasses[0]);
-  values.push_back(fClasses[3]);
-  fPackage.setPackagedElement(values);
-  EXPECT_EQ(order(), u"dna");
-  EXPECT_TRUE(fClasses[1].getPackage().isNull());
-
-  auto const inner = make<umlmm::Package>();
-  fList.push_back(inner);
-  values.clear();
-  values.push_back(fClasses[1]);
-  values.push_back(fPackage);
-  EXPECT_NE(failureOf([&] { inner.setPackagedElement(values); }), "");
-  EXPECT_TRUE(inner.getPackagedElement().empty());
-  fPackage.setPackagedElement(fList);
-  EXPECT_EQ(fList.size(), 4) << "assigning what was read changes nothing";
-}
-
 TEST_F(FeatureListTest, IteratorsSurviveChangesAroundThem) {
   auto position = fList.begin();
   position.next();
