@@ -29,6 +29,21 @@ SequenceOfUnlimitedNatural: umlmm.ImmutableSequenceOfUnlimitedNatural: append cl
 push_front removeAll begin end erase erase erase insert insert replace back isEmpty front size at make make \
 makeUnique makeUnique
 ImmutableSequenceOfMessageSort:: begin end back isEmpty front size at
+SequenceOfClass: umlmm.ImmutableSequenceOfClass umlmm.SequenceOfBehavioredClassifier \
+umlmm.SequenceOfEncapsulatedClassifier: append clear pop_back pop_front push_back push_front removeAll begin end erase \
+erase erase insert insert replace back isEmpty front size at make make makeUnique makeUnique
+SequenceOfImmutableComment: umlmm.ImmutableSequenceOfImmutableComment umlmm.SequenceOfImmutableElement: append clear \
+pop_back pop_front push_back push_front removeAll begin end erase erase erase insert insert replace back isEmpty front \
+size at make make makeUnique makeUnique
+ImmutableSequenceOfComment: umlmm.ImmutableSequenceOfImmutableComment umlmm.ImmutableSequenceOfElement: \
+begin end back isEmpty front size at
+ImmutableSequenceOfImmutableComment: umlmm.ImmutableSequenceOfImmutableElement: begin end back isEmpty front size at
+SequenceOfElement: umlmm.ImmutableSequenceOfElement Kelm.SequenceOfClassObject: append clear pop_back pop_front \
+push_back push_front removeAll begin end erase erase erase insert insert replace back isEmpty front size at make make \
+makeUnique makeUnique
+CommentIterator: umlmm.CommentImmutableIterator: clone eq ne getNext getPrev item
+ImmutableCommentIterator: umlmm.ImmutableCommentImmutableIterator: clone eq ne getNext getPrev item
+CommentImmutableIterator:: clone eq ne getNext getPrev item
 StringIterator: umlmm.StringImmutableIterator: clone eq ne getNext getPrev item
 """
 
@@ -71,6 +86,10 @@ ConnectorKind.disp 0:: -(umlmm.ConnectorKind) -> void: 4096
 ConnectorKind.lt 0:: -(umlmm.ConnectorKind, umlmm.ConnectorKind) -> logical scalar: 4096
 ConnectorKind.Delegation 0:: -() -> umlmm.ConnectorKind: 8
 ConnectorKind.getMetaType 0:: Kelm.Object() -> Kelm.ImmutableType: 2
+SequenceOfClass.append 0:: umlmm.SequenceOfClass(umlmm.Class) -> void: 512
+SequenceOfClass.insert 1:: -(umlmm.SequenceOfClass, int32 scalar, umlmm.Class) -> void: 4608
+SequenceOfClass.front 0:: umlmm.SequenceOfClass() -> umlmm.Class: 512
+SequenceOfClass.make 0:: -(Kelm.ImmutableModel) -> umlmm.SequenceOfClass: 520
 SequenceOfUnlimitedNatural.erase 1:: umlmm.SequenceOfUnlimitedNatural(umlmm.UnlimitedNaturalIterator, \
 umlmm.UnlimitedNaturalIterator) -> umlmm.UnlimitedNaturalIterator: 0
 SequenceOfUnlimitedNatural.erase 2:: -(umlmm.SequenceOfUnlimitedNatural, int32 scalar) -> void: 4096
