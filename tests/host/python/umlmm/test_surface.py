@@ -22,7 +22,8 @@ Element: umlmm.ImmutableElement Kelm.ClassObject: \
 MetaClass MetaProperty allOwnedElements mustBeOwned getMetaType cast
 ImmutableElement: Kelm.ImmutableClassObject: \
 MetaClass MetaProperty allOwnedElements mustBeOwned getMetaType cast cast
-ImmutableFactory: Kelm.ImmutableFactoryObject: eq ne gt ge lt le cast toKelmImmutableObject cast toKelmImmutableFactoryObject
+ImmutableFactory: Kelm.ImmutableFactoryObject: \
+eq ne gt ge lt le cast toKelmImmutableObject cast toKelmImmutableFactoryObject
 ConnectorKind:: isvalid MetaDataType getMetaDataType getMetaType fromString toString disp Assembly Delegation \
 eq ne gt ge lt le
 SequenceOfUnlimitedNatural: umlmm.ImmutableSequenceOfUnlimitedNatural: append clear pop_back pop_front push_back \

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <vector>
 
 #include "kelm/kernel/containers/sequence/SequenceCreator.h"
 #include "models.h"

@@ -6,10 +6,10 @@ using HandlesTest = NamedModelTest;
 
 TEST_F(HandlesTest, AnAnswerOutlivesWhatItFound) {
   auto const owner = make<umlmm::Class>();
-  auto const first = attribute(owner, u"first");
-  attribute(owner, u"second");
+  // Nobody else holds the attributes.
+  for (int number = 0; number < 2; ++number) owner.getOwnedAttribute().push_back(make<umlmm::Property>());
   auto const found = owner.allOwnedElements();
-  first.destroy();
+  owner.getOwnedAttribute().at(0).destroy();
   auto const later = owner.allOwnedElements();
   EXPECT_FALSE(found.at(0).isvalid());
   EXPECT_TRUE(found.at(1).isvalid());
