@@ -44,19 +44,14 @@ TEST_F(PackageTest, extensionsRunInOrderWhenTheClassIsFilledAndAtOnceBehindThat)
   auto& registry = Kelm::mi::VeskExtensionsRegistry::instance();
   static std::string sOrder;
   static vesk::VeskClass* sExtended = nullptr;
-  vesk::testing::addPackage("late", [](vesk::VeskPackage& aPackage) {
-    for (char const* const name : {"Extended", "Plain"})
-      aPackage.addClass(new vesk::testing::TestClass(
-                            name,
-                            [name](vesk::VeskClass& aClass) {
-                              if (name != std::string_view("Extended")) return;
-                              sExtended = &aClass;
-                              sOrder += "f";
-                              Kelm::mi::VeskExtensionsRegistry::instance().executeNonConstCallbacks(
-                                  "late.Extended", &aClass, nullptr);
-                            }),
-                        2);
-  });
+  vesk::testing::addClasses("late", {{"Extended",
+                                      [](vesk::VeskClass& aClass) {
+                                        sExtended = &aClass;
+                                        sOrder += "f";
+                                        Kelm::mi::VeskExtensionsRegistry::instance().executeNonConstCallbacks(
+                                            "late.Extended", &aClass, nullptr);
+                                      }},
+                                     {"Plain", nullptr}});
   addExtension("late.Extended", [&](vesk::VeskClass* aClass, vesk::VeskClient const*) {
     EXPECT_EQ(aClass, sExtended);
     sOrder += "a";

@@ -47,30 +47,6 @@ TEST_F(FeatureListTest, ValuesOfAnotherTypeAreNotAssigned) {
   EXPECT_EQ(order(), u"abcd");
 }
 
-TEST_F(FeatureListTest, IteratorsSurviveChangesAroundThem) {
-  auto position = fList.begin();
-  position.next();
-  fList.erase(0);
-  fList.push_front(named<umlmm::Class>(u"y"));
-  fList.push_front(named<umlmm::Class>(u"x"));
-  EXPECT_EQ(position.current().getName().text(), u"b");
-  fList.removeAll(fClasses[1]);
-  EXPECT_NE(failureOf([&] { position.next(); }).find(Kelm::words::kIndexOutOfBounds), std::string::npos);
-  auto const end = fList.end();
-  EXPECT_NE(failureOf([&] { end.current(); }).find(Kelm::words::kIndexOutOfBounds), std::string::npos);
-}
-
-TEST_F(FeatureListTest, AnIteratorOutlivesItsElement) {
-  auto position = fList.begin();
-  {
-    auto const going = fClasses[0];
-    fClasses.erase(fClasses.begin());
-    going.destroy();
-  }
-  for (int round = 0; round < 10; ++round) make<umlmm::Class>();
-  EXPECT_NE(failureOf([&] { position.next(); }), "");
-}
-
 TEST_F(FeatureListTest, LongListsAreChangedFromTheMiddleByElement) {
   std::vector<umlmm::Class> many;
   for (int count = 0; count < 2000; ++count) {
