@@ -140,7 +140,7 @@ def test_table(path, rows):
             for text in case.texts(row):
                 case.check(text)
         except (Exception, pytest.fail.Exception) as error:
-            failure = f"{path}:{number}: {row}\n{type(error).__name__}: {str(error).splitlines()[0]}"
+            failure = f"{path}:{number}: {row}\n{type(error).__name__}: {str(error).partition(chr(10))[0]}"
             break
     for model in filter(Kelm.Model.isvalid, case.models):
         model.close()
