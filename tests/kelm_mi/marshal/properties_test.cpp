@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <map>
 #include <memory>
 #include <string>
@@ -8,6 +9,8 @@
 #include "kelm/DeviantRegistry.h"
 #include "kelm/Model.h"
 #include "kelm/kernel/containers/sequence/SequenceRef.h"
+#include "kelm_mi/KelmmiProperty.h"
+#include "kelm_mi/KelmmiPropertyFactory.h"
 #include "kelm_mi/marshal/KelmmiOptionalPrimitiveProperty.h"
 #include "kelm_mi/marshal/KelmmiPrimitiveProperty.h"
 #include "kelm_mi/marshal/KelmmiStringProperty.h"
@@ -17,6 +20,7 @@
 #include "uml_metamodel/umlmm/Integer.h"
 #include "uml_metamodel/umlmm/String.h"
 #include "uml_metamodel_mi/package.h"
+#include "uml_metamodel_mi/support/Recording.h"
 #include "uml_metamodel_mi/support/Thing.h"
 
 namespace Kelm::mi {
@@ -262,6 +266,88 @@ TEST_F(Helpers, naturalNumbersTravelAsText) {
   EXPECT_EQ(tarn::get_ustring(text.get()), u"*");
   EXPECT_THROW(set("-1"), Exception);
   EXPECT_TRUE(umlmm::UnlimitedNatural(fElement.fValues[kId]).isUnlimited());
+}
+
+/// Keeps texts as string objects; the empty text is nothing.
+class TextHelper final : public PropHelperBase {
+ public:
+  explicit TextHelper(bool* aGone = nullptr) : fGone(aGone) {}
+  ~TextHelper() override {
+    if (fGone != nullptr) *fGone = true;
+  }
+  VeskValue unboxAndReturn(Object aValue, char const* aTypeName) override {
+    EXPECT_STREQ(aTypeName, "char");
+    return tarnCreateString_UTF16(asString(aValue)->data());
+  }
+  bool boxAndSet(ClassObject* aObject, VeskValue& aValue, IntrospectiveMethods const* aMethods,
+                 unsigned aId) override {
+    String const text(tarn::get_ustring(aValue.array()));
+    if (text.empty()) return false;
+    aMethods->setEntry(aObject->get(), aObject->getDeviant(), aId, Object(text.record(), Deviant()));
+    return true;
+  }
+
+ private:
+  bool* fGone;
+};
+
+class Factories : public Descriptors {
+ protected:
+  KelmmiProperty& property(std::size_t aIndex) const {
+    return dynamic_cast<KelmmiProperty&>(*fClass.fProperties[aIndex]);
+  }
+
+  umlmm::testing::RecordingClass fClass;
+  KelmmiPropertyFactory const fFactory{&fClass, "umlmm.ImmutableThing", &kMethods};
+};
+
+TEST_F(Factories, flagsAndAccessFollowTheCodesOfTheFeature) {
+  fFactory.ClassObject("one", MultiplicitySingle, MutabilityChangeable, 1, "umlmm.ImmutableThing", 0);
+  fFactory.PrimitiveSequence("many", MultiplicityMany, MutabilityReadOnly, 2,
+                             "umlmm.ImmutableSequenceOfString", 0);
+  fFactory.DataType("kind", MultiplicityOptional, MutabilityReadOnly, 3, nullptr, new TextHelper, 0);
+  EXPECT_EQ(property(0).flags, KelmmiProperty::required);
+  EXPECT_EQ(property(1).flags, KelmmiProperty::multiValued | KelmmiProperty::readOnly);
+  EXPECT_EQ(property(2).flags, KelmmiProperty::readOnly);
+  EXPECT_EQ(property(0).getMemberSetAccess(), 0);
+  EXPECT_EQ(property(1).getMemberSetAccess(), 1);
+  EXPECT_STREQ(property(1).getDataType(), "umlmm.ImmutableSequenceOfString");
+  EXPECT_STREQ(property(2).getDataType(), "");
+}
+
+TEST_F(Factories, aDataTypeGoesThroughItsHelperAndAnEmptyValueUnsets) {
+  bool gone = false;
+  fFactory.DataType("kind", MultiplicityOptional, MutabilityChangeable, kId, "char", new TextHelper(&gone),
+                    0);
+  auto const read = [&] {
+    VeskValue const value = property(0).getValue(&fMutable);
+    std::u16string const text = tarn::get_ustring(value.array());
+    property(0).releaseValue(&fMutable, value);
+    return text;
+  };
+  property(0).setValue(&fMutable, Array(tarnCreateString("grey")));
+  EXPECT_EQ(read(), u"grey");
+  property(0).setValue(&fMutable, Array(tarnCreateEmpty(charClassId)));
+  EXPECT_FALSE(fElement.fValues.contains(kId));
+  EXPECT_EQ(read(), u"");
+  fClass.fProperties.clear();
+  EXPECT_TRUE(gone);
+}
+
+/// The place of a virtual operation among those of its class, as a pointer to member has it.
+template <class Member>
+std::size_t slotOf(Member aMember) {
+  std::size_t words[2];
+  static_assert(sizeof aMember == sizeof words);
+  std::memcpy(words, &aMember, sizeof words);
+  return words[0] / sizeof(void*);
+}
+
+TEST_F(Descriptors, theTwoReadersStandBehindTheHostsOperations) {
+  std::size_t const last = slotOf(&vesk::VeskPropInfo::getSarnArrays);
+  EXPECT_EQ(slotOf(&vesk::VeskPropInfo::getInterfaces), last - 1);
+  EXPECT_EQ(slotOf(&KelmmiProperty::getSingleValuedValue), last + 1);
+  EXPECT_EQ(slotOf(&KelmmiProperty::getMultiValuedValue), last + 2);
 }
 
 }  // namespace

@@ -26,7 +26,7 @@ struct IdRecord {
 class BindingTest : public testing::TestWithParam<bool> {
  protected:
   static void SetUpTestSuite() {
-    if (!vesk::host::findPackage("bind")) addLattice("bind", {{"A", {}}, {"B", {}}});
+    if (!vesk::host::findPackage("bind")) addClasses("bind", {{"A", nullptr}, {"B", nullptr}});
   }
   BindingTest() {
     TestClass::sReleased.clear();

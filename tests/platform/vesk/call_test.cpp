@@ -8,7 +8,6 @@ namespace {
 
 using namespace vesk::testing;
 using vesk::VeskError;
-using vesk::VeskPackage;
 using vesk::VeskValue;
 using vesk::factory::basic::BindingRegistry;
 using vesk::host::CallForm;
@@ -70,10 +69,7 @@ class CallTest : public testing::Test {
  protected:
   static void SetUpTestSuite() {
     vesk::factory::detail::initStringDataTypes();
-    addPackage("call", [](VeskPackage& package) {
-      package.addClass(new TestClass("Base", fillBase), 2);
-      package.addClass(new TestClass("Derived", fillDerived), 2);
-    });
+    addClasses("call", {{"Base", fillBase}, {"Derived", fillDerived}});
   }
 
   CallTest() {

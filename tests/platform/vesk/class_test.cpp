@@ -18,11 +18,11 @@ std::vector<std::string> namesOf(std::span<ClassRecord* const> classes) {
 using Names = std::vector<std::string>;
 
 TEST(ClassFilling, ComesWithTheFirstUseAndFillsSuperclassesOnce) {
-  addLattice("fill", {{"Bottom", {"fill.Left", "fill.Right"}},
-                      {"Left", {"fill.Top"}},
-                      {"Right", {"fill.Top"}},
-                      {"Top", {}},
-                      {"Other", {}}});
+  addClasses("fill", {{"Bottom", below({"fill.Left", "fill.Right"})},
+                      {"Left", below({"fill.Top"})},
+                      {"Right", below({"fill.Top"})},
+                      {"Top", nullptr},
+                      {"Other", nullptr}});
   TestClass::sFilled.clear();
   ClassRecord& bottom = classNamed("fill.Bottom");
   EXPECT_TRUE(TestClass::sFilled.empty());
@@ -33,13 +33,13 @@ TEST(ClassFilling, ComesWithTheFirstUseAndFillsSuperclassesOnce) {
 }
 
 TEST(ClassOrder, MergesSuperclassesSoThatEveryClassComesBeforeItsOwn) {
-  addLattice("order", {{"O", {}},
-                       {"A", {"order.O"}},
-                       {"B", {"order.O"}},
-                       {"C", {"order.O"}},
-                       {"K1", {"order.A", "order.B"}},
-                       {"K2", {"order.B", "order.C"}},
-                       {"Z", {"order.K1", "order.K2"}}});
+  addClasses("order", {{"O", nullptr},
+                       {"A", below({"order.O"})},
+                       {"B", below({"order.O"})},
+                       {"C", below({"order.O"})},
+                       {"K1", below({"order.A", "order.B"})},
+                       {"K2", below({"order.B", "order.C"})},
+                       {"Z", below({"order.K1", "order.K2"})}});
   ClassRecord& z = classNamed("order.Z");
   EXPECT_EQ(namesOf(z.linearization()), (Names{"Z", "K1", "A", "K2", "B", "C", "O"}));
   EXPECT_EQ(z.distanceTo(z), 0);
@@ -62,15 +62,15 @@ void expectFailure(char const* name, std::string const& text) {
 }
 
 TEST(ClassFailure, ContradictingOrdersAndCyclesAreRefused) {
-  addLattice("bad", {{"A", {}},
-                     {"B", {}},
-                     {"AB", {"bad.A", "bad.B"}},
-                     {"BA", {"bad.B", "bad.A"}},
-                     {"Both", {"bad.AB", "bad.BA"}},
-                     {"Loop", {"bad.Pool"}},
-                     {"Pool", {"bad.Loop"}},
-                     {"Orphan", {"bad.Missing"}},
-                     {"Stranger", {"nopackage.X"}}});
+  addClasses("bad", {{"A", nullptr},
+                     {"B", nullptr},
+                     {"AB", below({"bad.A", "bad.B"})},
+                     {"BA", below({"bad.B", "bad.A"})},
+                     {"Both", below({"bad.AB", "bad.BA"})},
+                     {"Loop", below({"bad.Pool"})},
+                     {"Pool", below({"bad.Loop"})},
+                     {"Orphan", below({"bad.Missing"})},
+                     {"Stranger", below({"nopackage.X"})}});
   expectFailure("bad.Both", "The superclasses of class 'bad.Both' cannot be put in one order");
   expectFailure("bad.Loop", "Class 'bad.Loop' is needed while it is being filled");
   expectFailure("bad.Orphan", "Class 'bad.Missing' is not defined");
@@ -78,16 +78,12 @@ TEST(ClassFailure, ContradictingOrdersAndCyclesAreRefused) {
 }
 
 TEST(ClassFailure, IsRememberedAndReachesSubclasses) {
-  addPackage("failing", [](vesk::VeskPackage& package) {
-    package.addClass(new TestClass("Base",
-                                   [](vesk::VeskClass& cls) {
-                                     cls.addProperty(new TestProperty("text", "char"));
-                                     throw std::logic_error("the callback refuses");
-                                   }),
-                     2);
-    package.addClass(
-        new TestClass("Derived", [](vesk::VeskClass& cls) { addSuperclasses(cls, {"failing.Base"}); }), 2);
-  });
+  addClasses("failing", {{"Base",
+                          [](vesk::VeskClass& cls) {
+                            cls.addProperty(new TestProperty("text", "char"));
+                            throw std::logic_error("the callback refuses");
+                          }},
+                         {"Derived", below({"failing.Base"})}});
   TestClass::sFilled.clear();
   expectFailure("failing.Derived", "the callback refuses");
   expectFailure("failing.Base", "the callback refuses");
@@ -98,16 +94,12 @@ TEST(ClassFailure, IsRememberedAndReachesSubclasses) {
 
 TEST(ClassFailure, LackOfMemoryPasses) {
   static int sLeft = 3;
-  addPackage("lean", [](vesk::VeskPackage& package) {
-    package.addClass(new TestClass("Base",
-                                   [](vesk::VeskClass& cls) {
-                                     cls.addProperty(new TestProperty("text", "char"));
-                                     if (--sLeft >= 0) throw std::bad_alloc();
-                                   }),
-                     2);
-    package.addClass(
-        new TestClass("Derived", [](vesk::VeskClass& cls) { addSuperclasses(cls, {"lean.Base"}); }), 2);
-  });
+  addClasses("lean", {{"Base",
+                       [](vesk::VeskClass& cls) {
+                         cls.addProperty(new TestProperty("text", "char"));
+                         if (--sLeft >= 0) throw std::bad_alloc();
+                       }},
+                      {"Derived", below({"lean.Base"})}});
   for (char const* name : {"lean.Derived", "lean.Base", "lean.Derived"}) {
     EXPECT_THROW(classNamed(name).ensureFilled(), std::bad_alloc);
     EXPECT_EQ(classNamed(name).state(), State::Announced);
@@ -116,65 +108,46 @@ TEST(ClassFailure, LackOfMemoryPasses) {
   EXPECT_EQ(classNamed("lean.Base").properties().size(), 1u);
 }
 
-TEST(ClassFailure, AMemberWithoutANameIsRefused) {
-  addPackage("nameless", [](vesk::VeskPackage& package) {
-    package.addClass(
-        new TestClass("Property",
-                      [](vesk::VeskClass& cls) { cls.addProperty(new TestProperty("", "char")); }),
-        2);
-    package.addClass(
-        new TestClass("Method",
-                      [](vesk::VeskClass& cls) {
-                        cls.addMethod(new TestMethod("", 0, {"", "void", "nameless.Method"}, answering(1)));
-                      }),
-        2);
-  });
-  expectFailure("nameless.Property", "A property of class 'nameless.Property' has no name");
-  expectFailure("nameless.Method", "A method of class 'nameless.Method' has no name");
+TestClass::Fill property(char const* name, char const* type) {
+  return [=](vesk::VeskClass& cls) { cls.addProperty(new TestProperty(name, type)); };
+}
+TestClass::Fill method(char const* name, TestMethod::Signature texts) {
+  return [=](vesk::VeskClass& cls) { cls.addMethod(new TestMethod(name, 0, texts, answering(1))); };
 }
 
-TEST(ClassFailure, UnknownDataTypesAndUnusableMethodsAreFoundWhileFilling) {
+TEST(ClassFailure, UnusableMembersAreFoundWhileFilling) {
   vesk::factory::detail::initStringDataTypes();
-  auto const method = [](TestMethod::Signature texts) {
-    return [texts](vesk::VeskClass& cls) { cls.addMethod(new TestMethod("m", 0, texts, answering(1))); };
-  };
   static std::initializer_list<char const*> const sUnknown = {"float scalar"}, sVoid = {"char", "void"};
-  addPackage("types", [method](vesk::VeskPackage& package) {
-    package.addClass(new TestClass("Argument", method({"", "void", "types.Argument", sUnknown})), 2);
-    package.addClass(new TestClass("Result", method({"", "number", "types.Result"})), 2);
-    package.addClass(new TestClass("Void", method({"", "void", "types.Void", sVoid})), 2);
-    package.addClass(new TestClass("Receiver", method({"", "void", nullptr})), 2);
-    package.addClass(
-        new TestClass("Property",
-                      [](vesk::VeskClass& cls) { cls.addProperty(new TestProperty("p", "real")); }),
-        2);
-  });
-  expectFailure("types.Argument", "Data type 'float scalar' of 'm' is not defined");
-  expectFailure("types.Result", "Data type 'number' of 'm' is not defined");
-  expectFailure("types.Void", "An argument of 'm' is of type 'void'");
-  expectFailure("types.Receiver", "Method 'm' has no argument for its receiver");
-  expectFailure("types.Property", "Data type 'real' of 'p' is not defined");
-  EXPECT_THROW(classNamed("types.Void").addProperty(new TestProperty("late", "char")), vesk::VeskError);
+  addClasses("wrong", {{"Nameless", property("", "char")},
+                       {"NamelessMethod", method("", {"", "void", "wrong.NamelessMethod"})},
+                       {"Argument", method("m", {"", "void", "wrong.Argument", sUnknown})},
+                       {"Result", method("m", {"", "number", "wrong.Result"})},
+                       {"Void", method("m", {"", "void", "wrong.Void", sVoid})},
+                       {"Receiver", method("m", {"", "void", nullptr})},
+                       {"Property", property("p", "real")}});
+  expectFailure("wrong.Nameless", "A property of class 'wrong.Nameless' has no name");
+  expectFailure("wrong.NamelessMethod", "A method of class 'wrong.NamelessMethod' has no name");
+  expectFailure("wrong.Argument", "Data type 'float scalar' of 'm' is not defined");
+  expectFailure("wrong.Result", "Data type 'number' of 'm' is not defined");
+  expectFailure("wrong.Void", "An argument of 'm' is of type 'void'");
+  expectFailure("wrong.Receiver", "Method 'm' has no argument for its receiver");
+  expectFailure("wrong.Property", "Data type 'real' of 'p' is not defined");
+  EXPECT_THROW(classNamed("wrong.Void").addProperty(new TestProperty("late", "char")), vesk::VeskError);
 }
 
 TEST(ClassMembers, AreFoundNearestFirstAndConstructorsAreNone) {
-  addPackage("members", [](vesk::VeskPackage& package) {
-    package.addClass(
-        new TestClass("Base",
-                      [](vesk::VeskClass& cls) {
-                        cls.addProperty(new TestProperty("text", "char"));
-                        cls.addProperty(new TestProperty("other", "char"));
-                        cls.addMethod(new TestMethod("run", 0, {"", "void", "members.Base"}, answering(1)));
-                        cls.addMethod(new TestMethod("Base", 0, {"", "members.Base"}, answering(2)));
-                      }),
-        2);
-    package.addClass(new TestClass("Derived",
-                                   [](vesk::VeskClass& cls) {
-                                     addSuperclasses(cls, {"members.Base"});
-                                     cls.addProperty(new TestProperty("text", "char"));
-                                   }),
-                     2);
-  });
+  addClasses("members",
+             {{"Base",
+               [](vesk::VeskClass& cls) {
+                 cls.addProperty(new TestProperty("text", "char"));
+                 cls.addProperty(new TestProperty("other", "char"));
+                 cls.addMethod(new TestMethod("run", 0, {"", "void", "members.Base"}, answering(1)));
+                 cls.addMethod(new TestMethod("Base", 0, {"", "members.Base"}, answering(2)));
+               }},
+              {"Derived", [](vesk::VeskClass& cls) {
+                 addSuperclasses(cls, {"members.Base"});
+                 cls.addProperty(new TestProperty("text", "char"));
+               }}});
   ClassRecord& base = classNamed("members.Base");
   ClassRecord& derived = classNamed("members.Derived");
   auto const find = [&](char const* name) { return derived.findMember(vesk::internal::intern(name)); };

@@ -43,10 +43,7 @@ TEST(Package, LackOfMemoryPasses) {
 }
 
 TEST(Package, SecondDefinitionsAreRefusedByTheProvider) {
-  addPackage("twice", [](vesk::VeskPackage& package) {
-    package.addClass(new TestClass("One", nullptr), 2);
-    package.addClass(new TestClass("One", nullptr), 2);
-  });
+  addClasses("twice", {{"One", nullptr}, {"One", nullptr}});
   for (int i = 0; i < 2; ++i) {
     try {
       static_cast<void>(findPackage("twice")->classes());

@@ -4,6 +4,7 @@
 #include <type_traits>
 
 #include "kelm/ModelCache.h"
+#include "platform/kelm/support/failure.h"
 #include "uml_metamodel/umlmm.h"
 
 namespace {
@@ -23,16 +24,6 @@ static_assert(!kConverts<umlmm::Classifier, umlmm::Class> &&
               !kConverts<umlmm::ImmutableClass, umlmm::Class> &&
               !kConverts<umlmm::ImmutableClass, umlmm::Classifier> &&
               !kConverts<umlmm::Class, umlmm::ImmutableAssociation>);
-
-template <class Step>
-std::string failureOf(Step aStep) {
-  try {
-    aStep();
-  } catch (Kelm::Exception const& failure) {
-    return failure.what();
-  }
-  return "none";
-}
 
 class References : public testing::Test {
  protected:

@@ -28,20 +28,6 @@ class RecordingClass final : public vesk::VeskClass {
   void addProperty(vesk::VeskPropInfo* property) override { fProperties.emplace_back(property); }
   void addMethod(vesk::VeskMethodInfo* method) override { fMethods.emplace_back(method); }
 
-  std::vector<std::string> methodNames() const {
-    std::vector<std::string> names;
-    for (auto const& method : fMethods) names.emplace_back(method->getName());
-    return names;
-  }
-  /// The n-th method of a name; null if there are fewer.
-  vesk::factory::VeskMethod* method(std::string_view name, int n = 0) const {
-    for (auto const& method : fMethods) {
-      if (method->getName() == name && n-- == 0)
-        return dynamic_cast<vesk::factory::VeskMethod*>(method.get());
-    }
-    return nullptr;
-  }
-
   std::string fConstructorName;
   std::vector<std::string> fSuperclasses;
   std::vector<std::unique_ptr<vesk::VeskPropInfo>> fProperties;

@@ -80,3 +80,21 @@ def test_what_is_refused_is_refused_as_by_the_attribute(model):
         with pytest.raises(error, match=text):
             action()
     assert not hasattr(element.asImmutable(), "setProperty")
+
+
+def test_every_query_of_what_is_gone_fails(model):
+    given, asked = {"int32 scalar": 0, "umlmm.ImmutableSequenceOfImmutableNamedElement": []}, 0
+    common = {method["name"] for method in _host.describe_class("umlmm.ImmutableAssociation")["methods"]}
+    gone = [getattr(umlmm, name.split(".")[1])(model) for name in CONCRETE]
+    for element in gone:
+        element.destroy()
+    for name in _host.class_names("umlmm"):
+        cls = getattr(umlmm, name.split(".")[1])
+        for element in gone if name.startswith("umlmm.Immutable") else ():
+            if isinstance(element, cls):
+                for method in _host.describe_class(name)["methods"]:
+                    if method["name"] not in common:
+                        asked += 1
+                        with pytest.raises(umlmm.Kelm.Error, match="does not exist"):
+                            getattr(cls, method["name"])(element, *(given.get(kind) for kind in method["arguments"]))
+    assert asked > 64

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <vector>
 
 #include "kelm/kernel/containers/sequence/SequenceCreator.h"
 #include "models.h"
@@ -44,52 +45,6 @@ TEST_F(FeatureListTest, ValuesOfAnotherTypeAreNotAssigned) {
   }
   EXPECT_EQ(body.getBody().at(0).text(), u"text");
   EXPECT_EQ(order(), u"abcd");
-}
-
-TEST_F(FeatureListTest, AssignmentReplacesAllOrNothing) {
-  auto const values =
-      Kelm::SequenceCreator::create<umlmm::PackageableElement>({fModel.getDeviant(), Kelm::MULTI_INDEX});
-  values.push_back(fClasses[3]);
-  values.push_back(named<umlmm::Class>(u"n"));
-  values.push_back(fClasses[0]);
-  values.push_back(fClasses[3]);
-  fPackage.setPackagedElement(values);
-  EXPECT_EQ(order(), u"dna");
-  EXPECT_TRUE(fClasses[1].getPackage().isNull());
-
-  auto const inner = make<umlmm::Package>();
-  fList.push_back(inner);
-  values.clear();
-  values.push_back(fClasses[1]);
-  values.push_back(fPackage);
-  EXPECT_NE(failureOf([&] { inner.setPackagedElement(values); }), "");
-  EXPECT_TRUE(inner.getPackagedElement().empty());
-  fPackage.setPackagedElement(fList);
-  EXPECT_EQ(fList.size(), 4) << "assigning what was read changes nothing";
-}
-
-TEST_F(FeatureListTest, IteratorsSurviveChangesAroundThem) {
-  auto position = fList.begin();
-  position.next();
-  fList.erase(0);
-  fList.push_front(named<umlmm::Class>(u"y"));
-  fList.push_front(named<umlmm::Class>(u"x"));
-  EXPECT_EQ(position.current().getName().text(), u"b");
-  fList.removeAll(fClasses[1]);
-  EXPECT_NE(failureOf([&] { position.next(); }).find(Kelm::words::kIndexOutOfBounds), std::string::npos);
-  auto const end = fList.end();
-  EXPECT_NE(failureOf([&] { end.current(); }).find(Kelm::words::kIndexOutOfBounds), std::string::npos);
-}
-
-TEST_F(FeatureListTest, AnIteratorOutlivesItsElement) {
-  auto position = fList.begin();
-  {
-    auto const going = fClasses[0];
-    fClasses.erase(fClasses.begin());
-    going.destroy();
-  }
-  for (int round = 0; round < 10; ++round) make<umlmm::Class>();
-  EXPECT_NE(failureOf([&] { position.next(); }), "");
 }
 
 TEST_F(FeatureListTest, LongListsAreChangedFromTheMiddleByElement) {

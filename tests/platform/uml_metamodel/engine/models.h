@@ -3,10 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <vector>
 
 #include "kelm/ModelCache.h"
 #include "kelm/ModelObject.h"
+#include "platform/kelm/support/failure.h"
 #include "uml_metamodel/umlmm.h"
 
 /// A fresh model for each test, closed behind it.
@@ -28,21 +28,3 @@ class ModelTest : public testing::Test {
 
   Kelm::Model fModel;
 };
-
-/// The text of the failure that a call raises; empty if it raises none.
-template <class Call>
-std::string failureOf(Call aCall) {
-  try {
-    aCall();
-  } catch (Kelm::Exception const& failure) {
-    return failure.what();
-  }
-  return {};
-}
-
-template <class Sequence>
-auto valuesOf(Sequence const& aSequence) {
-  std::vector<typename Sequence::Value> values;
-  for (auto const& value : aSequence.values()) values.push_back(value);
-  return values;
-}

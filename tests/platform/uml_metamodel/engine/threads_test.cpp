@@ -6,6 +6,7 @@
 #include <deque>
 #include <fstream>
 #include <thread>
+#include <vector>
 
 #include "kelm/DeviantRegistry.h"
 #include "models.h"

@@ -25,22 +25,12 @@ class NamedModelTest : public ModelTest {
     aOwner.getOwnedAttribute().push_back(made);
     return made;
   }
-  template <class Owner>
-  umlmm::Operation operation(Owner const& aOwner, char16_t const* aName) const {
-    auto const made = named<umlmm::Operation>(aName);
-    aOwner.getOwnedOperation().push_back(made);
-    return made;
-  }
   umlmm::Generalization generalize(umlmm::Classifier const& aSpecific,
                                    umlmm::Classifier const& aGeneral) const {
     return umlmm::Generalization::create(fModel, aSpecific, aGeneral);
   }
   umlmm::PackageImport import(umlmm::Namespace const& aImporting, umlmm::Package const& aImported) const {
     return umlmm::PackageImport::create(fModel, aImporting, aImported);
-  }
-  umlmm::ElementImport import(umlmm::Namespace const& aImporting,
-                              umlmm::PackageableElement const& aImported) const {
-    return umlmm::ElementImport::create(fModel, aImported, aImporting);
   }
 };
 

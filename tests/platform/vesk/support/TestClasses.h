@@ -117,24 +117,18 @@ inline void addSuperclasses(VeskClass& cls, std::initializer_list<char const*> n
 
 inline host::ClassRecord& classNamed(char const* name) { return host::classOf(internal::intern(name)); }
 
-/// A package of classes of which only the superclasses matter.
-inline void addLattice(char const* package,
-                       std::vector<std::pair<char const*, std::initializer_list<char const*>>> classes) {
-  struct Row {
-    char const* fName;
-    std::vector<char const*> fSupers;
-  };
-  std::vector<Row> rows;
-  for (auto const& [name, supers] : classes) rows.push_back({name, supers});
-  addPackage(package, [rows](VeskPackage& to) {
-    for (Row const& row : rows) {
-      to.addClass(new TestClass(row.fName,
-                                [supers = row.fSupers](VeskClass& cls) {
-                                  for (char const* super : supers) addSuperclasses(cls, {super});
-                                }),
-                  2);
-    }
+/// A package of classes, each with the function that fills it.
+inline void addClasses(char const* package, std::vector<std::pair<char const*, TestClass::Fill>> classes) {
+  addPackage(package, [classes = std::move(classes)](VeskPackage& to) {
+    for (auto const& [name, fill] : classes) to.addClass(new TestClass(name, fill), 2);
   });
+}
+
+/// A class with nothing but superclasses.
+inline TestClass::Fill below(std::initializer_list<char const*> supers) {
+  return [supers = std::vector(supers)](VeskClass& cls) {
+    for (char const* super : supers) addSuperclasses(cls, {super});
+  };
 }
 
 }  // namespace vesk::testing
