@@ -5,7 +5,6 @@
 
 #include "engine/Referrers.h"
 #include "engine/failures.h"
-#include "engine/ids.h"
 
 namespace umlmm::engine {
 
@@ -50,10 +49,7 @@ void store(Element& aOwner, Feature const& aRoot, Element& aValue, std::uint32_t
 
 /// A bound whose value was taken away is unset: its default does not come back.
 void forgetDefault(Element& aOwner, Feature const& aRoot) noexcept {
-  if (indexOf(aRoot) == ids::MultiplicityElement::LowerValue)
-    setFlagBits(aOwner, ids::MultiplicityElement::Lower, 1, 0);
-  else if (indexOf(aRoot) == ids::MultiplicityElement::UpperValue)
-    setFlagBits(aOwner, ids::MultiplicityElement::Upper, 1, 0);
+  if (aRoot.fForgetsDefaultOf != kNoFeature) setFlagBits(aOwner, aRoot.fForgetsDefaultOf, 1, 0);
 }
 
 /// Takes the value out of the owner's slot; a part goes to its model's top level.
