@@ -1,6 +1,6 @@
 #pragma once
 
-#include <cstddef>
+#include <span>
 
 #include "vesk/fwd.h"
 
@@ -9,10 +9,8 @@ namespace umlmm::mi {
 /// Announces the classes of one unit of the package.
 using Registrar = void (*)(vesk::VeskPackage* aPackage);
 
-inline constexpr std::size_t kRegistrarCount = 179;
-
 /// All units, in the order in which they announce their classes. The order is published: it is the order in
 /// which the host lists the classes, and not one of dependence.
-extern Registrar const kRegistrars[kRegistrarCount];
+extern std::span<Registrar const> const kRegistrars;
 
 }  // namespace umlmm::mi

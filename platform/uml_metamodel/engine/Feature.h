@@ -1,7 +1,10 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <span>
+
+#include "engine/counts.h"
 
 /// The metamodel as the engine sees it: one record a feature and a metaclass, made from the catalogue.
 namespace umlmm::engine {
@@ -26,35 +29,42 @@ enum class Storage : std::uint8_t {
 };
 
 struct Feature {
-  char const* fName;
-  std::uint16_t fOwner;    ///< Metaclass that declares it.
-  std::uint16_t fType;     ///< Metaclass, or enumeration, by index.
-  FeatureIndex fRoot;      ///< The feature whose slot it is; itself unless it redefines one.
-  FeatureIndex fOpposite;  ///< Root of the far end, or none.
-  FeatureIndex
-      fContainment;  ///< Of a containment or its far end: the topmost stored containment that holds the part.
-  std::uint8_t fId;
-  std::int8_t fLower;
-  std::int8_t fUpper;  ///< -1 for unlimited.
-  ValueType fValueType;
-  Storage fStorage;
-  bool fComposite : 1;
-  bool fOrdered : 1;
-  bool fUnique : 1;
-  bool fDerived : 1;
-  bool fUnion : 1;
-  bool fReadOnly : 1;
-  bool fGivesNamespace : 1;                  ///< Of a stored containment: the owner is the part's namespace.
-  bool fGivesFeaturingClassifier : 1;        ///< The owner is the part's featuring classifier.
-  bool fGivesContext : 1;                    ///< The owner is the part's redefinition context.
-  char const* fDefault;                      ///< As text; empty for none.
-  std::span<FeatureIndex const> fSupersets;  ///< Stored features that hold what this one holds, direct ones.
-  std::span<FeatureIndex const>
-      fSubsets;  ///< Stored features that this one holds the values of, direct ones.
-  std::span<FeatureIndex const> fNarrowings;    ///< Of a root: the redefinitions of it, general ones first.
-  std::span<FeatureIndex const> fAllSupersets;  ///< Direct supersets of any kind, as the tables name them.
-  std::span<FeatureIndex const> fRedefined;     ///< Features that it redefines directly.
-  FeatureIndex fNamedOpposite;                  ///< The far end as the tables name it, or none.
+  char const* fName = "";
+  std::uint16_t fOwner = 0;             ///< Metaclass that declares it.
+  std::uint16_t fType = 0;              ///< Metaclass, or enumeration, by index.
+  FeatureIndex fRoot = kNoFeature;      ///< The feature whose slot it is; itself unless it redefines one.
+  FeatureIndex fOpposite = kNoFeature;  ///< Root of the far end, or none.
+  /// Of a containment or its far end: the topmost stored containment that holds the part.
+  FeatureIndex fContainment = kNoFeature;
+  std::uint8_t fId = 0;
+  std::int8_t fLower = 0;
+  std::int8_t fUpper = 1;  ///< -1 for unlimited.
+  ValueType fValueType = ValueType::Reference;
+  Storage fStorage = Storage::Computed;
+  bool fComposite : 1 = false;
+  bool fOrdered : 1 = false;
+  bool fUnique : 1 = true;
+  bool fDerived : 1 = false;
+  bool fUnion : 1 = false;
+  bool fReadOnly : 1 = false;
+  /// Of a stored containment: the owner is the part's namespace, featuring classifier, redefinition context.
+  bool fGivesNamespace : 1 = false;
+  bool fGivesFeaturingClassifier : 1 = false;
+  bool fGivesContext : 1 = false;
+  char const* fDefault = "";  ///< As text; empty for none.
+  /// Stored features that hold what this one holds, direct ones.
+  std::span<FeatureIndex const> fSupersets = {};
+  /// Stored features that this one holds the values of, direct ones.
+  std::span<FeatureIndex const> fSubsets = {};
+  /// Of a root: the redefinitions of it, general ones first.
+  std::span<FeatureIndex const> fNarrowings = {};
+  /// Direct supersets of any kind, as the tables name them.
+  std::span<FeatureIndex const> fAllSupersets = {};
+  /// Features that it redefines directly.
+  std::span<FeatureIndex const> fRedefined = {};
+  FeatureIndex fNamedOpposite = kNoFeature;  ///< The far end as the tables name it, or none.
+  /// Of a containment: the computed feature whose default is gone for good once a part leaves, or none.
+  FeatureIndex fForgetsDefaultOf = kNoFeature;
 
   bool isMany() const noexcept { return fUpper != 1; }
   bool isOptional() const noexcept { return fLower == 0 && fUpper == 1; }
@@ -68,15 +78,17 @@ struct Feature {
 /// A derived union as one metaclass sees it: the stored and computed features whose values it lists, in their
 /// order.
 struct Union {
-  FeatureIndex fFeature;
+  FeatureIndex fFeature = kNoFeature;
   std::span<FeatureIndex const> fMembers;
 };
 
 struct Metaclass {
-  char const* fName;
-  bool fAbstract;
-  FeatureIndex fFirstFeature;
-  std::uint8_t fFeatureCount;
+  char const* fName = "";
+  bool fAbstract = false;
+  std::uint8_t fFeatureCount = 0;
+  FeatureIndex fFirstFeature = 0;
+  /// The text by which failures call an element, or none.
+  FeatureIndex fNaming = kNoFeature;
   std::span<std::uint16_t const> fSupers;
   /// Itself and all above it, in the order of the meta-property list.
   std::span<std::uint16_t const> fAncestors;
@@ -102,20 +114,17 @@ struct Layout {
   std::span<FeatureIndex const> fRequired;
 };
 
-inline constexpr int kMetaclassCount = 166;
-inline constexpr int kFeatureCount = 368;
-inline constexpr int kConcreteCount = 128;
-inline constexpr int kEnumerationCount = 8;
-
-extern Feature const kFeatures[kFeatureCount];
-extern Metaclass const kMetaclasses[kMetaclassCount];
-extern Layout const kLayouts[kConcreteCount];
 /// Bit (a * kMetaclassCount + b) says that metaclass a is b or a specialization of it.
-extern std::uint64_t const kConformance[];
+using Conformance = std::array<std::uint64_t, (kMetaclassCount * kMetaclassCount + 63) / 64>;
+
+extern std::array<Feature, kFeatureCount> const kFeatures;
+extern std::array<Metaclass, kMetaclassCount> const kMetaclasses;
+extern std::array<Layout, kConcreteCount> const kLayouts;
+extern Conformance const kConformance;
 
 inline Feature const& feature(FeatureIndex aIndex) noexcept { return kFeatures[aIndex]; }
 inline FeatureIndex indexOf(Feature const& aFeature) noexcept {
-  return static_cast<FeatureIndex>(&aFeature - kFeatures);
+  return static_cast<FeatureIndex>(&aFeature - kFeatures.data());
 }
 inline bool conforms(int aMetaclass, int aGeneral) noexcept {
   unsigned const bit = static_cast<unsigned>(aMetaclass * kMetaclassCount + aGeneral);

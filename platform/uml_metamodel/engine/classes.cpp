@@ -78,7 +78,7 @@ void fillTable(Entry& aEntry, Layout const& aLayout, ElementClass const& aClass)
   table.fSequenceWords = aLayout.fSequenceWords;
   table.fDefaultFlags = aLayout.fDefaultFlags;
   table.fMetaclass = aLayout.fMetaclass;
-  table.fIndex = static_cast<std::uint16_t>(&aLayout - kLayouts);
+  table.fIndex = static_cast<std::uint16_t>(&aLayout - kLayouts.data());
   fillInterfaces(aEntry, aClass);
   table.fSize = static_cast<std::uint16_t>(aClass.fSize + std::size_t{8} * aLayout.fWords);
   fillFeatures(aEntry, metaclass, aLayout.fWords);

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "engine/ids.h"
 #include "kelm/Asserter.h"
 #include "kelm/String.h"
 
@@ -17,8 +16,9 @@ char const* typeName(Feature const& aFeature) noexcept {
 /// " 'Order'", cut if it is long; empty for what has no name.
 std::string nameIn(Element const& aElement) {
   constexpr std::size_t kShown = 60;
-  if (!hasSlot(aElement, ids::NamedElement::Name)) return {};
-  auto const* const record = pointerSlot<Kelm::StringObject>(aElement, ids::NamedElement::Name);
+  FeatureIndex const naming = namingFeature(aElement);
+  if (naming == kNoFeature) return {};
+  auto const* const record = pointerSlot<Kelm::StringObject>(aElement, naming);
   if (record == nullptr || record->text().empty()) return {};
   std::string name = Kelm::toUtf8(record->text().substr(0, kShown));
   // The text of a failure ends at the first zero.

@@ -9,7 +9,6 @@
 #include "engine/Referrers.h"
 #include "engine/classes.h"
 #include "engine/engine.h"
-#include "engine/ids.h"
 #include "engine/kernel_features.h"
 #include "engine/links.h"
 #include "reflection/meta.h"
@@ -130,9 +129,8 @@ void leaveOthers(Element& aElement) {
 /// Empties a list but keeps what scripts hold of it; what the slot held is gone with the subtree. The name
 /// stays, so that failures can tell which element is gone.
 void emptySlots(Element& aElement) noexcept {
-  std::uint64_t const name = hasSlot(aElement, ids::NamedElement::Name)
-                                 ? std::uint64_t{1} << slotOf(aElement, ids::NamedElement::Name)
-                                 : 0;
+  FeatureIndex const naming = namingFeature(aElement);
+  std::uint64_t const name = naming != kNoFeature ? std::uint64_t{1} << slotOf(aElement, naming) : 0;
   freeTexts(aElement, aElement.classTable()->fStringWords & ~name);
   forEachWord(aElement.classTable()->fReferenceWords,
               [&](unsigned aWord) { State::slots(aElement)[aWord] = 0; });

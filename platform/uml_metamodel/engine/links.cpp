@@ -5,7 +5,6 @@
 
 #include "engine/Referrers.h"
 #include "engine/failures.h"
-#include "engine/ids.h"
 
 namespace umlmm::engine {
 
@@ -22,10 +21,7 @@ bool isOwnersFeature(Element const& aElement, Element const& aOwner, Feature con
 
 /// A bound whose value was taken away is unset: its default does not come back.
 void forgetDefault(Element& aOwner, Feature const& aRoot) {
-  if (indexOf(aRoot) == ids::MultiplicityElement::LowerValue)
-    Change::setFlags(aOwner, ids::MultiplicityElement::Lower, 1, 0);
-  else if (indexOf(aRoot) == ids::MultiplicityElement::UpperValue)
-    Change::setFlags(aOwner, ids::MultiplicityElement::Upper, 1, 0);
+  if (aRoot.fForgetsDefaultOf != kNoFeature) Change::setFlags(aOwner, aRoot.fForgetsDefaultOf, 1, 0);
 }
 
 /// Takes the value out of the owner's slot; a part goes to its model's top level.

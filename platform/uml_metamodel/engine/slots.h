@@ -69,6 +69,11 @@ inline bool isA(Element const& aElement, int aMetaclass) noexcept {
   return conforms(metaclassOf(aElement), aMetaclass);
 }
 
+/// The text by which failures call the element, or none.
+inline FeatureIndex namingFeature(Element const& aElement) noexcept {
+  return kMetaclasses[static_cast<std::size_t>(metaclassOf(aElement))].fNaming;
+}
+
 /// What a root feature is on an element's metaclass: the most special redefinition of it there, or itself.
 inline Feature const& seenOn(Element const& aElement, Feature const& aRoot) noexcept {
   Feature const* seen = &aRoot;

@@ -19,6 +19,8 @@
 #include "uml_metamodel/umlmm/Boolean.h"
 #include "uml_metamodel/umlmm/Integer.h"
 #include "uml_metamodel/umlmm/String.h"
+#include "uml_metamodel/umlmm/UnlimitedNatural.h"
+#include "uml_metamodel/umlmm/VisibilityKind.h"
 #include "uml_metamodel_mi/package.h"
 #include "uml_metamodel_mi/support/Recording.h"
 #include "uml_metamodel_mi/support/Thing.h"

@@ -21,7 +21,7 @@ def test_files_are_those_listed_and_name_their_template(catalogue, tmp_path):
 
 def test_an_unchanged_file_is_left_untouched(catalogue, tmp_path):
     run(catalogue, "--set", "values", "--output", tmp_path)
-    (path,) = [path for path in tmp_path.rglob("*.cpp")]
+    path = next(tmp_path.rglob("*.cpp"))
     before = path.stat().st_mtime_ns
     run(catalogue, "--set", "values", "--output", tmp_path)
     assert path.stat().st_mtime_ns == before

@@ -8,7 +8,7 @@ from __future__ import annotations
 from collections.abc import Iterable
 
 from generator.model import Create, Feature, Metaclass, Model
-from generator.read import FeatureRow, MetaclassRow, TableError, Tables, Where
+from generator.read import ROLES, FeatureRow, MetaclassRow, TableError, Tables, Where
 
 KINDS = ("abstract", "concrete", "concrete+")
 PRIMITIVES = ("Boolean", "Integer", "String", "UnlimitedNatural")
@@ -62,7 +62,7 @@ def _check_feature_rows(tables: Tables, metaclasses: set[str], types: set[str]) 
     for row in tables.features:
         _known(row.owner, metaclasses, row.where)
         _known(row.type, types, row.where)
-        for key in (*row.subsets, *row.redefines, *filter(None, [row.opposite])):
+        for key in (*row.subsets, *row.redefines, *filter(None, [row.opposite, row.forgets])):
             _known(key, keys, row.where)
         if row.id != last_id.get(row.owner, 0) + 1:
             raise TableError(row.where, f"the id is {row.id}; ids of a metaclass run from 1 without gaps")
@@ -73,6 +73,11 @@ def _check_feature_rows(tables: Tables, metaclasses: set[str], types: set[str]) 
             raise TableError(row.where, f"the default '{row.default}' is no value of {row.type}")
         if "union" in row.flags and not {"derived", "readonly"} <= row.flags:
             raise TableError(row.where, "a union is derived and read-only")
+        if row.flags & set(ROLES) and "union" not in row.flags:
+            raise TableError(row.where, "only a union has a role")
+        if "name" in row.flags and (row.type != "String" or row.upper != 1 or "derived" in row.flags):
+            raise TableError(row.where, "a name is a text that is stored")
+    _unique((f"the role {role}", row.where) for row in tables.features for role in ROLES if role in row.flags)
 
 
 def _fits(row: FeatureRow, literals: dict[str, tuple[str, ...]]) -> bool:
@@ -126,20 +131,16 @@ def _check_registration(tables: Tables) -> None:
 
 def check_model(model: Model, tables: Tables) -> None:
     """What must hold of the whole: pairs, subsets and redefinitions conform, create arguments are the required
-    references, an element knows its container, and the totals come out."""
+    references, and an element knows its container."""
     rows = {row.key: row.where for row in tables.features}
     for feature in model.features:
         _check_opposite(feature, rows[feature.key])
         _check_wider(feature, rows[feature.key])
-        _check_containment(feature, rows[feature.key])
+        _check_containment(feature, model, rows[feature.key])
     for row in tables.metaclasses:
         _check_kind(model.metaclass(row.name), row.where)
     for row, create in zip(tables.creates, model.creates):
         _check_create(create, row.where)
-    totals = count(model)
-    for row in tables.totals:
-        if totals.get(row.name) != row.number:
-            raise TableError(row.where, f"the tables give {totals.get(row.name)}, but {row.number} are expected")
 
 
 def _check_opposite(feature: Feature, where: Where) -> None:
@@ -172,15 +173,19 @@ def _check_wider(feature: Feature, where: Where) -> None:
         raise TableError(where, f"{feature.root} is computed and the redefinition stored, or the other way round")
 
 
-def _check_containment(feature: Feature, where: Where) -> None:
+def _check_containment(feature: Feature, model: Model, where: Where) -> None:
+    owner = model.role("owner")
+    parts = owner.opposite
     if feature.is_composite and not feature.is_reference:
         raise TableError(where, "only references can be composite")
-    if feature.is_containment and not feature.leads_to("Element.ownedElement"):
-        raise TableError(where, "it holds parts, but does not lead up to Element.ownedElement")
-    if feature.is_container and not feature.leads_to("Element.owner"):
-        raise TableError(where, "it names the container, but does not lead up to Element.owner")
+    if feature.is_containment and not feature.leads_to(parts):
+        raise TableError(where, f"it holds parts, but does not lead up to {parts}")
+    if feature.is_container and not feature.leads_to(owner):
+        raise TableError(where, f"it names the container, but does not lead up to {owner}")
     if feature.has_context_end and not feature.is_composite:
         raise TableError(where, "only a containment has a context end")
+    if feature.forgets and not (feature.is_containment and feature.forgets.remembers_default):
+        raise TableError(where, f"it holds no parts, or {feature.forgets} has no default to forget")
 
 
 def _check_kind(metaclass: Metaclass, where: Where) -> None:
@@ -205,47 +210,3 @@ def _prefix(feature: Feature) -> str:
     if feature.is_scripted:
         return ""
     return f"Umlmm_{feature.owner.name}_" * len(feature.redefines)
-
-
-def count(model: Model) -> dict[str, int]:
-    """The totals of the catalogue, by the names of totals.txt."""
-    metaclasses, features = model.metaclasses, model.features
-    kinds = [metaclass.kind for metaclass in metaclasses]
-    several = [metaclass for metaclass in metaclasses if metaclass.has_several_supers]
-    with_operations = [metaclass for metaclass in metaclasses if metaclass.operations]
-    creates = sum(len(create.overloads) for create in model.creates)
-    return {
-        "metaclasses": len(metaclasses),
-        "metaclasses without constructor": kinds.count("abstract"),
-        "metaclasses with one constructor": kinds.count("concrete"),
-        "metaclasses with two": kinds.count("concrete+"),
-        "metaclasses with several supers": len(several),
-        "enumerations": len(model.enumerations),
-        "primitives": len(model.primitives),
-        "features": len(features),
-        "script properties": sum(feature.is_scripted for feature in features),
-        "redefinitions without property": sum(not feature.is_scripted for feature in features),
-        "redefining features": sum(bool(feature.redefines) for feature in features),
-        "read-only features": sum(feature.is_read_only for feature in features),
-        "operations": len(model.operations),
-        "metaclasses with operations": len(with_operations),
-        "create methods": creates,
-        "registration units": len(model.units),
-        "classes": sum(unit.classes for unit in model.units),
-        "methods": _methods(model, creates),
-        "meta-property entries": sum(len(metaclass.meta_properties) for metaclass in metaclasses),
-        "meta-property accessors": sum(bool(metaclass.features) for metaclass in metaclasses) + 1,
-    }
-
-
-# Methods that every class of a family has, whatever its row says.
-_MUTABLE, _IMMUTABLE, _OF_SEVERAL = 4, 5, 8
-_ENUMERATION, _VALUE_SEQUENCES, _FACTORIES = 13, 43, 18
-
-
-def _methods(model: Model, creates: int) -> int:
-    elements = sum(_MUTABLE + _IMMUTABLE + 2 * len(metaclass.operations) + _OF_SEVERAL * metaclass.has_several_supers
-                   for metaclass in model.metaclasses)
-    enumerations = sum(_ENUMERATION + len(enumeration.literals) for enumeration in model.enumerations)
-    factories = _FACTORIES + creates
-    return elements + creates + enumerations + factories + _VALUE_SEQUENCES * len(model.value_types)

@@ -1,14 +1,10 @@
-"""Makes the model out of checked tables: every order, list, code and slot that follows from them."""
+"""Makes the model out of checked tables: every order, list and code that follows from them."""
 
 from __future__ import annotations
 
-from generator.model import (Argument, Create, Enumeration, Feature, KernelFeature, Layout, Metaclass, MetaProperty,
-                             Model, Operation, Primitive, Slot, Union, Unit, ValueType)
-from generator.read import Tables
-
-# Room for one element: the masks that drive destruction have 64 bits, the flag word 32.
-MOST_WORDS = 35
-MOST_FLAG_BITS = 31
+from generator.model import (Argument, Create, Enumeration, Feature, KernelFeature, Metaclass, MetaProperty, Model,
+                             Operation, Primitive, Unit, ValueType)
+from generator.read import ROLES, Tables
 
 _CLASSES_OF_UNIT = {"factory": 2, "metaclass": 11, "enumeration": 5, "primitive": 4}
 
@@ -31,12 +27,8 @@ def derive_model(tables: Tables) -> Model:
     for metaclass in metaclasses:
         metaclass.meta_properties = list(_meta_properties(metaclass, kernel))
         metaclass.visible = [entry.feature for entry in metaclass.meta_properties if not entry.is_kernel]
-        metaclass.unions = _unions(metaclass)
     operations = _operations(tables, types)
     creates = [_create(row, types) for row in tables.creates]
-    for metaclass in metaclasses:
-        if not metaclass.is_abstract:
-            metaclass.layout = _layout(metaclass)
     units = [_unit(row.name, types) for row in tables.registration]
     return Model(metaclasses, enumerations, primitives, features, operations, creates, kernel, units)
 
@@ -51,12 +43,14 @@ def _features(tables: Tables, types: dict[str, ValueType]) -> list[Feature]:
     features = [Feature(row.name, index, types[row.owner], row.id, types[row.type], row.lower, row.upper,
                         "composite" in row.flags, "ordered" in row.flags, "repeatable" not in row.flags,
                         "derived" in row.flags, "union" in row.flags, "readonly" in row.flags,
-                        "context" in row.flags, row.default)
+                        "context" in row.flags, next((role for role in ROLES if role in row.flags), ""),
+                        "name" in row.flags, row.default)
                 for index, row in enumerate(tables.features)]
     by_key = {feature.key: feature for feature in features}
     for row, feature in zip(tables.features, features):
         feature.owner.features.append(feature)
         feature.own_opposite = by_key.get(row.opposite)
+        feature.forgets = by_key.get(row.forgets)
         feature.subsets = [by_key[key] for key in row.subsets]
         feature.redefines = [by_key[key] for key in row.redefines]
     for feature in features:
@@ -98,19 +92,6 @@ def _meta_properties(metaclass: Metaclass, kernel: list[KernelFeature]):
             yield from (MetaProperty(feature, True) for feature in kernel)
 
 
-def _unions(metaclass: Metaclass) -> list[Union]:
-    """Each union with the stored and computed features that it lists, those of unions below it among them."""
-    visible = metaclass.visible
-    return [Union(feature, tuple(other for other in visible if not other.is_union and _adds_to(other, feature)))
-            for feature in visible if feature.is_union]
-
-
-def _adds_to(feature: Feature, union: Feature) -> bool:
-    """Whether a feature, or one that it redefines, is a subset of the union or of a union below it."""
-    return (any(wide is union or wide.is_union and _adds_to(wide, union) for wide in feature.subsets)
-            or any(_adds_to(hidden, union) for hidden in feature.redefines))
-
-
 def _operations(tables: Tables, types: dict[str, ValueType]) -> list[Operation]:
     operations = [_operation(row, types) for row in tables.operations]
     for operation in operations:
@@ -147,70 +128,3 @@ def _create(row, types: dict[str, ValueType]) -> Create:
 def _unit(name: str, types: dict[str, ValueType]) -> Unit:
     kind = types[name].category if name in types else "factory"
     return Unit(name, kind, _CLASSES_OF_UNIT[kind])
-
-
-# Bits of the flag word that a value takes, its presence not counted.
-_VALUE_BITS = {"boolean": 1, "enumeration": 4, "default": 1}
-
-
-def _storage(feature: Feature) -> str:
-    if feature.remembers_default:
-        return "default"
-    if feature.is_many:
-        return "list"
-    if feature.is_reference:
-        return "reference"
-    if isinstance(feature.type, Enumeration):
-        return "enumeration"
-    return {"Boolean": "boolean", "String": "string"}.get(feature.type.name, "integer")
-
-
-def _default_number(feature: Feature) -> int:
-    if isinstance(feature.type, Enumeration):
-        return feature.type.literals.index(feature.default) if feature.default else 0
-    if feature.type.name == "Boolean":
-        return int(feature.default == "true")
-    return int(feature.default or 0)
-
-
-def _slots_wanted(metaclass: Metaclass) -> list[tuple[Feature, Feature]]:
-    """Root features with the visible feature that gives the default; a root can be seen under two names."""
-    wanted: dict[Feature, Feature] = {}
-    for feature in metaclass.visible:
-        if feature.is_stored or feature.root.remembers_default:
-            wanted.setdefault(feature.root, feature)
-    return list(wanted.items())
-
-
-def _layout(metaclass: Metaclass) -> Layout:
-    """Flags first come, first served; then the pointer words; the integers two to a word behind them."""
-    wanted = [(root, seen, _storage(root)) for root, seen in _slots_wanted(metaclass)]
-    pointers = sum(storage in ("string", "reference", "list") for _, _, storage in wanted)
-    slots, defaults, masks = [], [], {"string": 0, "reference": 0, "list": 0}
-    bits, flags, word, half = 0, 0, 0, 2 * pointers
-    for root, seen, storage in wanted:
-        width = _VALUE_BITS.get(storage, 0)
-        optional = storage == "enumeration" or root.is_optional and storage in ("boolean", "integer")
-        presence = bits + width if optional else -1
-        present = bool(seen.default) or seen.lower > 0
-        if storage in _VALUE_BITS:
-            flags |= (1 if storage == "default" else _default_number(seen)) << bits
-        if optional and present:
-            flags |= 1 << presence
-        position = bits if width else half if storage == "integer" else word
-        slot = Slot(root, seen, storage, position, presence)
-        slots.append(slot)
-        bits += width + int(optional)
-        if storage in masks:
-            masks[storage] |= 1 << word
-            word += 1
-        if storage == "integer":
-            half += 1
-            if _default_number(seen):
-                defaults.append((slot, _default_number(seen)))
-    words = (half + 1) // 2
-    if words > MOST_WORDS or bits > MOST_FLAG_BITS:
-        raise ValueError(f"{metaclass.name} needs {words} words and {bits} flag bits; "
-                         f"there is room for {MOST_WORDS} and {MOST_FLAG_BITS}")
-    return Layout(tuple(slots), words, bits, flags, tuple(defaults),
-                  masks["string"], masks["reference"], masks["list"])

@@ -53,9 +53,7 @@ class Metaclass(Named):
     interface_operations: list[Operation] = dataclasses.field(default_factory=list)
     meta_properties: list[MetaProperty] = dataclasses.field(default_factory=list)
     visible: list[Feature] = dataclasses.field(default_factory=list)
-    unions: list[Union] = dataclasses.field(default_factory=list)
     create: Create | None = None
-    layout: Layout | None = None
     category: str = "metaclass"
 
     @property
@@ -101,8 +99,11 @@ class Feature(Named):
     is_union: bool
     is_read_only: bool
     has_context_end: bool
+    role: str
+    is_name: bool
     default: str
     own_opposite: Feature | None = None
+    forgets: Feature | None = None
     subsets: list[Feature] = dataclasses.field(default_factory=list)
     subsetted_by: list[Feature] = dataclasses.field(default_factory=list)
     redefines: list[Feature] = dataclasses.field(default_factory=list)
@@ -240,27 +241,8 @@ class Feature(Named):
         """All features that hold what this one holds, nearest first, itself left out."""
         return _closure(self, lambda feature: feature.supersets)
 
-    @property
-    def subset_closure(self) -> list[Feature]:
-        return _closure(self, lambda feature: feature.subsetted_by)
-
-    def leads_to(self, key: str) -> bool:
-        return any(feature.key == key for feature in self.superset_closure)
-
-    @property
-    def gives_namespace(self) -> bool:
-        """A containment whose owner is the namespace of what it holds."""
-        return self.is_containment and self.leads_to("Namespace.ownedMember")
-
-    @property
-    def gives_featuring_classifier(self) -> bool:
-        return self.is_containment and self.leads_to("Classifier.feature")
-
-    @property
-    def gives_redefinition_context(self) -> bool:
-        far = self.opposite
-        named = far is not None and far.leads_to("RedefinableElement.redefinitionContext")
-        return self.is_containment and (named or self.root.has_context_end)
+    def leads_to(self, other: Feature) -> bool:
+        return other in self.superset_closure
 
 
 def _closure(start: Feature, step) -> list[Feature]:
@@ -297,14 +279,6 @@ class MetaProperty:
     @property
     def id(self) -> int:
         return self.feature.id
-
-
-@dataclasses.dataclass(frozen=True)
-class Union:
-    """A derived union as one metaclass sees it: its direct subsets, in the order in which they add values."""
-
-    feature: Feature
-    members: tuple[Feature, ...]
 
 
 @dataclasses.dataclass(frozen=True)
@@ -374,41 +348,6 @@ class Create:
 
 
 @dataclasses.dataclass(frozen=True)
-class Slot:
-    """Where an element keeps the value of one root feature, which its metaclass shows as `seen`.
-
-    `storage` is boolean, enumeration, default, integer, string, reference or list. `position` counts bits of the
-    flag word for the first three, 4-byte halves from the start of the words for integers, and words for the rest.
-    `presence` is the bit that tells whether an optional value is there, or -1. A default slot is one bit: the
-    computed feature still has its default.
-    """
-
-    feature: Feature
-    seen: Feature
-    storage: str
-    position: int
-    presence: int = -1
-
-
-@dataclasses.dataclass(frozen=True)
-class Layout:
-    """The slots of a concrete metaclass, in meta-property order."""
-
-    slots: tuple[Slot, ...]
-    words: int
-    flag_bits: int
-    default_flags: int
-    defaults: tuple[tuple[Slot, int], ...]
-    string_mask: int
-    reference_mask: int
-    list_mask: int
-
-    @property
-    def default_bits(self) -> str:
-        return f"0x{self.default_flags:08x}"
-
-
-@dataclasses.dataclass(frozen=True)
 class Unit:
     """A unit of the registration pass: kind is factory, metaclass, enumeration or primitive."""
 
@@ -441,3 +380,7 @@ class Model:
 
     def feature(self, key: str) -> Feature:
         return next(feature for feature in self.features if feature.key == key)
+
+    def role(self, word: str) -> Feature | None:
+        """The union that asks the container in a role, if there is one."""
+        return next((feature for feature in self.features if feature.role == word), None)

@@ -47,6 +47,7 @@ class FeatureRow:
     opposite: str
     subsets: tuple[str, ...]
     redefines: tuple[str, ...]
+    forgets: str
     where: Where
 
     @property
@@ -105,13 +106,6 @@ class NameRow:
 
 
 @dataclasses.dataclass(frozen=True)
-class TotalRow:
-    name: str
-    number: int
-    where: Where
-
-
-@dataclasses.dataclass(frozen=True)
 class Tables:
     metaclasses: tuple[MetaclassRow, ...]
     features: tuple[FeatureRow, ...]
@@ -122,11 +116,12 @@ class Tables:
     primitives: tuple[PrimitiveRow, ...]
     kernel_features: tuple[NameRow, ...]
     registration: tuple[NameRow, ...]
-    totals: tuple[TotalRow, ...]
 
 
-FLAGS = ("composite", "ordered", "repeatable", "derived", "union", "readonly", "context")
-RELATIONS = ("opposite", "subsets", "redefines")
+# What an element's owner can be to it.
+ROLES = ("owner", "namespace", "featuring", "redefining")
+FLAGS = ("composite", "ordered", "repeatable", "derived", "union", "readonly", "context", *ROLES, "name")
+RELATIONS = ("opposite", "subsets", "redefines", "forgets")
 
 
 _FEATURE = "metaclass | id | feature | type | bounds | flags | default | relations"
@@ -184,11 +179,12 @@ def _feature(cells: list[str], where: Where) -> FeatureRow:
     owner, id_, name, type_, bounds, flags, default, relations = cells
     lower, upper = _bounds(bounds, where)
     related = _relations(relations, where)
-    opposites = related.get("opposite", ())
-    if len(opposites) > 1:
-        raise TableError(where, "a feature has one opposite at most")
+    for relation in ("opposite", "forgets"):
+        if len(related.get(relation, ())) > 1:
+            raise TableError(where, f"a feature has one {relation} at most")
     return FeatureRow(owner, _number(id_, where), name, type_, lower, upper, _flags(flags, where), default,
-                      "".join(opposites), related.get("subsets", ()), related.get("redefines", ()), where)
+                      "".join(related.get("opposite", ())), related.get("subsets", ()), related.get("redefines", ()),
+                      "".join(related.get("forgets", ())), where)
 
 
 def _operation(cells: list[str], where: Where) -> OperationRow:
@@ -234,5 +230,4 @@ def read_tables(folder: pathlib.Path) -> Tables:
                   lambda c, w: PrimitiveRow(c[0], c[1], c[2], c[3], w)),
         read_rows(folder / "kernel_features.txt", "feature", lambda c, w: NameRow(c[0], w)),
         read_rows(folder / "registration.txt", "unit", lambda c, w: NameRow(c[0], w)),
-        read_rows(folder / "totals.txt", "total | number", lambda c, w: TotalRow(c[0], _number(c[1], w), w)),
     )

@@ -13,6 +13,9 @@ from generator.engine import Engine
 from generator.model import Model
 from generator.read import TableError, Where, read_rows
 
+# Columns of a line, brackets behind a list left out.
+LINE = 105
+
 _RECORDS = {
     "metaclass": ("metaclass", lambda model: model.metaclasses),
     "concrete": ("metaclass", lambda model: model.concrete),
@@ -64,16 +67,36 @@ def render(files: Iterator[File], model: Model, templates: pathlib.Path, target:
     environment = jinja2.Environment(loader=jinja2.FileSystemLoader(templates), undefined=jinja2.StrictUndefined,
                                      trim_blocks=True, lstrip_blocks=True, keep_trailing_newline=True)
     environment.filters["snake"] = snake
+    environment.filters["wrapped"] = wrapped
     engine = Engine(model)
     for file in files:
         banner = (f"// Made from uml_metamodel_mi/catalogue/templates/{file.output.template} "
                   "and the tables beside it. Changes go there.")
-        text = environment.get_template(file.output.template).render(model=model, engine=engine, banner=banner, **file.context)
+        template = environment.get_template(file.output.template)
+        text = template.render(model=model, engine=engine, banner=banner, **file.context)
         _write(target / file.path, text)
 
 
 def snake(name: str) -> str:
     return re.sub(r"(?<!^)(?=[A-Z])", "_", name).lower()
+
+
+def wrapped(members: list[str], indent: int) -> str:
+    """The members of a row in lines behind an indent; one that fills more than a line is broken at its commas."""
+    lines = _filled(members, LINE - indent)
+    broken = [(",\n" + " " * (indent + line.find("{") + 1)).join(_filled(line.split(", "), LINE - indent))
+              if len(line) > LINE - indent else line for line in lines]
+    return (",\n" + " " * indent).join(broken)
+
+
+def _filled(items: list[str], width: int) -> list[str]:
+    lines: list[str] = []
+    for item in items:
+        if lines and len(lines[-1]) + 2 + len(item) <= width:
+            lines[-1] += ", " + item
+        else:
+            lines.append(item)
+    return lines
 
 
 def _write(path: pathlib.Path, text: str) -> None:
