@@ -7,7 +7,7 @@ import pathlib
 
 
 def count(model):
-    """The totals of the catalogue, by the names of totals.txt."""
+    """The totals of the catalogue, by the names of totals.csv."""
     metaclasses, features = model.metaclasses, model.features
     kinds = [metaclass.kind for metaclass in metaclasses]
     several = [metaclass for metaclass in metaclasses if metaclass.has_several_supers]
@@ -53,5 +53,5 @@ def _methods(model, creates):
 def test_the_published_tables_add_up(model):
     from generator.read import read_rows
 
-    rows = read_rows(pathlib.Path(__file__).with_name("totals.txt"), "total | number", lambda cells, _: (cells[0], int(cells[1])))
+    rows = read_rows(pathlib.Path(__file__).with_name("totals.csv"), "total | number", lambda cells, _: (cells[0], int(cells[1])))
     assert count(model) == dict(rows)
