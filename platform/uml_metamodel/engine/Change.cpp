@@ -16,8 +16,17 @@ Change::~Change() {
   fRecord.finish();
 }
 
-void Change::noteNumber(Step::Kind aKind, Element& aElement, FeatureIndex aRoot, std::uint32_t aNumber) {
-  record(aElement)->note({aKind, aRoot, aNumber, &aElement, nullptr, nullptr});
+void Change::noteFlags(Element& aElement, std::uint32_t aFlags) {
+  record(aElement)->note({Step::Kind::Flags, kNoFeature, aElement.flags(), &aElement, nullptr, nullptr});
+  State::flags(aElement) = aFlags;
+  aElement.model()->noteChange();
+}
+
+void Change::noteInteger(Element& aElement, FeatureIndex aRoot, std::uint32_t aValue) {
+  std::uint32_t& slot = integer(aElement, aRoot);
+  record(aElement)->note({Step::Kind::Integer, aRoot, slot, &aElement, nullptr, nullptr});
+  slot = aValue;
+  aElement.model()->noteChange();
 }
 
 void Change::noteText(Element& aElement, Feature const& aRoot, Kelm::StringObject* aText) {

@@ -57,16 +57,17 @@ class Change {
   }
   /// `aWidth` bits of the flag word from the slot's position on.
   static void setFlags(Element& aElement, FeatureIndex aRoot, unsigned aWidth, std::uint32_t aBits) {
-    if (record(aElement) != nullptr) [[unlikely]]
-      noteNumber(Step::Kind::Flags, aElement, aRoot, aElement.flags());
     unsigned const position = slotOf(aElement, aRoot);
     std::uint32_t const mask = ((1U << aWidth) - 1) << position;
-    State::flags(aElement) = (aElement.flags() & ~mask) | (aBits << position & mask);
+    std::uint32_t const flags = (aElement.flags() & ~mask) | (aBits << position & mask);
+    if (record(aElement) != nullptr) [[unlikely]]
+      return noteFlags(aElement, flags);
+    State::flags(aElement) = flags;
     aElement.model()->noteChange();
   }
   static void setInteger(Element& aElement, FeatureIndex aRoot, std::uint32_t aValue) {
     if (record(aElement) != nullptr) [[unlikely]]
-      noteNumber(Step::Kind::Integer, aElement, aRoot, integerSlot(aElement, aRoot));
+      return noteInteger(aElement, aRoot, aValue);
     integer(aElement, aRoot) = aValue;
     aElement.model()->noteChange();
   }
@@ -123,7 +124,9 @@ class Change {
   friend class Kelm::ChangeRecord;
 
   static Kelm::ChangeRecord* record(Element const& aElement) noexcept { return aElement.model()->record(); }
-  static void noteNumber(Step::Kind aKind, Element& aElement, FeatureIndex aRoot, std::uint32_t aNumber);
+  // Steps that are noted first.
+  static void noteFlags(Element& aElement, std::uint32_t aFlags);
+  static void noteInteger(Element& aElement, FeatureIndex aRoot, std::uint32_t aValue);
   static void noteText(Element& aElement, Feature const& aRoot, Kelm::StringObject* aText);
 
   static std::uint32_t& integer(Element& aElement, FeatureIndex aRoot) noexcept {

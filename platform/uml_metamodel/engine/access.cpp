@@ -63,14 +63,16 @@ Object readFlag(Element const& aElement, Feature const& aRoot) {
   return Object(enumeration(aRoot.fType).object(static_cast<int>(layout.value(bits))), Deviant());
 }
 
-std::uint32_t bitsOf(Feature const& aFeature, Object const& aValue) {
-  if (aFeature.fStorage == Storage::Enumeration) {
-    int const number = Kelm::literalNumber(aValue, enumeration(aFeature.fType));
-    if (number < 0 || number >= static_cast<int>(enumeration(aFeature.fType).literals().size()))
-      failures::raiseNotAValue(kSource, aFeature);
-    return static_cast<std::uint32_t>(number);
-  }
-  if (!Kelm::isPrimitive(aValue, primitiveKind(aFeature))) failures::raiseNotAValue(kSource, aFeature);
+std::uint32_t literalIn(Feature const& aFeature, Object const& aValue) {
+  int const number = Kelm::literalNumber(aValue, enumeration(aFeature.fType));
+  if (number < 0 || number >= static_cast<int>(enumeration(aFeature.fType).literals().size()))
+    failures::raiseNotAValue(kSource, aFeature);
+  return static_cast<std::uint32_t>(number);
+}
+
+inline std::uint32_t numberIn(Feature const& aFeature, Object const& aValue) {
+  if (!Kelm::isPrimitive(aValue, primitiveKind(aFeature))) [[unlikely]]
+    failures::raiseNotAValue(kSource, aFeature);
   return aValue.getDeviant().value();
 }
 
@@ -207,11 +209,13 @@ void write(Element& aElement, Deviant const& aDeviant, Feature const& aFeature, 
       break;
     }
     case Storage::Flag:
+      writeFlag(aElement, root, numberIn(root, aValue));
+      break;
     case Storage::Enumeration:
-      writeFlag(aElement, root, bitsOf(root, aValue));
+      writeFlag(aElement, root, literalIn(root, aValue));
       break;
     case Storage::Integer:
-      Change::setInteger(aElement, indexOf(root), bitsOf(root, aValue));
+      Change::setInteger(aElement, indexOf(root), numberIn(root, aValue));
       break;
     case Storage::Computed:
       if (aFeature.isReference()) checkComputed(aElement, aFeature, referenceIn(aFeature, aValue));
