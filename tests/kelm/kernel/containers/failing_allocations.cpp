@@ -16,5 +16,9 @@ void* operator new(std::size_t aSize) {
   if (void* const memory = std::malloc(aSize)) return memory;
   throw std::bad_alloc();
 }
+void* operator new(std::size_t aSize, std::nothrow_t const&) noexcept {
+  int& failsAt = sequence_suite::sAllocationFailsAt;
+  return failsAt > 0 && --failsAt == 0 ? nullptr : std::malloc(aSize);
+}
 void operator delete(void* aMemory) noexcept { std::free(aMemory); }
 void operator delete(void* aMemory, std::size_t) noexcept { std::free(aMemory); }
