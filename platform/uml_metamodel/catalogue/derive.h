@@ -155,8 +155,8 @@ class Derivation {
     Indices found;
     Indices const& above = fAncestors[aMetaclass];
     for (Index const visited : above) {
-      Index const first = fFirst[visited];
-      for (Index feature = first; feature < first + fMetaclasses[visited]->fFeatures.size(); ++feature)
+      auto const end = static_cast<Index>(fFirst[visited] + fMetaclasses[visited]->fFeatures.size());
+      for (Index feature = fFirst[visited]; feature < end; ++feature)
         if (!isHidden(feature, above)) found.add(feature);
     }
     return found;

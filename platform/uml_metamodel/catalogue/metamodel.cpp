@@ -41,8 +41,8 @@ struct Slots {
 
 /// All that follows from the rows, lists as runs: a constant can't hold a vector.
 struct Draft {
-  std::array<Index, 64 * kMetaclassCount + 16 * kFeatureCount> fPool{};
-  std::array<UnionLists, 16 * kMetaclassCount> fUnions{};
+  std::array<Index, std::size_t{64} * kMetaclassCount + std::size_t{16} * kFeatureCount> fPool{};
+  std::array<UnionLists, std::size_t{16} * kMetaclassCount> fUnions{};
   Index fPoolSize = 0;
   Index fUnionCount = 0;
   std::array<Feature, kFeatureCount> fFeatures{};

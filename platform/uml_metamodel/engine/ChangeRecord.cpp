@@ -17,8 +17,8 @@ void Kelm::ChangeRecord::takeBack(std::size_t aMark) noexcept {
 void Kelm::ChangeRecord::takeBack(Step const& aStep) noexcept {
   Element& element = *aStep.fElement;
   auto* const value = static_cast<Element*>(aStep.fHeld);
-  Feature const* const root =
-      aStep.fFeature == umlmm::engine::kNoFeature ? nullptr : &umlmm::engine::feature(aStep.fFeature);
+  // For the steps that have a feature.
+  auto const root = [&]() -> Feature const& { return umlmm::engine::feature(aStep.fFeature); };
   switch (aStep.fKind) {
     case Kind::Text: {
       auto*& slot = Change::pointer<StringObject>(element, aStep.fFeature);
@@ -34,10 +34,10 @@ void Kelm::ChangeRecord::takeBack(Step const& aStep) noexcept {
       break;
     case Kind::Stored:
       if (aStep.fNumber != 0) Referrers::removeLast(*value);
-      Change::take(element, *root, *value);
+      Change::take(element, root(), *value);
       break;
     case Kind::Dropped:
-      Change::putBack(element, *root, *value, aStep.fPrevious);
+      Change::putBack(element, root(), *value, aStep.fPrevious);
       break;
     case Kind::RootAdded:
       element.model()->removeRoot(&element);
@@ -49,7 +49,7 @@ void Kelm::ChangeRecord::takeBack(Step const& aStep) noexcept {
       Referrers::fill(*value, {&element, aStep.fFeature}, aStep.fNumber);
       break;
     case Kind::Arranged:
-      Change::reorder(element, *root, fOrders[aStep.fNumber]);
+      Change::reorder(element, root(), fOrders[aStep.fNumber]);
       break;
     case Kind::ReferrersArranged:
       Referrers::restore(element, fOrders[aStep.fNumber]);
