@@ -2,11 +2,13 @@
 
 #include <algorithm>
 #include <string_view>
+#include <vector>
 
 #include "catalogue/rows.h"
 
-/// What follows from the rows, feature by feature and metaclass by metaclass. The compiler works it out, so
-/// that nothing is left to do when the library is loaded; layout.h does the same for slots.
+/// What follows from the rows, feature by feature and metaclass by metaclass. For the rows of the tables the
+/// compiler works it out, so that nothing is left to do when the library is loaded; extensions do it again
+/// for those rows and their own. layout.h does the same for slots.
 namespace umlmm::catalogue {
 
 using Index = std::uint16_t;
@@ -14,28 +16,17 @@ using engine::kFeatureCount;
 using engine::kMetaclassCount;
 using engine::Storage;
 
-/// Features or metaclasses, each once. Room is there from the start: to the compiler, which evaluates all
-/// this, an entry of a vector is hundreds of steps.
-class Indices {
+/// Features or metaclasses, with room from the start: to the compiler an entry of a vector is hundreds of
+/// steps.
+class FixedList {
  public:
-  constexpr Indices() noexcept = default;
-  constexpr Indices(Few const& aItems) {
-    for (Index const item : aItems) add(item);
-  }
+  constexpr FixedList() noexcept = default;
   constexpr void add(Index aItem) {
     if (fCount == kMost) throw "a list of the catalogue has more entries than there is room for";
     fItems[fCount++] = aItem;
   }
-  constexpr void addNew(Index aItem) {
-    if (!contains(aItem)) add(aItem);
-  }
-  constexpr bool contains(Index aItem) const {
-    for (unsigned at = 0; at < fCount; ++at)
-      if (fItems[at] == aItem) return true;
-    return false;
-  }
-  constexpr unsigned size() const { return fCount; }
-  constexpr Index operator[](unsigned aPosition) const { return fItems[aPosition]; }
+  constexpr std::size_t size() const { return fCount; }
+  constexpr Index operator[](std::size_t aPosition) const { return fItems[aPosition]; }
   constexpr Index const* begin() const { return fItems; }
   constexpr Index const* end() const { return fItems + fCount; }
   constexpr Index* begin() { return fItems; }
@@ -47,27 +38,87 @@ class Indices {
   unsigned fCount = 0;
 };
 
-class Derivation {
+class GrowingList : public std::vector<Index> {
  public:
-  constexpr explicit Derivation(std::span<MetaclassRow const* const> aRows) : fMetaclasses(aRows) {
+  void add(Index aItem) { push_back(aItem); }
+};
+
+/// A list without repeats.
+template <class List>
+class Unique : public List {
+ public:
+  constexpr Unique() noexcept = default;
+  constexpr Unique(Few const& aItems) {
+    for (Index const item : aItems) this->add(item);
+  }
+  constexpr void addNew(Index aItem) {
+    if (!contains(aItem)) this->add(aItem);
+  }
+  constexpr bool contains(Index aItem) const {
+    for (Index const item : *this)
+      if (item == aItem) return true;
+    return false;
+  }
+};
+
+/// Where a derivation of the tables alone has its lists.
+struct FixedRoom {
+  using Indices = Unique<FixedList>;
+  template <class T, std::size_t Count>
+  struct Table {
+    constexpr explicit Table(std::size_t) {}
+    constexpr T& operator[](std::size_t aIndex) { return fItems[aIndex]; }
+    constexpr T const& operator[](std::size_t aIndex) const { return fItems[aIndex]; }
+    T fItems[Count]{};
+  };
+};
+
+/// Where one with further rows has them.
+struct GrowingRoom {
+  using Indices = Unique<GrowingList>;
+  template <class T, std::size_t>
+  struct Table : std::vector<T> {
+    explicit Table(std::size_t aCount) : std::vector<T>(aCount) {}
+  };
+};
+
+template <class Room>
+class Derivation {
+  template <class T>
+  using ByMetaclass = typename Room::template Table<T, kMetaclassCount>;
+  template <class T>
+  using ByFeature = typename Room::template Table<T, kFeatureCount>;
+
+ public:
+  using Indices = typename Room::Indices;
+
+  /// Features of metaclasses have their numbers in the order of the rows; added ones, which name their
+  /// owners, follow in their order.
+  constexpr explicit Derivation(std::span<MetaclassRow const* const> aRows,
+                                std::span<AddedFeature const* const> aAdded = {})
+      : fMetaclasses(aRows), fFeatureCount(countOf(aRows) + aAdded.size()) {
     Index features = 0;
-    for (Index metaclass = 0; metaclass < kMetaclassCount; ++metaclass) {
-      fFirst[metaclass] = features;
-      for (FeatureRow const& row : aRows[metaclass]->fFeatures) {
-        fOwners[features] = metaclass;
-        fRows[features++] = &row;
-      }
+    auto const add = [&](Index aOwner, FeatureRow const& aRow) {
+      fOwners[features] = aOwner;
+      fOwn[aOwner].add(features);
+      fRows[features++] = &aRow;
+    };
+    for (Index metaclass = 0; metaclass < aRows.size(); ++metaclass) {
+      for (FeatureRow const& row : aRows[metaclass]->fFeatures) add(metaclass, row);
       visit(metaclass, fAncestors[metaclass]);
       if (isConcrete(metaclass))
         for (Index const general : fAncestors[metaclass]) fConcreteBelow[general].add(metaclass);
     }
+    for (AddedFeature const* const added : aAdded) add(added->fOwner, added->fRow);
     noteRelations();
   }
 
   // What the rows say, in other words.
   constexpr FeatureRow const& row(Index aFeature) const { return *fRows[aFeature]; }
   constexpr Index ownerOf(Index aFeature) const { return fOwners[aFeature]; }
-  constexpr Index firstFeature(Index aMetaclass) const { return fFirst[aMetaclass]; }
+  /// The features that a metaclass declares, by id.
+  constexpr Indices const& own(Index aMetaclass) const { return fOwn[aMetaclass]; }
+  constexpr std::size_t featureCount() const { return fFeatureCount; }
   constexpr bool isMany(Index aFeature) const { return row(aFeature).fUpper != 1; }
   constexpr bool isReference(Index aFeature) const {
     return row(aFeature).fType.fKind == ValueType::Reference;
@@ -154,11 +205,9 @@ class Derivation {
   constexpr Indices visible(Index aMetaclass) const {
     Indices found;
     Indices const& above = fAncestors[aMetaclass];
-    for (Index const visited : above) {
-      auto const end = static_cast<Index>(fFirst[visited] + fMetaclasses[visited]->fFeatures.size());
-      for (Index feature = fFirst[visited]; feature < end; ++feature)
+    for (Index const visited : above)
+      for (Index const feature : fOwn[visited])
         if (!isHidden(feature, above)) found.add(feature);
-    }
     return found;
   }
   /// The visible features that a union lists: stored and computed ones, those of unions below it among them.
@@ -184,6 +233,11 @@ class Derivation {
   }
 
  private:
+  static constexpr std::size_t countOf(std::span<MetaclassRow const* const> aRows) {
+    std::size_t count = 0;
+    for (MetaclassRow const* const row : aRows) count += row->fFeatures.size();
+    return count;
+  }
   constexpr void visit(Index aMetaclass, Indices& aSeen) const {
     if (aSeen.contains(aMetaclass)) return;
     aSeen.add(aMetaclass);
@@ -196,7 +250,7 @@ class Derivation {
     return false;
   }
   constexpr void noteRelations() {
-    for (Index feature = 0; feature < kFeatureCount; ++feature) {
+    for (Index feature = 0; feature < fFeatureCount; ++feature) {
       for (Index const wide : row(feature).fSubsets) fSubsettedBy[wide].add(feature);
       for (Index const hidden : row(feature).fRedefines) fRedefinedBy[hidden].add(feature);
       Index top = feature;
@@ -208,12 +262,12 @@ class Derivation {
       }
       if (row(feature).fRole != Role::None) fRoles[static_cast<std::size_t>(row(feature).fRole)] = feature;
     }
-    for (Index feature = 0; feature < kFeatureCount; ++feature) {
+    for (Index feature = 0; feature < fFeatureCount; ++feature) {
       fStorages[feature] = storageOf(feature);
       fSupersets[feature] = supersets(feature);
     }
-    for (Index feature = 0; feature < kFeatureCount; ++feature) fClosures[feature] = closureOf(feature);
-    for (Index feature = 0; feature < kFeatureCount; ++feature)
+    for (Index feature = 0; feature < fFeatureCount; ++feature) fClosures[feature] = closureOf(feature);
+    for (Index feature = 0; feature < fFeatureCount; ++feature)
       if (!row(feature).fUnion) addUnionsAbove(feature, fUnionsAbove[feature]);
   }
   constexpr Storage storageOf(Index aRoot) const {
@@ -269,20 +323,21 @@ class Derivation {
 
   // By metaclass.
   std::span<MetaclassRow const* const> fMetaclasses;
-  Index fFirst[kMetaclassCount]{};
-  Indices fAncestors[kMetaclassCount];
-  Indices fConcreteBelow[kMetaclassCount];
+  std::size_t fFeatureCount;
+  ByMetaclass<Indices> fOwn{fMetaclasses.size()};
+  ByMetaclass<Indices> fAncestors{fMetaclasses.size()};
+  ByMetaclass<Indices> fConcreteBelow{fMetaclasses.size()};
   // By feature.
-  FeatureRow const* fRows[kFeatureCount]{};
-  Index fOwners[kFeatureCount]{};
-  Index fRoots[kFeatureCount]{};
-  Storage fStorages[kFeatureCount]{};
-  Indices fSupersets[kFeatureCount];
-  Indices fClosures[kFeatureCount];
-  Indices fSubsettedBy[kFeatureCount];
-  Indices fRedefinedBy[kFeatureCount];
-  Indices fNarrowings[kFeatureCount];
-  Indices fUnionsAbove[kFeatureCount];
+  ByFeature<FeatureRow const*> fRows{fFeatureCount};
+  ByFeature<Index> fOwners{fFeatureCount};
+  ByFeature<Index> fRoots{fFeatureCount};
+  ByFeature<Storage> fStorages{fFeatureCount};
+  ByFeature<Indices> fSupersets{fFeatureCount};
+  ByFeature<Indices> fClosures{fFeatureCount};
+  ByFeature<Indices> fSubsettedBy{fFeatureCount};
+  ByFeature<Indices> fRedefinedBy{fFeatureCount};
+  ByFeature<Indices> fNarrowings{fFeatureCount};
+  ByFeature<Indices> fUnionsAbove{fFeatureCount};
   Indices fRedefining;
   Index fRoles[5]{};
 };

@@ -15,8 +15,11 @@ inline constexpr std::uint8_t kNoSlot = 0xFF;
 inline constexpr unsigned kEnumerationBits = 4;
 
 /// Places slots one after the other. Flags take bits of the flag word, first come, first served; pointers
-/// take words, integers half a word each behind the last pointer.
+/// take words, integers half a word each behind the last pointer. Features that extensions add have no slots.
+template <class Rows>
 class LayoutBuilder {
+  using Indices = typename Rows::Indices;
+
  public:
   std::uint32_t fDefaultFlags = 0;
   std::uint64_t fStringWords = 0;
@@ -26,8 +29,7 @@ class LayoutBuilder {
   std::array<std::uint8_t, kFeatureCount> fSlots{};
 
   /// `aVisible`: the features of the metaclass. Of those with one root the first gives the default.
-  constexpr LayoutBuilder(Derivation const& aRows, std::span<Literals const> aLiterals,
-                          Indices const& aVisible)
+  constexpr LayoutBuilder(Rows const& aRows, std::span<Literals const> aLiterals, Indices const& aVisible)
       : fRows(aRows), fLiterals(aLiterals) {
     fSlots.fill(kNoSlot);
     for (Index const seen : aVisible) place(seen);
@@ -35,13 +37,16 @@ class LayoutBuilder {
     for (Index const seen : aVisible) placeInteger(seen);
     if (words() > kMostWords || fBit > kMostFlagBits)
       throw "a metaclass has more features than an element has room for";
-    for (Index const feature : aRows.redefining()) fSlots[feature] = fSlots[aRows.root(feature)];
+    for (Index const feature : aRows.redefining())
+      if (feature < kFeatureCount) fSlots[feature] = fSlots[aRows.root(feature)];
   }
 
   constexpr std::uint16_t words() const { return static_cast<std::uint16_t>((fHalf + 1) / 2); }
 
  private:
-  constexpr bool isPlaced(Index aSeen) const { return fSlots[fRows.root(aSeen)] != kNoSlot; }
+  constexpr bool isPlaced(Index aSeen) const {
+    return fRows.root(aSeen) >= kFeatureCount || fSlots[fRows.root(aSeen)] != kNoSlot;
+  }
 
   constexpr void place(Index aSeen) {
     if (isPlaced(aSeen)) return;
@@ -101,7 +106,7 @@ class LayoutBuilder {
     return value;
   }
 
-  Derivation const& fRows;
+  Rows const& fRows;
   std::span<Literals const> fLiterals;
   unsigned fBit = 0;
   unsigned fWord = 0;

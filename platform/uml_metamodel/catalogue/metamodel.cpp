@@ -1,6 +1,6 @@
 #include "metamodel/metamodel.h"
 
-#include "catalogue/layout.h"
+#include "catalogue/records.h"
 
 /// The tables of the engine, put together from the rows of all metaclasses while this unit is compiled.
 namespace umlmm::catalogue {
@@ -19,25 +19,12 @@ struct Run {
   Index fCount = 0;
 };
 
-struct FeatureLists {
-  Run fSupersets, fSubsets, fNarrowings, fAllSupersets, fRedefined;
-};
-struct MetaclassLists {
-  Run fSupers, fAncestors, fConcrete, fVisible, fUnions, fRequired;
-  Index fNaming = kNoFeature;
-};
 struct UnionLists {
   Index fFeature = kNoFeature;
   Run fMembers;
 };
-struct Slots {
-  std::uint32_t fDefaultFlags = 0;
-  std::uint16_t fWords = 0;
-  std::uint64_t fStringWords = 0;
-  std::uint64_t fReferenceWords = 0;
-  std::uint64_t fListWords = 0;
-  std::uint64_t fSequenceWords = 0;
-};
+using Rows = Derivation<FixedRoom>;
+using Builder = LayoutBuilder<Rows>;
 
 /// All that follows from the rows, lists as runs: a constant can't hold a vector.
 struct Draft {
@@ -46,11 +33,11 @@ struct Draft {
   Index fPoolSize = 0;
   Index fUnionCount = 0;
   std::array<Feature, kFeatureCount> fFeatures{};
-  std::array<FeatureLists, kFeatureCount> fFeatureLists{};
+  std::array<FeatureLists<Run>, kFeatureCount> fFeatureLists{};
   std::array<Metaclass, kMetaclassCount> fMetaclasses{};
-  std::array<MetaclassLists, kMetaclassCount> fMetaclassLists{};
-  std::array<Index, kConcreteCount> fConcrete{};
-  std::array<Slots, kConcreteCount> fLayouts{};
+  std::array<MetaclassLists<Run>, kMetaclassCount> fMetaclassLists{};
+  std::array<Run, kMetaclassCount> fUnionsOf{};
+  std::array<Layout, kConcreteCount> fLayouts{};
   std::array<std::array<std::uint8_t, kFeatureCount>, kConcreteCount> fSlots{};
   std::array<std::uint64_t, (kMetaclassCount * kMetaclassCount + 63) / 64> fConformance{};
 
@@ -64,47 +51,15 @@ struct Draft {
   }
 };
 
-constexpr Feature record(Derivation const& aRows, Index aIndex) {
-  FeatureRow const& row = aRows.row(aIndex);
-  Feature feature;
-  feature.fName = row.fName;
-  feature.fOwner = aRows.ownerOf(aIndex);
-  feature.fType = row.fType.fIndex;
-  feature.fRoot = aRows.root(aIndex);
-  feature.fOpposite = aRows.opposite(aIndex);
-  feature.fContainment = aRows.containment(aIndex);
-  feature.fId = static_cast<std::uint8_t>(aIndex - aRows.firstFeature(feature.fOwner) + 1);
-  feature.fLower = static_cast<std::int8_t>(row.fLower);
-  feature.fUpper = static_cast<std::int8_t>(row.fUpper);
-  feature.fValueType = row.fType.fKind;
-  feature.fStorage = aRows.storage(aIndex);
-  feature.fComposite = aRows.row(feature.fRoot).fComposite;
-  feature.fOrdered = row.fOrdered;
-  feature.fUnique = row.fUnique;
-  feature.fDerived = row.fDerived;
-  feature.fUnion = row.fUnion;
-  feature.fReadOnly = row.fReadOnly;
-  feature.fGivesNamespace = aRows.gives(aIndex, Role::Namespace);
-  feature.fGivesFeaturingClassifier = aRows.gives(aIndex, Role::Featuring);
-  feature.fGivesContext = aRows.gives(aIndex, Role::Redefining);
-  feature.fDefault = row.fDefault;
-  feature.fNamedOpposite = aRows.namedOpposite(aIndex);
-  feature.fForgetsDefaultOf = row.fForgets;
-  return feature;
-}
-
-constexpr void addFeatures(Draft& aDraft, Derivation const& aRows) {
+constexpr void addFeatures(Draft& aDraft, Rows const& aRows) {
   for (Index index = 0; index < kFeatureCount; ++index) {
     aDraft.fFeatures[index] = record(aRows, index);
-    aDraft.fFeatureLists[index] = {.fSupersets = aDraft.add(aRows.storedSupersets(index)),
-                                   .fSubsets = aDraft.add(aRows.storedSubsets(index)),
-                                   .fNarrowings = aDraft.add(aRows.narrowings(index)),
-                                   .fAllSupersets = aDraft.add(aRows.row(index).fSubsets),
-                                   .fRedefined = aDraft.add(aRows.row(index).fRedefines)};
+    aDraft.fFeatureLists[index] =
+        listsOf(aRows, index, [&](auto const& aItems) { return aDraft.add(aItems); });
   }
 }
 
-constexpr Run addUnions(Draft& aDraft, Derivation const& aRows, Indices const& aVisible) {
+constexpr Run addUnions(Draft& aDraft, Rows const& aRows, Rows::Indices const& aVisible) {
   Run run{aDraft.fUnionCount, 0};
   for (Index const feature : aVisible) {
     if (!aRows.row(feature).fUnion) continue;
@@ -114,20 +69,11 @@ constexpr Run addUnions(Draft& aDraft, Derivation const& aRows, Indices const& a
   return run;
 }
 
-constexpr void addMetaclass(Draft& aDraft, Derivation const& aRows, Index aIndex, Indices const& aVisible) {
-  MetaclassRow const& row = *aRows.metaclasses()[aIndex];
-  Metaclass& metaclass = aDraft.fMetaclasses[aIndex];
-  metaclass.fName = row.fName;
-  metaclass.fAbstract = row.fAbstract;
-  metaclass.fFirstFeature = aRows.firstFeature(aIndex);
-  metaclass.fFeatureCount = static_cast<std::uint8_t>(row.fFeatures.size());
-  metaclass.fNaming = aRows.naming(aVisible);
-  aDraft.fMetaclassLists[aIndex] = {.fSupers = aDraft.add(row.fSupers),
-                                    .fAncestors = aDraft.add(aRows.ancestors(aIndex)),
-                                    .fConcrete = aDraft.add(aRows.concreteBelow(aIndex)),
-                                    .fVisible = aDraft.add(aVisible),
-                                    .fUnions = addUnions(aDraft, aRows, aVisible),
-                                    .fRequired = aDraft.add(aRows.required(aVisible))};
+constexpr void addMetaclass(Draft& aDraft, Rows const& aRows, Index aIndex, Rows::Indices const& aVisible) {
+  aDraft.fMetaclasses[aIndex] = metaclassRecord(aRows, aIndex, aVisible);
+  aDraft.fMetaclassLists[aIndex] =
+      listsOf(aRows, aIndex, aVisible, [&](auto const& aItems) { return aDraft.add(aItems); });
+  aDraft.fUnionsOf[aIndex] = addUnions(aDraft, aRows, aVisible);
   for (Index const general : aRows.ancestors(aIndex)) {
     unsigned const bit = static_cast<unsigned>(aIndex * kMetaclassCount + general);
     aDraft.fConformance[bit / 64] |= std::uint64_t{1} << bit % 64;
@@ -135,18 +81,16 @@ constexpr void addMetaclass(Draft& aDraft, Derivation const& aRows, Index aIndex
 }
 
 constexpr Draft draft() {
-  Derivation const rows(kMetaclassRows);
+  Rows const rows(kMetaclassRows);
   Draft all;
   addFeatures(all, rows);
   std::size_t concrete = 0;
   for (Index index = 0; index < kMetaclassCount; ++index) {
-    Indices const visible = rows.visible(index);
+    Rows::Indices const visible = rows.visible(index);
     addMetaclass(all, rows, index, visible);
     if (!rows.isConcrete(index)) continue;
-    LayoutBuilder const layout(rows, kLiterals, visible);
-    all.fConcrete[concrete] = index;
-    all.fLayouts[concrete] = {layout.fDefaultFlags,   layout.words(),    layout.fStringWords,
-                              layout.fReferenceWords, layout.fListWords, layout.fSequenceWords};
+    Builder const layout(rows, kLiterals, visible);
+    all.fLayouts[concrete] = layoutRecord(index, layout);
     all.fSlots[concrete++] = layout.fSlots;
   }
   return all;
@@ -174,12 +118,9 @@ constexpr auto kSlots = kDraft.fSlots;
 constexpr auto features() {
   auto features = kDraft.fFeatures;
   for (std::size_t at = 0; at < features.size(); ++at) {
-    FeatureLists const& lists = kDraft.fFeatureLists[at];
-    features[at].fSupersets = listOf(lists.fSupersets);
-    features[at].fSubsets = listOf(lists.fSubsets);
-    features[at].fNarrowings = listOf(lists.fNarrowings);
-    features[at].fAllSupersets = listOf(lists.fAllSupersets);
-    features[at].fRedefined = listOf(lists.fRedefined);
+    FeatureLists<Run> const& lists = kDraft.fFeatureLists[at];
+    setLists(features[at], {listOf(lists.fSupersets), listOf(lists.fSubsets), listOf(lists.fNarrowings),
+                            listOf(lists.fAllSupersets), listOf(lists.fRedefined)});
   }
   return features;
 }
@@ -187,30 +128,20 @@ constexpr auto features() {
 constexpr auto metaclasses() {
   auto metaclasses = kDraft.fMetaclasses;
   for (std::size_t at = 0; at < metaclasses.size(); ++at) {
-    MetaclassLists const& lists = kDraft.fMetaclassLists[at];
-    metaclasses[at].fSupers = listOf(lists.fSupers);
-    metaclasses[at].fAncestors = listOf(lists.fAncestors);
-    metaclasses[at].fConcrete = listOf(lists.fConcrete);
-    metaclasses[at].fVisible = listOf(lists.fVisible);
-    metaclasses[at].fUnions = std::span(kUnions).subspan(lists.fUnions.fBegin, lists.fUnions.fCount);
+    MetaclassLists<Run> const& lists = kDraft.fMetaclassLists[at];
+    setLists(metaclasses[at], {listOf(lists.fSupers), listOf(lists.fAncestors), listOf(lists.fConcrete),
+                               listOf(lists.fVisible), listOf(lists.fRequired)});
+    Run const unions = kDraft.fUnionsOf[at];
+    metaclasses[at].fUnions = std::span(kUnions).subspan(unions.fBegin, unions.fCount);
   }
   return metaclasses;
 }
 
 constexpr auto layouts() {
-  std::array<Layout, kConcreteCount> layouts{};
+  auto layouts = kDraft.fLayouts;
   for (std::size_t at = 0; at < layouts.size(); ++at) {
-    Index const metaclass = kDraft.fConcrete[at];
-    Slots const& slots = kDraft.fLayouts[at];
-    layouts[at] = {.fMetaclass = metaclass,
-                   .fWords = slots.fWords,
-                   .fDefaultFlags = slots.fDefaultFlags,
-                   .fStringWords = slots.fStringWords,
-                   .fReferenceWords = slots.fReferenceWords,
-                   .fListWords = slots.fListWords,
-                   .fSequenceWords = slots.fSequenceWords,
-                   .fSlotOfFeature = kSlots[at].data(),
-                   .fRequired = listOf(kDraft.fMetaclassLists[metaclass].fRequired)};
+    layouts[at].fSlotOfFeature = kSlots[at].data();
+    layouts[at].fRequired = listOf(kDraft.fMetaclassLists[layouts[at].fMetaclass].fRequired);
   }
   return layouts;
 }
@@ -221,8 +152,10 @@ constexpr auto layouts() {
 
 namespace umlmm::engine {
 
-constinit std::array<Feature, kFeatureCount> const kFeatures = catalogue::features();
-constinit std::array<Metaclass, kMetaclassCount> const kMetaclasses = catalogue::metaclasses();
+constinit std::array<Feature, kFeatureCount> records::sFeatures = catalogue::features();
+constinit std::array<Metaclass, kMetaclassCount> records::sMetaclasses = catalogue::metaclasses();
+constinit std::span<Feature* const> records::sAddedFeatures;
+constinit std::span<Metaclass* const> records::sAddedMetaclasses;
 constinit std::array<Layout, kConcreteCount> const kLayouts = catalogue::layouts();
 constinit Conformance const kConformance = catalogue::kDraft.fConformance;
 

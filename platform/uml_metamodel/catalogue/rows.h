@@ -40,8 +40,9 @@ class Few {
  public:
   constexpr Few() noexcept = default;
   constexpr Few(std::initializer_list<int> aIndices) {
-    for (int const index : aIndices) fItems.at(fCount++) = static_cast<std::uint16_t>(index);
+    for (int const index : aIndices) add(index);
   }
+  constexpr void add(int aIndex) { fItems.at(fCount++) = static_cast<std::uint16_t>(aIndex); }
   constexpr bool empty() const noexcept { return fCount == 0; }
   constexpr std::uint16_t front() const noexcept { return fItems.front(); }
   constexpr auto begin() const noexcept { return fItems.begin(); }
@@ -74,6 +75,12 @@ struct FeatureRow {
   Few fRedefines = {};
   FeatureIndex fForgets =
       kNoFeature;  ///< The computed feature whose default goes for good with a part of this one.
+};
+
+/// A feature that an extension declares for a metaclass.
+struct AddedFeature {
+  std::uint16_t fOwner;
+  FeatureRow fRow;
 };
 
 /// A row of metaclasses.txt with those of its features.

@@ -3,6 +3,7 @@
 #include <optional>
 #include <span>
 
+#include "engine/Aside.h"
 #include "engine/ChangeRecord.h"
 #include "engine/slots.h"
 #include "kelm/String.h"
@@ -24,7 +25,9 @@ class Change {
   using State = Kelm::ElementState;
 
   template <class T>
-  static T*& pointer(Element& aElement, FeatureIndex aRoot) noexcept {
+  static T*& pointer(Element& aElement, FeatureIndex aRoot) {
+    if (isAdded(aRoot)) [[unlikely]]
+      return reinterpret_cast<T*&>(Asides::word(aElement, aRoot));
     return reinterpret_cast<T**>(State::slots(aElement))[slotOf(aElement, aRoot)];
   }
   /// Calls `aVisit` with the slot of a list, which may be null, as the kind of list that it is.
@@ -57,6 +60,8 @@ class Change {
   }
   /// `aWidth` bits of the flag word from the slot's position on.
   static void setFlags(Element& aElement, FeatureIndex aRoot, unsigned aWidth, std::uint32_t aBits) {
+    if (isAdded(aRoot)) [[unlikely]]
+      return setInteger(aElement, aRoot, aBits);
     unsigned const position = slotOf(aElement, aRoot);
     std::uint32_t const mask = ((1U << aWidth) - 1) << position;
     std::uint32_t const flags = (aElement.flags() & ~mask) | (aBits << position & mask);
@@ -91,6 +96,8 @@ class Change {
 
   /// Makes room for a value, so that `insert` can't fail unless a change is open.
   static void reserve(Element& aOwner, Feature const& aRoot, Element& aValue) {
+    if (isAdded(indexOf(aRoot))) [[unlikely]]
+      Asides::word(aOwner, indexOf(aRoot));
     if (aRoot.fStorage == Storage::List)
       withSlot(aOwner, aRoot,
                [&]<class List>(List*& aSlot) { List::reserve(aSlot, aOwner.model()->blocks(), 1); });
@@ -129,7 +136,9 @@ class Change {
   static void noteInteger(Element& aElement, FeatureIndex aRoot, std::uint32_t aValue);
   static void noteText(Element& aElement, Feature const& aRoot, Kelm::StringObject* aText);
 
-  static std::uint32_t& integer(Element& aElement, FeatureIndex aRoot) noexcept {
+  static std::uint32_t& integer(Element& aElement, FeatureIndex aRoot) {
+    if (isAdded(aRoot)) [[unlikely]]
+      return reinterpret_cast<std::uint32_t&>(Asides::word(aElement, aRoot));
     return reinterpret_cast<std::uint32_t*>(State::slots(aElement))[slotOf(aElement, aRoot)];
   }
   static void put(Element& aOwner, Feature const& aRoot, Element& aValue, std::uint32_t aPosition);

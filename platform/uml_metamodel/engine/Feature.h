@@ -1,15 +1,18 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <span>
 
 #include "engine/counts.h"
 
-/// The metamodel as the engine sees it: one record a feature and a metaclass, made from the catalogue.
+/// The metamodel as the engine sees it: one record a feature and a metaclass, made from the catalogue and by
+/// extensions of it.
 namespace umlmm::engine {
 
-/// Position in the table of features, which stands in order of metaclass and id.
+/// The number of a feature: those of the catalogue in order of metaclass and id, then added ones as they
+/// came.
 using FeatureIndex = std::uint16_t;
 inline constexpr FeatureIndex kNoFeature = 0xFFFF;
 
@@ -36,7 +39,8 @@ struct Feature {
   FeatureIndex fOpposite = kNoFeature;  ///< Root of the far end, or none.
   /// Of a containment or its far end: the topmost stored containment that holds the part.
   FeatureIndex fContainment = kNoFeature;
-  std::uint8_t fId = 0;
+  FeatureIndex fIndex = kNoFeature;
+  std::uint16_t fId = 0;
   std::int8_t fLower = 0;
   std::int8_t fUpper = 1;  ///< -1 for unlimited.
   ValueType fValueType = ValueType::Reference;
@@ -65,6 +69,8 @@ struct Feature {
   FeatureIndex fNamedOpposite = kNoFeature;  ///< The far end as the tables name it, or none.
   /// Of a containment: the computed feature whose default is gone for good once a part leaves, or none.
   FeatureIndex fForgetsDefaultOf = kNoFeature;
+  /// Of an added Boolean or enumeration: its bits on elements where it was never set.
+  std::uint32_t fUnsetBits = 0;
 
   bool isMany() const noexcept { return fUpper != 1; }
   bool isOptional() const noexcept { return fLower == 0 && fUpper == 1; }
@@ -84,9 +90,12 @@ struct Union {
 
 struct Metaclass {
   char const* fName = "";
+  std::uint16_t fIndex = 0;
   bool fAbstract = false;
   std::uint8_t fFeatureCount = 0;
   FeatureIndex fFirstFeature = 0;
+  /// Features that extensions have added, whose ids follow those of the others.
+  std::span<FeatureIndex const> fAdded = {};
   /// The text by which failures call an element, or none.
   FeatureIndex fNaming = kNoFeature;
   std::span<std::uint16_t const> fSupers;
@@ -101,32 +110,54 @@ struct Metaclass {
 
 /// How elements of one concrete metaclass are laid out; see Kelm::ClassTable.
 struct Layout {
-  std::uint16_t fMetaclass;
-  std::uint16_t fWords;
-  std::uint32_t fDefaultFlags;
-  std::uint64_t fStringWords;
-  std::uint64_t fReferenceWords;
-  std::uint64_t fListWords;
-  std::uint64_t fSequenceWords;
+  std::uint16_t fMetaclass = 0;
+  std::uint16_t fWords = 0;
+  std::uint32_t fDefaultFlags = 0;
+  std::uint64_t fStringWords = 0;
+  std::uint64_t fReferenceWords = 0;
+  std::uint64_t fListWords = 0;
+  std::uint64_t fSequenceWords = 0;
   /// By feature: position of its slot, or 0xFF.
-  std::uint8_t const* fSlotOfFeature;
+  std::uint8_t const* fSlotOfFeature = nullptr;
   /// Required references in the order in which creation takes them.
-  std::span<FeatureIndex const> fRequired;
+  std::span<FeatureIndex const> fRequired = {};
 };
 
 /// Bit (a * kMetaclassCount + b) says that metaclass a is b or a specialization of it.
 using Conformance = std::array<std::uint64_t, (kMetaclassCount * kMetaclassCount + 63) / 64>;
 
-extern std::array<Feature, kFeatureCount> const kFeatures;
-extern std::array<Metaclass, kMetaclassCount> const kMetaclasses;
 extern std::array<Layout, kConcreteCount> const kLayouts;
 extern Conformance const kConformance;
 
-inline Feature const& feature(FeatureIndex aIndex) noexcept { return kFeatures[aIndex]; }
-inline FeatureIndex indexOf(Feature const& aFeature) noexcept {
-  return static_cast<FeatureIndex>(&aFeature - kFeatures.data());
+/// Where the records are. An extension writes them, and nobody else; whoever asks calls the functions below.
+namespace records {
+extern std::array<Feature, kFeatureCount> sFeatures;
+extern std::array<Metaclass, kMetaclassCount> sMetaclasses;
+extern std::span<Feature* const> sAddedFeatures;
+extern std::span<Metaclass* const> sAddedMetaclasses;
+}  // namespace records
+
+constexpr bool isAdded(FeatureIndex aIndex) noexcept { return aIndex >= kFeatureCount; }
+inline Feature const& feature(FeatureIndex aIndex) noexcept {
+  if (isAdded(aIndex)) [[unlikely]]
+    return *records::sAddedFeatures[aIndex - std::size_t{kFeatureCount}];
+  return records::sFeatures[aIndex];
 }
+inline FeatureIndex indexOf(Feature const& aFeature) noexcept { return aFeature.fIndex; }
+
+inline int metaclassCount() noexcept {
+  return kMetaclassCount + static_cast<int>(records::sAddedMetaclasses.size());
+}
+inline Metaclass const& metaclass(int aIndex) noexcept {
+  auto const index = static_cast<std::size_t>(aIndex);
+  if (aIndex >= kMetaclassCount) [[unlikely]]
+    return *records::sAddedMetaclasses[index - kMetaclassCount];
+  return records::sMetaclasses[index];
+}
+/// Whether a metaclass is another one or a specialization of it.
 inline bool conforms(int aMetaclass, int aGeneral) noexcept {
+  if (aMetaclass >= kMetaclassCount || aGeneral >= kMetaclassCount) [[unlikely]]
+    return std::ranges::count(metaclass(aMetaclass).fAncestors, aGeneral) != 0;
   unsigned const bit = static_cast<unsigned>(aMetaclass * kMetaclassCount + aGeneral);
   return (kConformance[bit / 64] >> (bit % 64) & 1) != 0;
 }

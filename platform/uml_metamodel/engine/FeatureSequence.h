@@ -105,6 +105,15 @@ class FeatureSequence : public Kelm::Generic::SequenceIntf {
   Feature const& fFeature;
 };
 
+/// A sequence that is kept beside its element, in a chain.
+class NotedSequence : public FeatureSequence {
+ public:
+  using FeatureSequence::FeatureSequence;
+
+  /// The next of the same element.
+  std::unique_ptr<NotedSequence> fNext;
+};
+
 /// The element that a value of a sequence names, or null for anything else.
 Element* elementOf(Kelm::Generic::Loan const& aValue);
 Element* elementOf(Kelm::ImmutableObject const& aObject);

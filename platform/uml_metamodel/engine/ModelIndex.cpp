@@ -26,8 +26,10 @@ Placed place(Kelm::ModelObject const& aModel, Element& aElement, bool aIsWanted)
   if (owner == nullptr) return {nullptr, 0, aModel.roots()->find(&aElement), &aElement, aIsWanted};
   FeatureIndex const holder = aElement.containerFeature();
   bool const isList = feature(holder).fStorage == Storage::List;
-  return {owner, slotOf(*owner, holder), isList ? pointerSlot<PartList>(*owner, holder)->find(&aElement) : 0,
-          &aElement, aIsWanted};
+  // What is added stands behind the slots.
+  unsigned const word = isAdded(holder) ? holder : slotOf(*owner, holder);
+  return {owner, word, isList ? pointerSlot<PartList>(*owner, holder)->find(&aElement) : 0, &aElement,
+          aIsWanted};
 }
 
 /// The elements as a walk over the whole model would come by them, found by the ways up from them alone.
@@ -79,8 +81,9 @@ ModelIndex::~ModelIndex() {
 }
 
 void ModelIndex::addToExtent(Element& aElement) {
-  ReferenceList::append(fExtents[static_cast<std::size_t>(metaclassOf(aElement))], aElement.model()->blocks(),
-                        &aElement);
+  auto const metaclass = static_cast<std::size_t>(metaclassOf(aElement));
+  if (metaclass >= fExtents.size()) fExtents.resize(metaclass + 1);
+  ReferenceList::append(fExtents[metaclass], aElement.model()->blocks(), &aElement);
 }
 
 void ModelIndex::removeFromExtent(Element& aElement) {
@@ -92,18 +95,18 @@ std::vector<Element*> ModelIndex::instancesOf(int aMetaclass) const {
   // A walk over the model costs less for each element than the way up from what is found.
   constexpr std::size_t kWalkShare = 8;
   std::size_t all = 0;
-  for (int index = 0; index < kMetaclassCount; ++index) all += sizeOf(index);
+  for (int index = 0; index < metaclassCount(); ++index) all += sizeOf(index);
   std::vector<Element*> found;
   std::size_t count = 0;
-  for (std::uint16_t const concrete : kMetaclasses[aMetaclass].fConcrete) count += sizeOf(concrete);
+  for (std::uint16_t const concrete : metaclass(aMetaclass).fConcrete) count += sizeOf(concrete);
   if (count * kWalkShare >= all) {
     forEachElement(fModel, [&](Element& aElement) {
       if (isA(aElement, aMetaclass)) found.push_back(&aElement);
     });
     return found;
   }
-  for (std::uint16_t const concrete : kMetaclasses[aMetaclass].fConcrete)
-    if (ElementList const* const extent = fExtents[concrete])
+  for (std::uint16_t const concrete : metaclass(aMetaclass).fConcrete)
+    if (ElementList const* const extent = extentOf(concrete))
       for (Element* const element : *extent)
         if (element != nullptr) found.push_back(element);
   return inDocumentOrder(fModel, found);

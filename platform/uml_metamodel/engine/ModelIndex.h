@@ -1,7 +1,6 @@
 #pragma once
 
 #include <algorithm>
-#include <array>
 #include <vector>
 
 #include "engine/words.h"
@@ -38,12 +37,15 @@ class ModelIndex final : public Kelm::ModelCompanion {
   explicit ModelIndex(Kelm::ModelObject const& aModel) noexcept : fModel(aModel) {}
   void addToExtent(Element& aElement);
   void removeFromExtent(Element& aElement);
-  std::size_t sizeOf(int aConcrete) const noexcept {
-    return ElementList::size(fExtents[static_cast<std::size_t>(aConcrete)]);
+  std::size_t sizeOf(int aConcrete) const noexcept { return ElementList::size(extentOf(aConcrete)); }
+  ReferenceList* extentOf(int aConcrete) const noexcept {
+    auto const place = static_cast<std::size_t>(aConcrete);
+    return place < fExtents.size() ? fExtents[place] : nullptr;
   }
 
   Kelm::ModelObject const& fModel;
-  std::array<ReferenceList*, kMetaclassCount> fExtents{};
+  /// By metaclass, as far as elements came.
+  std::vector<ReferenceList*> fExtents = std::vector<ReferenceList*>(kMetaclassCount);
 };
 
 /// Calls `aVisit` with every living element of the model in the order of a document: one of the top level

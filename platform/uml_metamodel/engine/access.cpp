@@ -84,6 +84,7 @@ void writeFlag(Element& aElement, Feature const& aRoot, std::uint32_t aValue) {
 /// The bits of a fresh element.
 void resetFlag(Element& aElement, Feature const& aRoot) {
   FlagLayout const layout(aRoot);
+  if (isAdded(indexOf(aRoot))) return Change::setInteger(aElement, indexOf(aRoot), aRoot.fUnsetBits);
   unsigned const position = slotOf(aElement, indexOf(aRoot));
   bool const required = seenOn(aElement, aRoot).fLower > 0;
   std::uint32_t const fresh = aElement.classTable()->fDefaultFlags >> position & ((1U << layout.width()) - 1);
@@ -153,11 +154,26 @@ namespace {
   return Object();
 }
 
-Feature const& featureAt(int aMetaclass, unsigned aId) {
-  Metaclass const& metaclass = kMetaclasses[aMetaclass];
-  if (aId - 1 >= metaclass.fFeatureCount) [[unlikely]]
-    Kelm::raiseFailure(Kelm::words::kInvalidMetaPropertyId, kSource);
-  return kFeatures[metaclass.fFirstFeature + aId - 1];
+/// A feature by the ids behind those of the catalogue. Metaclasses that extensions add share their accessors,
+/// and with them the numbers of their features, which are those of all added ones.
+Feature const& addedFeature(int aMetaclass, unsigned aId) {
+  if (aMetaclass == kAddedMetaclass) {
+    if (aId - 1 < records::sAddedFeatures.size()) return *records::sAddedFeatures[aId - 1];
+  } else {
+    Metaclass const& owner = metaclass(aMetaclass);
+    unsigned const place = aId - 1 - owner.fFeatureCount;
+    if (aId > owner.fFeatureCount && place < owner.fAdded.size()) return feature(owner.fAdded[place]);
+  }
+  Kelm::raiseFailure(Kelm::words::kInvalidMetaPropertyId, kSource);
+}
+
+inline Feature const& featureAt(int aMetaclass, unsigned aId) {
+  if (aMetaclass != kAddedMetaclass) [[likely]] {
+    Metaclass const& owner = records::sMetaclasses[static_cast<std::size_t>(aMetaclass)];
+    if (aId - 1 < owner.fFeatureCount) [[likely]]
+      return records::sFeatures[owner.fFirstFeature + aId - 1];
+  }
+  return addedFeature(aMetaclass, aId);
 }
 
 /// The element, if its metaclass has the feature.

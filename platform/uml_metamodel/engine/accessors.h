@@ -22,6 +22,9 @@ void setSequenceEntry(Element* aElement, Kelm::Deviant const& aDeviant, int aMet
 bool isReadOnlyEntry(int aMetaclass, unsigned aId);
 }  // namespace accessors
 
+/// Stands in accessors for the metaclass of an extension.
+inline constexpr int kAddedMetaclass = kMetaclassCount;
+
 /// The class objects and meta-property tables, filled at start-up. The table of a metaclass starts at its
 /// first feature's number plus its own, so that each has an entry 0 that names no property.
 extern Kelm::NSInterface::ClassIntf const* metaClasses[kMetaclassCount];

@@ -1,7 +1,9 @@
 #include "engine/classes.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdlib>
+#include <deque>
 #include <new>
 #include <vector>
 
@@ -15,14 +17,16 @@ namespace {
 
 using Kelm::ClassTable;
 
-/// Everything that is made once for a concrete metaclass.
-struct Entry {
-  ClassTable fTable{};
+/// Everything that is made once for a concrete metaclass; what elements know of it comes first.
+struct Entry : ClassTable {
+  Entry() : ClassTable{} {}
+
+  Layout const* fLayout = nullptr;
   std::vector<std::int16_t> fOffsets;
   std::vector<FeatureIndex> fStored;
-  std::vector<FeatureIndex> fFeatureOfWord;
-  std::string fVeskName;
-  std::string fImmutableVeskName;
+  std::vector<FeatureIndex> fRootOfWord;
+  std::string fName;
+  std::string fImmutableName;
 };
 
 void fillInterfaces(Entry& aEntry, ElementClass const& aClass) {
@@ -39,36 +43,37 @@ void fillInterfaces(Entry& aEntry, ElementClass const& aClass) {
     placeInterface(all, tag, 0);
   aClass.fOffsets(*sample, all);
   aEntry.fOffsets = std::move(all);
-  aEntry.fTable.fRootOffset =
+  aEntry.fRootOffset =
       static_cast<std::uint16_t>(reinterpret_cast<char*>(sample) - static_cast<char*>(memory));
-  aEntry.fTable.fSlotOffset = static_cast<std::uint16_t>(aClass.fSize - aEntry.fTable.fRootOffset);
+  aEntry.fSlotOffset = static_cast<std::uint16_t>(aClass.fSize - aEntry.fRootOffset);
   destruct(sample);
   std::free(memory);
-  aEntry.fTable.fInterfaceOffsets = aEntry.fOffsets.data();
-  aEntry.fTable.fInterfaceLimit = aEntry.fOffsets.size();
+  aEntry.fInterfaceOffsets = aEntry.fOffsets.data();
+  aEntry.fInterfaceLimit = aEntry.fOffsets.size();
 }
 
 void fillFeatures(Entry& aEntry, Metaclass const& aMetaclass, std::size_t aWords) {
-  aEntry.fFeatureOfWord.assign(aWords, kNoFeature);
+  aEntry.fRootOfWord.assign(aWords, kNoFeature);
   for (FeatureIndex const visible : aMetaclass.fVisible) {
     FeatureIndex const root = feature(visible).fRoot;
     Storage const storage = feature(root).fStorage;
-    if (storage != Storage::Reference && storage != Storage::List) continue;
+    if ((storage != Storage::Reference && storage != Storage::List) || isAdded(root)) continue;
     aEntry.fStored.push_back(root);
-    std::uint8_t const word = aEntry.fTable.fSlotOfFeature[root];
-    aEntry.fFeatureOfWord[word] = root;
-    if (ownsParts(feature(root))) aEntry.fTable.fContentWords |= std::uint64_t{1} << word;
+    std::uint8_t const word = aEntry.fSlotOfFeature[root];
+    aEntry.fRootOfWord[word] = root;
+    if (ownsParts(feature(root))) aEntry.fContentWords |= std::uint64_t{1} << word;
   }
-  aEntry.fTable.fFeatureOfWord = aEntry.fFeatureOfWord.data();
+  aEntry.fFeatureOfWord = aEntry.fRootOfWord.data();
 }
 
-void fillTable(Entry& aEntry, Layout const& aLayout, ElementClass const& aClass) {
-  Metaclass const& metaclass = kMetaclasses[aLayout.fMetaclass];
-  aEntry.fVeskName = std::string("umlmm.") + metaclass.fName;
-  aEntry.fImmutableVeskName = std::string("umlmm.Immutable") + metaclass.fName;
-  ClassTable& table = aEntry.fTable;
-  table.fVeskName = aEntry.fVeskName.c_str();
-  table.fImmutableVeskName = aEntry.fImmutableVeskName.c_str();
+/// `aFace`: what scripts see of the elements, a metaclass of the catalogue.
+void fillTable(Entry& aEntry, Layout const& aLayout, ElementClass const& aClass, Metaclass const& aFace) {
+  aEntry.fName = std::string("umlmm.") + aFace.fName;
+  aEntry.fImmutableName = std::string("umlmm.Immutable") + aFace.fName;
+  aEntry.fLayout = &aLayout;
+  ClassTable& table = aEntry;
+  table.fVeskName = aEntry.fName.c_str();
+  table.fImmutableVeskName = aEntry.fImmutableName.c_str();
   table.fEngine = &kElementEngine;
   table.fMetaClass = reflection::metaClass(aLayout.fMetaclass);
   table.fSlotOfFeature = aLayout.fSlotOfFeature;
@@ -78,44 +83,91 @@ void fillTable(Entry& aEntry, Layout const& aLayout, ElementClass const& aClass)
   table.fSequenceWords = aLayout.fSequenceWords;
   table.fDefaultFlags = aLayout.fDefaultFlags;
   table.fMetaclass = aLayout.fMetaclass;
-  table.fIndex = static_cast<std::uint16_t>(&aLayout - kLayouts.data());
+  table.fIndex = static_cast<std::uint16_t>(&aClass - kElementClasses);
   fillInterfaces(aEntry, aClass);
   table.fSize = static_cast<std::uint16_t>(aClass.fSize + std::size_t{8} * aLayout.fWords);
-  fillFeatures(aEntry, metaclass, aLayout.fWords);
+  fillFeatures(aEntry, metaclass(aLayout.fMetaclass), aLayout.fWords);
 }
 
 struct Classes {
   std::array<Entry, kConcreteCount> fEntries;
-  std::array<std::int16_t, kMetaclassCount> fByMetaclass;
+  /// By metaclass; null for abstract ones.
+  std::vector<Entry const*> fByMetaclass = std::vector<Entry const*>(kMetaclassCount);
+  std::deque<Entry> fAdded;
 
   Classes() {
-    fByMetaclass.fill(-1);
     for (std::size_t at = 0; at < fEntries.size(); ++at) {
-      fillTable(fEntries[at], kLayouts[at], kElementClasses[at]);
-      fByMetaclass[kLayouts[at].fMetaclass] = static_cast<std::int16_t>(at);
+      Layout const& layout = kLayouts[at];
+      fillTable(fEntries[at], layout, kElementClasses[at], metaclass(layout.fMetaclass));
+      fByMetaclass[layout.fMetaclass] = &fEntries[at];
     }
   }
 };
 
 /// Never destroyed: elements may outlive every static.
-Classes const& classes() {
-  static Classes const& all = *new Classes();
+Classes& classes() {
+  static Classes& all = *new Classes();
   return all;
 }
 
-std::size_t placeOf(Element const& aElement) noexcept { return aElement.classTable()->fIndex; }
+Entry const& entryOf(Element const& aElement) noexcept {
+  return static_cast<Entry const&>(*aElement.classTable());
+}
+
+bool isCatalogued(std::uint16_t aMetaclass) noexcept { return aMetaclass < kMetaclassCount; }
+
+/// The class of the catalogue that has all interfaces of a metaclass and the fewest beside them; null if
+/// there is none.
+ElementClass const* shapeOf(Metaclass const& aMetaclass) {
+  ElementClass const* best = nullptr;
+  for (std::size_t at = 0; at < kConcreteCount; ++at) {
+    int const candidate = kLayouts[at].fMetaclass;
+    bool const fits = std::ranges::all_of(aMetaclass.fAncestors, [&](std::uint16_t aGeneral) {
+      return !isCatalogued(aGeneral) || conforms(candidate, aGeneral);
+    });
+    if (fits && (best == nullptr || kElementClasses[at].fSize < best->fSize)) best = &kElementClasses[at];
+  }
+  return best;
+}
+
+/// Elements answer to the interfaces of their own ancestors alone.
+void hideOtherInterfaces(Entry& aEntry, Metaclass const& aMetaclass) {
+  for (int index = 0; index < kMetaclassCount; ++index) {
+    auto const tag = kInterfaceTags[index]();
+    if (tag < aEntry.fOffsets.size() && std::ranges::count(aMetaclass.fAncestors, index) == 0)
+      aEntry.fOffsets[tag] = ClassTable::kNoInterface;
+  }
+}
 
 }  // namespace
 
-ClassTable const* classTable(int aMetaclass) {
-  int const place = classes().fByMetaclass[static_cast<std::size_t>(aMetaclass)];
-  return place < 0 ? nullptr : &classes().fEntries[static_cast<std::size_t>(place)].fTable;
+bool hasShape(Metaclass const& aMetaclass) { return shapeOf(aMetaclass) != nullptr; }
+
+void addClass(Metaclass const& aMetaclass, Layout const& aLayout) {
+  Classes& all = classes();
+  Metaclass const& face = metaclass(*std::ranges::find_if(aMetaclass.fAncestors, isCatalogued));
+  Entry& entry = all.fAdded.emplace_back();
+  try {
+    fillTable(entry, aLayout, *shapeOf(aMetaclass), face);
+    hideOtherInterfaces(entry, aMetaclass);
+    if (all.fByMetaclass.size() <= aMetaclass.fIndex) all.fByMetaclass.resize(aMetaclass.fIndex + 1U);
+  } catch (...) {
+    all.fAdded.pop_back();
+    throw;
+  }
+  all.fByMetaclass[aMetaclass.fIndex] = &entry;
 }
 
-Layout const& layoutOf(Element const& aElement) noexcept { return kLayouts[placeOf(aElement)]; }
+ClassTable const* classTable(int aMetaclass) {
+  auto const& all = classes().fByMetaclass;
+  auto const place = static_cast<std::size_t>(aMetaclass);
+  return place < all.size() ? all[place] : nullptr;
+}
+
+Layout const& layoutOf(Element const& aElement) noexcept { return *entryOf(aElement).fLayout; }
 
 std::span<FeatureIndex const> storedReferences(Element const& aElement) noexcept {
-  return classes().fEntries[placeOf(aElement)].fStored;
+  return entryOf(aElement).fStored;
 }
 
 }  // namespace umlmm::engine

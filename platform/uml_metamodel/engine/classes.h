@@ -26,9 +26,15 @@ inline void placeInterface(std::vector<std::int16_t>& aOffsets, Kelm::Cooperativ
 
 /// By position in kLayouts; defined from the catalogue.
 extern ElementClass const kElementClasses[kConcreteCount];
+/// By metaclass: the tag of its interface.
+extern Kelm::CooperativeVisitor::internal::Tag (*const kInterfaceTags[kMetaclassCount])();
 
 /// The table of a concrete metaclass; null for an abstract one.
 Kelm::ClassTable const* classTable(int aMetaclass);
+/// Whether elements of a metaclass can be made: some class of the catalogue has all its interfaces.
+bool hasShape(Metaclass const& aMetaclass);
+/// Makes the table of a concrete metaclass of an extension, whose records stay.
+void addClass(Metaclass const& aMetaclass, Layout const& aLayout);
 /// Ends the element; the memory stays.
 inline void destruct(Element* aElement) noexcept {
   static_cast<Kelm::ReferenceCountingIntf*>(aElement)->~ReferenceCountingIntf();

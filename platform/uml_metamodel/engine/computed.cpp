@@ -15,7 +15,7 @@ namespace {
 constexpr char kSource[] = "uml_metamodel/engine/computed";
 
 Union const* unionOn(Element const& aElement, FeatureIndex aFeature) noexcept {
-  for (Union const& candidate : kMetaclasses[metaclassOf(aElement)].fUnions)
+  for (Union const& candidate : metaclass(metaclassOf(aElement)).fUnions)
     if (candidate.fFeature == aFeature) return &candidate;
   return nullptr;
 }
@@ -51,8 +51,11 @@ void unionValues(Element const& aElement, Feature const& aFeature, std::vector<E
   if (contributors > 1 && !aFeature.fComposite) dropRepeats(aOut, start);
 }
 
-Rule const& ruleOf(Feature const& aFeature) noexcept { return *kRules[indexOf(aFeature)]; }
-bool hasRule(Feature const& aFeature) noexcept { return kRules[indexOf(aFeature)] != nullptr; }
+Rule const* ruleIn(Feature const& aFeature) noexcept {
+  return isAdded(indexOf(aFeature)) ? nullptr : kRules[indexOf(aFeature)];
+}
+Rule const& ruleOf(Feature const& aFeature) noexcept { return *ruleIn(aFeature); }
+bool hasRule(Feature const& aFeature) noexcept { return ruleIn(aFeature) != nullptr; }
 
 }  // namespace
 
@@ -62,6 +65,7 @@ Feature const kAppliedStereotypeInstance{.fName = "appliedStereotypeInstance",
                                          .fRoot = kNoFeature,
                                          .fOpposite = kNoFeature,
                                          .fContainment = kNoFeature,
+                                         .fIndex = kNoFeature,
                                          .fId = 0,
                                          .fLower = 0,
                                          .fUpper = -1,

@@ -10,7 +10,7 @@ namespace umlmm::engine {
 namespace {
 
 char const* typeName(Feature const& aFeature) noexcept {
-  return aFeature.isReference() ? kMetaclasses[aFeature.fType].fName : "value";
+  return aFeature.isReference() ? metaclass(aFeature.fType).fName : "value";
 }
 
 /// " 'Order'", cut if it is long; empty for what has no name.
@@ -28,7 +28,7 @@ std::string nameIn(Element const& aElement) {
 
 /// "Class 'Order'"
 std::string describe(Element const& aElement) {
-  return kMetaclasses[metaclassOf(aElement)].fName + nameIn(aElement);
+  return metaclass(metaclassOf(aElement)).fName + nameIn(aElement);
 }
 
 /// "an Association", "a Class"; names with a U are spoken with a consonant.
@@ -55,7 +55,7 @@ void raiseNotInVariant(Element const& aElement, Place aPlace) {
 namespace failures {
 
 std::string nameOf(Feature const& aFeature) {
-  return std::string(kMetaclasses[aFeature.fOwner].fName) + "." + aFeature.fName;
+  return std::string(metaclass(aFeature.fOwner).fName) + "." + aFeature.fName;
 }
 
 void raise(Place aPlace, std::string const& aText) {

@@ -3,8 +3,9 @@
 #include <algorithm>
 #include <unordered_map>
 
+#include "engine/Aside.h"
 #include "engine/Change.h"
-#include "engine/ElementNotes.h"
+#include "engine/FeatureSequence.h"
 #include "engine/ModelIndex.h"
 #include "engine/Referrers.h"
 #include "engine/classes.h"
@@ -68,19 +69,22 @@ Sequence* snapshot(std::vector<Element*> const& aElements, Deviant const& aDevia
 std::vector<Element*> referrers(Element const& aElement) {
   std::vector<Element*> found;
   for (Reference const& reference : Referrers::of(aElement)) found.push_back(reference.fOwner);
-  for (FeatureIndex const index : storedReferences(aElement))
-    if (feature(index).fOpposite != kNoFeature && !ownsParts(feature(index))) {
-      Feature const& far = feature(feature(index).fOpposite);
-      if (far.fStorage != Storage::Container) collect(aElement, feature(index), found);
-    }
+  auto const addFarEnds = [&](Feature const& aRoot) {
+    if (aRoot.fOpposite == kNoFeature || ownsParts(aRoot)) return;
+    if (feature(aRoot.fOpposite).fStorage != Storage::Container) collect(aElement, aRoot, found);
+  };
+  for (FeatureIndex const index : storedReferences(aElement)) addFarEnds(feature(index));
+  forEachAdded(aElement, [&](Feature const& aAdded, std::uint64_t) {
+    if (aAdded.isReference()) addFarEnds(aAdded);
+  });
   std::unordered_map<Element*, bool> seen;
   std::erase_if(found, [&](Element* const element) { return !seen.emplace(element, true).second; });
   return found;
 }
 
 /// Texts of other tools about elements.
-ElementNotes::Texts& toolTexts(Element const& aElement, unsigned aId) {
-  return ElementNotes::of(*aElement.model()).toolTexts(aId == ClassObjectIntf::ExternalId ? 0 : 1);
+Asides::Texts& toolTexts(Element const& aElement, unsigned aId) {
+  return Asides::of(*aElement.model()).toolTexts(aId == ClassObjectIntf::ExternalId ? 0 : 1);
 }
 
 }  // namespace
@@ -120,7 +124,7 @@ void setKernelEntry(Element* aElement, Deviant const& aDeviant, unsigned aId, Ke
   Kelm::StringObject const* const text = Kelm::asString(aValue);
   if (text == nullptr) kelm::Error_IncorrectType("String");
   texts[aElement] = Kelm::String(text);
-  ElementNotes::note(*aElement, Element::HasToolTexts);
+  Asides::note(*aElement, Element::HasToolTexts);
 }
 
 Sequence* kernelSequence(Element const* aElement, Deviant const& aDeviant, unsigned aId) {

@@ -2,7 +2,7 @@
 #include <cstring>
 #include <utility>
 
-#include "engine/ElementNotes.h"
+#include "engine/Aside.h"
 #include "engine/ElementRef.h"
 #include "engine/HeldElements.h"
 #include "engine/ModelIndex.h"
@@ -38,7 +38,7 @@ void release(Element* aElement) {
     delete static_cast<Kelm::Generic::SequenceIntf*>(wordAt(*aElement, aWord));
   });
   char* const memory = reinterpret_cast<char*>(aElement) - table.fRootOffset;
-  ElementNotes::noteFreed(*aElement);
+  Asides::noteFreed(*aElement);
   destruct(aElement);
   Kelm::Blocks::free(memory, table.fSize);
 }
@@ -98,23 +98,25 @@ void leaveReferrers(Element& aElement) {
   }
 }
 
-/// The far ends of what a word refers to lose the element.
-void leaveReferred(Element& aElement, unsigned aWord) {
-  Feature const& root = feature(aElement.classTable()->fFeatureOfWord[aWord]);
-  if (root.fOpposite == kNoFeature)
-    return forEachIn(aElement, aWord, [&](Element& aValue) {
-      if (!isDying(aValue)) Change::forget(aElement, root, aValue);
-    });
-  if (root.fStorage != Storage::List)
-    return forEachIn(aElement, aWord, [&](Element& aValue) {
-      if (!isDying(aValue)) unlink(aElement, root, aValue);
-    });
+/// The far ends of what a slot refers to lose the element.
+void leaveReferred(Element& aElement, Feature const& aRoot, void* aHeld) {
+  if (aRoot.fStorage != Storage::List) {
+    auto& value = *static_cast<Element*>(aHeld);
+    if (isDying(value)) return;
+    return aRoot.fOpposite == kNoFeature ? Change::forget(aElement, aRoot, value)
+                                         : unlink(aElement, aRoot, value);
+  }
+  auto& list = *static_cast<ElementList*>(aHeld);
+  if (aRoot.fOpposite == kNoFeature) {
+    for (Element* const value : list)
+      if (value != nullptr && !isDying(*value)) Change::forget(aElement, aRoot, *value);
+    return;
+  }
   // From the end: values that stay only move towards the front while others go.
-  auto& list = *static_cast<ElementList*>(wordAt(aElement, aWord));
   for (auto at = list.end() - list.begin(); at > 0;) {
     at = std::min(at, list.end() - list.begin()) - 1;
     Element* const value = at < 0 ? nullptr : list.begin()[at];
-    if (value != nullptr && !isDying(*value)) unlink(aElement, root, *value);
+    if (value != nullptr && !isDying(*value)) unlink(aElement, aRoot, *value);
   }
 }
 
@@ -122,7 +124,12 @@ void leaveOthers(Element& aElement) {
   leaveReferrers(aElement);
   Kelm::ClassTable const& table = *aElement.classTable();
   forEachWord((table.fReferenceWords | table.fListWords) & ~table.fContentWords, [&](unsigned aWord) {
-    if (wordAt(aElement, aWord) != nullptr) leaveReferred(aElement, aWord);
+    if (void* const held = wordAt(aElement, aWord))
+      leaveReferred(aElement, feature(table.fFeatureOfWord[aWord]), held);
+  });
+  forEachAdded(aElement, [&](Feature const& aAdded, std::uint64_t aWord) {
+    bool const refers = aAdded.isReference() && !ownsParts(aAdded);
+    if (refers && aWord != 0) leaveReferred(aElement, aAdded, reinterpret_cast<void*>(aWord));
   });
 }
 
@@ -137,6 +144,10 @@ void emptySlots(Element& aElement) noexcept {
   forEachWord(aElement.classTable()->fListWords, [&](unsigned aWord) {
     if (auto* const list = static_cast<ElementList*>(wordAt(aElement, aWord))) list->clear();
   });
+  forEachAdded(aElement, [](Feature const& aAdded, std::uint64_t& aWord) {
+    if (aAdded.fStorage == Storage::Reference) aWord = 0;
+    if (aAdded.fStorage == Storage::List && aWord != 0) reinterpret_cast<ElementList*>(aWord)->clear();
+  });
 }
 
 }  // namespace
@@ -146,7 +157,7 @@ void Change::letGo(Element& aElement) noexcept {
   if (aElement.numRef() > 1) emptySlots(aElement);
   if (aElement.hasReferrers()) Referrers::clear(aElement);
   ModelIndex::noteGone(aElement);
-  ElementNotes::noteGone(aElement);
+  Asides::noteGone(aElement);
   State::container(aElement) = nullptr;
   State::model(aElement) = nullptr;
   aElement.decRef();

@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <unordered_set>
 
-#include "engine/ElementNotes.h"
+#include "engine/Aside.h"
 #include "engine/FeatureSequence.h"
 #include "engine/computed.h"
 #include "engine/failures.h"
@@ -139,13 +139,12 @@ class ComputedSequence final : public NotedSequence {
 };
 
 FeatureSequence& computedSequence(Element& aElement, Feature const& aFeature) {
-  ElementNotes::Sequences& first = ElementNotes::of(*aElement.model()).sequences(aElement);
+  std::unique_ptr<NotedSequence>& first = Asides::at(aElement).fSequences;
   for (NotedSequence* sequence = first.get(); sequence != nullptr; sequence = sequence->fNext.get())
     if (&sequence->shownFeature() == &aFeature) return *sequence;
   auto made = std::make_unique<ComputedSequence>(aElement, aFeature);
   made->fNext = std::move(first);
   first = std::move(made);
-  ElementNotes::note(aElement, Element::HasComputed);
   return *first;
 }
 

@@ -32,20 +32,27 @@ inline void checkWritable(Element const& aElement, Deviant const& aDeviant, Plac
 inline std::uint8_t slotOf(Element const& aElement, FeatureIndex aRoot) noexcept {
   return aElement.classTable()->fSlotOfFeature[aRoot];
 }
-inline bool hasSlot(Element const& aElement, FeatureIndex aRoot) noexcept {
-  return slotOf(aElement, aRoot) != Kelm::ClassTable::kNoSlot;
-}
+
+/// The word of a feature that an extension has added: what the element has beside its slots, or what the
+/// feature has on elements where it was never set.
+std::uint64_t addedWord(Element const& aElement, FeatureIndex aRoot) noexcept;
 
 /// The pointer word of a string, reference or list.
 template <class T>
 T* pointerSlot(Element const& aElement, FeatureIndex aRoot) noexcept {
+  if (isAdded(aRoot)) [[unlikely]]
+    return reinterpret_cast<T*>(addedWord(aElement, aRoot));
   return reinterpret_cast<T* const*>(aElement.slots())[slotOf(aElement, aRoot)];
 }
 inline std::uint32_t integerSlot(Element const& aElement, FeatureIndex aRoot) noexcept {
+  if (isAdded(aRoot)) [[unlikely]]
+    return static_cast<std::uint32_t>(addedWord(aElement, aRoot));
   return reinterpret_cast<std::uint32_t const*>(aElement.slots())[slotOf(aElement, aRoot)];
 }
 /// `aWidth` bits of the flag word from the slot's position on.
 inline std::uint32_t flagBits(Element const& aElement, FeatureIndex aRoot, unsigned aWidth) noexcept {
+  if (isAdded(aRoot)) [[unlikely]]
+    return static_cast<std::uint32_t>(addedWord(aElement, aRoot));
   return aElement.flags() >> slotOf(aElement, aRoot) & ((1U << aWidth) - 1);
 }
 
@@ -68,10 +75,16 @@ inline int metaclassOf(Element const& aElement) noexcept { return aElement.class
 inline bool isA(Element const& aElement, int aMetaclass) noexcept {
   return conforms(metaclassOf(aElement), aMetaclass);
 }
+/// Whether elements of the metaclass have the feature, and keep its value themselves.
+inline bool hasSlot(Element const& aElement, FeatureIndex aRoot) noexcept {
+  if (isAdded(aRoot)) [[unlikely]]
+    return isA(aElement, feature(aRoot).fOwner);
+  return slotOf(aElement, aRoot) != Kelm::ClassTable::kNoSlot;
+}
 
 /// The text by which failures call the element, or none.
 inline FeatureIndex namingFeature(Element const& aElement) noexcept {
-  return kMetaclasses[static_cast<std::size_t>(metaclassOf(aElement))].fNaming;
+  return metaclass(metaclassOf(aElement)).fNaming;
 }
 
 /// What a root feature is on an element's metaclass: the most special redefinition of it there, or itself.

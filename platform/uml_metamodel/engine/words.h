@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include "engine/Aside.h"
 #include "engine/slots.h"
 
 /// Walks over the slots of an element by the masks of its class, for what is done to all features alike.
@@ -34,12 +35,31 @@ inline bool hadContents(Element const& aElement) noexcept {
   return (aElement.marks() & Element::HasContents) != 0;
 }
 
+/// Calls `aVisit(feature, word)` with each feature that extensions have added and the element has a word for.
+template <class Visit>
+void forEachAdded(Element const& aElement, Visit aVisit) {
+  if (Aside* const aside = Asides::find(aElement)) [[unlikely]]
+    for (auto& [index, word] : aside->fWords) aVisit(feature(index), word);
+}
+/// The same as `forEachIn`, for such a word.
+template <class Visit>
+void forEachIn(Feature const& aAdded, std::uint64_t aWord, Visit aVisit) {
+  if (aWord == 0) return;
+  if (aAdded.fStorage == Storage::Reference) return aVisit(*reinterpret_cast<Element*>(aWord));
+  if (aAdded.fStorage != Storage::List) return;
+  for (Element* const entry : *reinterpret_cast<ElementList const*>(aWord))
+    if (entry != nullptr) aVisit(*entry);
+}
+
 /// Calls `aVisit` with each element that the element contains, in the order of its features. Nothing comes
 /// twice.
 template <class Visit>
 void forEachPart(Element const& aElement, Visit aVisit) {
   forEachWord(aElement.classTable()->fContentWords,
               [&](unsigned aWord) { forEachIn(aElement, aWord, [&](Element& aPart) { aVisit(aPart); }); });
+  forEachAdded(aElement, [&](Feature const& aAdded, std::uint64_t aWord) {
+    if (ownsParts(aAdded)) forEachIn(aAdded, aWord, [&](Element& aPart) { aVisit(aPart); });
+  });
 }
 
 inline void collectContents(Element const& aElement, std::vector<Element*>& aOut) {

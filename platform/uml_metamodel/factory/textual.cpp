@@ -37,20 +37,20 @@ struct Setting {
 int metaclassNamed(std::u16string_view aName) {
   std::string name = Kelm::toUtf8(aName);
   if (name.starts_with("umlmm.")) name.erase(0, 6);
-  for (int index = 0; index < engine::kMetaclassCount; ++index)
-    if (name == engine::kMetaclasses[index].fName) return index;
+  for (int index = 0; index < engine::metaclassCount(); ++index)
+    if (name == engine::metaclass(index).fName) return index;
   return -1;
 }
 
 int concreteMetaclass(std::u16string_view aName, std::size_t aPosition) {
   int const index = metaclassNamed(aName);
-  if (index < 0 || engine::kMetaclasses[index].fAbstract) raiseUnreadable(aName, aPosition);
+  if (index < 0 || engine::metaclass(index).fAbstract) raiseUnreadable(aName, aPosition);
   return index;
 }
 
 Feature const& featureNamed(int aMetaclass, Assignment const& aAssignment) {
   std::string const name = Kelm::toUtf8(aAssignment.fFeature);
-  for (engine::FeatureIndex const index : engine::kMetaclasses[aMetaclass].fVisible)
+  for (engine::FeatureIndex const index : engine::metaclass(aMetaclass).fVisible)
     if (name == engine::feature(index).fName && !engine::feature(index).fReadOnly)
       return engine::feature(index);
   raiseUnreadable(aAssignment.fFeature, aAssignment.fPosition);
@@ -210,7 +210,7 @@ Object create(Kelm::Model const& aModel, std::u16string_view aType, std::u16stri
     if (auto const& enumeration = engine::enumeration(index); type == enumeration.name())
       return Object(enumeration.object(enumeration.parse(Kelm::toUtf8(aText))), Kelm::Deviant());
   int const metaclass = metaclassNamed(aType);
-  if (metaclass < 0 || engine::kMetaclasses[metaclass].fAbstract) kelm::Error_IncorrectType(type);
+  if (metaclass < 0 || engine::metaclass(metaclass).fAbstract) kelm::Error_IncorrectType(type);
   engine::FeatureIndex const index = textFeature(metaclass);
   Value const value{Value::Kind::Number, std::u16string(aText), 0};
   // The value of a literal specification is its text read as a value of its type.

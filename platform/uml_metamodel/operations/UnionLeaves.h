@@ -17,14 +17,24 @@ class UnionLeaves {
   constexpr explicit UnionLeaves(engine::FeatureIndex aUnion) noexcept : fUnion(aUnion) {}
 
   std::span<engine::FeatureIndex const> of(int aMetaclass) {
+    if (aMetaclass >= engine::kMetaclassCount) [[unlikely]]
+      return ofAdded(aMetaclass);
     auto const* const leaves = fLeaves[static_cast<std::size_t>(aMetaclass)].load(std::memory_order_acquire);
     return leaves == nullptr ? make(aMetaclass) : *leaves;
   }
 
+  /// All are made again when asked: an extension has changed what unions list.
+  static void forgetAll() noexcept;
+
  private:
+  std::vector<engine::FeatureIndex> list(int aMetaclass) const;
   std::vector<engine::FeatureIndex> const& make(int aMetaclass);
+  std::span<engine::FeatureIndex const> ofAdded(int aMetaclass);
 
   engine::FeatureIndex fUnion;
+  /// The next of those that have made any.
+  UnionLeaves* fNext = nullptr;
+  std::atomic<bool> fIsListed = false;
   // Kept for the length of the process.
   std::array<std::atomic<std::vector<engine::FeatureIndex> const*>, engine::kMetaclassCount> fLeaves{};
 };

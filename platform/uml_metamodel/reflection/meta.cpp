@@ -6,6 +6,7 @@
 #include <functional>
 #include <iterator>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "engine/accessors.h"
@@ -20,33 +21,46 @@ namespace umlmm::reflection {
 namespace {
 
 using engine::kFeatureCount;
-using engine::kFeatures;
 using engine::kMetaclassCount;
-using engine::kMetaclasses;
 using Kelm::NSInterface::ClassIntf;
 using Kelm::NSInterface::DataTypeIntf;
 using Kelm::NSInterface::PackageIntf;
 using Kelm::NSInterface::PropertyIntf;
 using Kelm::NSInterface::TypeIntf;
 
+Kelm::IntrospectiveMethods const& accessorsAt(int aMetaclass);
+
 class MetaClass final : public ClassIntf {
  public:
-  void fill(int aIndex);
+  void fill(int aIndex, std::string_view aPackage);
+  /// Makes the lists with the properties that have joined, and shows them: whoever holds the lists of before
+  /// may go on reading them.
+  void prepareProperties();
+  void showProperties() noexcept;
+  int index() const noexcept { return fIndex; }
 
-  std::string_view getName() const override { return kMetaclasses[fIndex].fName; }
+  std::string_view getName() const override { return engine::metaclass(fIndex).fName; }
   std::string_view getQualifiedName() const override { return fQualifiedName; }
   bool conformsTo(TypeIntf const& aOther) const override;
-  bool isAbstract() const override { return kMetaclasses[fIndex].fAbstract; }
+  bool isAbstract() const override { return engine::metaclass(fIndex).fAbstract; }
   std::span<ClassIntf const* const> superClasses() const override { return fSupers; }
   std::span<PropertyIntf const* const> ownedProperties() const override { return fOwned; }
   std::span<PropertyIntf const* const> allProperties() const override { return fAll; }
 
  private:
+  using Properties = std::vector<PropertyIntf const*>;
+
+  Properties owned() const;
+  Properties all() const;
+
   int fIndex = 0;
   std::string fQualifiedName;
   std::vector<ClassIntf const*> fSupers;
-  std::vector<PropertyIntf const*> fOwned;
-  std::vector<PropertyIntf const*> fAll;
+  Properties fOwned;
+  Properties fAll;
+  /// Two for each time that properties joined: the coming ones, and then those of before.
+  std::deque<Properties> fOther;
+  bool fIsPrepared = false;
 };
 
 class MetaDataType final : public DataTypeIntf {
@@ -68,6 +82,7 @@ class MetaDataType final : public DataTypeIntf {
 class MetaProperty final : public PropertyIntf {
  public:
   void fill(int aIndex);
+  int index() const noexcept { return fIndex; }
 
   std::string_view getName() const override { return record().fName; }
   unsigned getId() const override { return record().fId; }
@@ -86,10 +101,12 @@ class MetaProperty final : public PropertyIntf {
   }
   std::span<PropertyIntf const* const> subsetted() const override { return fSubsetted; }
   std::span<PropertyIntf const* const> redefined() const override { return fRedefined; }
-  Kelm::IntrospectiveMethods const& accessors() const override { return *kAccessors[record().fOwner]; }
+  Kelm::IntrospectiveMethods const& accessors() const override { return accessorsAt(record().fOwner); }
 
  private:
-  engine::Feature const& record() const noexcept { return kFeatures[fIndex]; }
+  engine::Feature const& record() const noexcept {
+    return engine::feature(static_cast<engine::FeatureIndex>(fIndex));
+  }
 
   int fIndex = 0;
   TypeIntf const* fType = nullptr;
@@ -99,13 +116,25 @@ class MetaProperty final : public PropertyIntf {
 
 class MetaPackage final : public PackageIntf {
  public:
-  std::string_view getName() const override { return "umlmm"; }
-  std::string_view getUri() const override { return "umlmm"; }
+  explicit MetaPackage(char const* aName) noexcept : fName(aName) {}
+
+  std::string_view getName() const override { return fName; }
+  std::string_view getUri() const override { return fName; }
   std::span<ClassIntf const* const> classes() const override { return fClasses; }
   std::span<DataTypeIntf const* const> dataTypes() const override { return fDataTypes; }
 
   std::vector<ClassIntf const*> fClasses;
   std::vector<DataTypeIntf const*> fDataTypes;
+
+ private:
+  char const* fName;
+};
+
+/// What extensions have added: metaclasses with accessors of their own, properties, packages.
+struct AddedClass {
+  MetaClass fClass;
+  ClassIntf const* fSelf = &fClass;
+  Kelm::IntrospectiveMethods fAccessors{};
 };
 
 /// All meta objects; never destroyed.
@@ -114,12 +143,32 @@ struct Metamodel {
   std::array<MetaProperty, kFeatureCount> fProperties;
   std::deque<MetaDataType> fPrimitives;
   std::deque<MetaDataType> fEnumerations;
-  MetaPackage fPackage;
+  MetaPackage fPackage{"umlmm"};
+  std::deque<AddedClass> fAddedClasses;
+  std::deque<MetaProperty> fAddedProperties;
+  std::deque<MetaPackage> fAddedPackages;
+  /// By id of an added metaclass's properties, for all of them; of earlier states, too.
+  std::deque<std::vector<Kelm::MetaPropertyRecord>> fAddedTables;
 };
 
 Metamodel* sMetamodel = nullptr;
 
 constexpr std::string_view kPrimitiveNames[] = {"Boolean", "Integer", "UnlimitedNatural", "String"};
+
+MetaClass& classAt(int aIndex) {
+  auto const index = static_cast<std::size_t>(aIndex);
+  return index < kMetaclassCount ? sMetamodel->fClasses[index]
+                                 : sMetamodel->fAddedClasses[index - kMetaclassCount].fClass;
+}
+MetaProperty& propertyAt(int aIndex) {
+  auto const index = static_cast<std::size_t>(aIndex);
+  return index < kFeatureCount ? sMetamodel->fProperties[index]
+                               : sMetamodel->fAddedProperties[index - kFeatureCount];
+}
+Kelm::IntrospectiveMethods const& accessorsAt(int aMetaclass) {
+  if (aMetaclass < kMetaclassCount) return *kAccessors[aMetaclass];
+  return sMetamodel->fAddedClasses[static_cast<std::size_t>(aMetaclass - kMetaclassCount)].fAccessors;
+}
 
 /// The index of a class of this metamodel, told by its place in the table; -1 for any other type.
 int indexIn(TypeIntf const& aType) noexcept {
@@ -127,8 +176,11 @@ int indexIn(TypeIntf const& aType) noexcept {
   auto const& classes = sMetamodel->fClasses;
   static_assert(std::is_base_of_v<TypeIntf, MetaClass>);
   if (std::less<>()(type, static_cast<void const*>(classes.data())) ||
-      !std::less<>()(type, static_cast<void const*>(classes.data() + classes.size())))
+      !std::less<>()(type, static_cast<void const*>(classes.data() + classes.size()))) {
+    for (AddedClass const& added : sMetamodel->fAddedClasses)
+      if (&added.fClass == &aType) return added.fClass.index();
     return -1;
+  }
   return static_cast<int>(static_cast<MetaClass const*>(&aType) - classes.data());
 }
 
@@ -141,7 +193,7 @@ bool MetaClass::conformsTo(TypeIntf const& aOther) const {
 TypeIntf const* typeOf(engine::Feature const& aFeature) {
   switch (aFeature.fValueType) {
     case engine::ValueType::Reference:
-      return &sMetamodel->fClasses[aFeature.fType];
+      return &classAt(aFeature.fType);
     case engine::ValueType::Enumeration:
       return &sMetamodel->fEnumerations[aFeature.fType];
     default:
@@ -151,26 +203,58 @@ TypeIntf const* typeOf(engine::Feature const& aFeature) {
 
 template <class Indices, class Out>
 void addProperties(Indices const& aIndices, Out& aOut) {
-  for (auto const index : aIndices) aOut.push_back(&sMetamodel->fProperties[index]);
+  for (auto const index : aIndices) aOut.push_back(&propertyAt(index));
 }
 
-void MetaClass::fill(int aIndex) {
+MetaClass::Properties MetaClass::owned() const {
+  engine::Metaclass const& own = engine::metaclass(fIndex);
+  Properties found;
+  for (int feature = own.fFirstFeature; feature < own.fFirstFeature + own.fFeatureCount; ++feature)
+    found.push_back(&propertyAt(feature));
+  reflection::addProperties(own.fAdded, found);
+  return found;
+}
+
+MetaClass::Properties MetaClass::all() const {
+  Properties found;
+  for (auto const index : engine::metaclass(fIndex).fVisible) {
+    found.push_back(&propertyAt(index));
+    // The kernel's features follow those of the root.
+    engine::Feature const& feature = engine::feature(index);
+    engine::Metaclass const& owner = engine::metaclass(feature.fOwner);
+    if (owner.fSupers.empty() && feature.fId == owner.fFeatureCount)
+      std::ranges::copy(Kelm::ImmutableClassObject::MetaClass().get()->ownedProperties(),
+                        std::back_inserter(found));
+  }
+  return found;
+}
+
+void MetaClass::fill(int aIndex, std::string_view aPackage) {
   fIndex = aIndex;
-  engine::Metaclass const& own = kMetaclasses[aIndex];
-  fQualifiedName = std::string("umlmm::") + own.fName;
-  for (auto const base : own.fSupers) fSupers.push_back(&sMetamodel->fClasses[base]);
+  engine::Metaclass const& own = engine::metaclass(aIndex);
+  fQualifiedName = aPackage;
+  fQualifiedName += "::";
+  fQualifiedName += own.fName;
+  for (auto const base : own.fSupers) fSupers.push_back(&classAt(base));
   // The kernel's class of all elements stands above the metamodel's root.
   if (own.fSupers.empty()) fSupers.push_back(Kelm::ImmutableClassObject::MetaClass().get());
-  for (int feature = own.fFirstFeature; feature < own.fFirstFeature + own.fFeatureCount; ++feature)
-    fOwned.push_back(&sMetamodel->fProperties[static_cast<std::size_t>(feature)]);
-  // The kernel's features follow those of the root.
-  for (auto const index : own.fVisible) {
-    fAll.push_back(&sMetamodel->fProperties[index]);
-    engine::Metaclass const& owner = kMetaclasses[kFeatures[index].fOwner];
-    if (owner.fSupers.empty() && kFeatures[index].fId == owner.fFeatureCount)
-      std::ranges::copy(Kelm::ImmutableClassObject::MetaClass().get()->ownedProperties(),
-                        std::back_inserter(fAll));
-  }
+  fOwned = owned();
+  fAll = all();
+}
+
+void MetaClass::prepareProperties() {
+  fIsPrepared = false;
+  Properties now = all();
+  if (now == fAll) return;
+  fOther.push_back(owned());
+  fOther.push_back(std::move(now));
+  fIsPrepared = true;
+}
+
+void MetaClass::showProperties() noexcept {
+  if (!std::exchange(fIsPrepared, false)) return;
+  fAll.swap(fOther.back());
+  fOwned.swap(*std::prev(fOther.end(), 2));
 }
 
 void MetaProperty::fill(int aIndex) {
@@ -191,7 +275,7 @@ void fillDataTypes() {
 
 void fillTables() {
   for (int index = 0; index < kMetaclassCount; ++index) {
-    engine::Metaclass const& own = kMetaclasses[index];
+    engine::Metaclass const& own = engine::metaclass(index);
     engine::metaClasses[index] = &sMetamodel->fClasses[static_cast<std::size_t>(index)];
     for (unsigned id = 1; id <= own.fFeatureCount; ++id)
       engine::metaProperties[own.fFirstFeature + static_cast<unsigned>(index) + id].fProperty =
@@ -203,14 +287,14 @@ Metamodel& make() {
   sMetamodel = new Metamodel();
   fillDataTypes();
   for (int index = 0; index < kMetaclassCount; ++index)
-    sMetamodel->fClasses[static_cast<std::size_t>(index)].fill(index);
+    sMetamodel->fClasses[static_cast<std::size_t>(index)].fill(index, sMetamodel->fPackage.getName());
   for (int index = 0; index < kFeatureCount; ++index)
     sMetamodel->fProperties[static_cast<std::size_t>(index)].fill(index);
   fillTables();
   for (auto const& one : sMetamodel->fClasses) sMetamodel->fPackage.fClasses.push_back(&one);
   for (auto const& one : sMetamodel->fPrimitives) sMetamodel->fPackage.fDataTypes.push_back(&one);
   for (auto const& one : sMetamodel->fEnumerations) sMetamodel->fPackage.fDataTypes.push_back(&one);
-  Kelm::NSInterface::metaclassName = [](int aMetaclass) { return kMetaclasses[aMetaclass].fName; };
+  Kelm::NSInterface::metaclassName = [](int aMetaclass) { return engine::metaclass(aMetaclass).fName; };
   engine::installQueries();
   return *sMetamodel;
 }
@@ -226,15 +310,63 @@ Metamodel& metamodel() {
 }  // namespace
 
 ClassIntf const* metaClass(int aMetaclass) {
-  return &metamodel().fClasses[static_cast<std::size_t>(aMetaclass)];
+  metamodel();
+  return &classAt(aMetaclass);
 }
 PropertyIntf const* metaProperty(int aFeature) {
-  return &metamodel().fProperties[static_cast<std::size_t>(aFeature)];
+  metamodel();
+  return &propertyAt(aFeature);
 }
 PackageIntf const* metaPackage() { return &metamodel().fPackage; }
 int metaclassIndex(ClassIntf const& aClass) {
   metamodel();
   return indexIn(aClass);
+}
+int featureIndex(PropertyIntf const& aProperty) {
+  for (int index = 0; index < kFeatureCount + static_cast<int>(metamodel().fAddedProperties.size()); ++index)
+    if (&propertyAt(index) == &aProperty) return index;
+  return -1;
+}
+int dataTypeIndex(DataTypeIntf const& aType, engine::ValueType& aKind) {
+  for (auto const* const types : {&metamodel().fPrimitives, &metamodel().fEnumerations})
+    for (std::size_t at = 0; at < types->size(); ++at) {
+      if (&(*types)[at] != &aType) continue;
+      bool const isPrimitive = types == &metamodel().fPrimitives;
+      aKind = isPrimitive ? static_cast<engine::ValueType>(at) : engine::ValueType::Enumeration;
+      return isPrimitive ? 0 : static_cast<int>(at);
+    }
+  return -1;
+}
+
+PackageIntf const* addPackage(char const* aName, int aFirst, int aFirstFeature) {
+  Metamodel& all = metamodel();
+  auto const firstFeature = static_cast<std::size_t>(aFirstFeature - kFeatureCount);
+  // An attempt that failed may have left some.
+  all.fAddedClasses.resize(static_cast<std::size_t>(aFirst - kMetaclassCount));
+  all.fAddedProperties.resize(firstFeature);
+  all.fAddedClasses.resize(static_cast<std::size_t>(engine::metaclassCount() - kMetaclassCount));
+  all.fAddedProperties.resize(engine::records::sAddedFeatures.size());
+  MetaPackage& package = all.fAddedPackages.emplace_back(aName);
+  for (int index = aFirst; index < engine::metaclassCount(); ++index) {
+    classAt(index).fill(index, package.getName());
+    package.fClasses.push_back(&classAt(index));
+  }
+  for (std::size_t at = firstFeature; at < all.fAddedProperties.size(); ++at)
+    all.fAddedProperties[at].fill(static_cast<int>(kFeatureCount + at));
+  auto& table = all.fAddedTables.emplace_back(1);
+  for (MetaProperty const& property : all.fAddedProperties) table.push_back({&property});
+  for (int index = 0; index < engine::metaclassCount(); ++index) classAt(index).prepareProperties();
+  return &package;
+}
+
+void showPackage() noexcept {
+  Metamodel& all = metamodel();
+  for (AddedClass& added : all.fAddedClasses) {
+    added.fAccessors = engine::accessorsOf<engine::kAddedMetaclass, 0>();
+    added.fAccessors.owner = &added.fSelf;
+    added.fAccessors.metaPropertyTable = all.fAddedTables.back().data();
+  }
+  for (int index = 0; index < engine::metaclassCount(); ++index) classAt(index).showProperties();
 }
 
 }  // namespace umlmm::reflection

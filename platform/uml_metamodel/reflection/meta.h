@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/Feature.h"
 #include "kelm/meta.h"
 
 /// The metamodel's own objects: immortal, made once from the table of features.
@@ -10,5 +11,14 @@ Kelm::NSInterface::PropertyIntf const* metaProperty(int aFeature);
 Kelm::NSInterface::PackageIntf const* metaPackage();
 /// The index of a metaclass; -1 for a class of another metamodel.
 int metaclassIndex(Kelm::NSInterface::ClassIntf const& aClass);
+/// The same of a property.
+int featureIndex(Kelm::NSInterface::PropertyIntf const& aProperty);
+/// The number of an enumeration, or 0 for a primitive type; -1 for a type of another metamodel.
+int dataTypeIndex(Kelm::NSInterface::DataTypeIntf const& aType, engine::ValueType& aKind);
+
+/// The objects of an extension whose records have joined, and its package; both numbers are the first of it.
+/// Published metaclasses know of its properties from `showPackage` on.
+Kelm::NSInterface::PackageIntf const* addPackage(char const* aName, int aFirstMetaclass, int aFirstFeature);
+void showPackage() noexcept;
 
 }  // namespace umlmm::reflection

@@ -72,7 +72,7 @@ class UMLMM_API ModelElementIntf : public ClassObjectIntf {
 
   enum Mark : std::uint8_t {
     HasContents = 1,   ///< Something was put into it once: only such elements can close a cycle of ownership.
-    HasComputed = 2,   ///< The model keeps sequences of computed features for it.
+    HasAside = 2,      ///< The model keeps for it what has no place in its slots.
     Dying = 4,         ///< Being destroyed or dropped.
     HasToolTexts = 8,  ///< Other tools' texts are kept for it.
     WalkMarks = 0xF0   ///< For walks over the model; clear between them.

@@ -9,7 +9,7 @@
 #include "kelm/kernel/containers/failing_allocations.h"
 #include "kelm/kernel/containers/sequence/Ref.h"
 #include "kelm/values.h"
-#include "models.h"
+#include "reviews.h"
 
 // Every feature that can be written, in every way in which it can: whichever allocation fails on the way, the
 // model is as it was, and the same change succeeds afterwards.
@@ -23,10 +23,15 @@ using Sequence = Kelm::Generic::SequenceIntf;
 
 Kelm::NSInterface::ClassIntf const& classAt(int aIndex) { return *umlmm::detail::metaClass(aIndex).get(); }
 
+/// All metaclasses, those of an extension behind the published ones.
+int metaclassCount() {
+  return static_cast<int>(umlmm::MetaPackage().get()->classes().size() + reviews().get()->classes().size());
+}
+
 /// Concrete metaclasses at or below a type, by index.
 std::vector<int> concreteBelow(Kelm::NSInterface::TypeIntf const& aType) {
   std::vector<int> found;
-  for (int index = 0; index < static_cast<int>(umlmm::MetaPackage().get()->classes().size()); ++index)
+  for (int index = 0; index < metaclassCount(); ++index)
     if (!classAt(index).isAbstract() && classAt(index).conformsTo(aType)) found.push_back(index);
   return found;
 }
@@ -240,8 +245,8 @@ bool sweep(Property const& aProperty, int aOwner, int aValue, Way const& aWay) {
 
 template <class Visit>
 void forEachWritable(Visit aVisit) {
-  for (auto const* const metaclass : umlmm::MetaPackage().get()->classes())
-    for (Property const* const property : metaclass->ownedProperties())
+  for (int index = 0; index < metaclassCount(); ++index)
+    for (Property const* const property : classAt(index).ownedProperties())
       if (!property->isReadOnly()) aVisit(*property);
 }
 
@@ -312,6 +317,29 @@ TEST(FailingMemory, LeavesNothingOfARefusedElement) {
       model.object().close();
       if (!wasReached) break;
     }
+  }
+}
+
+TEST(FailingMemory, LeavesNothingOfARefusedExtension) {
+  reviews();
+  auto const& clazz = classAt(umlmm::NSInterface::ClassIntf::kMetaclassIndex);
+  std::size_t const before = clazz.allProperties().size();
+  // There are thousands, most of them alike.
+  for (int failsAt = 1;; failsAt += 1 + failsAt / 32) {
+    umlmm::MetamodelExtension extension("plans");
+    auto const plan = extension.addMetaclass("Plan", {umlmm::ImmutablePackageableElement::MetaClass()});
+    extension.addFeature(umlmm::ImmutableClass::MetaClass(), {.fName = "plan", .fType = plan});
+    sequence_suite::sAllocationFailsAt = failsAt;
+    bool failed = false;
+    try {
+      extension.commit();
+    } catch (std::bad_alloc const&) {
+      failed = true;
+    }
+    bool const wasReached = sequence_suite::sAllocationFailsAt == 0;
+    sequence_suite::sAllocationFailsAt = 0;
+    EXPECT_EQ(clazz.allProperties().size(), before + (failed ? 0U : 1U)) << failsAt;
+    if (!wasReached) break;
   }
 }
 
