@@ -1,5 +1,6 @@
 #include "engine/Aside.h"
 
+#include "engine/ChangeRecord.h"
 #include "engine/FeatureSequence.h"
 
 namespace umlmm::engine {
@@ -24,6 +25,9 @@ Aside::~Aside() {
     if (storage == Storage::PrimitiveList) delete reinterpret_cast<Kelm::Generic::SequenceIntf*>(word);
   }
 }
+
+Asides::Asides() noexcept = default;
+Asides::~Asides() = default;
 
 Aside* Asides::lookUp(Element const& aElement) noexcept {
   if (aElement.model() != nullptr) {

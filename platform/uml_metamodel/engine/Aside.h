@@ -26,6 +26,9 @@ struct Aside {
 /// needed, and a mark on the element tells that there is something.
 class Asides final : public Kelm::ModelCompanion {
  public:
+  Asides() noexcept;
+  ~Asides() override;
+
   using Texts = std::unordered_map<Element const*, Kelm::String>;
 
   /// Those of an open model.
@@ -44,6 +47,8 @@ class Asides final : public Kelm::ModelCompanion {
   /// The word of an added feature of an element that lives; made as on an element where it was never set.
   static std::uint64_t& word(Element& aElement, FeatureIndex aRoot);
 
+  /// Of those who observe the model; null for nobody.
+  std::unique_ptr<Kelm::ChangeRecord>& observed() noexcept { return fObserved; }
   /// Of one kind, by element.
   Texts& toolTexts(std::size_t aKind) noexcept { return fToolTexts[aKind]; }
   /// Tells the element that there is something.
@@ -69,6 +74,7 @@ class Asides final : public Kelm::ModelCompanion {
   void remove(Element& aElement) noexcept;
 
   std::unordered_map<Element const*, std::unique_ptr<Aside>> fAsides;
+  std::unique_ptr<Kelm::ChangeRecord> fObserved;
   Texts fToolTexts[2];
 };
 

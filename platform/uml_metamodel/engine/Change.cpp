@@ -2,39 +2,91 @@
 
 namespace umlmm::engine {
 
+namespace {
+
+Kelm::ChangeRecord* idleRecord(Kelm::ModelObject const& aModel) noexcept {
+  return aModel.record() != nullptr && aModel.record()->isIdle() ? aModel.record() : nullptr;
+}
+
+/// The one who tells the listeners goes with the model's asides.
+Asides& asidesOf(Kelm::ModelObject& aModel) { return Asides::of(aModel); }
+
+}  // namespace
+
 Change::Change(Kelm::ModelObject& aModel)
     : fModel(aModel),
-      fRecord(aModel.record() != nullptr ? *aModel.record() : fOwn.emplace()),
-      fMark(fRecord.size()) {
+      fIdle(idleRecord(aModel)),
+      fRecord(aModel.record() != fIdle ? *aModel.record() : fOwn.emplace()),
+      fMark(fRecord.size()),
+      fOuterMark(fRecord.mark()) {
+  fRecord.setMark(fMark);
   if (fOwn) fModel.setRecord(&*fOwn);
 }
 
 Change::~Change() {
   if (!fIsCommitted) fRecord.takeBack(fMark);
+  fRecord.setMark(fOuterMark);
   if (!fOwn) return;
-  fModel.setRecord(nullptr);
+  fModel.setRecord(fIdle);
+  if (fIdle != nullptr && fRecord.size() != 0) fIdle->tell(fRecord);
   fRecord.finish();
 }
 
-void Change::noteFlags(Element& aElement, std::uint32_t aFlags) {
-  record(aElement)->note({Step::Kind::Flags, kNoFeature, aElement.flags(), &aElement, nullptr, nullptr});
+StepListener::StepListener(Kelm::ModelObject& aModel) : fModel(&aModel) {
+  auto& observed = asidesOf(aModel).observed();
+  if (observed == nullptr) observed = std::make_unique<Kelm::ChangeRecord>();
+  observed->add(*this);
+  if (aModel.record() == nullptr) aModel.setRecord(observed.get());
+}
+
+StepListener::~StepListener() {
+  if (fModel == nullptr) return;
+  auto& observed = asidesOf(*fModel).observed();
+  if (observed->remove(*this)) return;
+  if (fModel->record() == observed.get()) fModel->setRecord(nullptr);
+  observed.reset();
+}
+
+void Change::noteFlags(Element& aElement, FeatureIndex aRoot, std::uint32_t aFlags) {
+  Change change(*aElement.model());
+  change.fRecord.note({Step::Kind::Flags, aRoot, aElement.flags(), &aElement, nullptr, nullptr});
   State::flags(aElement) = aFlags;
   aElement.model()->noteChange();
+  change.commit();
 }
 
 void Change::noteInteger(Element& aElement, FeatureIndex aRoot, std::uint32_t aValue) {
+  Change change(*aElement.model());
   std::uint32_t& slot = integer(aElement, aRoot);
-  record(aElement)->note({Step::Kind::Integer, aRoot, slot, &aElement, nullptr, nullptr});
+  change.fRecord.note({Step::Kind::Integer, aRoot, slot, &aElement, nullptr, nullptr});
   slot = aValue;
   aElement.model()->noteChange();
+  change.commit();
 }
 
 void Change::noteText(Element& aElement, Feature const& aRoot, Kelm::StringObject* aText) {
+  Change change(*aElement.model());
   auto*& slot = pointer<Kelm::StringObject>(aElement, indexOf(aRoot));
-  record(aElement)->note({Step::Kind::Text, indexOf(aRoot), 0, &aElement, slot, nullptr});
+  change.fRecord.note({Step::Kind::Text, indexOf(aRoot), 0, &aElement, slot, nullptr});
   if (aText != nullptr) aText->incRef();
   slot = aText;
   aElement.model()->noteChange();
+  change.commit();
+}
+
+bool Change::isNotedValues(Kelm::ChangeRecord const& aOpen, Element const& aElement, FeatureIndex aRoot,
+                           std::size_t aPlace) noexcept {
+  if (aPlace < aOpen.mark() || aPlace >= aOpen.size()) return false;
+  Step const& step = aOpen.at(aPlace);
+  return step.fKind == Step::Kind::Values && step.fElement == &aElement && step.fFeature == aRoot;
+}
+
+std::size_t Change::addValues(Kelm::ChangeRecord& aOpen, Element& aElement, FeatureIndex aRoot,
+                              std::unique_ptr<KeptValues> aValues) {
+  aOpen.reserve();
+  std::uint32_t const kept = aOpen.keep(std::move(aValues));
+  aOpen.note({Step::Kind::Values, aRoot, kept, &aElement, nullptr, nullptr});
+  return aOpen.size() - 1;
 }
 
 void Change::put(Element& aOwner, Feature const& aRoot, Element& aValue, std::uint32_t aPosition) {
@@ -89,6 +141,8 @@ void Change::leaveRoots(Element& aElement, Kelm::ChangeRecord* aOpen) {
 
 void Change::insert(Element& aOwner, Feature const& aRoot, Element& aValue, std::uint32_t aPosition) {
   Kelm::ChangeRecord* const open = record(aOwner);
+  if (open != nullptr && open->isIdle()) [[unlikely]]
+    return together(aOwner, [&] { insert(aOwner, aRoot, aValue, aPosition); });
   bool const isPart = ownsParts(aRoot);
   bool const isNoted = !isPart && aRoot.fOpposite == kNoFeature;
   if (isPart) leaveRoots(aValue, open);
@@ -102,6 +156,8 @@ void Change::insert(Element& aOwner, Feature const& aRoot, Element& aValue, std:
 void Change::erase(Element& aOwner, Feature const& aRoot, Element& aValue) {
   bool const owning = ownsParts(aRoot);
   Kelm::ChangeRecord* const open = record(aOwner);
+  if (open != nullptr && open->isIdle()) [[unlikely]]
+    return together(aOwner, [&] { erase(aOwner, aRoot, aValue); });
   if (open != nullptr) [[unlikely]] {
     Element* previous = nullptr;
     if (aRoot.fStorage == Storage::List)
@@ -130,6 +186,7 @@ void Change::forget(Element& aOwner, Feature const& aRoot, Element& aValue) {
 
 void Change::arrange(Element& aOwner, Feature const& aRoot, std::span<Element* const> aOrder) {
   if (Kelm::ChangeRecord* const open = record(aOwner)) {
+    if (open->isIdle()) return together(aOwner, [&] { arrange(aOwner, aRoot, aOrder); });
     std::vector<std::uintptr_t> old;
     for (Element* const value : pointerSlot<ElementList>(aOwner, indexOf(aRoot))->dense())
       old.push_back(reinterpret_cast<std::uintptr_t>(value));
@@ -161,6 +218,7 @@ void Change::reorder(Element& aOwner, Feature const& aRoot,
 
 void Change::arrangeReferrers(Element& aValue, std::vector<Reference> const& aOrder) {
   if (Kelm::ChangeRecord* const open = record(aValue)) {
+    if (open->isIdle()) return together(aValue, [&] { arrangeReferrers(aValue, aOrder); });
     open->reserve();
     std::uint32_t const kept = open->keep(Referrers::words(aValue));
     open->note({Step::Kind::ReferrersArranged, kNoFeature, kept, &aValue, nullptr, nullptr});

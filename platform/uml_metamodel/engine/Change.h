@@ -1,7 +1,9 @@
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <span>
+#include <type_traits>
 
 #include "engine/Aside.h"
 #include "engine/ChangeRecord.h"
@@ -66,7 +68,7 @@ class Change {
     std::uint32_t const mask = ((1U << aWidth) - 1) << position;
     std::uint32_t const flags = (aElement.flags() & ~mask) | (aBits << position & mask);
     if (record(aElement) != nullptr) [[unlikely]]
-      return noteFlags(aElement, flags);
+      return noteFlags(aElement, aRoot, flags);
     State::flags(aElement) = flags;
     aElement.model()->noteChange();
   }
@@ -82,6 +84,32 @@ class Change {
     auto*& slot = pointer<Kelm::Generic::SequenceIntf>(aElement, aRoot);
     if (slot == nullptr) slot = aMake();
     return *slot;
+  }
+  /// Before the values of such a sequence change: `aKeep()` answers what brings them back, should the change
+  /// be taken back. Once for a sequence in each change; `aPlace` tells it where it was noted last.
+  template <class Keep>
+  static void noteValues(Element& aElement, FeatureIndex aRoot, std::size_t& aPlace, Keep aKeep) {
+    Kelm::ChangeRecord* const open = record(aElement);
+    if (open == nullptr) [[likely]]
+      return;
+    if (!isNotedValues(*open, aElement, aRoot, aPlace)) aPlace = addValues(*open, aElement, aRoot, aKeep());
+  }
+  /// Whether somebody observes the model and no change is open: steps that belong together need one.
+  static bool isObserved(Element const& aElement) noexcept {
+    return record(aElement) != nullptr && record(aElement)->isIdle();
+  }
+  /// Makes steps a change of their own.
+  template <class Steps>
+  static auto together(Element const& aElement, Steps aSteps) {
+    Change change(*aElement.model());
+    if constexpr (std::is_void_v<decltype(aSteps())>) {
+      aSteps();
+      change.commit();
+    } else {
+      auto& result = aSteps();
+      change.commit();
+      return &result;
+    }
   }
   /// The list of a feature, made when first asked for.
   static ElementList& list(Element& aElement, Feature const& aRoot) {
@@ -131,8 +159,12 @@ class Change {
   friend class Kelm::ChangeRecord;
 
   static Kelm::ChangeRecord* record(Element const& aElement) noexcept { return aElement.model()->record(); }
+  static bool isNotedValues(Kelm::ChangeRecord const& aOpen, Element const& aElement, FeatureIndex aRoot,
+                            std::size_t aPlace) noexcept;
+  static std::size_t addValues(Kelm::ChangeRecord& aOpen, Element& aElement, FeatureIndex aRoot,
+                               std::unique_ptr<KeptValues> aValues);
   // Steps that are noted first.
-  static void noteFlags(Element& aElement, std::uint32_t aFlags);
+  static void noteFlags(Element& aElement, FeatureIndex aRoot, std::uint32_t aFlags);
   static void noteInteger(Element& aElement, FeatureIndex aRoot, std::uint32_t aValue);
   static void noteText(Element& aElement, Feature const& aRoot, Kelm::StringObject* aText);
 
@@ -154,10 +186,13 @@ class Change {
   static void letGo(Element& aElement) noexcept;
 
   Kelm::ModelObject& fModel;
+  /// What the model has while no change is open: null, or the record of those who observe it.
+  Kelm::ChangeRecord* fIdle;
   /// Of the outermost change alone.
   std::optional<Kelm::ChangeRecord> fOwn;
   Kelm::ChangeRecord& fRecord;
   std::size_t fMark;
+  std::size_t fOuterMark;
   bool fIsCommitted = false;
 };
 

@@ -10,6 +10,21 @@ using umlmm::engine::Feature;
 using umlmm::engine::Referrers;
 using Kind = umlmm::engine::Step::Kind;
 
+Kelm::ChangeRecord::~ChangeRecord() {
+  for (Listener* const listener : fListeners) listener->fModel = nullptr;
+}
+
+bool Kelm::ChangeRecord::remove(Listener& aListener) noexcept {
+  std::erase(fListeners, &aListener);
+  return !fListeners.empty();
+}
+
+void Kelm::ChangeRecord::tell(ChangeRecord const& aDone) const noexcept {
+  // Who is told may come and go meanwhile.
+  for (std::size_t at = 0; at < fListeners.size(); ++at)
+    fListeners[at]->changed({aDone.fSteps.data(), aDone.fSteps.size()});
+}
+
 void Kelm::ChangeRecord::takeBack(std::size_t aMark) noexcept {
   for (; fSteps.size() > aMark; fSteps.pop_back()) takeBack(fSteps.back());
 }
@@ -50,6 +65,9 @@ void Kelm::ChangeRecord::takeBack(Step const& aStep) noexcept {
       break;
     case Kind::Arranged:
       Change::reorder(element, root(), fOrders[aStep.fNumber]);
+      break;
+    case Kind::Values:
+      fValues[aStep.fNumber]->restore();
       break;
     case Kind::ReferrersArranged:
       Referrers::restore(element, fOrders[aStep.fNumber]);

@@ -2,6 +2,8 @@
 
 #include <boost/container/small_vector.hpp>
 #include <deque>
+#include <memory>
+#include <span>
 #include <vector>
 
 #include "engine/Referrers.h"
@@ -20,6 +22,7 @@ struct Step {
     RootRemoved,  ///< An element left it.
     Unreferred,   ///< Such a note was struck out.
     Arranged,     ///< The values of a list took another order.
+    Values,       ///< The values of a list that are no elements changed.
     ReferrersArranged,  ///< The references to an element did.
     Created,
     Marked,    ///< An element is going to be destroyed.
@@ -37,6 +40,29 @@ struct Step {
   Element* fPrevious;
 };
 
+/// The values of a list that are no elements, as they were.
+class KeptValues {
+ public:
+  virtual ~KeptValues() = default;
+  virtual void restore() noexcept = 0;
+};
+
+/// Is told the steps of each change of a model that stays, from construction until it or the model ends.
+class StepListener {
+ public:
+  explicit StepListener(Kelm::ModelObject& aModel);
+  StepListener(StepListener const&) = delete;
+  StepListener& operator=(StepListener const&) = delete;
+  virtual ~StepListener();
+
+  virtual void changed(std::span<Step const> aSteps) noexcept = 0;
+
+ private:
+  friend class Kelm::ChangeRecord;
+  /// Null once the model is closed.
+  Kelm::ModelObject* fModel;
+};
+
 }  // namespace umlmm::engine
 
 /// The steps of the change that is under way in a model, in their order. Taking them back in the opposite
@@ -45,6 +71,21 @@ class Kelm::ChangeRecord {
  public:
   using Step = umlmm::engine::Step;
   using Orders = std::deque<std::vector<std::uintptr_t>>;
+  using Listener = umlmm::engine::StepListener;
+
+  ChangeRecord() = default;
+  ChangeRecord(ChangeRecord const&) = delete;
+  ChangeRecord& operator=(ChangeRecord const&) = delete;
+  ~ChangeRecord();
+
+  // A model that is observed has a record while no change is open: it has no steps, but listeners.
+
+  bool isIdle() const noexcept { return !fListeners.empty(); }
+  void add(Listener& aListener) { fListeners.push_back(&aListener); }
+  /// Answers whether any is left.
+  bool remove(Listener& aListener) noexcept;
+  /// Tells the listeners what another record has.
+  void tell(ChangeRecord const& aDone) const noexcept;
 
   /// Makes room for a step, before anything changes.
   void reserve() {
@@ -55,6 +96,15 @@ class Kelm::ChangeRecord {
     fSteps.push_back(aStep);
   }
   std::size_t size() const noexcept { return fSteps.size(); }
+  Step const& at(std::size_t aIndex) const noexcept { return fSteps[aIndex]; }
+  /// Where the innermost change that is open begins.
+  std::size_t mark() const noexcept { return fMark; }
+  void setMark(std::size_t aMark) noexcept { fMark = aMark; }
+  /// Keeps values as they were; answers their number.
+  std::uint32_t keep(std::unique_ptr<umlmm::engine::KeptValues> aValues) {
+    fValues.push_back(std::move(aValues));
+    return static_cast<std::uint32_t>(fValues.size() - 1);
+  }
   /// Keeps an order as it was; answers its number.
   std::uint32_t keep(std::vector<std::uintptr_t> aOrder) {
     fOrders.push_back(std::move(aOrder));
@@ -72,4 +122,7 @@ class Kelm::ChangeRecord {
 
   boost::container::small_vector<Step, kFew> fSteps;
   Orders fOrders;
+  std::deque<std::unique_ptr<umlmm::engine::KeptValues>> fValues;
+  std::size_t fMark = 0;
+  std::vector<Listener*> fListeners;
 };

@@ -1,7 +1,9 @@
 #include "engine/ValueSequence.h"
 
 #include <algorithm>
+#include <exception>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "engine/Change.h"
@@ -19,6 +21,19 @@ constexpr char kSource[] = "uml_metamodel/engine/ValueSequence";
 using Kelm::Generic::Ref;
 using Kelm::Generic::SequenceIntf;
 using Proxy = Kelm::GenericReferenceCountingSequenceProxy;
+
+/// A unique feature refuses what it holds, silently: the implementation does.
+template <class T>
+SequenceIntf* makeValues(bool aIsUnique) {
+  auto const kind = aIsUnique ? Kelm::MULTI_INDEX : Kelm::STD_VECTOR;
+  return Kelm::SequenceCreator::create<T>({Deviant(), kind, aIsUnique, false}).get();
+}
+
+std::unique_ptr<SequenceIntf> makeValues(Feature const& aRoot) {
+  return std::unique_ptr<SequenceIntf>(aRoot.fValueType == ValueType::String
+                                           ? makeValues<String>(aRoot.fUnique)
+                                           : makeValues<Boolean>(aRoot.fUnique));
+}
 
 /// The values of a feature with all that its element demands of whoever reads or changes them.
 class ValueSequence final : public Proxy {
@@ -58,66 +73,66 @@ class ValueSequence final : public Proxy {
   }
 
   void generic_clear(Deviant const& aDeviant) override {
-    change(aDeviant);
+    Changing const changing(*this, aDeviant);
     Proxy::generic_clear(aDeviant);
   }
   void generic_insert(Deviant const& aDeviant, int aIndex, Ref aValue) override {
-    change(aDeviant);
+    Changing const changing(*this, aDeviant);
     checkRoom();
     Proxy::generic_insert(aDeviant, aIndex, std::move(aValue));
   }
   IteratorPtr generic_insert(Deviant const& aDeviant, IteratorIntf const* aPosition, Ref aValue) override {
-    change(aDeviant);
+    Changing const changing(*this, aDeviant);
     checkRoom();
     return Proxy::generic_insert(aDeviant, aPosition, std::move(aValue));
   }
   IteratorPtr generic_erase(Deviant const& aDeviant, IteratorIntf const* aPosition) override {
-    change(aDeviant);
+    Changing const changing(*this, aDeviant);
     return Proxy::generic_erase(aDeviant, aPosition);
   }
   IteratorPtr generic_erase(Deviant const& aDeviant, IteratorIntf const* aFirst,
                             IteratorIntf const* aLast) override {
-    change(aDeviant);
+    Changing const changing(*this, aDeviant);
     return Proxy::generic_erase(aDeviant, aFirst, aLast);
   }
   void generic_erase(Deviant const& aDeviant, int aIndex) override {
-    change(aDeviant);
+    Changing const changing(*this, aDeviant);
     Proxy::generic_erase(aDeviant, aIndex);
   }
   void generic_pop_back(Deviant const& aDeviant) override {
-    change(aDeviant);
+    Changing const changing(*this, aDeviant);
     Proxy::generic_pop_back(aDeviant);
   }
   void generic_pop_front(Deviant const& aDeviant) override {
-    change(aDeviant);
+    Changing const changing(*this, aDeviant);
     Proxy::generic_pop_front(aDeviant);
   }
   void generic_push_back(Deviant const& aDeviant, Ref aValue) override {
-    change(aDeviant);
+    Changing const changing(*this, aDeviant);
     checkRoom();
     Proxy::generic_push_back(aDeviant, std::move(aValue));
   }
   void generic_push_front(Deviant const& aDeviant, Ref aValue) override {
-    change(aDeviant);
+    Changing const changing(*this, aDeviant);
     checkRoom();
     Proxy::generic_push_front(aDeviant, std::move(aValue));
   }
   void generic_replace(Deviant const& aDeviant, int aIndex, Ref aValue) override {
-    change(aDeviant);
+    Changing const changing(*this, aDeviant);
     Proxy::generic_replace(aDeviant, aIndex, std::move(aValue));
   }
   void generic_rearrange(Deviant const& aDeviant, std::span<int const> aFrom,
                          std::span<int const> aTo) override {
-    change(aDeviant);
+    Changing const changing(*this, aDeviant);
     Proxy::generic_rearrange(aDeviant, aFrom, aTo);
   }
   bool isLive() const override { return true; }
   int generic_removeAll(Deviant const& aDeviant, Ref aValue) override {
-    change(aDeviant);
+    Changing const changing(*this, aDeviant);
     return Proxy::generic_removeAll(aDeviant, std::move(aValue));
   }
   bool splice(Deviant const& aDeviant, int aFirst, int aRemoved, std::vector<Ref> const& aValues) override {
-    change(aDeviant);
+    Changing const changing(*this, aDeviant);
     auto const size = static_cast<std::size_t>(target().generic_size(aDeviant));
     auto const going = std::min(static_cast<std::size_t>(aRemoved), size);
     if (fRoot.fUpper > 0 && size - going + aValues.size() > static_cast<std::size_t>(fRoot.fUpper))
@@ -136,10 +151,49 @@ class ValueSequence final : public Proxy {
     checkReadable(fElement, aDeviant, {kSource, aLine});
     return target();
   }
-  void change(Deviant const& aDeviant, int aLine = std::source_location::current().line()) const {
-    checkWritable(fElement, aDeviant, {kSource, aLine});
-    fElement.model()->noteChange();
-  }
+  /// A copy of the values, which changes places with them.
+  class Kept final : public KeptValues {
+   public:
+    explicit Kept(ValueSequence const& aSequence)
+        : fSequence(aSequence), fValues(makeValues(aSequence.fRoot)) {
+      SequenceIntf const& now = aSequence.target();
+      std::vector<Ref> values;
+      for (int i = 0; i < now.generic_size(Deviant()); ++i) values.push_back(now.generic_at(Deviant(), i));
+      fValues->splice(Deviant(), 0, 0, values);
+    }
+    void restore() noexcept override { const_cast<ValueSequence&>(fSequence).swapTarget(fValues); }
+
+   private:
+    ValueSequence const& fSequence;
+    std::unique_ptr<SequenceIntf> fValues;
+  };
+
+  /// A change of the values from its checks to its end.
+  class Changing {
+   public:
+    Changing(ValueSequence const& aSequence, Deviant const& aDeviant,
+             int aLine = std::source_location::current().line()) {
+      Element& element = aSequence.fElement;
+      checkWritable(element, aDeviant, {kSource, aLine});
+      if (Change::isObserved(element)) [[unlikely]] {
+        fExceptions = std::uncaught_exceptions();
+        fOwn.emplace(*element.model());
+      }
+      Change::noteValues(element, engine::indexOf(aSequence.fRoot), aSequence.fNoted,
+                         [&] { return std::make_unique<Kept>(aSequence); });
+      element.model()->noteChange();
+    }
+    Changing(Changing const&) = delete;
+    Changing& operator=(Changing const&) = delete;
+    ~Changing() {
+      if (fOwn && std::uncaught_exceptions() == fExceptions) fOwn->commit();
+    }
+
+   private:
+    int fExceptions = 0;
+    std::optional<Change> fOwn;
+  };
+
   /// Raises when the feature is full. Features with a bound take a value as often as it is given.
   void checkRoom() const {
     if (fRoot.fUpper > 0 && target().generic_size(Deviant()) >= fRoot.fUpper)
@@ -148,22 +202,15 @@ class ValueSequence final : public Proxy {
 
   Element& fElement;
   Feature const& fRoot;
+  /// Where an open change has noted the values.
+  mutable std::size_t fNoted = 0;
 };
-
-/// A unique feature refuses what it holds, silently: the implementation does.
-template <class T>
-SequenceIntf* makeValues(bool aIsUnique) {
-  auto const kind = aIsUnique ? Kelm::MULTI_INDEX : Kelm::STD_VECTOR;
-  return Kelm::SequenceCreator::create<T>({Deviant(), kind, aIsUnique, false}).get();
-}
 
 }  // namespace
 
 SequenceIntf& valueSequence(Element& aElement, Feature const& aRoot) {
   return Change::values(aElement, indexOf(aRoot), [&]() -> SequenceIntf* {
-    std::unique_ptr<SequenceIntf> values(aRoot.fValueType == ValueType::String
-                                             ? makeValues<String>(aRoot.fUnique)
-                                             : makeValues<Boolean>(aRoot.fUnique));
+    auto values = makeValues(aRoot);
     SequenceIntf* const made = new ValueSequence(aElement, aRoot, values.get());
     static_cast<void>(values.release());
     return made;

@@ -171,7 +171,15 @@ void Change::revive(Element& aElement, Kelm::ModelObject& aModel) noexcept {
 Element& Change::create(int aMetaclass, Kelm::ModelObject& aModel) {
   Kelm::ClassTable const* const table = classTable(aMetaclass);
   Kelm::ChangeRecord* const open = aModel.record();
-  if (open != nullptr) open->reserve();
+  if (open != nullptr) [[unlikely]] {
+    if (open->isIdle()) {
+      Change change(aModel);
+      Element& made = create(aMetaclass, aModel);
+      change.commit();
+      return made;
+    }
+    open->reserve();
+  }
   aModel.reserveRoots(1);
   auto* const memory = static_cast<char*>(aModel.blocks().allocate(table->fSize));
   std::size_t const head = table->fRootOffset + table->fSlotOffset;
@@ -193,7 +201,7 @@ Element& Change::create(int aMetaclass, Kelm::ModelObject& aModel) {
 void Change::destroy(Element& aElement) {
   Kelm::ModelObject& model = *aElement.model();
   HeldElements::countAll(model);
-  if (model.record() != nullptr) return destroyNoted(aElement);
+  if (model.record() != nullptr) return together(aElement, [&] { destroyNoted(aElement); });
   State::marks(aElement) |= Element::Dying;
   if (aElement.container() != nullptr)
     leaveContainer(aElement);

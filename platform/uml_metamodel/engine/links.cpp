@@ -218,7 +218,7 @@ void link(Element& aOwner, Feature const& aRoot, Element& aValue, std::uint32_t 
   }
   if (holds(aOwner, aRoot, aValue)) return;
   Feature const* const far = farEnd(aOwner, aRoot);
-  if (isSimple(aRoot, far)) [[likely]]
+  if (isSimple(aRoot, far) && !Change::isObserved(aOwner)) [[likely]]
     return linkEnds(aOwner, aRoot, far, aValue, aPosition);
   Change change(*aOwner.model());
   // A stored subset of a containment: the part enters the whole first, which may take it from another owner.
@@ -229,6 +229,8 @@ void link(Element& aOwner, Feature const& aRoot, Element& aValue, std::uint32_t 
 }
 
 void unlink(Element& aOwner, Feature const& aRoot, Element& aValue) {
+  if (Change::isObserved(aOwner)) [[unlikely]]
+    return Change::together(aOwner, [&] { unlink(aOwner, aRoot, aValue); });
   if (isView(aRoot)) {
     if (containerThrough(aOwner, aRoot) == &aValue) leaveContainer(aOwner);
     return;
@@ -252,7 +254,7 @@ void replace(Element& aOwner, Feature const& aRoot, Element* aOld, Element* aVal
   if (aOld == nullptr) return aValue == nullptr ? void() : link(aOwner, aRoot, *aValue);
   if (aValue == nullptr) return unlink(aOwner, aRoot, *aOld);
   Feature const* const far = isView(aRoot) ? nullptr : farEnd(aOwner, aRoot);
-  if (!isView(aRoot) && isSimple(aRoot, far)) [[likely]] {
+  if (!isView(aRoot) && isSimple(aRoot, far) && !Change::isObserved(aOwner)) [[likely]] {
     reserveLink(aOwner, aRoot, far, *aValue);
     unlink(aOwner, aRoot, *aOld);
     return link(aOwner, aRoot, *aValue);

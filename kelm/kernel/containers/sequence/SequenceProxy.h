@@ -121,6 +121,12 @@ class UMLMM_API GenericReferenceCountingSequenceProxy : public SequenceProxy {
 
  protected:
   Generic::SequenceIntf const& target() const noexcept { return *fTarget; }
+  /// Stands in front of the other implementation from now on; iterators of the old one stay with it.
+  void swapTarget(std::unique_ptr<Generic::SequenceIntf>& aOther) noexcept {
+    Generic::SequenceIntf* const old = fTarget;
+    fTarget = aOther.release();
+    aOther.reset(old);
+  }
   /// The iterator with a count on this proxy, so that it cannot outlive what it walks.
   IteratorPtr owned(IteratorPtr aIterator) const {
     keepOwner(aIterator.get(), this);
