@@ -139,6 +139,8 @@ class ListQImplForPrimitives : public Generic::SequenceIntf {
       auto const place = aOwn.erase(at(aOwn, first), at(aOwn, last));
       aOwn.insert(place, std::make_move_iterator(values.begin()), std::make_move_iterator(values.end()));
     });
+    noteErased(first, last);
+    noteInserted(first, values.size());
     return true;
   }
 
@@ -223,13 +225,16 @@ class ListQImplForPrimitives : public Generic::SequenceIntf {
   void insertAt(std::size_t aOffset, T const& aValue) {
     T value = aValue;
     change(1, [&](Values& aValues) { aValues.insert(at(aValues, aOffset), std::move(value)); });
-    fIterators.forEach<Iterator>([&](Iterator& aIterator) {
-      if (aIterator.fOffset >= aOffset) ++aIterator.fOffset;
-    });
+    noteInserted(aOffset, 1);
   }
   void eraseRange(std::size_t aFirst, std::size_t aLast) {
     change(0, [&](Values& aValues) { aValues.erase(at(aValues, aFirst), at(aValues, aLast)); });
     noteErased(aFirst, aLast);
+  }
+  void noteInserted(std::size_t aOffset, std::size_t aCount) const noexcept {
+    fIterators.forEach<Iterator>([&](Iterator& aIterator) {
+      if (aIterator.fOffset >= aOffset) aIterator.fOffset += aCount;
+    });
   }
   void noteErased(std::size_t aFirst, std::size_t aLast) const noexcept {
     fIterators.forEach<Iterator>([&](Iterator& aIterator) {

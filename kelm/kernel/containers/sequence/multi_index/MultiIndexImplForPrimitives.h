@@ -338,7 +338,9 @@ bool MultiIndexImplForPrimitives<T, IsUnique, KeyExtractor>::splice(Deviant cons
   for (std::size_t i = first; i < last; ++i)
     if (!stays[i - first]) add(i, i + 1);
   fElements.rearrange(order.begin());
-  fElements.erase(at(kept), fElements.end());
+  Position const going = at(kept);
+  endIterators([&](Position const& aOther) { return !(aOther < going) && aOther < fElements.end(); });
+  fElements.erase(going, fElements.end());
   return true;
 }
 
