@@ -30,7 +30,11 @@ namespace ListQImplInternal {
 /// values whose moves may throw are changed in a copy.
 ///
 /// Iterators are offsets that changes move along with their elements. One whose element was removed, or that
-/// belongs to another sequence, raises; one whose element was replaced stands at the new value.
+/// belongs to another sequence, raises; one whose element was replaced, or moved by `generic_rearrange`,
+/// stands at the value that is there now. `begin` and `end` detach shared data, so they may copy it all and
+/// fail.
+///
+/// `removeAll` takes time for each value behind each that goes; search and membership are linear.
 template <class T>
 class ListQImplForPrimitives : public Generic::SequenceIntf {
   using Ref = Generic::Ref;

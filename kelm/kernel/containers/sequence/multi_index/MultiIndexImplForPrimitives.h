@@ -36,7 +36,11 @@ struct Less {
 /// the sequence stays as it is. Not counted: whoever makes one owns it. The deviant takes no part.
 ///
 /// A change that fails leaves everything as it was. Elements don't move in memory: an iterator stays valid
-/// until its own element goes, and raises from then on.
+/// until its own element goes, through `generic_rearrange` too, and raises from then on. One whose element
+/// was replaced stands at the new value.
+///
+/// Access by index takes constant time, membership logarithmic, a change time for each value behind its
+/// place.
 template <class T, bool IsUnique, class KeyExtractor>
 class MultiIndexImplForPrimitives : public Generic::SequenceIntf {
   using Ref = Generic::Ref;
