@@ -13,7 +13,7 @@ Kelm::Object read(Element const& aElement, Deviant const& aDeviant, Feature cons
 /// Whether there is a value: of numbers and of truth values that must be there always, of lists when there is
 /// one in it.
 bool isSet(Element const& aElement, Deviant const& aDeviant, Feature const& aFeature);
-/// Sets a single value; null unsets. Raises when the feature can't take it, and for a many-valued feature.
+/// Sets a single value; null unsets, a many-valued feature too. Raises when the feature can't take the value.
 void write(Element& aElement, Deviant const& aDeviant, Feature const& aFeature, Kelm::Object const& aValue);
 /// Takes the value away; a required value goes back to its default, a many-valued feature becomes empty.
 void unset(Element& aElement, Deviant const& aDeviant, Feature const& aFeature);

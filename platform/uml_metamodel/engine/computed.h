@@ -10,8 +10,8 @@ namespace umlmm::engine {
 /// How one computed feature reads and writes. Members that do not apply are null: a rule has either a value
 /// or values, and a read-only one can't be written. Elements come checked against the variant and values
 /// against the feature's type and model. Reading changes nothing and may be asked at any time, so values are
-/// kept by the sequence that shows them, not here; writes are called within a change,
-/// which takes back what they did when they raise.
+/// kept by the sequence that shows them, not here. Writes are called within a change, which takes back what
+/// they did when they raise.
 struct Rule {
   /// A single value; a null object for none.
   Kelm::Object (*fValue)(Element const& aElement, Deviant const& aDeviant) = nullptr;

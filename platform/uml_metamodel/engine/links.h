@@ -43,8 +43,8 @@ void checkRoom(Element const& aOwner, Feature const& aRoot, std::span<Element* c
 
 /// Makes the link with all that follows from it: the far end, the supersets at both ends, the value's old
 /// container, values that single ends held before. Nothing if the link stands. What `checkLink` refuses must
-/// not come here; lack of memory raises, with nothing changed. `aRoot` is a root feature that
-/// is stored or a container view; `aPosition` counts in the owner's list.
+/// not come here; lack of memory raises, with nothing changed. `aRoot` is a root feature that is stored or a
+/// container view; `aPosition` counts in the owner's list.
 void link(Element& aOwner, Feature const& aRoot, Element& aValue, std::uint32_t aPosition = kAtEnd);
 
 /// Takes the link away, also from the subsets at both ends; nothing if there is none. A part becomes a

@@ -33,8 +33,8 @@ class UMLMM_API ElementList {
   /// Takes all out; memory and proxy stay.
   void clear() noexcept;
 
-  /// All entries; null ones are holes. Valid until an append, an insert, or a question that closes holes; an
-  /// erase meanwhile leaves a hole where the element stood.
+  /// All entries; null ones are holes. Valid until the next change or question for a position: an erase may
+  /// close holes too, which moves what stands behind them towards the front.
   Element* const* begin() const noexcept { return items() + fBegin; }
   Element* const* end() const noexcept { return items() + fEnd; }
   /// The elements without holes, valid until the next change.

@@ -11,9 +11,9 @@ namespace Kelm {
 /// The two words of every reference: an interface pointer that owns one count, or null, and a deviant.
 /// A null reference keeps its deviant. `Intf` must be complete where a handle is copied or destroyed.
 ///
-/// Counts are plain, so a handle and its copies stay on the thread that uses the model. The count keeps the
-/// object's memory, not the object in its model: who wants to know whether it is still there asks `isvalid`.
-/// Members that need the object raise the null-reference failure without it.
+/// Counts are plain, so a handle and its copies stay on the thread that uses the model. Of an element the
+/// count keeps the memory, not its place in the model: who wants to know whether it is still there asks
+/// `isvalid`. Members that need the object raise the null-reference failure without it.
 template <class Intf>
 class Handle {
  public:

@@ -21,7 +21,7 @@ struct IntrospectiveMethods {
   /// texts that must have a value: they read 0 and the empty text.
   Object (*getEntry)(Element const*, Deviant const&, unsigned aId);
   bool (*isSetEntry)(Element const*, Deviant const&, unsigned aId);
-  /// Null unsets; a many-valued feature raises.
+  /// Null unsets; any other value raises for a many-valued feature.
   void (*setEntry)(Element*, Deviant const&, unsigned aId, Object const& aValue);
   /// The live sequence of a many-valued feature; others raise, or for the kernel's features give null. It
   /// shares the element's count: keep it by `incRef`.

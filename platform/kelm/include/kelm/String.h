@@ -11,9 +11,9 @@
 
 namespace Kelm {
 
-/// An immutable, counted UTF-16 text: what a string slot holds, and how a string travels as an object.
-/// The text follows the record and is zero-terminated. Models and threads may share it; the empty text, which
-/// all of them do, is immortal, and threads leave its count alone. Lengths and positions are in UTF-16 units.
+/// An immutable, counted UTF-16 text: what a string slot holds, and how a string travels as an object. The
+/// text follows the record and is zero-terminated. Models and threads may share it; the empty text, which all
+/// of them do, is immortal, and threads leave its count alone. Lengths and positions are in UTF-16 units.
 class UMLMM_API StringObject final : public NSInterface::ObjectIntf {
  public:
   /// A new text with one count, which is the caller's; the one empty text for no characters. What is

@@ -8,8 +8,8 @@
 /// Gives back memory that came from `calloc` or `malloc`; null is allowed.
 UMLMM_API void lumFree(void* memory) noexcept;
 
-/// Prints formatted text to the process's standard output, or to the sink set by lumSetPrintSink.
-/// Answers the number of bytes of the text, or -1 if it cannot be formatted.
+/// Prints formatted text to the process's standard output, or to the sink set by lumSetPrintSink. Answers the
+/// number of bytes of the text, or -1 if it cannot be formatted.
 UMLMM_API int lumPrintf(char const* format, ...) __attribute__((format(printf, 1, 2)));
 
 /// Formats into `buffer` as C99 `vsnprintf` does: at most `size` characters with the closing zero, cut

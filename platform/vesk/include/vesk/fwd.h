@@ -7,8 +7,7 @@ using tarnArray = tarnArray_tag;
 /// a time calls it, which the front sees to. Only the making of interned names may go on in any thread.
 ///
 /// Objects that a library hands over (providers, class infos, methods, properties, functions) belong to the
-/// host from the call on, also when the call throws. Texts
-/// that they answer must live as long as they do.
+/// host from the call on, also when the call throws. Texts that they answer must live as long as they do.
 namespace vesk {
 
 class VeskClass;

@@ -63,8 +63,8 @@ enum class CallForm {
                                                                int count);
 
 /// Calls a method that was resolved for the same form and arguments. `receiver` is used by the form
-/// OnInstance alone and may be null for a static method. The result is of the method's result type; of
-/// type "void" if the method gave none. What was converted is given back, also when the call throws.
+/// OnInstance alone and may be null for a static method. The result is of the method's result type; of type
+/// "void" if the method gave none. What was converted is given back, also when the call throws.
 UMLMM_API OwnedValue callMethod(MethodRecord const& method, CallForm form, Instance* receiver,
                                 ArgumentSource& arguments, int count);
 
