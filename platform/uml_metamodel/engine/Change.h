@@ -19,7 +19,8 @@ inline constexpr std::uint32_t kAtEnd = UINT32_MAX;
 /// A change of several steps that may fail in the middle is a `Change` object: it notes what was there before
 /// each step, and takes all of them back when it ends without `commit`. One that is made while another is
 /// open in the model joins it. While none is open, a step notes nothing and costs nothing more; `destroy`
-/// needs no memory then.
+/// needs no memory then. Not noted is what sequences of values hold (ValueSequence.h), and texts of other
+/// tools: a change that writes them in an element which was there before does so last.
 class Change {
   using State = Kelm::ElementState;
 

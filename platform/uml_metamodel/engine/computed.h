@@ -9,9 +9,7 @@ namespace umlmm::engine {
 
 /// How one computed feature reads and writes. Members that do not apply are null: a rule has either a value
 /// or values, and a read-only one can't be written. Elements come checked against the variant and values
-/// against the feature's type and model. Reading changes nothing and may be asked at any time, so values are
-/// kept by the sequence that shows them, not here. Writes are called within a change, which takes back what
-/// they did when they raise.
+/// against the feature's type and model.
 struct Rule {
   /// A single value; a null object for none.
   Kelm::Object (*fValue)(Element const& aElement, Deviant const& aDeviant) = nullptr;
@@ -32,9 +30,6 @@ extern Rule const* const kRules[kFeatureCount];
 
 /// The kernel's feature for applied stereotypes, of which there are none yet. It stands in no table.
 extern Feature const kAppliedStereotypeInstance;
-
-// Values are appended in order. Writes are for features with a rule that writes: the caller has refused those
-// that are read-only, as all unions are. When one raises, nothing has changed.
 
 void computeValues(Element const& aElement, Feature const& aFeature, std::vector<Element*>& aOut);
 Kelm::Object computeValue(Element const& aElement, Deviant const& aDeviant, Feature const& aFeature);
