@@ -42,7 +42,7 @@ struct MethodRow {
   Bind fBind;
 };
 
-/// Builds a method and gives it to the class, which is being filled.
+/// Builds a method and gives it to the class.
 void addTypedMethod(vesk::VeskClass* aClass, MethodRow const& aMethod);
 void addTypedMethods(vesk::VeskClass* aClass, std::span<MethodRow const> aMethods);
 

@@ -73,8 +73,6 @@ struct RedeclaredMethods {
   Bind fAsMutable;
 };
 
-/// All that tells a metaclass's script classes from those of another. Constant; texts live as long as the
-/// process.
 struct ElementClass {
   /// "Classifier"
   char const* fName;
