@@ -126,7 +126,7 @@ class UMLMM_API SequenceIntf : public ReferenceCountingIntf {
   virtual void specialized_equal(SequenceIntf const* aOther, Deviant const&, bool& aResult);
   /// Replaces the contents by those of `aOther`, which may show the same values, or by none for null;
   /// `aResult` becomes true. Raises the incorrect-type failure, with nothing changed, for values of another
-  /// type. A free-standing sequence that finds no memory on the way is left with what came so far.
+  /// type. All or nothing for a sequence that takes `splice`; one that is unique keeps the values that stay.
   virtual void specialized_assign(SequenceIntf const* aOther, Deviant const&, bool& aResult);
 
   /// The state of the contents: another one whenever values came, went or moved; never 0.
