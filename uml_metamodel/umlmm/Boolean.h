@@ -9,7 +9,7 @@
 
 namespace umlmm {
 
-/// A truth value of the metamodel.
+/// A truth value of the metamodel (UML 2.5.1, clause 21).
 class UMLMM_API Boolean {
  public:
   static constexpr char kName[] = "Boolean";

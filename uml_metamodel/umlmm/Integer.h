@@ -9,7 +9,7 @@
 
 namespace umlmm {
 
-/// A signed whole number of the metamodel.
+/// A signed whole number of the metamodel, of 32 bits (UML 2.5.1, clause 21, has no bounds).
 class UMLMM_API Integer {
  public:
   static constexpr char kName[] = "Integer";

@@ -9,7 +9,7 @@
 
 namespace umlmm {
 
-/// A text of the metamodel; it shares its record with the object that carries it.
+/// A text of the metamodel (UML 2.5.1, clause 21); it shares its record with the object that carries it.
 class UMLMM_API String : public Kelm::String {
  public:
   static constexpr char kName[] = "String";

@@ -12,7 +12,8 @@ class TypeInfo;
 
 namespace umlmm {
 
-/// A natural number of the metamodel, or unlimited, which is the greatest.
+/// A natural number of the metamodel, or unlimited, which is the greatest (UML 2.5.1, clause 21); below 2^32
+/// - 1.
 class UMLMM_API UnlimitedNatural {
  public:
   static constexpr char kName[] = "UnlimitedNatural";
@@ -25,12 +26,13 @@ class UMLMM_API UnlimitedNatural {
   static constexpr UnlimitedNatural unlimited() noexcept { return UnlimitedNatural(kUnlimited); }
 
   operator Kelm::Object() const;
+  /// kUnlimited for unlimited.
   constexpr std::uint32_t value() const noexcept { return fValue; }
   constexpr bool isUnlimited() const noexcept { return fValue == kUnlimited; }
   friend constexpr auto operator<=>(UnlimitedNatural const&, UnlimitedNatural const&) noexcept = default;
 
   /// Conversion from and to text: "*" or decimal digits. Blanks around the text and leading zeros are
-  /// allowed.
+  /// allowed. Lives as long as the process.
   static Brond::TypeInfo const* getTypeInfo() noexcept;
 
  private:

@@ -48,8 +48,9 @@ inline std::string_view metaclassName(ImmutableElement const& aElement) {
   return aElement.get()->getMetaClass().get()->getName();
 }
 
-/// All elements of a model that are an X, owners before what they own, as they are now. Raises for a null or
-/// closed model.
+/// All elements of a model that are an X, owners before what they own, as they are now: the list is a new one
+/// and does not follow the model. Raises for a null or closed model. The first question makes an index, which
+/// takes a walk over the model; later ones cost what they find.
 template <class X>
 Kelm::ImmutableSequence<X> instancesOf(detail::ModelFor<X> const& aModel) {
   Kelm::Deviant const deviant = detail::deviantOf(aModel);
@@ -58,8 +59,8 @@ Kelm::ImmutableSequence<X> instancesOf(detail::ModelFor<X> const& aModel) {
       deviant);
 }
 
-/// All elements that refer to an element, its owner aside, as they are now. Raises for a null or destroyed
-/// element.
+/// All elements that refer to an element by a stored feature, its owner aside, each once, as they are now in
+/// a new list. Raises for a null or destroyed element. Costs what it finds: elements know who refers to them.
 inline Kelm::ImmutableSequence<Element> referencedBy(Element const& aElement) {
   Kelm::Deviant const deviant = detail::deviantOf(aElement);
   return Kelm::ImmutableSequence<Element>::adopt(

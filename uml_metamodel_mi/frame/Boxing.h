@@ -55,8 +55,9 @@ void bindConstructed(ReferenceCountingIntf const* aObject, Deviant const& aDevia
 vesk::VeskValue boxIterator(Generic::IteratorIntf const* aIterator, Deviant const& aDeviant, bool aImmutable,
                             vesk::VeskInterned aClass);
 
-/// How a T becomes a host value: `static vesk::VeskValue box(T const&)`. Libraries specialise it for their
-/// types.
+/// How a T becomes a host value: `static vesk::VeskValue box(T const&)`. An array in it is the caller's.
+/// Boxing an object may make an instance and fill its class, so it may run anything. Libraries specialise it
+/// for their types.
 template <class T>
 struct Boxer;
 

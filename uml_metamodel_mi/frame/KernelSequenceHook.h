@@ -11,6 +11,8 @@
 namespace Kelm::mi {
 
 /// Lets the host walk and search the kernel's sequences. A kind of sequence adds how its elements cross.
+/// Every question goes to the sequence in the variant of the instance, so a live one refuses what it refuses
+/// elsewhere.
 class KernelSequenceHook : public vesk::SequenceHook {
  public:
   std::size_t size(vesk::VeskInterface* aSequence) const final;

@@ -45,8 +45,8 @@ template <Reference T>
 /// The index of a script, which counts from 1, as the kernel counts. All indices that are too low are -1.
 constexpr int kernelIndex(int aScriptIndex) noexcept { return aScriptIndex > 0 ? aScriptIndex - 1 : -1; }
 
-/// How a host value becomes a T: `static UnboxedArgument<T> unbox(vesk::VeskValue)`. Libraries specialise it
-/// for their types.
+/// How a host value becomes a T: `static UnboxedArgument<T> unbox(vesk::VeskValue)`. The host value stays the
+/// caller's; the T holds counts of its own. Libraries specialise it for their types.
 template <class T>
 struct ArgumentUnboxer;
 

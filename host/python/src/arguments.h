@@ -21,7 +21,6 @@ namespace vesk::python {
 /// Whether an object is a read-only view of a `wanted`, which its published `asMutable` gives.
 [[nodiscard]] bool isViewOf(PyObject* object, host::Type const& wanted);
 
-/// What a type takes, for messages: "a str", "an umlmm.Class or None".
 /// The values of any iterable as a tuple. The items of a list are those that it has now.
 [[nodiscard]] Ref itemsOf(PyObject* iterable);
 

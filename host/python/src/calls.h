@@ -26,7 +26,8 @@ class CallCache {
 };
 
 /// Calls what `member` means with these arguments and answers the result as a new reference. `receiver` is
-/// null unless the form is OnInstance.
+/// null unless the form is OnInstance. Throws a VeskError of kind Match, with all signatures, if nothing
+/// fits.
 [[nodiscard]] PyObject* call(CallCache& cache, host::Member const& member, host::CallForm form,
                              host::Instance* receiver, PyObject* const* arguments, int count);
 

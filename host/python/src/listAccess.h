@@ -34,7 +34,7 @@ struct Slice {
 
 [[nodiscard]] std::string listClassName(PyObject* list);
 
-/// Replaces the element at a place by the published method.
+/// Replaces the element at a place that exists by the published method.
 void replaceAt(PyObject* list, Py_ssize_t place, PyObject* value);
 constexpr Py_ssize_t kAtEnd = -1;
 /// Puts values in the place of `removed` elements from `first` on, all or nothing and in one step that no

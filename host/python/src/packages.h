@@ -9,7 +9,7 @@
 namespace vesk::python {
 
 /// Makes a Python module the place where the members of a package are found: each class is made when it is
-/// first asked for.
+/// first asked for, which fills it and all above it.
 void attachPackage(PyObject* module, std::string_view package);
 void preparePackageType();
 

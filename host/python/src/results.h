@@ -10,7 +10,7 @@ namespace vesk::python {
 /// The same for a value that is used up.
 [[nodiscard]] Ref toPython(host::OwnedValue&& value);
 
-/// A Python text of UTF-16 code units; lone surrogates are kept.
+/// A Python text of UTF-16 code units; lone surrogates and zeros are kept.
 [[nodiscard]] Ref textFromUtf16(char16_t const* units, std::size_t count);
 
 }  // namespace vesk::python

@@ -8,6 +8,12 @@
 
 The classes of the metamodel are members of this package, those of the kernel below it members of
 `umlmm.Kelm`. A class is made when it is first touched.
+
+A model lives until `model.close()`, and owns its elements, an element its parts: an object here keeps neither
+in the model. One whose element is gone answers False to `isvalid()`, and its properties raise `Kelm.Error`.
+`a.owner is a.owner` holds as long as somebody has the object. A list is live: it shows the property and changes
+it. Python's operations count from 0, as `items[0]` does, the published methods (`at`, `insert`, `erase` and
+`replace` among them) from 1. What raises has changed nothing.
 """
 
 import sys as _sys

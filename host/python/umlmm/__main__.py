@@ -10,6 +10,7 @@ import sys
 
 
 def main(arguments=None):
+    """Runs one command, by default that of the command line; a wrong one ends the process with its usage."""
     options = _parser().parse_args(arguments)
     options.run(options)
 

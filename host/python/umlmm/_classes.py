@@ -51,6 +51,8 @@ class Property:
 
 
 class Class:
+    """A filled class. `short` is its name without the package; `superclasses` are full names, in order."""
+
     def __init__(self, record, package):
         self.record = record
         self.package = package
@@ -69,6 +71,7 @@ class Class:
 
     @functools.cached_property
     def python(self):
+        """The Python class that scripts see."""
         return getattr(self.package.module, self.short)
 
     @property
@@ -76,6 +79,7 @@ class Class:
         return [method for method in self.methods if method.is_constructor]
 
     def methods_named(self, name):
+        """Those that the class itself declares, without constructors."""
         return [method for method in self.methods if method.name == name and not method.is_constructor]
 
     @property
@@ -111,6 +115,7 @@ class Package:
 
     @functools.cached_property
     def module(self):
+        """The Python module that shows the package."""
         return sys.modules["umlmm" if self.name == "umlmm" else f"umlmm.{self.name}"]
 
     @functools.cached_property

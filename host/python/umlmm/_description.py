@@ -4,7 +4,9 @@ from umlmm._classes import Package
 
 
 def describe(name):
-    """All functions and classes of a package; classes in the order of announcement."""
+    """All functions and classes of a package; classes in the order of announcement. Fills them all.
+
+    ValueError for a package that is not loaded."""
     package = Package(name)
     return {
         "package": name,

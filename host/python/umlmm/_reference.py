@@ -11,7 +11,8 @@ _UNLIMITED = -1
 
 
 def write_reference(folder):
-    """Writes the pages into a folder; `index.md` leads to all."""
+    """Writes the pages into a folder, which is made if need be; `index.md` leads to all. Pages of an earlier run are
+    written over, not removed."""
     folder = pathlib.Path(folder)
     folder.mkdir(parents=True, exist_ok=True)
     for name, text in _Reference(Packages()).pages().items():

@@ -23,7 +23,8 @@ from typing_extensions import Self as _Self
 
 
 def write_stubs(folder):
-    """Writes the stub package; the folder may be that of the package itself."""
+    """Writes the stub package; the folder is made if need be and may be that of the package itself. Files of an
+    earlier run are written over."""
     folder = pathlib.Path(folder)
     folder.mkdir(parents=True, exist_ok=True)
     packages = Packages()

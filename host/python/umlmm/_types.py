@@ -35,7 +35,7 @@ class Types:
         return self.shown(type_name) if type_name in self._packages.classes else _value(type_name)[0]
 
     def given(self, type_name):
-        """The type of what a script may hand over."""
+        """The type of what a script may hand over: for a literal also its name, for a list any sequence."""
         cls = self._packages.classes.get(type_name)
         if cls is None:
             return _value(type_name)[1]

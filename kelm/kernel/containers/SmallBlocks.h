@@ -16,6 +16,7 @@ class SmallBlocks {
  public:
   static constexpr std::uint32_t kKept = 128;
 
+  /// `Size` bytes, aligned as `operator new` does; raises `std::bad_alloc`.
   [[nodiscard]] static void* take() {
     List& list = sList;
     if (list.fFirst == nullptr) [[unlikely]]
@@ -26,6 +27,7 @@ class SmallBlocks {
     return block;
   }
 
+  /// `aBlock` comes from `take`, in whatever thread.
   static void give(void* aBlock) noexcept {
     List& list = sList;
     if (list.fFree == 0) [[unlikely]] {

@@ -1,6 +1,7 @@
 #pragma once
 
-/// The places that failures of the sequence kernel name, and the words that only it uses.
+/// The places that failures of the sequence kernel name, and the words that only it uses. Both are part of
+/// the texts that scripts see.
 namespace Kelm::sources {
 
 inline constexpr char kSequenceRef[] = "kelm/kernel/containers/sequence/SequenceRef";

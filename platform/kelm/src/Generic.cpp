@@ -54,8 +54,11 @@ void SequenceIntf::specialized_assign(SequenceIntf const* aOther, Deviant const&
     std::vector<Ref> values;
     for (int i = 0; aOther != nullptr && i < aOther->generic_size(aDeviant); ++i)
       values.push_back(aOther->generic_at(aDeviant, i));
-    generic_clear(aDeviant);
-    for (Ref& value : values) generic_push_back(aDeviant, std::move(value));
+    // At once where the sequence can: all or nothing, and a unique one keeps what stays, with its iterators.
+    if (!splice(aDeviant, 0, generic_size(aDeviant), values)) {
+      generic_clear(aDeviant);
+      for (Ref& value : values) generic_push_back(aDeviant, std::move(value));
+    }
   }
   aResult = true;
 }

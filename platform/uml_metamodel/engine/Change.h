@@ -22,7 +22,8 @@ inline constexpr std::uint32_t kAtEnd = UINT32_MAX;
 /// A change of several steps that may fail in the middle is a `Change` object: it notes what was there before
 /// each step, and takes all of them back when it ends without `commit`. One that is made while another is
 /// open in the model joins it. While none is open, a step notes nothing and costs nothing more; `destroy`
-/// needs no memory then.
+/// needs no memory then. Not noted is what sequences of values hold (ValueSequence.h), and texts of other
+/// tools: a change that writes them in an element which was there before does so last.
 class Change {
   using State = Kelm::ElementState;
 
@@ -40,15 +41,19 @@ class Change {
   }
 
  public:
+  /// Opens a change of an open model; takes no memory. Changes end in the opposite order of their opening.
   explicit Change(Kelm::ModelObject& aModel);
   Change(Change const&) = delete;
   Change& operator=(Change const&) = delete;
+  /// Takes back, without memory, what was not committed. The end of the outermost change lets go of what it
+  /// destroyed.
   ~Change();
 
   /// All steps stay. If the change has joined another one, that one decides in the end.
   void commit() noexcept { fIsCommitted = true; }
 
-  // Values. `aRoot` is the feature with the slot.
+  // Values. `aRoot` is the feature with the slot, which the element's metaclass has; the element is in a
+  // model. While a change is open each may raise std::bad_alloc, with nothing changed.
 
   static void setText(Element& aElement, Feature const& aRoot, Kelm::StringObject const* aText) {
     Kelm::StringObject* const text = const_cast<Kelm::StringObject*>(aText);
@@ -134,6 +139,8 @@ class Change {
   /// Puts a value, which no other owner holds, into a reference that is empty or before a position of a list,
   /// where `reserve` has made room.
   static void insert(Element& aOwner, Feature const& aRoot, Element& aValue, std::uint32_t aPosition);
+  /// Takes out a value that is there. A part comes to the top level, for which the model has room by then,
+  /// unless it is being destroyed.
   static void erase(Element& aOwner, Feature const& aRoot, Element& aValue);
   /// Puts all values of a list into the order given, each once.
   static void arrange(Element& aOwner, Feature const& aRoot, std::span<Element* const> aOrder);
@@ -145,7 +152,8 @@ class Change {
 
   // Elements.
 
-  /// A new element with the defaults of its metaclass, at the top level of the model.
+  /// A new element with the defaults of its metaclass, at the top level of the model, whose count is its only
+  /// one. The metaclass is a concrete one.
   static Element& create(int aMetaclass, Kelm::ModelObject& aModel);
   /// The element and all that it owns, innermost last to leave: no feature of any other element refers to one
   /// of them afterwards. While a change is open they are kept until it ends.

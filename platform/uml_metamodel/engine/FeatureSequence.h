@@ -14,7 +14,12 @@ namespace umlmm::engine {
 /// caller's variant.
 ///
 /// Every change goes through the engine, so far ends, subsets and containers follow. All lists of elements
-/// are unique: adding what is there changes nothing. A refused change changes nothing.
+/// are unique: adding what is there changes nothing. A refused change changes nothing, nor does one that
+/// finds no memory. Positions count from 0, also here where they are unsigned.
+///
+/// Access by position takes constant time, after erases once the time to close holes; a computed feature is
+/// computed anew once for each revision of its model that it is asked in. Iterators look their element up
+/// again after changes, from where it stood last outwards.
 class FeatureSequence : public Kelm::Generic::SequenceIntf {
  public:
   /// The sequence of a feature with a list, or of a computed one.
@@ -23,7 +28,8 @@ class FeatureSequence : public Kelm::Generic::SequenceIntf {
   Element& element() const noexcept { return fElement; }
   Feature const& shownFeature() const noexcept { return fFeature; }
 
-  /// Replaces all values; repeated ones are dropped, the first kept. Raises with nothing changed.
+  /// Replaces all values; repeated ones are dropped, the first kept, and what stays is not unlinked. Raises
+  /// with nothing changed.
   virtual void assign(Deviant const& aDeviant, std::vector<Element*> const& aValues) = 0;
 
   int incRef() const override { return fElement.incRef(); }

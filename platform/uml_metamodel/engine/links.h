@@ -6,14 +6,17 @@
 #include "engine/Change.h"
 
 /// References between elements: stored slots, their far ends, subsets and the one container of an element,
-/// all driven by the table of features. Nothing here asks for writability: see access.h.
+/// all driven by the table of features. Nothing here asks for writability: see access.h. A `aRoot` is a
+/// feature with a slot or a container view, on the metaclass of the owner; owner and value are alive and of
+/// one model.
 namespace umlmm::engine {
 
 /// The container if the containment that `aView` is the far end of holds the element, else null. `aView` may
 /// be a redefinition or a narrower view of it.
 Element* containerThrough(Element const& aElement, Feature const& aView) noexcept;
 
-/// Whether the stored feature or container view holds the value.
+/// Whether the stored feature or container view holds the value. Asks the side that tells sooner: of a part
+/// its container, of a pair the shorter list.
 bool holds(Element const& aOwner, Feature const& aRoot, Element const& aValue);
 
 /// Number of values of a stored or container feature.
@@ -39,14 +42,16 @@ void checkFit(Element const& aOwner, Feature const& aRoot, Element const& aValue
 void checkRoom(Element const& aOwner, Feature const& aRoot, std::span<Element* const> aValues);
 
 /// Makes the link with all that follows from it: the far end, the supersets at both ends, the value's old
-/// container, values that single ends held before. Nothing if the link stands. `aRoot` is a root feature that
-/// is stored or a container view; `aPosition` counts in the owner's list.
+/// container, values that single ends held before. Nothing if the link stands. What `checkLink` refuses must
+/// not come here; lack of memory raises, with nothing changed. `aRoot` is a root feature that is stored or a
+/// container view; `aPosition` counts in the owner's list.
 void link(Element& aOwner, Feature const& aRoot, Element& aValue, std::uint32_t aPosition = kAtEnd);
 
-/// Takes the link away, also from the subsets at both ends. A part becomes a top-level element of its model.
+/// Takes the link away, also from the subsets at both ends; nothing if there is none. A part becomes a
+/// top-level element of its model.
 void unlink(Element& aOwner, Feature const& aRoot, Element& aValue);
 
-/// Unlinks the one and links the other, each unless it is null.
+/// Unlinks the one and links the other, each unless it is null; both or, when it raises, neither.
 void replace(Element& aOwner, Feature const& aRoot, Element* aOld, Element* aValue);
 
 /// Takes the element out of its container; it becomes a top-level element.

@@ -9,8 +9,9 @@
 
 namespace umlmm::detail {
 
-/// A literal of an enumeration, by its number. Any number is accepted; one without a literal has its digits
-/// as text. `E` names its record by `type()` and its literals by the nested `Value`.
+/// A literal of an enumeration, by its number from 0. Any number is accepted here; one without a literal has
+/// its digits as text, and features refuse it. Order is that of the numbers. `E` names its record by `type()`
+/// and its literals by the nested `Value`.
 template <class E>
 class EnumerationValue {
  public:
@@ -23,6 +24,7 @@ class EnumerationValue {
   /// The one object of the literal.
   operator Kelm::Object() const { return Kelm::Object(E::type().object(fNumber), Kelm::Deviant()); }
 
+  /// True for numbers without a literal too.
   constexpr bool isValid() const noexcept { return true; }
   constexpr int number() const noexcept { return fNumber; }
   auto value() const noexcept { return static_cast<typename E::Value>(fNumber); }

@@ -47,7 +47,21 @@ concept ChangeableTo =
     ReferenceValue<typename Other::Changeable> && !std::same_as<typename Other::InterfaceType, Intf> &&
     std::derived_from<typename Other::InterfaceType, Intf>;
 
-/// A read-only handle with the access to features that the levels above it use.
+/// A read-only handle with the access to features that the levels above it use. All members raise for a null
+/// reference, and for an element that does not exist in the reference's variant.
+///
+/// *Single features.* Unset ones answer a null reference, an empty text, or no optional value; a number,
+/// truth value or literal that must be there is always set. References answered see their element in the same
+/// variant, and are as changeable as the one that was asked.
+///
+/// *Lists* are live: a list shows the feature as it is whenever it is asked, and a changeable one changes it.
+/// Stored lists keep the order in which values came; those of elements hold each once. The list counts the
+/// element, so it may outlive the reference; once the element is destroyed it raises, as the reference does.
+/// Asking twice gives the same list. Read-only lists are those of read-only references and features; others
+/// may change them meanwhile.
+///
+/// *Sets* of a list replace all values in one step, by those of any sequence of the type. A set that raises
+/// has changed nothing.
 template <class Intf>
 class Reference : public Kelm::Handle<Intf> {
  public:

@@ -22,11 +22,12 @@ namespace detail {
 
 /// A new element of a concrete metaclass in the model, without an owner. `aRequired` holds the required
 /// references in the order of the meta-property list; null ones leave their feature unset. Raises the
-/// null-reference failure for a null model. The answer is counted by the model or its container alone.
+/// null-reference failure for a null model and the variant's for a closed or read-only one; for a reference
+/// that is refused too, with nothing made. The answer is counted by the model or its container alone.
 UMLMM_API Kelm::NSInterface::ModelElementIntf* createElement(int aMetaclass, Kelm::Model const& aModel,
                                                              std::span<Kelm::Object const> aRequired = {});
 
-/// The class object of a metaclass.
+/// The class object of a metaclass; immortal.
 UMLMM_API Kelm::ImmutableClass metaClass(int aMetaclass);
 
 /// A reference to a metaclass interface as a reference to any object, in the same variant.

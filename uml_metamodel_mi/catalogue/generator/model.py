@@ -151,11 +151,13 @@ class Feature(Named):
         """What UML says of the feature, in a line."""
         bounds = f"{self.lower}..{'*' if self.upper is None else self.upper}"
         words = (("composite", self.is_composite), ("ordered", self.is_ordered and self.is_many),
-                 ("repeatable", not self.is_unique and self.is_many), ("derived", self.is_derived),
-                 ("read-only", self.is_read_only))
+                 ("repeatable", not self.is_unique and self.is_many),
+                 ("derived union" if self.is_union else "derived", self.is_derived), ("read-only", self.is_read_only))
         text = f"{self.name}: {self.type} [{bounds}]" + (f" = {self.default}" if self.default else "")
         text = ", ".join([text, *(word for word, holds in words if holds)])
-        return text + (f"; opposite {self.opposite}" if self.opposite else "")
+        relations = (("opposite", [self.opposite] if self.opposite else []), ("subsets", self.subsets),
+                     ("redefines", self.redefines))
+        return "; ".join([text, *(f"{word} {', '.join(map(str, others))}" for word, others in relations if others)])
 
     def _cpp_type(self, prefix: str) -> str:
         single = (prefix if self.is_reference else "") + self.type.name

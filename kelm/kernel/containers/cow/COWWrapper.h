@@ -19,6 +19,7 @@ struct COWWrapperTypedData {
   COWWrapperTypedData() = default;
   explicit COWWrapperTypedData(C const& aValue) : fValue(aValue) {}
 
+  /// The empty data that all wrappers of `C` begin with. It lives to the end of the process.
   static COWWrapperTypedData* getSharedNull() {
     static COWWrapperTypedData shared_null{C()};
     return &shared_null;
@@ -43,14 +44,17 @@ class COWWrapper {
   COWWrapper& operator=(COWWrapper const&) = delete;
   virtual ~COWWrapper() { setData(nullptr); }
 
+  /// True for the shared empty data too. What another thread shares may stop being shared at any time, but a
+  /// payload that is not shared stays so until this wrapper is copied.
   bool isShared() const noexcept { return fData->fCount.load() != 1; }
   std::int32_t shareCount() const noexcept { return fData->fCount.load(); }
   /// Number of live tokens registered here.
   std::uint32_t accessCount() const noexcept { return fAccessCount; }
 
-  /// The container for reading; never detaches.
+  /// The container for reading; never detaches. Good until the wrapper is written, swapped or ends.
   C const& read() const noexcept { return fData->fValue; }
-  /// Gives the wrapper a payload of its own. When that fails nothing has changed.
+  /// Gives the wrapper a payload of its own: copies all values of a shared one. When that fails nothing has
+  /// changed.
   void detach_helper() {
     if (!isShared()) return;
     setData(new Data(fData->fValue));
@@ -78,7 +82,8 @@ class COWWrapper {
   std::uint32_t fAccessCount = 0;
 };
 
-/// Records write access to a wrapper while it lives.
+/// Records write access to a wrapper while it lives, or until it is given to another one. It is a mark: it
+/// keeps neither the wrapper alive nor anybody from writing.
 template <class C>
 class COWDataAccessToken {
  public:

@@ -11,11 +11,12 @@
 namespace Kelm {
 
 /// What all typed iterator handles share: one counted iterator, or null, and the deviant of the sequence that
-/// made it. Copying clones the iterator, so that two handles never move each other.
+/// made it. Copying clones the iterator, which takes memory, so that two handles never move each other. What
+/// asks for the position raises the null-reference failure on a null handle.
 class IteratorRef {
  public:
   IteratorRef() noexcept = default;
-  /// Counts `aImpl`, which may be null.
+  /// Counts `aImpl`, which may be null, and moves it together with whoever else holds it.
   IteratorRef(Generic::IteratorIntf* aImpl, Deviant aDeviant) : fImpl(aImpl), fDeviant(aDeviant) {
     if (fImpl != nullptr) fImpl->incRef();
   }
@@ -42,12 +43,13 @@ class IteratorRef {
   Deviant const& getDeviant() const noexcept { return fDeviant; }
   void setDeviant(Deviant const& aDeviant) noexcept { fDeviant = aDeviant; }
 
-  /// Moves past the current value; raises at the end.
+  /// Moves past the current value; raises at the end, and when the value has gone.
   void next() const { checked()->next(fDeviant); }
-  /// Moves back by one value; raises at the beginning.
+  /// Moves back by one value; raises at the beginning, and when the value has gone.
   void previous() const { checked()->previous(fDeviant); }
 
-  /// Same kind of sequence and same position; deviants take no part.
+  /// The same position of the same sequence; deviants take no part. Raises for a null handle on the left; one
+  /// on the right is equal to none.
   friend bool operator==(IteratorRef const& aLeft, IteratorRef const& aRight) {
     return aLeft.checked()->equal(aRight.fImpl);
   }
@@ -58,7 +60,7 @@ class IteratorRef {
       raiseNullReference(sources::kIterator);
     return fImpl;
   }
-  /// The id under which a host binds the iterator.
+  /// The id under which a host binds the iterator; its own only, as copies are iterators of their own.
   void* id(bool aIsImmutable) const {
     auto* const object = queryInterface<ReferenceCountingIntf>(checked());
     return DeviantRegistry::getId(object, fDeviant, aIsImmutable);
@@ -83,7 +85,7 @@ class ImmutableIterator : public IteratorRef {
   using Value = T;
   using IteratorRef::IteratorRef;
 
-  /// Takes over one count that the caller holds.
+  /// Takes over one count that the caller holds, and with it the iterator: no clone is made.
   static ImmutableIterator adopt(Generic::IteratorIntf* aImpl, Deviant aDeviant) {
     return adopted<ImmutableIterator>(aImpl, aDeviant);
   }
@@ -100,7 +102,8 @@ class ImmutableIterator : public IteratorRef {
   void* getId() const { return id(true); }
 };
 
-/// Typed iterator over a sequence that can be changed at it.
+/// Typed iterator over a sequence that can be changed at it, by giving it to the sequence's `insert` and
+/// `erase`. It moves along with its value when the sequence changes elsewhere.
 template <class T>
 class Iterator : public ImmutableIterator<T> {
  public:

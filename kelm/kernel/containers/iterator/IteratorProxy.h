@@ -10,8 +10,9 @@
 
 namespace Kelm {
 
-/// Base of all iterators: counted, and safe to keep. An iterator holds a count on the sequence that gave it,
-/// if that is a counted one.
+/// Base of all iterators: counted from 0, deleted with the last count, and safe to keep. An iterator holds a
+/// count on the sequence that gave it, if that is a counted one. Counts are plain: it stays on the thread of
+/// its sequence.
 class UMLMM_API IteratorProxy : public Generic::IteratorIntf {
   static constexpr std::size_t kSmall = 80;
   using Blocks = detail::BlocksFor<kSmall>;

@@ -10,7 +10,8 @@ class LiveIterator;
 
 /// The iterators that stand in one sequence. A change of the sequence looks at each, to move it along with
 /// its element or to end it: what is freed may be used again at once, so an address does not tell afterwards
-/// whether the element is still the same.
+/// whether the element is still the same. So a change takes time for each iterator there is, which are few:
+/// the passes of C++ and of hosts go in blocks, without iterators.
 class LiveIterators {
  public:
   LiveIterators() noexcept = default;
@@ -28,8 +29,8 @@ class LiveIterators {
   LiveIterator* fFirst = nullptr;
 };
 
-/// Base of iterators that their sequence knows from their making to their end, whichever of the two ends
-/// first.
+/// Base of iterators that their sequence knows from their making to their end. Either may end first, but only
+/// the end of an iterator is safe then: all else looks into the sequence.
 class LiveIterator : public IteratorProxy {
  public:
   /// The element is gone: every use raises from now on.

@@ -12,7 +12,8 @@
 /// How typed values cross the type-erased sequence interface.
 namespace Kelm::Generic {
 
-/// A value on the heap with its count. The value stands first: a pointer to the holder points at the value.
+/// A value on the heap with its count, from 0. The value stands first: a pointer to the holder points at the
+/// value.
 template <class T>
 struct ValueHolder {
   using Blocks = Kelm::detail::BlocksFor<sizeof(T) + sizeof(std::uint64_t)>;
@@ -41,8 +42,9 @@ struct RefAccess {
   using Stored = T;
 
   static Ref make(T const& aValue) { return Ref(new ValueHolder<T>(aValue), 0, &manage, &equals); }
-  /// `aValue` must come from a `make` or `lend` of the same T.
+  /// `aValue` must come from a `make` or `lend` of the same T; what is answered lives as long as that.
   static T const& get(Loan const& aValue) noexcept { return *static_cast<T const*>(aValue.fHolder); }
+  /// Points at `aValue` itself, not at a copy.
   static Loan lend(T const& aValue) noexcept { return {const_cast<T*>(&aValue), 0}; }
 
  private:
@@ -72,7 +74,7 @@ struct RefAccess<T> {
     return Ref(const_cast<NSInterface::ObjectIntf*>(object), aReference.getDeviant().word(), &manage,
                &equals);
   }
-  /// A null reference when the object has no interface of T.
+  /// A null reference when the object has no interface of T; otherwise one that counts it.
   static T get(Loan const& aValue) {
     auto* const object = static_cast<NSInterface::ObjectIntf*>(aValue.fHolder);
     Deviant const deviant = Deviant::fromWord(aValue.fReserved);

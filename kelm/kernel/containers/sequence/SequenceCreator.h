@@ -12,17 +12,20 @@
 
 namespace Kelm {
 
-/// A fixed width, so that a number without a name is a value too and can be refused.
+/// A list shares its values with copies and finds one in linear time; a multi-index keeps each value in a
+/// block of its own, can do without duplicates, and finds one in logarithmic time. A fixed width, so that a
+/// number without a name is a value too and can be refused.
 enum SequenceImpl : std::uint32_t { STD_VECTOR = 0, MULTI_INDEX = 1 };
 
 /// What kind of sequence is wanted.
 struct SequenceRequest {
-  /// Becomes the handle's.
+  /// Becomes the handle's; references that are put in keep their own.
   Deviant aDeviant;
   SequenceImpl aImpl = MULTI_INDEX;
   /// The sequence refuses duplicates, silently; not for STD_VECTOR.
   bool aIsUnique = false;
-  /// Wrapped in a counted proxy that owns it. A sequence that is not counted belongs to the caller.
+  /// Wrapped in a counted proxy that owns it. A sequence that is not counted belongs to the caller, who
+  /// deletes it when no handle and no iterator of it is left.
   bool aRefCounted = true;
 };
 
@@ -42,7 +45,8 @@ struct SequenceImplementations {
 /// The one place where free-standing sequences come into being.
 class SequenceCreator {
  public:
-  /// A handle on a new, empty sequence.
+  /// A handle on a new, empty sequence. Raises for what the request can't mean: a list without duplicates, an
+  /// implementation that there is none of.
   template <class T>
   static Sequence<T> create(SequenceRequest const& aRequest) {
     using Stored = typename Generic::RefAccess<T>::Stored;

@@ -4,7 +4,8 @@
 #include "kelm/kernel/containers/sequence/list/ListQImplForPrimitives.h"
 #include "kelm/kernel/containers/sequence/multi_index/MultiIndexImplForPrimitives.h"
 
-/// The implementations themselves; slow to compile, so include SequenceCreator.h to make sequences.
+/// The implementations themselves; slow to compile, so include SequenceCreator.h to make sequences. Those who
+/// call these own what they get: it isn't counted.
 namespace Kelm::detail {
 
 template <class T>

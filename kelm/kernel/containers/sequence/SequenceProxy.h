@@ -13,7 +13,8 @@
 
 namespace Kelm {
 
-/// A counted sequence: the last count deletes it. Implementations themselves are not counted.
+/// A counted sequence: it begins without a count, and the last one given back deletes it. Implementations
+/// themselves are not counted. Counts are plain: the sequence stays on one thread at a time.
 class UMLMM_API SequenceProxy : public Generic::SequenceIntf {
  public:
   int incRef() const override {
@@ -32,8 +33,8 @@ class UMLMM_API SequenceProxy : public Generic::SequenceIntf {
   mutable std::int32_t fRefCount = 0;
 };
 
-/// Stands in front of an implementation, owns it, and hands everything on to it. Each member is marked for
-/// export, as a mark on the class does not reach inline members.
+/// Stands in front of an implementation, owns it, and hands everything on to it; iterators that it gives
+/// count the proxy. Each member is marked for export, as a mark on the class does not reach inline members.
 class UMLMM_API GenericReferenceCountingSequenceProxy : public SequenceProxy {
   using Ref = Generic::Ref;
   using IteratorIntf = Generic::IteratorIntf;

@@ -13,7 +13,8 @@
 namespace Kelm {
 
 /// What all typed sequence handles share: a counted sequence, or null, and the deviant in which it is seen.
-/// Copies share the sequence. Every operation on a null handle raises.
+/// Copies share the sequence, so a change through one is seen through all. Every operation on a null handle
+/// raises the null-sequence failure. A handle stays on the thread of its sequence.
 class SequenceRef {
  public:
   SequenceRef() noexcept = default;
@@ -29,7 +30,7 @@ class SequenceRef {
     fDeviant = aOther.fDeviant;
     return *this;
   }
-  /// Names another sequence and keeps the deviant.
+  /// Names another sequence, or none for null, and keeps the deviant. No contents are read or changed.
   void assign(Generic::SequenceIntf* aImpl) {
     if (aImpl == fImpl) return;
     if (fImpl != nullptr) fImpl->decRef();
@@ -71,14 +72,18 @@ class SequenceRef {
   Deviant fDeviant;
 };
 
-/// Typed handle on a sequence that the holder can't change. All indices count from 0.
+/// Typed handle on a sequence that the holder can't change; others may. All indices count from 0; what they
+/// and positions must be, and what fails how, is told at `Generic::SequenceIntf`.
+///
+/// A value read is a copy: a reference counts its element and sees it in the handle's variant, or, from a
+/// free-standing sequence, in that in which it was put in.
 template <class T>
 class ImmutableSequence : public SequenceRef {
  public:
   using Value = T;
   using SequenceRef::SequenceRef;
   ImmutableSequence() noexcept = default;
-  /// A sequence of references is one of references to anything they convert to.
+  /// A sequence of references is one of references to anything they convert to; the same sequence, no copy.
   template <class From>
   requires(!std::same_as<From, T> && ReferenceClass<From> && ReferenceClass<T> &&
            std::convertible_to<From, T>) ImmutableSequence(ImmutableSequence<From> const& aOther)
@@ -92,6 +97,7 @@ class ImmutableSequence : public SequenceRef {
   T at(int aIndex) const { return Generic::RefAccess<T>::get(checked()->generic_at(fDeviant, aIndex)); }
   T front() const { return Generic::RefAccess<T>::get(checked()->generic_front(fDeviant)); }
   T back() const { return Generic::RefAccess<T>::get(checked()->generic_back(fDeviant)); }
+  /// For a walk during which the sequence changes; `values` is faster otherwise.
   ImmutableIterator<T> begin() const { return {checked()->generic_begin(fDeviant), fDeviant}; }
   ImmutableIterator<T> end() const { return {checked()->generic_end(fDeviant), fDeviant}; }
   int size() const { return checked()->generic_size(fDeviant); }
@@ -105,7 +111,8 @@ class ImmutableSequence : public SequenceRef {
   SequenceValues<T> values() const { return SequenceValues<T>(checked(), fDeviant); }
 };
 
-/// Typed handle on a sequence that can be changed.
+/// Typed handle on a sequence that can be changed. A change that raises has changed nothing; a change of a
+/// live sequence is one of its element, far ends and owners included.
 template <class T>
 class Sequence : public ImmutableSequence<T> {
   using Access = Generic::RefAccess<T>;
@@ -142,13 +149,15 @@ class Sequence : public ImmutableSequence<T> {
     return {sequence->generic_insert(this->fDeviant, aPosition.get(), Access::make(aValue)), this->fDeviant};
   }
   void erase(int aIndex) const { this->checked()->generic_erase(this->fDeviant, aIndex); }
-  /// Answers the position of the value that followed.
+  /// Answers the position of the value that followed; `aPosition` itself raises from now on.
   Iterator<T> erase(Iterator<T> const& aPosition) const {
     return {this->checked()->generic_erase(this->fDeviant, aPosition.get()), this->fDeviant};
   }
+  /// From `aFirst` to before `aLast`, which must not stand before it.
   Iterator<T> erase(Iterator<T> const& aFirst, Iterator<T> const& aLast) const {
     return {this->checked()->generic_erase(this->fDeviant, aFirst.get(), aLast.get()), this->fDeviant};
   }
+  /// Does nothing when the sequence is unique and holds the value at whatever index.
   void replace(int aIndex, T const& aValue) const {
     Generic::SequenceIntf* const sequence = this->checked();
     sequence->generic_replace(this->fDeviant, aIndex, Access::make(aValue));

@@ -42,7 +42,8 @@ struct SequenceTraits {
   }
 };
 
-/// References are compared by the object they name.
+/// References are compared by the object they name, their order is that of addresses: the same for as long as
+/// the objects live, another one in the next run.
 template <ReferenceClass T>
 struct SequenceTraits<T> {
   static bool equal(T const& aLeft, T const& aRight) noexcept { return aLeft.get() == aRight.get(); }
@@ -51,7 +52,7 @@ struct SequenceTraits<T> {
   }
 };
 
-/// A value type that gives its sequences script class names.
+/// A value type that gives its sequences script class names, by its own short name ("String").
 template <class T>
 concept NamedValue = requires {
   { T::kName } -> std::convertible_to<char const*>;

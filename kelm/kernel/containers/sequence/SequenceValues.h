@@ -15,7 +15,9 @@
 namespace Kelm {
 
 /// One pass over the values of a sequence: `for (T const& value : sequence.values())`. Holds a count on the
-/// sequence and copies the values in blocks; a change of the sequence in between raises at the next block.
+/// sequence and copies the values in blocks of 32. A change of the sequence on the way raises "sequence index
+/// out of bounds" at the next block, if there is one: a pass that got through may have read values that are
+/// gone.
 template <class T>
 class SequenceValues {
  public:

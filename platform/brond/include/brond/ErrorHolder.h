@@ -7,7 +7,7 @@
 
 namespace Brond {
 
-/// Takes the error of a conversion that reports instead of throwing.
+/// Takes the error of a conversion that reports instead of throwing. A second error replaces the first.
 class UMLMM_API ErrorHolder {
  public:
   ErrorHolder();

@@ -7,7 +7,8 @@
 
 namespace Brond {
 
-/// What the system knows of a value type at run time: its conversion to and from text.
+/// What the system knows of a value type at run time: its conversion to and from text, UTF-8. Immutable; any
+/// thread may ask.
 class UMLMM_API TypeInfo {
  public:
   virtual ~TypeInfo();

@@ -15,7 +15,8 @@ class UMLMM_API bad_any_cast : public std::bad_cast {
   char const* what() const noexcept override;
 };
 
-/// Holds one value of any copyable and comparable type, or nothing.
+/// Holds one value of any copyable and comparable type, or nothing. Copying copies the value, equal are
+/// holders of equal values of the same type.
 class UMLMM_API any {
  public:
   class UMLMM_API placeholder {
@@ -68,7 +69,8 @@ class UMLMM_API any {
   std::unique_ptr<placeholder> fContent;
 };
 
-/// The value in `value`, which must be a T held directly; throws bad_any_cast otherwise.
+/// The value in `value`, which must be a T held directly; throws bad_any_cast otherwise. It is the holder's:
+/// good until that is assigned or ends.
 template <class T>
 T const& any_cast(any const& value) {
   any::placeholder const* content = value.content();

@@ -12,7 +12,8 @@ namespace foundation::core::except {
 class UMLMM_API IException {
  public:
   virtual ~IException();
-  /// The text as ASCII, other characters as question marks; lives as long as the exception.
+  /// The text as ASCII, other characters as question marks; lives as long as the exception. Made at the first
+  /// call, so one thread at a time asks.
   virtual char const* what() const noexcept;
   [[nodiscard]] std::u16string toUstring() const { return ToUstringImpl(); }
 
@@ -64,7 +65,7 @@ class UMLMM_API bad_alloc_impl : public std::bad_alloc {
 }  // namespace detail
 
 /// The out-of-memory exception, to be thrown by value: `throw foundation::core::except::bad_alloc();`
-/// It is caught as `std::bad_alloc`.
+/// It is caught as `std::bad_alloc`. Throwing it needs no memory beyond the exception itself.
 UMLMM_API boost::exception_detail::clone_impl<detail::bad_alloc_impl> bad_alloc();
 
 }  // namespace foundation::core::except

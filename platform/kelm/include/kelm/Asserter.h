@@ -8,7 +8,8 @@
 
 namespace Kelm {
 
-/// Every contract failure of the system; `what()` is the whole text.
+/// Every contract failure of the system; `what()` is the whole text, in UTF-8. Lack of memory is none: that
+/// is `std::bad_alloc`.
 class UMLMM_API Exception : public std::exception {
  public:
   explicit Exception(std::string aText);
@@ -23,9 +24,11 @@ template <class E>
 class AsserterEx;
 
 /// Formats a failure's message into the thread's buffer and hands it to a reporter. A check is written in one
-/// form everywhere: test the condition inline; only if it fails, make a reporter and call `handle` on it.
+/// form everywhere: test the condition inline; only if it fails, make a reporter and call `handle` on it. No
+/// other failure may come between the two: there is one buffer a thread.
 class UMLMM_API Asserter {
  public:
+  /// Bytes, the closing zero included; a longer message is cut.
   static constexpr int kLogBufSize = 4097;
   /// The last message; each thread has its own.
   static constinit thread_local char fLogBuf[kLogBufSize];
@@ -68,7 +71,8 @@ UMLMM_FORMAT(1, 2)
 UMLMM_API AsserterEx<Exception> Asserter::MakeAlways<Exception>(char const* aFormat, ...);
 #undef UMLMM_FORMAT
 
-/// Raises `aText` at `aSource` (a fixed source name) and the caller's line.
+/// Raises `aText` at `aSource` (a fixed source name, without extension) and the caller's line, from 1. All of
+/// the words below are raised this way, and scripts see them as they stand.
 [[noreturn]] UMLMM_API void raiseFailure(char const* aText, char const* aSource,
                                          int aLine = std::source_location::current().line());
 
@@ -100,7 +104,7 @@ namespace kelm {
 
 /// The text for a scalar that got more than one element.
 UMLMM_API char const* getTooManyElementsMessage() noexcept;
-/// Reports that a value is not of the type of this name.
+/// Raises the incorrect-type failure: the value is not of the type of this name.
 [[noreturn]] UMLMM_API void Error_IncorrectType(std::string const& aTypeName);
 
 }  // namespace kelm

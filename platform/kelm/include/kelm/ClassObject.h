@@ -10,7 +10,7 @@ namespace NSInterface {
 /// An element of a model, as the kernel sees it.
 class UMLMM_API ClassObjectIntf : public ObjectIntf {
  public:
-  /// Ids of the kernel's own features in `sIntrospectiveMethods`.
+  /// Ids of the kernel's own features in `sIntrospectiveMethods`. They are no features of UML.
   enum KernelFeature : unsigned {
     AppliedStereotypeInstance = 1,
     ModelKelm,
@@ -27,19 +27,22 @@ class UMLMM_API ClassObjectIntf : public ObjectIntf {
   ~ClassObjectIntf() override;
   void* cast(CooperativeVisitor::internal::ClassInfo const& aClassInfo) const override;
 
-  /// The element's class.
+  /// The element's class; it stays known when the element is destroyed.
   virtual ImmutableClass getMetaClass() const = 0;
-  /// Single-valued kernel features; a null object when unset.
+  /// Single-valued kernel features; a null object when unset, and for ids of the others. Raises when the
+  /// element does not exist in the variant.
   virtual Object getKernelEntry(Deviant const& aDeviant, unsigned aId) const = 0;
-  /// `ExternalId` and `ExternalToolInfo` can be set; the rest raise.
+  /// `ExternalId` and `ExternalToolInfo` can be set, to a text or to null, which unsets; the rest raise.
   virtual void setKernelEntry(Deviant const& aDeviant, unsigned aId, Object const& aValue) = 0;
-  /// Many-valued kernel features: `AppliedStereotypeInstance` and `ContaineeKelm`, live.
+  /// Many-valued kernel features: `AppliedStereotypeInstance` and `ContaineeKelm`, live; null for other ids.
+  /// They share the element's count: keep them by `incRef`.
   virtual Generic::SequenceIntf* getKernelSequence(Deviant const& aDeviant, unsigned aId) const = 0;
 };
 
 }  // namespace NSInterface
 
-/// Read-only reference to an element.
+/// Read-only reference to an element. The mutability is the reference's alone: the element may change, and a
+/// changeable reference to it can be had.
 class ImmutableClassObject : public Handle<NSInterface::ClassObjectIntf> {
  public:
   using Handle::Handle;
@@ -60,6 +63,9 @@ class ClassObject : public ImmutableClassObject {
   NSInterface::ClassObjectIntf* get() const noexcept {
     return const_cast<NSInterface::ClassObjectIntf*>(fImpl);
   }
+  /// Takes the element and all that it owns out of the model, and out of every feature that names one of
+  /// them; it needs no memory. References to them stay and answer false to `isvalid`. Raises for a null
+  /// reference, a read-only variant, and an element that is gone.
   void destroy() const { writable("kelm/Kelm/ClassObject_h")->destroy(fDeviant); }
 };
 

@@ -7,9 +7,10 @@
 
 namespace Kelm {
 
-/// What the kernel asks of the metamodel behind an element; one record for a metamodel.
+/// What the kernel asks of the metamodel behind an element; one record for a metamodel, constant. Contracts
+/// are those of the members of ClassObjectIntf by the same names.
 struct ElementEngine {
-  /// Frees an element whose last count is gone.
+  /// Frees an element whose last count is gone: one that is destroyed, or whose model let go of it.
   void (*release)(NSInterface::ModelElementIntf* aElement);
   void (*destroy)(NSInterface::ModelElementIntf* aElement, Deviant const& aDeviant);
   Object (*getKernelEntry)(NSInterface::ModelElementIntf const* aElement, Deviant const& aDeviant,
@@ -22,7 +23,8 @@ struct ElementEngine {
 
 /// Everything that all elements of one concrete metaclass share. Slots are 8-byte words behind the object:
 /// one pointer each for strings, references, lists and sequences, two integers to a word; Booleans and
-/// enumerations are bits of the element's flag word.
+/// enumerations are bits of the element's flag word. Tables are constant and live as long as the process, so
+/// all threads read them without locks.
 struct ClassTable {
   static constexpr std::int16_t kNoInterface = INT16_MIN;
 
@@ -42,12 +44,12 @@ struct ClassTable {
   std::uint64_t fContentWords;    ///< Of the references and lists, those that own what they hold.
   /// By word: the feature whose slot it is; those of strings, references and lists alone.
   std::uint16_t const* fFeatureOfWord;
-  std::uint32_t fDefaultFlags;
-  std::uint16_t fMetaclass;   ///< Index of the metaclass.
-  std::uint16_t fIndex;       ///< Index among the concrete metaclasses.
-  std::uint16_t fSize;        ///< Bytes of an element, slots included.
-  std::uint16_t fRootOffset;  ///< From the element's first byte to its kernel part.
-  std::uint16_t fSlotOffset;  ///< From the kernel part to the first slot word.
+  std::uint32_t fDefaultFlags;  ///< The flag word of a new element: defaults of Booleans and enumerations.
+  std::uint16_t fMetaclass;     ///< Index of the metaclass.
+  std::uint16_t fIndex;         ///< Index among the concrete metaclasses.
+  std::uint16_t fSize;          ///< Bytes of an element, slots included.
+  std::uint16_t fRootOffset;    ///< From the element's first byte to its kernel part.
+  std::uint16_t fSlotOffset;    ///< From the kernel part to the first slot word.
 
   static constexpr std::uint8_t kNoSlot = 0xFF;
 };

@@ -7,10 +7,12 @@
 
 namespace Kelm {
 
-/// One view of a model. Records are permanent: a deviant may outlive its model.
+/// One view of a model. Records are permanent: a deviant may outlive its model. What a record says changes
+/// only when its model closes, on the thread that uses the model.
 struct Variant {
   /// The model, or null once it is closed.
   ModelObject* fModel;
+  /// From 1 in the order of making, over all models.
   std::uint32_t fNumber;
   bool fReadOnly;
 };
@@ -24,7 +26,7 @@ class UMLMM_API DeviantAssertions {
   static bool enableAssertions(bool aEnabled) noexcept;
 
   /// Raises when the object may not be written through this deviant. The object may be null. No variant and
-  /// value words pass.
+  /// value words pass; whether the object exists in the variant is another question.
   void internal_assertWritable(NSInterface::ObjectIntf const*) const {
     if (isReadOnly()) [[unlikely]]
       raiseReadOnly();
@@ -50,7 +52,7 @@ class UMLMM_API DeviantAssertions {
 };
 
 /// The word that says in which variant of a model a reference sees its element; copied, never interpreted
-/// by those who carry it.
+/// by those who carry it. It holds no count and is compared by identity.
 class Deviant : public DeviantAssertions {
  public:
   constexpr Deviant() noexcept : DeviantAssertions(0) {}
@@ -70,6 +72,7 @@ class Deviant : public DeviantAssertions {
   }
 
   bool isValue() const noexcept { return (fWord & 1) != 0; }
+  /// The bits of a value word; meaningless for others.
   std::uint32_t value() const noexcept { return static_cast<std::uint32_t>(fWord >> 1); }
   /// The variant, or null for no variant and for value words.
   Variant const* variant() const noexcept {

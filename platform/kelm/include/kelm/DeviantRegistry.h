@@ -15,6 +15,7 @@ namespace Kelm {
 struct IdRecord : lum::HostWord {
   ReferenceCountingIntf* fObject;
   Deviant fDeviant;
+  /// Of the same object, or of the pool.
   IdRecord* fNext;
   bool fImmutable;
   /// The lock of (object, deviant): set, no id of the pair may write.
@@ -22,11 +23,13 @@ struct IdRecord : lum::HostWord {
 };
 
 /// Gives every object in a variant, seen changeable or read-only, one opaque id, and the way back. An id is
-/// the address of its record with the lowest bit set. The registry serves all threads.
+/// the address of its record with the lowest bit set; it counts nothing, so whoever keeps one keeps the
+/// object too. The registry serves all threads, each for the objects that it uses; immortal ones are
+/// everybody's.
 class UMLMM_API DeviantRegistry {
  public:
   /// Equal for equal arguments as long as the object lives. A null object is allowed: it has one permanent id
-  /// for each deviant and flag.
+  /// for each deviant and flag. Takes time for each id that the object has, mostly one or two.
   static void* getId(ReferenceCountingIntf* aObject, Deviant aDeviant, bool aIsImmutable);
   /// The id of these arguments if there is one by now, or null.
   static void* findId(ReferenceCountingIntf const& aObject, Deviant aDeviant, bool aIsImmutable) noexcept {
@@ -34,7 +37,8 @@ class UMLMM_API DeviantRegistry {
       if (record->fDeviant == aDeviant && record->fImmutable == aIsImmutable) return lum::tagId(record);
     return nullptr;
   }
-  /// Object and deviant of an id; a null object for a null or retracted id.
+  /// Object and deviant of an id; a null object for a null, retracted or untagged id, and for that of a null
+  /// object. The object is not counted.
   static std::pair<ReferenceCountingIntf*, Deviant> getVariantInfo(void const* aId) noexcept {
     IdRecord const* const record = recordOf(aId);
     if (record == nullptr) return {nullptr, Deviant()};
@@ -45,9 +49,10 @@ class UMLMM_API DeviantRegistry {
     IdRecord const* const record = recordOf(aId);
     return record != nullptr && (record->fImmutable || record->fLocked.load(std::memory_order_relaxed));
   }
-  /// Locks or unlocks the object of `aView` in its deviant. Read-only ids stay read-only.
+  /// Locks or unlocks the object of `aView` in its deviant, for ids handed out before and after; nothing for
+  /// a null one. Read-only ids stay read-only. C++ handles know nothing of the lock: it binds the host alone.
   static void setIsImmutable(ImmutableObject const& aView, bool aIsImmutable);
-  /// Forgets the ids of a dying object.
+  /// Forgets the ids of a dying object; they answer a null object until their records are used again.
   static void retract(ReferenceCountingIntf* aObject) noexcept;
 
   /// Number of records that name a living object.

@@ -22,16 +22,19 @@ class UMLMM_API ElementList {
   using Element = NSInterface::ModelElementIntf;
   static constexpr std::uint32_t kNotFound = UINT32_MAX;
 
+  /// Gives the memory back, and the proxy with it; null is allowed.
   static void destroy(ElementList* aList) noexcept;
   static std::uint32_t size(ElementList const* aList) noexcept { return aList ? aList->fLive : 0; }
 
   std::uint32_t size() const noexcept { return fLive; }
-  /// The element at a position; closes the holes.
+  /// The element at a position, from 0, which must be there. Closes the holes if one stands before it: linear
+  /// after erases, constant otherwise.
   Element* at(std::uint32_t aPosition);
   /// Takes all out; memory and proxy stay.
   void clear() noexcept;
 
-  /// All entries; null ones are holes.
+  /// All entries; null ones are holes. Valid until the next change or question for a position: an erase may
+  /// close holes too, which moves what stands behind them towards the front.
   Element* const* begin() const noexcept { return items() + fBegin; }
   Element* const* end() const noexcept { return items() + fEnd; }
   /// The elements without holes, valid until the next change.

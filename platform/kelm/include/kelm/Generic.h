@@ -11,7 +11,8 @@
 #include "kelm/Deviant.h"
 #include "kelm/ReferenceCountingIntf.h"
 
-/// The type-erased sequence, iterator and value. All indices count from 0.
+/// The type-erased sequence, iterator and value: what a library or host uses that does not know the value
+/// type. Who knows it uses the handles of kelm/kernel/containers/sequence/SequenceRef.h.
 namespace Kelm::Generic {
 
 /// A value that a sequence lends: it holds no count and is good until something else is asked of the sequence
@@ -23,10 +24,13 @@ struct Loan {
 };
 
 /// A value behind a pointer, passed by value: as lent, but counted in its holder, in which it stands first.
-/// An element reference counts the element, so that it needs no allocation.
+/// An element reference counts the element, so that it needs no allocation. The count is plain: a Ref and its
+/// copies stay on one thread.
 class Ref : public Loan {
  public:
+  /// Adds or gives back one count; the last one ends the holder.
   using Manager = void (*)(void* aHolder, bool aIncrement);
+  /// Compares two holders of the same value type.
   using Equals = bool (*)(void const* aLeft, void const* aRight);
 
   Ref() noexcept : Loan{nullptr, 0} {}
@@ -62,11 +66,30 @@ static_assert(sizeof(Ref) == 4 * sizeof(void*));
 /// Deletes the iterator unless it was released.
 using IteratorPtr = std::unique_ptr<IteratorIntf>;
 
+/// A sequence of values of one type, in order. It is used by one thread at a time, with the model it shows.
+///
+/// *Kinds.* A live sequence (`isLive`) shows a feature of an element: it is counted with the element and
+/// refuses a deviant in which the element does not exist, or may not be changed. All others are
+/// free-standing; what they hold is their own, and the deviant takes no part.
+///
+/// *Positions* count from 0. A negative index raises "sequence index must be positive", one past the end
+/// "sequence index out of bounds"; front, back and the pops of an empty sequence raise "sequence is empty".
+/// A position given as an iterator must come from this sequence and stand at what is still there: null raises
+/// the null-reference failure, any other one "sequence index out of bounds".
+///
+/// *Values* given must have been made for `valueType()`, which nothing here checks. A unique sequence leaves
+/// out a value that it holds already; that is no failure, and it stays as it is.
+///
+/// *Failure.* An operation that raises, for want of memory too, leaves contents and iterators as they were.
+///
+/// *Iterators* given belong to the caller. Changes move them along with their values; one whose value went
+/// raises from then on. They keep a counted sequence alive; one that is not counted must outlive them.
 class UMLMM_API SequenceIntf : public ReferenceCountingIntf {
  public:
   ~SequenceIntf() override;
   void* cast(CooperativeVisitor::internal::ClassInfo const& aClassInfo) const override;
 
+  /// A copy of the value; values other than references to objects take memory for it.
   virtual Ref generic_at(Deviant const&, int aIndex) const = 0;
   virtual Ref generic_front(Deviant const&) const = 0;
   virtual Ref generic_back(Deviant const&) const = 0;
@@ -75,9 +98,13 @@ class UMLMM_API SequenceIntf : public ReferenceCountingIntf {
   virtual void generic_clear(Deviant const&) = 0;
   virtual int generic_size(Deviant const&) const = 0;
   virtual bool generic_empty(Deviant const&) const;
+  /// Puts the value before the index; the size itself appends. Takes time for each value behind it.
   virtual void generic_insert(Deviant const&, int aIndex, Ref aValue) = 0;
+  /// The same before an iterator. Answers where the value stands now, or the equal one that kept it out.
   virtual IteratorPtr generic_insert(Deviant const&, IteratorIntf const* aPosition, Ref aValue) = 0;
+  /// Answers the position of what followed; the end raises.
   virtual IteratorPtr generic_erase(Deviant const&, IteratorIntf const* aPosition) = 0;
+  /// Erases from `aFirst` to before `aLast`, which must not stand before it.
   virtual IteratorPtr generic_erase(Deviant const&, IteratorIntf const* aFirst,
                                     IteratorIntf const* aLast) = 0;
   virtual void generic_erase(Deviant const&, int aIndex) = 0;
@@ -85,16 +112,21 @@ class UMLMM_API SequenceIntf : public ReferenceCountingIntf {
   virtual void generic_pop_front(Deviant const&) = 0;
   virtual void generic_push_back(Deviant const&, Ref aValue) = 0;
   virtual void generic_push_front(Deviant const&, Ref aValue) = 0;
+  /// A unique sequence that holds the value, at whatever index, stays as it is.
   virtual void generic_replace(Deviant const&, int aIndex, Ref aValue) = 0;
+  /// Linear in lists of values and in computed features; elsewhere, over many calls, logarithmic at most.
   virtual bool generic_contains(Deviant const&, Ref aValue) const = 0;
+  /// Full name of the script class that shows the sequence, the read-only one if so asked; `aName` where the
+  /// sequence knows none. Lives as long as the process, or as `aName`.
   virtual char const* generic_getVeskName(bool aImmutable, bool aImmutableElements,
                                           char const* aName) const = 0;
   /// Answers how many values went.
   virtual int generic_removeAll(Deviant const&, Ref aValue) = 0;
   /// Whether `aOther` holds equal values in the same order, into `aResult`. Values of another type are none.
   virtual void specialized_equal(SequenceIntf const* aOther, Deviant const&, bool& aResult);
-  /// Replaces the contents by those of `aOther`; `aResult` becomes true. Raises the incorrect-type failure,
-  /// with nothing changed, for values of another type.
+  /// Replaces the contents by those of `aOther`, which may show the same values, or by none for null;
+  /// `aResult` becomes true. Raises the incorrect-type failure, with nothing changed, for values of another
+  /// type. All or nothing for a sequence that takes `splice`; one that is unique keeps the values that stay.
   virtual void specialized_assign(SequenceIntf const* aOther, Deviant const&, bool& aResult);
 
   /// The state of the contents: another one whenever values came, went or moved; never 0.
@@ -102,7 +134,8 @@ class UMLMM_API SequenceIntf : public ReferenceCountingIntf {
   /// Lends up to `aCount` values from `aIndex` on and answers how many, fewer only at the end: iteration in
   /// blocks, without an iterator object and without counts. Raises for a negative index.
   virtual int readBlock(Deviant const&, int aIndex, int aCount, Loan* aOut) const = 0;
-  /// Index of the first value from `aFrom` on that equals `aValue`, or -1.
+  /// Index of the first value from `aFrom` on, which must not be negative, that equals `aValue`, or -1.
+  /// References are equal that name the same object, in whatever variant.
   virtual int indexOf(Deviant const&, Ref const& aValue, int aFrom) const;
   /// Puts `aValues` in the place of the `aRemoved` values from `aFirst` on, all of them or, when it raises,
   /// none; takes time for each value of the sequence once. A unique sequence leaves out what it holds
@@ -129,15 +162,21 @@ class UMLMM_API SequenceIntf : public ReferenceCountingIntf {
   static int blockLength(int aIndex, int aCount, std::size_t aSize);
 };
 
+/// A position in a sequence, at a value or behind the last. Whoever shares one sees it move, so the handles
+/// of kelm/kernel/containers/iterator/Iterator.h clone it when they are copied.
 class UMLMM_API IteratorIntf : public ReferenceCountingIntf {
  public:
   ~IteratorIntf() override;
   void* cast(CooperativeVisitor::internal::ClassInfo const& aClassInfo) const override;
 
+  // All three raise "sequence index out of bounds" for a position that is none: the end has no value and no
+  // next one, the beginning no previous one, and what went has neither.
   virtual Ref current(Deviant const&) const = 0;
   virtual void next(Deviant const&) = 0;
   virtual void previous(Deviant const&) = 0;
+  /// At the same position, without a count of its own yet; it keeps the sequence alive as this one does.
   virtual IteratorPtr clone() const = 0;
+  /// Whether `aOther` stands at the same place of the same sequence; false for null.
   virtual bool equal(IteratorIntf const* aOther) const = 0;
 };
 

@@ -10,6 +10,10 @@ namespace Kelm {
 
 /// The two words of every reference: an interface pointer that owns one count, or null, and a deviant.
 /// A null reference keeps its deviant. `Intf` must be complete where a handle is copied or destroyed.
+///
+/// Counts are plain, so a handle and its copies stay on the thread that uses the model. Of an element the
+/// count keeps the memory, not its place in the model: who wants to know whether it is still there asks
+/// `isvalid`. Members that need the object raise the null-reference failure without it.
 template <class Intf>
 class Handle {
  public:
@@ -40,6 +44,7 @@ class Handle {
     if (isCounted()) fImpl->decRef();
   }
 
+  /// Not counted: good as long as the handle names the object.
   Intf const* get() const noexcept { return fImpl; }
   bool isNull() const noexcept { return fImpl == nullptr; }
   explicit operator bool() const noexcept { return fImpl != nullptr; }
@@ -53,6 +58,7 @@ class Handle {
   /// Whether the reference names an object that exists in its variant; false for a null reference.
   bool isvalid() const { return fImpl != nullptr && fImpl->deviant_isValid(fDeviant); }
 
+  /// The same object in the same variant; contents take no part.
   friend bool operator==(Handle const& aLeft, Handle const& aRight) noexcept {
     return aLeft.fImpl == aRight.fImpl && aLeft.fDeviant == aRight.fDeviant;
   }

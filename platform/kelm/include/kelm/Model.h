@@ -20,6 +20,7 @@ class UMLMM_API ModelIntf : public ObjectIntf {
   char const* getVeskName(bool) const override {
     raiseFailure(words::kInternalError, "kelm/Kelm/NSInterface/ModelIntf");
   }
+  /// Binds a model of the cache anew; raises, with the old uri kept, when another one has the new one there.
   virtual void setModelUri(Deviant const& aDeviant, String const& aUri) = 0;
   virtual String getModelUri(Deviant const& aDeviant) const = 0;
 };
@@ -28,7 +29,8 @@ class UMLMM_API ModelIntf : public ObjectIntf {
 class UMLMM_API FactoryIntf : public ObjectIntf {
  public:
   ~FactoryIntf() override;
-  /// A new, empty model without a uri, in its base variant.
+  /// A new, empty model without a uri, in its base variant, not in the cache: it lives as long as the
+  /// handle's copies and the host's objects of it.
   static Model createNewModel();
 };
 
@@ -43,6 +45,7 @@ class UMLMM_API FactoryObjectIntf : public ObjectIntf {
 
 }  // namespace NSInterface
 
+/// Read-only reference to a model.
 class ImmutableModel : public Handle<NSInterface::ModelIntf> {
  public:
   using Handle::Handle;
@@ -51,6 +54,8 @@ class ImmutableModel : public Handle<NSInterface::ModelIntf> {
   String getModelUri() const { return checked("kelm/Kelm/Model_h")->getModelUri(fDeviant); }
 };
 
+/// Changeable reference to a model. It keeps the model open: when the last goes, and with it the cache's and
+/// the host's counts, the elements go, and references to them answer false to `isvalid`.
 class Model : public ImmutableModel {
  public:
   Model() noexcept = default;
@@ -78,9 +83,11 @@ class FactoryObject : public ImmutableFactoryObject {
   explicit FactoryObject(Handle const& aOther) : ImmutableFactoryObject(aOther) {}
 };
 
-/// Brings the kernel up: runs the start-up callbacks, once. Later calls do nothing.
+/// Brings the kernel up: runs the start-up callbacks, once, on the calling thread, in the order in which they
+/// were added. Later calls do nothing and wait for nobody. What a callback raises comes through; the ones
+/// behind it are lost.
 UMLMM_API void initialize();
-/// Adds a callback for `initialize`; runs it at once if the kernel is up.
+/// Adds a callback for `initialize`; runs it at once, on this thread, if the kernel is up or coming up.
 UMLMM_API void addStartupCallback(void (*aCallback)());
 
 }  // namespace Kelm

@@ -11,8 +11,9 @@
 
 namespace Kelm {
 
-/// The process-wide table of models by uri. It holds one count on each bound model. It serves all threads; a
-/// model that was found belongs to the thread that uses it all the same.
+/// The process-wide table of models by uri. It holds one count on each bound model, so a bound model lives
+/// until it is closed or unbound. It serves all threads; a model that was found belongs to the thread that
+/// uses it all the same.
 class UMLMM_API ModelCache {
  public:
   /// Base name of new models.
@@ -23,9 +24,10 @@ class UMLMM_API ModelCache {
   [[nodiscard]] std::unique_lock<std::recursive_mutex> guard() const { return std::unique_lock(fGuard); }
   /// `aBase` if no bound model has it, else `aBase` followed by the first free number from 1.
   std::u16string getNextAvailableModelUri(std::u16string const& aBase) const;
-  /// Raises when another model is bound to the uri. A model has one uri here: a new one replaces the old.
+  /// Raises when another model is bound to the uri, and for a null model. A model has one uri here: a new one
+  /// replaces the old. The model's own uri is not touched.
   void bindModel(std::u16string const& aUri, Model const& aModel);
-  /// Forgets the model, whatever its uri; nothing if it is not bound.
+  /// Forgets the model, whatever its uri; nothing if it is not bound. The count that goes may be its last.
   void unbindModel(ModelObject const& aModel) noexcept;
   /// A null model if the uri is not bound.
   Model findModel(std::u16string const& aUri) const;

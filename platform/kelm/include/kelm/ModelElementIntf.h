@@ -14,7 +14,8 @@ namespace Kelm::NSInterface {
 
 /// The kernel part of every element: counts, identity, container and slots. All that does not depend on the
 /// metaclass is implemented here, once, on the class table; a null table means that no element stands behind
-/// the interface, and the members answer as the bare interface does.
+/// the interface, and the members answer as the bare interface does: they raise an internal error, or answer
+/// null, false and 0 where they can't raise.
 class UMLMM_API ModelElementIntf : public ClassObjectIntf {
  public:
   int incRef() const final { return fClass == nullptr ? 0 : ++fCount; }
@@ -65,7 +66,7 @@ class UMLMM_API ModelElementIntf : public ClassObjectIntf {
     return variant != nullptr && fModel != nullptr && variant->fModel == fModel;
   }
 
-  /// First slot word.
+  /// First slot word; only what `classTable` says is where tells what a word is.
   std::uint64_t const* slots() const noexcept {
     return reinterpret_cast<std::uint64_t const*>(reinterpret_cast<char const*>(this) + fClass->fSlotOffset);
   }

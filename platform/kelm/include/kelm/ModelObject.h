@@ -13,7 +13,7 @@ namespace Kelm {
 /// What the metamodel notes of a change, to take it back.
 class ChangeRecord;
 
-/// What the metamodel keeps with a model, such as its index of elements by metaclass.
+/// What the metamodel keeps with a model, such as its index of elements by metaclass. It ends with the model.
 class UMLMM_API ModelCompanion {
  public:
   virtual ~ModelCompanion();
@@ -67,11 +67,13 @@ class UMLMM_API ModelObject final : public NSInterface::ModelIntf {
   String getModelUri(Deviant const& aDeviant) const override;
 
   Deviant baseDeviant() const noexcept { return Deviant(fBase); }
-  /// The read-only variant of the same data; one for a model, made at the first call.
+  /// The read-only variant of the same data; one for a model, made at the first call, which takes memory.
+  /// What is changed through the base variant is seen through it at once.
   Deviant readOnlyDeviant();
   bool isOpen() const noexcept { return fBase->fModel != nullptr; }
-  /// Unbinds the model, closes its variants and drops its elements. Handles to them answer false to
-  /// `isvalid`.
+  /// Unbinds the model, closes its variants and drops its elements; needs no memory. Handles to them answer
+  /// false to `isvalid`, and so do those of the model. A closed model stays closed; a second call does
+  /// nothing.
   void close();
 
   /// Takes an element without a container into the model, which takes over one of its counts. Nothing has
@@ -84,6 +86,7 @@ class UMLMM_API ModelObject final : public NSInterface::ModelIntf {
   /// Undoes `removeRoot`; `aPrevious` stood before the element, null for the first.
   void restoreRoot(NSInterface::ModelElementIntf* aPrevious,
                    NSInterface::ModelElementIntf* aElement) noexcept;
+  /// In the order of their making or coming; null for none.
   PartList* roots() const noexcept { return fRoots; }
   /// Memory for its elements and their lists.
   Blocks& blocks() const noexcept { return *fBlocks; }

@@ -20,7 +20,7 @@ class Object : public ImmutableObject {
  public:
   Object() noexcept = default;
   Object(NSInterface::ObjectIntf const* aImpl, Deviant aDeviant) : ImmutableObject(aImpl, aDeviant) {}
-  /// The same for an object of a final class, which is counted without a look at its table.
+  /// The same for an object of a final class, not null, which is counted without a look at its table.
   template <std::derived_from<NSInterface::ObjectIntf> Final>
   requires std::is_final_v<Final> Object(Final const* aImpl, Deviant aDeviant)
   noexcept {

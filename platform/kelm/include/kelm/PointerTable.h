@@ -7,12 +7,14 @@
 
 namespace Kelm {
 
-/// A table from pointers to small numbers: open addressing without gaps, so that erasing leaves no traces.
+/// A table from pointers to small numbers: open addressing without gaps, so that erasing leaves no traces. At
+/// most half full, so each question takes constant time. `reserve` with any number comes before all but
+/// `insert`; null is no pointer of it.
 class PointerTable {
  public:
   static constexpr std::uint32_t kNotFound = UINT32_MAX;
 
-  /// Makes room for `aCount` pointers.
+  /// Makes room for `aCount` pointers; as many inserts can't fail then. Nothing has changed if it raises.
   void reserve(std::uint32_t aCount) {
     std::size_t const wanted = std::bit_ceil(std::size_t{aCount} * 2 + 2);
     if (wanted <= fSlots.size()) return;

@@ -9,10 +9,11 @@
 
 namespace Kelm {
 
-/// A small vector of the kernel's visitor interface.
+/// The path that `getVisitMethod` takes; nothing else uses it.
 template <class T>
 using LightVector = std::vector<T>;
 
+/// Nothing of its own: the root that libraries of the binding expect to link against.
 class UMLMM_API Cleanup {
  protected:
   Cleanup() noexcept = default;
@@ -34,10 +35,13 @@ class UMLMM_API ReferenceCountingIntf : public Cleanup {
   virtual int incRef() const;
   /// Gives a count back; the last one deletes the object. May throw on a broken count.
   virtual int decRef() const;
+  /// The counts now; 0 for objects that nobody counts.
   virtual int numRef() const;
+  // No object of the house has an answer to these two: null.
   virtual void const* getListOfReferences() const;
   virtual void const* getVisitMethod(LightVector<LightVector<unsigned long>> const& aPath) const;
-  /// The object seen as the interface that the tags name, or null.
+  /// The object seen as the interface that the tags name, or null. It takes no count: the answer is good as
+  /// long as the object.
   virtual void* cast(CooperativeVisitor::internal::ClassInfo const& aClassInfo) const;
 
  private:
@@ -50,7 +54,7 @@ class UMLMM_API ReferenceCountingIntf : public Cleanup {
   mutable bool fIsRegistered = false;
 };
 
-/// `aObject` seen as `Interface`, or null. Null-safe.
+/// `aObject` seen as `Interface`, or null. Null-safe; takes no count.
 template <class Interface, class Domain = VisitationDomain>
 Interface* queryInterface(ReferenceCountingIntf const* aObject) {
   return aObject == nullptr ? nullptr : static_cast<Interface*>(aObject->cast(tagPair<Interface, Domain>()));

@@ -11,12 +11,13 @@
 
 namespace Kelm {
 
-/// An immutable, counted UTF-16 text: what a string slot holds, and how a string travels as an object.
-/// The text follows the record and is zero-terminated. Models and threads may share it; the empty text, which
-/// all of them do, is immortal, and threads leave its count alone.
+/// An immutable, counted UTF-16 text: what a string slot holds, and how a string travels as an object. The
+/// text follows the record and is zero-terminated. Models and threads may share it; the empty text, which all
+/// of them do, is immortal, and threads leave its count alone. Lengths and positions are in UTF-16 units.
 class UMLMM_API StringObject final : public NSInterface::ObjectIntf {
  public:
-  /// A new text with one count; the one empty text for no characters.
+  /// A new text with one count, which is the caller's; the one empty text for no characters. What is
+  /// malformed in `aText` is kept as it is.
   static StringObject* make(std::u16string_view aText);
   static StringObject* empty() noexcept;
 
@@ -55,7 +56,8 @@ class UMLMM_API StringObject final : public NSInterface::ObjectIntf {
 };
 
 /// A UTF-16 text that shares its record with copies, in whatever threads, with a narrow copy made when asked
-/// for.
+/// for. Copying takes no memory. One String itself belongs to one thread at a time; reading is no exception,
+/// as `narrow` writes.
 class UMLMM_API String {
  public:
   String() noexcept;
@@ -63,23 +65,29 @@ class UMLMM_API String {
   String(String&& aOther) noexcept;
   String(std::u16string const& aText) : fText(StringObject::make(aText)) {}
   explicit String(std::same_as<std::u16string_view> auto aText) : fText(StringObject::make(aText)) {}
+  /// Adds a count; the empty text for null.
   explicit String(StringObject const* aRecord) noexcept;
   String& operator=(String aOther) noexcept;
   ~String();
 
+  /// Good until this String is assigned or ends.
   std::u16string_view text() const noexcept { return fText->text(); }
   /// Zero-terminated.
   char16_t const* data() const noexcept { return fText->data(); }
   bool empty() const noexcept { return text().empty(); }
-  /// Replaces the text and drops the narrow copy.
+  /// Replaces the text, by a part of the same one too, and drops the narrow copy. Nothing has changed if it
+  /// raises.
   void assign(std::u16string_view aText);
+  /// By UTF-16 unit: the order of code points up to the surrogates.
   int compare(String const& aOther) const noexcept { return text().compare(aOther.text()); }
   /// UTF-8; lone surrogates become the replacement character.
   std::string to_string() const;
   static std::string to_string(std::u16string const& aText);
-  /// The narrow copy, made on first use and owned by this string.
+  /// The narrow copy in UTF-8, zero-terminated, made on first use and owned by this String: copies make their
+  /// own, and assigning drops it.
   char const* narrow() const;
   bool hasNarrow() const noexcept { return fNarrow != nullptr; }
+  /// Never null; not counted for the caller.
   StringObject const* record() const noexcept { return fText; }
 
   friend bool operator==(String const& aLeft, String const& aRight) noexcept {

@@ -26,8 +26,10 @@ class UMLMM_API Blocks {
 
   static Owner make() { return Owner(new Blocks); }
 
+  /// `aSize` bytes, which must be 24 or more, aligned to 8 and not cleared; raises `std::bad_alloc`. More
+  /// than 1024 come from the allocator.
   void* allocate(std::size_t aSize);
-  /// `aMemory` comes from any model's blocks, `aSize` is what was asked for.
+  /// `aMemory` comes from the blocks of any model that this thread uses, `aSize` is what was asked for.
   static void free(void* aMemory, std::size_t aSize) noexcept;
 
  private:

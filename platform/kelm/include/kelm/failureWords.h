@@ -14,7 +14,8 @@ inline constexpr char kReadOnlyVariant[] = "The object cannot be changed in a re
 inline constexpr char kIncorrectType[] = "Incorrect type";
 }  // namespace words
 
-/// Whether the text of a failure begins with these words, after what the reporter puts before them.
+/// Whether the text of a failure begins with these words, after what the reporter puts before them. For hosts
+/// that have classes of their own for some failures.
 [[nodiscard]] inline bool says(Exception const& aFailure, std::string_view aWords) noexcept {
   constexpr std::string_view kReporter = "Assertion failed: ";
   std::string_view text = aFailure.what();

@@ -6,7 +6,8 @@
 #include "kelm/Object.h"
 
 /// The metamodel about itself: types, classes, data types, properties and packages. All are immortal,
-/// read-only objects; texts and spans they answer live as long as the process.
+/// read-only objects that every thread may read; texts and spans they answer live as long as the process. The
+/// words are those of UML 2.5.1: clauses 7.5 (types, multiplicities), 9.2 (classifiers) and 9.5 (properties).
 namespace Kelm {
 
 namespace NSInterface {
@@ -26,7 +27,7 @@ class UMLMM_API TypeIntf : public MetaObjectIntf {
   void* cast(CooperativeVisitor::internal::ClassInfo const& aClassInfo) const override;
   char const* getVeskName(bool aImmutable) const override;
   virtual std::string_view getName() const = 0;
-  /// "umlmm::Class"
+  /// Packages and name, "umlmm::Class".
   virtual std::string_view getQualifiedName() const = 0;
   /// This type is `aOther` or a specialization of it.
   virtual bool conformsTo(TypeIntf const& aOther) const = 0;
@@ -41,7 +42,8 @@ class UMLMM_API ClassIntf : public TypeIntf {
   virtual std::span<ClassIntf const* const> superClasses() const = 0;
   /// Own properties by ascending id.
   virtual std::span<PropertyIntf const* const> ownedProperties() const = 0;
-  /// All visible properties, in the order of the meta-property list.
+  /// Own and inherited properties but for those that another one redefines, in the order of the meta-property
+  /// list.
   virtual std::span<PropertyIntf const* const> allProperties() const = 0;
 };
 
@@ -68,6 +70,7 @@ class UMLMM_API PropertyIntf : public MetaObjectIntf {
   virtual ClassIntf const& getOwner() const = 0;
   virtual TypeIntf const& getType() const = 0;
   virtual int getLower() const = 0;
+  /// kUnlimited for "*".
   virtual int getUpper() const = 0;
   /// The default as text; empty for none.
   virtual std::string_view getDefault() const = 0;
@@ -76,6 +79,7 @@ class UMLMM_API PropertyIntf : public MetaObjectIntf {
   virtual bool isDerived() const = 0;
   virtual bool isOrdered() const = 0;
   virtual bool isUnique() const = 0;
+  /// The other end of the association, if that is a property too; else null.
   virtual PropertyIntf const* getOpposite() const = 0;
   virtual std::span<PropertyIntf const* const> subsetted() const = 0;
   virtual std::span<PropertyIntf const* const> redefined() const = 0;

@@ -29,7 +29,7 @@ inline bool isPrimitive(ImmutableObject const& aObject, PrimitiveKind aKind) noe
   return aObject.get() == primitiveObject(aKind);
 }
 
-/// The record of `aObject` if it is a string, else null.
+/// The record of `aObject` if it is a string, else null. Not counted for the caller.
 inline StringObject const* asString(ImmutableObject const& aObject) noexcept {
   NSInterface::ObjectIntf const* const object = aObject.get();
   if (object == nullptr || typeid(*object) != typeid(StringObject)) return nullptr;
@@ -38,7 +38,7 @@ inline StringObject const* asString(ImmutableObject const& aObject) noexcept {
 
 class EnumerationLiteralObject;
 
-/// What one enumeration is: names and immortal literal objects.
+/// What one enumeration is: names and immortal literal objects, numbered from 0. Any thread may ask.
 class UMLMM_API EnumerationType {
  public:
   /// Both texts and the table must live as long as the process; "AggregationKind", "umlmm.AggregationKind".
@@ -49,7 +49,8 @@ class UMLMM_API EnumerationType {
   std::span<std::string_view const> literals() const noexcept { return fLiterals; }
   /// The one object of a number; a number without a literal has an immortal object of its own too.
   EnumerationLiteralObject const* object(int aNumber) const;
-  /// The number of a literal's name, also with a lower-case first letter; raises the incorrect-type failure.
+  /// The number of a literal's name, also with a lower-case first letter; raises the incorrect-type failure
+  /// for anything else, digits included.
   int parse(std::string_view aText) const;
   /// The literal as spelled, or the digits of a number without a literal.
   std::string text(int aNumber) const;
@@ -86,7 +87,8 @@ class UMLMM_API EnumerationLiteralObject final : public NSInterface::ObjectIntf 
   int fNumber;
 };
 
-/// The number of `aObject` as a literal of `aType`; raises the incorrect-type failure for anything else.
+/// The number of `aObject` as a literal of `aType`; raises the incorrect-type failure for anything else, null
+/// included. It may be a number without a literal.
 UMLMM_API int literalNumber(ImmutableObject const& aObject, EnumerationType const& aType);
 
 }  // namespace Kelm

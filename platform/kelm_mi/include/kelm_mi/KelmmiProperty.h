@@ -27,7 +27,8 @@ class UMLMM_API KelmmiProperty : public vesk::VeskPropInfo, public vesk::Detaile
   /// 0 for a property that `setValue` may write, else 1. To be shown, not enforced: `setValue` tells why not.
   int getMemberSetAccess() const override { return has(readOnly) || has(multiValued) ? 1 : 0; }
 
-  /// Fetches the element and hands on to one of the two below. Raises for a null reference.
+  /// Fetches the element and hands on to one of the two below. Raises for a null reference, and what the
+  /// accessors raise. The element is borrowed: the instance holds it for the length of the call.
   vesk::VeskValue getValue(vesk::VeskInterface* aInstance) override;
 
   virtual vesk::VeskValue getSingleValuedValue(ClassObject& aObject);

@@ -12,9 +12,11 @@ class UMLMM_API PropHelperBase {
  public:
   PropHelperBase();
 
-  /// The script's value of a model value; `aTypeName` is the descriptor's data type.
+  /// The script's value of a model value, whose array is the caller's; `aTypeName` is the descriptor's data
+  /// type.
   virtual vesk::VeskValue unboxAndReturn(Object aValue, char const* aTypeName) = 0;
-  /// Writes a script's value. False if the value was empty and nothing was written.
+  /// Writes a script's value, which stays the caller's. False if the value was empty and nothing was written.
+  /// Raises, with nothing written, for one that is no value of the type.
   virtual bool boxAndSet(ClassObject* aObject, vesk::VeskValue& aValue, IntrospectiveMethods const* aMethods,
                          unsigned aId) = 0;
   virtual ~PropHelperBase();

@@ -33,6 +33,7 @@ class UMLMM_API VeskExtensionsRegistryImpl {
   std::map<std::string, Entry> fEntries;
 };
 
+/// The one of the process, used by the host's thread.
 class UMLMM_API VeskExtensionsRegistry : public VeskExtensionsRegistryImpl {
  public:
   static VeskExtensionsRegistry& instance();

@@ -11,7 +11,8 @@ struct HostWord {
   void* fHost = nullptr;
 };
 
-/// An id made from a record has the lowest bit set, which no ordinary object address has.
+/// An id made from a record has the lowest bit set, which no ordinary object address has. Whoever follows one
+/// trusts that its record is still there: owners of such records keep them for the life of the process.
 [[nodiscard]] inline bool isTaggedId(void const* id) noexcept {
   return (reinterpret_cast<std::uintptr_t>(id) & 1) != 0;
 }

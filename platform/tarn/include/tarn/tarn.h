@@ -57,12 +57,13 @@ struct tarnElementHooks {
 };
 UMLMM_API void tarnSetElementHooks(tarnElementHooks hooks) noexcept;
 
-// Every array made here belongs to the caller, who gives it back by tarnDestroyArray. Out of memory
-// raises the foundation's exception.
+// Every array made here belongs to the caller, who gives it back by tarnDestroyArray. Out of memory, and
+// sizes beyond any memory, raise foundation's bad_alloc. Arrays, their pools and counts are the host's: one
+// thread at a time. Data lie in the array's own block and stay where they are until it is destroyed.
 
-/// A char row of zero-terminated UTF-8 text; 0 by 0 for the empty text.
+/// A char row of zero-terminated UTF-8 text, not null; 0 by 0 for the empty text.
 [[nodiscard]] UMLMM_API tarnArray* tarnCreateString(char const* text);
-/// A char row of zero-terminated UTF-16 text; 0 by 0 for the empty text.
+/// A char row of zero-terminated UTF-16 text, not null; 0 by 0 for the empty text.
 [[nodiscard]] UMLMM_API tarnArray* tarnCreateString_UTF16(char16_t const* text);
 /// A char row of `length` code units, zeros included; all zeros, for the caller to fill, if `text` is null.
 [[nodiscard]] UMLMM_API tarnArray* tarnCreateStringOfLength(char16_t const* text, std::size_t length);
@@ -76,7 +77,8 @@ UMLMM_API void tarnSetElementHooks(tarnElementHooks hooks) noexcept;
 /// A zero-filled array of any number of dimensions, none counting as one element.
 [[nodiscard]] UMLMM_API tarnArray* tarnCreateArray(std::size_t const* dimensions, std::size_t count,
                                                    tarnClassId classId);
-/// A zero-filled array of which only the size of its data is known yet.
+/// A zero-filled array of which only the size of its data is known yet, below 4 GiB: asking for its elements
+/// makes it one row of them.
 [[nodiscard]] UMLMM_API tarnArray* tarnCreateOpaque(std::size_t bytes, tarnClassId classId);
 
 /// Makes `array`, memory that the caller keeps, the 1 by 1 array of the instance it lies in.
@@ -90,16 +92,18 @@ inline void tarnInitEmbedded(tarnArray* array, void* instance) noexcept {
 }
 
 /// Gives an array back with the references that it holds; null is allowed. Destroying the array that is
-/// part of an instance drops one reference to the instance.
+/// part of an instance drops one reference to the instance. A last reference that goes may run any code.
 UMLMM_API void tarnDestroyArray(tarnArray* array);
 
-/// The text of a char array as zero-terminated UTF-8, to be given back by tarnFree. A surrogate without
-/// its partner is written as three bytes.
+/// The text of a char array as zero-terminated UTF-8, to be given back by tarnFree; empty for null and for an
+/// array of another class. A surrogate without its partner is written as three bytes; a zero in the text ends
+/// it for whoever reads it as zero-terminated.
 [[nodiscard]] UMLMM_API char* tarnArrayToString_UTF8(tarnArray const* array);
 [[nodiscard]] UMLMM_API char* tarnArray2String(tarnArray const* array);
 UMLMM_API void tarnFree(void* text) noexcept;
 
-/// Puts an instance into an object array, which takes a reference of its own; null is allowed.
+/// Puts an instance into an object array, which takes a reference of its own and drops that of what stood
+/// there; null is allowed. Neither the class of the array nor the index, from 0, is checked.
 UMLMM_API void tarnSetObject(tarnArray* array, std::size_t index, void* instance);
 
 namespace tarn {

@@ -21,6 +21,7 @@ using Details = std::vector<Detail>;
 /// What a method or property info is beside its own interface when there are such facts of it.
 class UMLMM_API Detailed {
  public:
+  /// In the order in which a description tells them.
   [[nodiscard]] virtual Details details() const = 0;
 
  protected:

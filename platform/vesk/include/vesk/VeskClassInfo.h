@@ -14,7 +14,9 @@ namespace vesk {
 using VeskDataTypePtr = host::Type const*;
 
 /// Lets the host walk a sequence in blocks, search it and put it into order: what a script's `for`, `in` and
-/// `sort` are made of.
+/// `sort` are made of. Indices count from 0, unlike those of the sequences' own methods. `sequence` is an
+/// instance of the class that gave the hook, or of one below it; what the library behind it refuses comes
+/// through as it is.
 class UMLMM_API SequenceHook {
  public:
   /// Most elements of a block.
@@ -66,7 +68,8 @@ struct Identity {
   friend bool operator==(Identity const&, Identity const&) noexcept = default;
 };
 
-/// What a library tells the host of one class. The host owns it.
+/// What a library tells the host of one class. The host owns it. Of the many questions it asks those that
+/// have a remark, names and texts, and isHidden; the rest belong to hosts that keep files and windows.
 class UMLMM_API VeskClassInfo {
  public:
   VeskClassInfo() = default;
@@ -82,10 +85,12 @@ class UMLMM_API VeskClassInfo {
   virtual char const* getDescription() const = 0;
   virtual char const* getDetailedDescription() const = 0;
   virtual int getAccess() const { return 0; }
-  /// Fills the class; called once, when the class is first needed.
+  /// Fills the class; called when the class is first needed. What it throws is the answer to every later use
+  /// of the class too; after std::bad_alloc alone it is called again, with the class as empty as before.
   virtual void initializeClass(VeskClass* cls, VeskClient const* client) = 0;
   virtual int handleQueryFirst() const = 0;
-  /// The last host reference to the instance bound to `id` has gone; the info drops the binding.
+  /// The last host reference to the instance bound to `id` has gone; the info drops the binding and what the
+  /// binding kept alive. Called once for an instance. A binding that is left is dropped by the host.
   virtual void releaseInstance(VeskClient const* client, void* id) = 0;
   virtual void updateInstance(void*) {}
   virtual int factoryQuery() const = 0;
@@ -128,9 +133,9 @@ class UMLMM_API VeskClassInfo {
   virtual void classIsAbstract() {}
   virtual bool allowInstanceUpdates() const { return false; }
   virtual bool isIDConsistent() const { return false; }
-  /// For classes of sequences: how to walk an instance. Belongs to the info.
+  /// For classes of sequences: how to walk an instance. Belongs to the info. Null for all others.
   virtual SequenceHook const* getSequenceHook() const { return nullptr; }
-  /// What the instance bound to `id` stands for; by default the id alone.
+  /// What the instance bound to `id` stands for, for `==` and `hash` of scripts; by default the id alone.
   virtual Identity identify(void const* id) const { return {id, 0}; }
 };
 

@@ -7,7 +7,8 @@
 
 namespace vesk {
 
-/// A failure of the class system itself. What methods and properties throw passes through unchanged.
+/// A failure of the class system itself; what() is for the reader of a script, in UTF-8. What methods and
+/// properties throw passes through unchanged.
 class UMLMM_API VeskError : public std::runtime_error {
  public:
   enum class Kind {

@@ -7,7 +7,7 @@
 
 namespace vesk {
 
-/// The host's object for an instance of a class.
+/// The host's object for an instance of a class. It ends with its last reference, and its binding with it.
 class UMLMM_API VeskInterface {
  public:
   virtual ~VeskInterface();
@@ -16,7 +16,8 @@ class UMLMM_API VeskInterface {
   /// bound. An instance has one native id.
   virtual void* getNativeObject(VeskInterned className) = 0;
 
-  /// Takes and drops one host reference; by default instances are not counted.
+  /// Takes and drops one host reference; by default instances are not counted. The last `release` may run any
+  /// code of the class that is bound, and throws what that throws.
   virtual void retain();
   virtual void release();
 };

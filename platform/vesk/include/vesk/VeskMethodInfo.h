@@ -26,10 +26,12 @@ class UMLMM_API VeskMethodInfo {
   virtual char const* getDetailedDescription() const { return nullptr; }
   virtual int getMemberAccess() const = 0;
   virtual ExtendedAccess getExtendedAccess() const;
+  /// Asked for when the method is added; never null, and at most 15 argument types.
   virtual VeskMethodSignaturePtr const& getMethodSignature() const = 0;
   /// Runs the method. `results` has at least one zeroed slot (for a constructor: the object that it is to
   /// bind); `resultCount` is the number of results that the caller wants and becomes the number given.
-  /// Arrays in `arguments` stay the caller's; an array in `results` becomes the caller's.
+  /// Arrays in `arguments` stay the caller's; an array in `results` becomes the caller's. The receiver of a
+  /// method that has one is `arguments[0]`. When it throws, `results` is not looked at.
   virtual void invoke(VeskClient const* client, int& resultCount, VeskValue* results, int argumentCount,
                       VeskValue const* arguments) const = 0;
   virtual bool isFirstArgDispatch() const { return true; }

@@ -8,7 +8,8 @@
 
 namespace vesk {
 
-/// What a method takes and gives, in the texts of its maker. Immutable and shared.
+/// What a method takes and gives, in the texts of its maker: data types, or full names of classes. Immutable
+/// and shared.
 class UMLMM_API VeskMethodSignature {
  public:
   VeskMethodSignature(VeskInterned names, VeskInterned result, VeskInterned receiver,

@@ -21,7 +21,8 @@ class UMLMM_API VeskPackageInfo {
   virtual char const* getName() const = 0;
   virtual char const* getDescription() const { return nullptr; }
   virtual char const* getDetailedDescription() const { return nullptr; }
-  /// A last chance to bring in a member that the package does not have; true if it exists now.
+  /// A last chance to bring in a member that the package does not have; true if it exists now. This host asks
+  /// for classes alone.
   virtual bool attemptToLoadSubPackage(char const* name);
   /// Raises the error for a second definition of `name`.
   virtual void throwErrorForDefinitionOfExistingName(char const* name);
@@ -29,7 +30,8 @@ class UMLMM_API VeskPackageInfo {
   virtual bool attemptToLoadFunction(char const* name);
   virtual bool attemptToLoadType(char const* name);
   virtual void* getMethodSelector() const { return nullptr; }
-  /// Announces the members of the package; called once, at its first use.
+  /// Announces the members of the package, at its first use. What it throws is the answer to every later use
+  /// of the package too; after std::bad_alloc alone it is called again, with the package empty.
   virtual void initializePackage(VeskPackage* package) = 0;
   virtual bool isDestructible() const { return true; }
   virtual bool isLocked() const { return true; }

@@ -84,9 +84,10 @@ class UMLMM_API VeskPropInfo {
   virtual bool isOrderSignificant() const { return has(PropertyOrderMatters); }
   virtual bool isOwned() const { return has(PropertyOwned); }
   virtual bool isWeakReference() const { return false; }
-  /// The value of the property, to be given back to releaseValue once it is copied.
+  /// The value of the property, to be given back to releaseValue, once, when it is copied. What it throws
+  /// comes through, and nothing is to be given back then.
   virtual VeskValue getValue(VeskInterface* instance) = 0;
-  /// Sets the property; `value` stays the caller's.
+  /// Sets the property; `value` is of getDataType and stays the caller's. Nothing has changed when it throws.
   virtual void setValue(VeskInterface* instance, VeskValue value) = 0;
   virtual void releaseValue(VeskInterface* instance, VeskValue value) = 0;
   virtual bool isLocked() const { return !has(PropertyUnlocked); }

@@ -6,8 +6,9 @@
 
 namespace vesk {
 
-/// One slot for an argument, a result or a property value: a host array, or for "logical scalar" and
-/// "int32 scalar" the raw value widened to the whole slot. The slot does not own the array.
+/// One slot for an argument, a result or a property value: a host array, or for "logical scalar" and "int32
+/// scalar" the raw value widened to the whole slot. The slot does not own the array, and does not know which
+/// of them it holds: that is told by the type it belongs to (host/Type.h).
 class VeskValue {
  public:
   constexpr VeskValue() noexcept = default;

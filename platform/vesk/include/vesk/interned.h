@@ -12,8 +12,8 @@ namespace vesk {
 
 namespace internal {
 
-/// The one permanent record of a text. The two words beside the text are caches of the host: the class
-/// or data type that the text names, and whatever a front keeps with the name.
+/// The one permanent record of a text. The two words beside the text are caches of the host, written by its
+/// one thread: the class or data type that the text names, and whatever a front keeps with the name.
 struct InternedRecord {
   std::string fText;
   host::Type* fType = nullptr;
@@ -42,6 +42,7 @@ class VeskInternedBase {
   [[nodiscard]] constexpr internal::InternedRecord* record() const noexcept { return fRecord; }
 
   friend constexpr bool operator==(VeskInternedBase, VeskInternedBase) noexcept = default;
+  /// By address: some order, not that of the texts, and another one in the next run.
   friend bool operator<(VeskInternedBase a, VeskInternedBase b) noexcept {
     return std::less<>()(a.fRecord, b.fRecord);
   }
@@ -54,6 +55,8 @@ using VeskInterned = VeskInternedBase<internal::IdEmptyPolicy>;
 
 namespace internal {
 
+// All of these may be called in any thread; a text that is interned stays for the life of the process.
+
 /// The token of `text`, which is consumed; null for the empty text.
 [[nodiscard]] UMLMM_API VeskInterned makeInterned(std::string&& text);
 /// The token of zero-terminated text; null for null and for the empty text.
@@ -63,7 +66,8 @@ namespace internal {
 [[nodiscard]] UMLMM_API VeskInterned findInterned(std::string_view text) noexcept;
 
 /// A literal that is interned at its first use and costs one load and test from then on:
-/// `static constinit InternedLiteral sName{"Kelm.Object"}; ... sName.get()`.
+/// `static constinit InternedLiteral sName{"Kelm.Object"}; ... sName.get()`. It is the host's thread that
+/// asks.
 class InternedLiteral {
  public:
   explicit constexpr InternedLiteral(char const* text) noexcept : fText(text) {}

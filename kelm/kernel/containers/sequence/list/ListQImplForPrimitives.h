@@ -30,7 +30,11 @@ namespace ListQImplInternal {
 /// values whose moves may throw are changed in a copy.
 ///
 /// Iterators are offsets that changes move along with their elements. One whose element was removed, or that
-/// belongs to another sequence, raises; one whose element was replaced stands at the new value.
+/// belongs to another sequence, raises; one whose element was replaced, or moved by `generic_rearrange`,
+/// stands at the value that is there now. `begin` and `end` detach shared data, so they may copy it all and
+/// fail.
+///
+/// `removeAll` takes time for each value behind each that goes; search and membership are linear.
 template <class T>
 class ListQImplForPrimitives : public Generic::SequenceIntf {
   using Ref = Generic::Ref;
@@ -139,6 +143,8 @@ class ListQImplForPrimitives : public Generic::SequenceIntf {
       auto const place = aOwn.erase(at(aOwn, first), at(aOwn, last));
       aOwn.insert(place, std::make_move_iterator(values.begin()), std::make_move_iterator(values.end()));
     });
+    noteErased(first, last);
+    noteInserted(first, values.size());
     return true;
   }
 
@@ -223,13 +229,16 @@ class ListQImplForPrimitives : public Generic::SequenceIntf {
   void insertAt(std::size_t aOffset, T const& aValue) {
     T value = aValue;
     change(1, [&](Values& aValues) { aValues.insert(at(aValues, aOffset), std::move(value)); });
-    fIterators.forEach<Iterator>([&](Iterator& aIterator) {
-      if (aIterator.fOffset >= aOffset) ++aIterator.fOffset;
-    });
+    noteInserted(aOffset, 1);
   }
   void eraseRange(std::size_t aFirst, std::size_t aLast) {
     change(0, [&](Values& aValues) { aValues.erase(at(aValues, aFirst), at(aValues, aLast)); });
     noteErased(aFirst, aLast);
+  }
+  void noteInserted(std::size_t aOffset, std::size_t aCount) const noexcept {
+    fIterators.forEach<Iterator>([&](Iterator& aIterator) {
+      if (aIterator.fOffset >= aOffset) aIterator.fOffset += aCount;
+    });
   }
   void noteErased(std::size_t aFirst, std::size_t aLast) const noexcept {
     fIterators.forEach<Iterator>([&](Iterator& aIterator) {

@@ -36,7 +36,11 @@ struct Less {
 /// the sequence stays as it is. Not counted: whoever makes one owns it. The deviant takes no part.
 ///
 /// A change that fails leaves everything as it was. Elements don't move in memory: an iterator stays valid
-/// until its own element goes, and raises from then on.
+/// until its own element goes, through `generic_rearrange` too, and raises from then on. One whose element
+/// was replaced stands at the new value.
+///
+/// Access by index takes constant time, membership logarithmic, a change time for each value behind its
+/// place.
 template <class T, bool IsUnique, class KeyExtractor>
 class MultiIndexImplForPrimitives : public Generic::SequenceIntf {
   using Ref = Generic::Ref;
@@ -338,7 +342,9 @@ bool MultiIndexImplForPrimitives<T, IsUnique, KeyExtractor>::splice(Deviant cons
   for (std::size_t i = first; i < last; ++i)
     if (!stays[i - first]) add(i, i + 1);
   fElements.rearrange(order.begin());
-  fElements.erase(at(kept), fElements.end());
+  Position const going = at(kept);
+  endIterators([&](Position const& aOther) { return !(aOther < going) && aOther < fElements.end(); });
+  fElements.erase(going, fElements.end());
   return true;
 }
 

@@ -24,10 +24,12 @@ class UMLMM_API BindingRegistry {
   static VeskValue announce(void* id, VeskInterned className);
   static VeskValue announce(void const* id, VeskInterned className);
 
-  /// Binds `id` to the instance in `object`, which the host made for a running constructor.
+  /// Binds `id` to the instance in `object`, which the host made for a running constructor. Throws a
+  /// VeskError when there is none, and when the id or the instance is bound already.
   static void announceForConstructor(void* id, VeskInterned className, tarnArray* object, bool isNew);
 
-  /// Drops the binding of `id`, if there is one.
+  /// Drops the binding of `id`, if there is one; but not that of a new instance that got the id while the old
+  /// one is being released.
   static void remove(void const* id);
 
   /// The instance bound to `id`, or null; no reference is taken.

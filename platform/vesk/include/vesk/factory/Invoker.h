@@ -43,14 +43,15 @@ class UMLMM_API Invoker {
   void setFirstArgumentIsSelf(bool is) noexcept { fFirstArgumentIsSelf = is ? 1 : 0; }
   [[nodiscard]] bool firstArgumentIsSelf() const noexcept { return fFirstArgumentIsSelf != 0; }
 
+  /// Calls the thunk, which must have been set.
   void invoke(VeskClient const* client, int& resultCount, VeskValue* results, int argumentCount,
               VeskValue const* arguments) const {
     fThunk(*this, client, resultCount, results, argumentCount, arguments);
   }
 
-  /// Builds a signature. `names` are those of the arguments without the receiver, separated by comma and
-  /// blank; `result` is a full class name, a data type or "void"; `receiver` is null or the full class
-  /// name of the receiver, which then does not stand among the argument types.
+  /// Builds a signature; all texts are interned. `names` are those of the arguments without the receiver,
+  /// separated by comma and blank; `result` is a full class name, a data type or "void"; `receiver` is null
+  /// or the full class name of the receiver, which then does not stand among the argument types.
   static void createSignature(char const* names, char const* result, char const* receiver,
                               VeskMethodSignaturePtr& signature);
   static void createSignature(char const* names, char const* result, char const* receiver, char const* first,

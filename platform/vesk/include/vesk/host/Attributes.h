@@ -4,8 +4,9 @@
 #include "vesk/fwd.h"
 #include "vesk/interned.h"
 
-/// Attributes of instances by name, with values of whatever type. These travel in the front's own form
-/// (Carrier::Front), as scripts write and read them, so that a name is as good as an attribute.
+/// Attributes of instances by name, for libraries, with values of whatever type. These travel in the front's
+/// own form (Carrier::Front), as scripts write and read them, so that a name is as good as an attribute. A
+/// library hands them on and can't look into them.
 namespace vesk::host {
 
 struct AttributeAccess {

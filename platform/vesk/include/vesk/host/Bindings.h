@@ -7,7 +7,7 @@
 #include "vesk/fwd.h"
 
 /// The table from native ids to instances, as the binding registry and the end of an instance need it. It
-/// does not hold the instances.
+/// does not hold the instances, nor the native objects. Tagged ids need no memory here.
 namespace vesk::host::bindings {
 
 [[nodiscard]] UMLMM_API Instance* lookUpUntagged(void const* id) noexcept;

@@ -19,7 +19,8 @@ inline constexpr int kBuiltSequence = 3;
 }  // namespace cost
 
 /// The arguments of a call as a front holds them. The host ranks methods by what the front says it can
-/// convert, at what cost, and lets it convert the arguments for the one that is chosen.
+/// convert, at what cost, and lets it convert the arguments for the one that is chosen. So costs are asked
+/// any number of times and must not change anything; each argument is converted once.
 class UMLMM_API ArgumentSource {
  public:
   /// Cost of argument `index`, counted from 0, as a value of `wanted`; cost::kNone if it is none.
@@ -49,7 +50,8 @@ enum class CallForm {
 };
 
 /// The method that fits the arguments best: the nearest class that has a fitting one, there the lowest sum
-/// of costs, among equals the one defined first. Null if none fits.
+/// of costs, among equals the one defined first. Null if none fits. Takes time for each method up to that
+/// class; a front does well to remember the answer for the types of its arguments.
 [[nodiscard]] UMLMM_API MethodRecord const* findMethod(Member const& member, CallForm form,
                                                        ArgumentSource& arguments, int count);
 /// The same; throws a VeskError of kind Match that lists the signatures if none fits.
@@ -61,8 +63,8 @@ enum class CallForm {
                                                                int count);
 
 /// Calls a method that was resolved for the same form and arguments. `receiver` is used by the form
-/// OnInstance alone and may be null for a static method. The result is of the method's result type; of
-/// type "void" if the method gave none.
+/// OnInstance alone and may be null for a static method. The result is of the method's result type; of type
+/// "void" if the method gave none. What was converted is given back, also when the call throws.
 UMLMM_API OwnedValue callMethod(MethodRecord const& method, CallForm form, Instance* receiver,
                                 ArgumentSource& arguments, int count);
 

@@ -26,7 +26,7 @@ using FailureClassifier = FailureKind (*)(std::exception const& failure);
 /// Gives the failures that `matches` recognises the full name of an exception class, such as "Kelm.Error",
 /// under which scripts catch them. The name is permanent text; a name that is known gets the new matcher.
 UMLMM_API void nameFailures(char const* name, FailureMatcher matches, FailureClassifier classify = nullptr);
-/// The name of a failure, or null if no library names it.
+/// The name of a failure, or null if no library names it; of several names that match, the one given first.
 [[nodiscard]] UMLMM_API char const* failureName(std::exception const& failure) noexcept;
 /// What its library says that a failure tells; General for one that no library names.
 [[nodiscard]] UMLMM_API FailureKind failureKind(std::exception const& failure) noexcept;

@@ -24,7 +24,8 @@ enum class Carrier : std::uint8_t {
 /// Whether slots of this carrier hold an array that has to be given back.
 [[nodiscard]] constexpr bool holdsArray(Carrier carrier) noexcept { return carrier >= Carrier::Text; }
 
-/// A data type or a class, as signatures and properties name it. Types live as long as the process.
+/// A data type or a class, as signatures and properties name it. Types live as long as the process; a name
+/// leads to its type through its interned record.
 struct Type {
   VeskInterned fName;
   Carrier fCarrier;

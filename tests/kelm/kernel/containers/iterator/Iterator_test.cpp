@@ -84,6 +84,22 @@ TYPED_TEST(IteratorSuite, RaisesOnceItsElementIsGone) {
   EXPECT_EQ(failureText([&] { sequence.insert(last, {9}); }), this->outOfBounds());
 }
 
+TYPED_TEST(IteratorSuite, FollowsASplice) {
+  auto const sequence = this->make({1, 2, 3});
+  auto const first = sequence.begin();
+  auto const end = sequence.end();
+  auto third = end;
+  third.previous();
+  using Access = Kelm::Generic::RefAccess<Number>;
+  ASSERT_TRUE(sequence.get()->splice({}, 0, 2, {Access::make({7}), Access::make({8}), Access::make({9})}));
+  EXPECT_EQ(failureText([&] { first.current(); }), this->outOfBounds());
+  EXPECT_EQ(third.current().fValue, 3);
+  ASSERT_TRUE(sequence.get()->splice({}, 0, 4, {}));
+  EXPECT_EQ(failureText([&] { third.current(); }), this->outOfBounds());
+  EXPECT_EQ(sequence.insert(end, {5}).current().fValue, 5);
+  EXPECT_EQ(sequence.size(), 1);
+}
+
 TYPED_TEST(IteratorSuite, HasOneIdForEachMutability) {
   auto const sequence = this->make({1});
   auto const position = sequence.begin();

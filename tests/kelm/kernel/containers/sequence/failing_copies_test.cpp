@@ -93,6 +93,15 @@ Operation<Case> const kOperations[] = {
        using Access = Kelm::Generic::RefAccess<typename Case::Value>;
        s.fTarget->splice({}, 1, 2, {Access::make(s.fNew), Access::make(typename Case::Value(2))});
      }},
+    {"assign",
+     [](auto& s) {
+       using Access = Kelm::Generic::RefAccess<typename Case::Value>;
+       typename Case::Sequence other;
+       for (auto const& value : {s.fNew, typename Case::Value(3)})
+         other.generic_push_back({}, Access::make(value));
+       bool isDone = false;
+       s.fSequence.get()->specialized_assign(&other, {}, isDone);
+     }},
     {"clear", [](auto& s) { s.fSequence.clear(); }},
     {"begin", [](auto& s) { s.fSequence.begin(); }},
     {"end", [](auto& s) { s.fSequence.end(); }},
