@@ -4,21 +4,21 @@
 
 namespace umlmm::queries {
 
-AncestorGraph::AncestorGraph(Element const& aClassifier) {
+AncestorGraph::AncestorGraph(Reading aClassifier) {
   collect(aClassifier);
   findCycles();
   dropCycles();
 }
 
-void AncestorGraph::collect(Element const& aClassifier) {
-  fPlaces.emplace(&aClassifier, kStart);
-  fNodes.push_back({&aClassifier, {}});
+void AncestorGraph::collect(Reading aClassifier) {
+  fPlaces.emplace(aClassifier.element(), kStart);
+  fNodes.push_back({aClassifier, {}});
   for (Node node = 0; node < fNodes.size(); ++node) {
     Visited seen;
-    kToGeneral.forEachTarget(*fNodes[node].fClassifier, [&](Element& aParent) {
-      if (!seen.insert(aParent)) return;
-      auto const [place, isNew] = fPlaces.emplace(&aParent, static_cast<Node>(fNodes.size()));
-      if (isNew) fNodes.push_back({&aParent, {}});
+    kToGeneral.forEachTarget(fNodes[node].fClassifier, [&](Reading aParent) {
+      if (!seen.insert(*aParent)) return;
+      auto const [place, isNew] = fPlaces.emplace(aParent.element(), static_cast<Node>(fNodes.size()));
+      if (isNew) fNodes.push_back({aParent, {}});
       fNodes[node].fParents.push_back(place->second);
     });
   }

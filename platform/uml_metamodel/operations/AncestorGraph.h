@@ -14,14 +14,14 @@ class AncestorGraph {
  public:
   using Node = std::uint32_t;
 
-  explicit AncestorGraph(Element const& aClassifier);
+  explicit AncestorGraph(Reading aClassifier);
 
   /// The classifier itself.
   static constexpr Node kStart = 0;
 
   std::size_t size() const noexcept { return fNodes.size(); }
-  bool contains(Element const& aClassifier) const { return fPlaces.contains(&aClassifier); }
-  Element const& classifier(Node aNode) const noexcept { return *fNodes[aNode].fClassifier; }
+  bool contains(Reading aClassifier) const { return fPlaces.contains(aClassifier.element()); }
+  Reading classifier(Node aNode) const noexcept { return fNodes[aNode].fClassifier; }
   /// Parents in order, each once.
   std::vector<Node> const& parents(Node aNode) const noexcept { return fNodes[aNode].fParents; }
   /// All nodes, those above a node before it.
@@ -31,12 +31,12 @@ class AncestorGraph {
 
  private:
   struct Record {
-    Element const* fClassifier;
+    Reading fClassifier;
     std::vector<Node> fParents;
     std::uint32_t fCycle = 0;
   };
 
-  void collect(Element const& aClassifier);
+  void collect(Reading aClassifier);
   void findCycles();
   void dropCycles();
 

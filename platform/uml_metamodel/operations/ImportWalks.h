@@ -13,9 +13,9 @@ namespace umlmm::queries {
 /// The entries of one namespace as they come in, each element once.
 class ImportEntries {
  public:
-  explicit ImportEntries(Element const& aNamespace) noexcept : fNamespace(aNamespace) {}
+  explicit ImportEntries(Reading aNamespace) noexcept : fNamespace(aNamespace) {}
 
-  void addElementImport(Element const& aImport, Element& aElement);
+  void addElementImport(Reading aImport, Reading aElement);
   void addShown(Imports::Entry const& aShown, bool aIsPublic);
   /// Marks the entries that collide with each other or with owned members.
   void judgeCollisions();
@@ -24,9 +24,9 @@ class ImportEntries {
   bool empty() const noexcept { return fEntries.empty(); }
 
  private:
-  Imports::Entry& entryFor(Element& aElement, bool aIsPublic);
+  Imports::Entry& entryFor(Reading aElement, bool aIsPublic);
 
-  Element const& fNamespace;
+  Reading fNamespace;
   std::vector<Imports::Entry> fEntries;
   Visited fSeen;
   /// Made when an element comes for the second time.
@@ -42,13 +42,13 @@ struct ImportsInReach {
 
 /// One walk over all packages in reach: its time grows with what is reached, however often packages import
 /// each other.
-ImportsInReach followAtOnce(Element const& aNamespace);
+ImportsInReach followAtOnce(Reading aNamespace);
 
 /// The general way, for some elements in reach: package by package, innermost first, with collisions judged
 /// in each. Its time grows with the packages times these elements.
-std::vector<Imports::Entry> followEachPackage(Element const& aNamespace,
+std::vector<Imports::Entry> followEachPackage(Reading aNamespace,
                                               std::unordered_set<Element const*> const& aElements);
 
-bool isPublicImport(Element const& aImport) noexcept;
+bool isPublicImport(Reading aImport) noexcept;
 
 }  // namespace umlmm::queries

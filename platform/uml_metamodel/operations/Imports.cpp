@@ -31,10 +31,10 @@ class NameBucket {
 
 }  // namespace
 
-bool isPublicImport(Element const& aImport) noexcept {
-  auto const feature = isA(aImport, ids::metaclass::ElementImport) ? ids::ElementImport::Visibility
-                                                                   : ids::PackageImport::Visibility;
-  return values::literal(aImport, feature) == VisibilityKind::Public;
+bool isPublicImport(Reading aImport) noexcept {
+  auto const feature = aImport.isA(ids::metaclass::ElementImport) ? ids::ElementImport::Visibility
+                                                                  : ids::PackageImport::Visibility;
+  return aImport.literal(feature) == VisibilityKind::Public;
 }
 
 void Imports::Entry::addName(std::u16string_view aName) {
@@ -46,30 +46,30 @@ void Imports::Entry::addName(std::u16string_view aName) {
   }
 }
 
-Imports::Entry& ImportEntries::entryFor(Element& aElement, bool aIsPublic) {
-  if (fSeen.insert(aElement)) {
-    bool const isOwned = namespaceOf(aElement) == &fNamespace;
+Imports::Entry& ImportEntries::entryFor(Reading aElement, bool aIsPublic) {
+  if (fSeen.insert(*aElement)) {
+    bool const isOwned = namespaceOf(aElement) == fNamespace;
     fEntries.push_back(
-        {&aElement, isOwned ? nameOf(aElement) : std::u16string_view(), {}, aIsPublic, isOwned});
-    if (!fPlaces.empty()) fPlaces.emplace(&aElement, fEntries.size() - 1);
+        {aElement.element(), isOwned ? nameOf(aElement) : std::u16string_view(), {}, aIsPublic, isOwned});
+    if (!fPlaces.empty()) fPlaces.emplace(aElement.element(), fEntries.size() - 1);
     return fEntries.back();
   }
   if (fPlaces.empty())
     for (std::size_t at = 0; at < fEntries.size(); ++at) fPlaces.emplace(fEntries[at].fElement, at);
-  Imports::Entry& entry = fEntries[fPlaces.at(&aElement)];
+  Imports::Entry& entry = fEntries[fPlaces.at(aElement.element())];
   entry.fIsPublic |= aIsPublic;
   return entry;
 }
 
-void ImportEntries::addElementImport(Element const& aImport, Element& aElement) {
+void ImportEntries::addElementImport(Reading aImport, Reading aElement) {
   Imports::Entry& entry = entryFor(aElement, isPublicImport(aImport));
-  if (namespaceOf(aElement) == &fNamespace) return;
+  if (namespaceOf(aElement) == fNamespace) return;
   entry.fHasFixedNames = true;
   entry.addName(importName(aImport));
 }
 
 void ImportEntries::addShown(Imports::Entry const& aShown, bool aIsPublic) {
-  Imports::Entry& entry = entryFor(*aShown.fElement, aIsPublic);
+  Imports::Entry& entry = entryFor(fNamespace.on(*aShown.fElement), aIsPublic);
   if (entry.fHasFixedNames) return;
   aShown.forEachName([&](std::u16string_view aName) { entry.addName(aName); });
 }
@@ -82,7 +82,7 @@ void ImportEntries::judgeCollisions() {
         [&](std::u16string_view aName) { buckets[aName].add(engine::metaclassOf(*entry.fElement)); });
   for (Element* const owned : ownedMembers(fNamespace)) {
     if (fSeen.contains(*owned)) continue;
-    if (auto const bucket = buckets.find(nameOf(*owned)); bucket != buckets.end())
+    if (auto const bucket = buckets.find(nameOf(fNamespace.on(*owned))); bucket != buckets.end())
       bucket->second.add(engine::metaclassOf(*owned));
   }
   for (Imports::Entry& entry : fEntries)
@@ -91,9 +91,9 @@ void ImportEntries::judgeCollisions() {
     });
 }
 
-Imports::Imports(Element const& aNamespace) {
-  if (values::entries(aNamespace, ids::Namespace::ElementImport).empty() &&
-      values::entries(aNamespace, ids::Namespace::PackageImport).empty())
+Imports::Imports(Reading aNamespace) {
+  if (aNamespace.entries(ids::Namespace::ElementImport).empty() &&
+      aNamespace.entries(ids::Namespace::PackageImport).empty())
     return;
   auto [entries, entangled] = followAtOnce(aNamespace);
   fEntries = std::move(entries);

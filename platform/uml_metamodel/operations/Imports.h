@@ -37,7 +37,7 @@ class Imports {
     }
   };
 
-  explicit Imports(Element const& aNamespace);
+  explicit Imports(Reading aNamespace);
 
   std::vector<Entry> const& entries() const noexcept { return fEntries; }
   /// The entry of an element, or null.

@@ -22,139 +22,133 @@ namespace queries {
 
 namespace {
 
-bool isReturn(Element const& aParameter) noexcept {
-  return values::literal(aParameter, ids::Parameter::Direction) == ParameterDirectionKind::Return;
+bool isReturn(Reading aParameter) noexcept {
+  return aParameter.literal(ids::Parameter::Direction) == ParameterDirectionKind::Return;
 }
 
-Element* associationOf(Element const& aProperty) noexcept {
-  return values::reference(aProperty, ids::Property::Association);
-}
+Reading associationOf(Reading aProperty) noexcept { return aProperty.reference(ids::Property::Association); }
 
 }  // namespace
 
-bool isOwnedByAssociation(Element const& aProperty) noexcept {
-  return aProperty.container() != nullptr && aProperty.containerFeature() == ids::Association::OwnedEnd;
+bool isOwnedByAssociation(Reading aProperty) noexcept {
+  return aProperty.owner() && aProperty.containment() == ids::Association::OwnedEnd;
 }
 
-bool isAttribute(Element const& aProperty) noexcept {
-  if (aProperty.container() == nullptr) return false;
-  auto const& containment = engine::feature(aProperty.containerFeature());
+bool isAttribute(Reading aProperty) noexcept {
+  if (!aProperty.owner()) return false;
+  auto const& containment = engine::feature(aProperty.containment());
   return containment.fGivesFeaturingClassifier && !isOwnedByAssociation(aProperty);
 }
 
-bool isNavigable(Element const& aProperty) {
+bool isNavigable(Reading aProperty) {
   if (isAttribute(aProperty)) return true;
-  Element const* const association = associationOf(aProperty);
-  return association != nullptr &&
-         engine::holds(*association, engine::feature(ids::Association::NavigableOwnedEnd), aProperty);
+  Reading const association = associationOf(aProperty);
+  return association && association.holds(ids::Association::NavigableOwnedEnd, *aProperty);
 }
 
-Element* opposite(Element const& aProperty) {
-  Element const* const association = associationOf(aProperty);
-  if (association == nullptr || isOwnedByAssociation(aProperty)) return nullptr;
-  Element* other = nullptr;
-  for (Element* const end : values::elements(*association, ids::Association::MemberEnd)) {
-    if (end == &aProperty) continue;
-    if (other != nullptr) return nullptr;
+Reading opposite(Reading aProperty) {
+  Reading const association = associationOf(aProperty);
+  if (!association || isOwnedByAssociation(aProperty)) return aProperty.none();
+  Reading other = aProperty.none();
+  for (Reading const end : association.list(ids::Association::MemberEnd)) {
+    if (end == aProperty) continue;
+    if (other) return aProperty.none();
     other = end;
   }
-  return other == nullptr || isOwnedByAssociation(*other) ? nullptr : other;
+  return other && isOwnedByAssociation(other) ? aProperty.none() : other;
 }
 
-Elements subsettingContext(Element const& aProperty) {
-  if (Element const* const association = associationOf(aProperty)) {
+Elements subsettingContext(Reading aProperty) {
+  if (Reading const association = associationOf(aProperty)) {
     Elements types;
     Visited seen;
-    for (Element* const end : values::elements(*association, ids::Association::MemberEnd)) {
-      Element* const type = values::reference(*end, ids::TypedElement::Type);
-      if (end != &aProperty && type != nullptr && seen.insert(*type)) types.push_back(type);
+    for (Reading const end : association.list(ids::Association::MemberEnd)) {
+      Reading const type = end.reference(ids::TypedElement::Type);
+      if (end != aProperty && type && seen.insert(*type)) types.push_back(type.element());
     }
     return types;
   }
-  return isAttribute(aProperty) ? Elements{aProperty.container()} : Elements();
+  return isAttribute(aProperty) ? Elements{aProperty.owner().element()} : Elements();
 }
 
-Element* returnParameter(Element const& aOwner, engine::FeatureIndex aParameters) {
-  for (Element* const parameter : values::elements(aOwner, aParameters))
-    if (isReturn(*parameter)) return parameter;
-  return nullptr;
+Reading returnParameter(Reading aOwner, engine::FeatureIndex aParameters) {
+  for (Reading const parameter : aOwner.list(aParameters))
+    if (isReturn(parameter)) return parameter;
+  return aOwner.none();
 }
 
-Elements returnResult(Element const& aOperation) {
+Elements returnResult(Reading aOperation) {
   Elements results;
-  for (Element* const parameter : values::elements(aOperation, ids::BehavioralFeature::OwnedParameter))
-    if (isReturn(*parameter)) results.push_back(parameter);
+  for (Reading const parameter : aOperation.list(ids::BehavioralFeature::OwnedParameter))
+    if (isReturn(parameter)) results.push_back(parameter.element());
   return results;
 }
 
-Elements allConnections(Element const& aAssociationClass) {
+Elements allConnections(Reading aAssociationClass) {
   Elements connections;
   Visited taken;
   Visited seen;
   // Only association classes ask their parents in turn; nearest first, as in a walk of its own for each.
-  Elements open{const_cast<Element*>(&aAssociationClass)};
+  Elements open{aAssociationClass.element()};
   while (!open.empty()) {
-    Element const& next = *open.back();
+    Reading const next = aAssociationClass.on(*open.back());
     open.pop_back();
-    if (!isA(next, ids::metaclass::Association) || !seen.insert(next)) continue;
-    for (Element* const end : values::elements(next, ids::Association::MemberEnd))
-      if (taken.insert(*end)) connections.push_back(end);
-    if (!isA(next, ids::metaclass::AssociationClass)) continue;
+    if (!next.isA(ids::metaclass::Association) || !seen.insert(*next)) continue;
+    for (Reading const end : next.list(ids::Association::MemberEnd))
+      if (taken.insert(*end)) connections.push_back(end.element());
+    if (!next.isA(ids::metaclass::AssociationClass)) continue;
     Elements const above = parents(next);
     open.insert(open.end(), above.rbegin(), above.rend());
   }
   return connections;
 }
 
-Element* metaclassEnd(Element const& aExtension) {
-  for (Element* const end : values::elements(aExtension, ids::Association::MemberEnd))
-    if (end->container() != &aExtension || !isOwnedByAssociation(*end)) return end;
-  return nullptr;
+Reading metaclassEnd(Reading aExtension) {
+  for (Reading const end : aExtension.list(ids::Association::MemberEnd))
+    if (end.owner() != aExtension || !isOwnedByAssociation(end)) return end;
+  return aExtension.none();
 }
 
-Element* linkedAssociation(Element const& aLinkAction) {
-  for (Element* const data : values::elements(aLinkAction, ids::LinkAction::EndData)) {
-    Element const* const end = values::reference(*data, ids::LinkEndData::End);
-    return end == nullptr ? nullptr : associationOf(*end);
+Reading linkedAssociation(Reading aLinkAction) {
+  for (Reading const data : aLinkAction.list(ids::LinkAction::EndData)) {
+    Reading const end = data.reference(ids::LinkEndData::End);
+    return end ? associationOf(end) : end;
   }
-  return nullptr;
+  return aLinkAction.none();
 }
 
 }  // namespace queries
 
 namespace NSInterface {
 
+using engine::readable;
 using queries::makeResult;
 
 Kelm::ImmutableSequence<ImmutableProperty> AssociationClassIntf::allConnections(
     Kelm::Deviant const& aDeviant) const {
-  engine::checkReadable(*this, aDeviant, kSource);
-  return makeResult<ImmutableProperty>(aDeviant, queries::allConnections(*this));
+  return makeResult<ImmutableProperty>(aDeviant, queries::allConnections(readable(*this, aDeviant, kSource)));
 }
 
 ImmutableProperty ExtensionIntf::metaclassEnd(Kelm::Deviant const& aDeviant) const {
-  engine::checkReadable(*this, aDeviant, kSource);
-  return queries::makeReference<ImmutableProperty>(aDeviant, queries::metaclassEnd(*this));
+  return queries::makeReference<ImmutableProperty>(aDeviant,
+                                                   queries::metaclassEnd(readable(*this, aDeviant, kSource)));
 }
 
 ImmutableAssociation LinkActionIntf::association(Kelm::Deviant const& aDeviant) const {
-  engine::checkReadable(*this, aDeviant, kSource);
-  return queries::makeReference<ImmutableAssociation>(aDeviant, queries::linkedAssociation(*this));
+  return queries::makeReference<ImmutableAssociation>(
+      aDeviant, queries::linkedAssociation(readable(*this, aDeviant, kSource)));
 }
 
 Kelm::ImmutableSequence<ImmutableParameter> OperationIntf::returnResult(Kelm::Deviant const& aDeviant) const {
-  engine::checkReadable(*this, aDeviant, kSource);
-  return makeResult<ImmutableParameter>(aDeviant, queries::returnResult(*this));
+  return makeResult<ImmutableParameter>(aDeviant, queries::returnResult(readable(*this, aDeviant, kSource)));
 }
 
 Kelm::ImmutableSequence<ImmutableType> PropertyIntf::subsettingContext(Kelm::Deviant const& aDeviant) const {
-  engine::checkReadable(*this, aDeviant, kSource);
-  return makeResult<ImmutableType>(aDeviant, queries::subsettingContext(*this));
+  return makeResult<ImmutableType>(aDeviant, queries::subsettingContext(readable(*this, aDeviant, kSource)));
 }
 
 Boolean PropertyIntf::isNavigable(Kelm::Deviant const& aDeviant) const {
-  engine::checkReadable(*this, aDeviant, kSource);
-  return queries::isNavigable(*this);
+  return queries::isNavigable(readable(*this, aDeviant, kSource));
 }
 
 }  // namespace NSInterface

@@ -14,23 +14,24 @@ constexpr char kSource[] = "uml_metamodel/operations/components";
 
 namespace queries {
 
-Elements suppliedInterfaces(Element const* aClassifier, int aDependency) {
+Elements suppliedInterfaces(Reading aClassifier, int aDependency) {
   Elements interfaces;
-  if (aClassifier == nullptr) return interfaces;
+  if (!aClassifier) return interfaces;
   Visited seen;
-  for (Element* const dependency : values::elements(*aClassifier, ids::NamedElement::ClientDependency)) {
-    if (!isA(*dependency, aDependency)) continue;
-    for (Element* const supplier : values::elements(*dependency, ids::Dependency::Supplier))
-      if (isA(*supplier, ids::metaclass::Interface) && seen.insert(*supplier)) interfaces.push_back(supplier);
+  for (Reading const dependency : aClassifier.list(ids::NamedElement::ClientDependency)) {
+    if (!dependency.isA(aDependency)) continue;
+    for (Reading const supplier : dependency.list(ids::Dependency::Supplier))
+      if (supplier.isA(ids::metaclass::Interface) && seen.insert(*supplier))
+        interfaces.push_back(supplier.element());
   }
   return interfaces;
 }
 
-Elements realizedInterfaces(Element const* aClassifier) {
+Elements realizedInterfaces(Reading aClassifier) {
   return suppliedInterfaces(aClassifier, ids::metaclass::Realization);
 }
 
-Elements usedInterfaces(Element const* aClassifier) {
+Elements usedInterfaces(Reading aClassifier) {
   return suppliedInterfaces(aClassifier, ids::metaclass::Usage);
 }
 
@@ -38,18 +39,19 @@ Elements usedInterfaces(Element const* aClassifier) {
 
 namespace NSInterface {
 
+using engine::readable;
 Kelm::ImmutableSequence<ImmutableInterface> ComponentIntf::realizedInterfaces(
     Kelm::Deviant const& aDeviant, ImmutableClassifier const& aClassifier) const {
-  engine::checkReadable(*this, aDeviant, kSource);
-  return queries::makeResult<ImmutableInterface>(aDeviant,
-                                                 queries::realizedInterfaces(queries::given(aClassifier)));
+  queries::Reading const self = readable(*this, aDeviant, kSource);
+  return queries::makeResult<ImmutableInterface>(
+      aDeviant, queries::realizedInterfaces(queries::given(self, aClassifier)));
 }
 
 Kelm::ImmutableSequence<ImmutableInterface> ComponentIntf::usedInterfaces(
     Kelm::Deviant const& aDeviant, ImmutableClassifier const& aClassifier) const {
-  engine::checkReadable(*this, aDeviant, kSource);
+  queries::Reading const self = readable(*this, aDeviant, kSource);
   return queries::makeResult<ImmutableInterface>(aDeviant,
-                                                 queries::usedInterfaces(queries::given(aClassifier)));
+                                                 queries::usedInterfaces(queries::given(self, aClassifier)));
 }
 
 }  // namespace NSInterface

@@ -9,16 +9,16 @@ namespace {
 /// One walk over a namespace and the packages that it reaches, nearest path first.
 class WholeWalk {
  public:
-  explicit WholeWalk(Element const& aNamespace) : fNamespace(aNamespace), fEntries(aNamespace) {}
+  explicit WholeWalk(Reading aNamespace) : fNamespace(aNamespace), fEntries(aNamespace) {}
 
   ImportsInReach run() {
     noteNames(fNamespace);
-    for (Element* const import : values::elements(fNamespace, ids::Namespace::ElementImport))
-      if (Element* const element = importedBy(*import)) fEntries.addElementImport(*import, *element);
-    forEachPackage(Reach::Public, fPublicPackages, [](Element const&) {});
-    forEachPackage(Reach::Visible, fPackages, [this](Element const& aPackage) { enter(aPackage); });
+    for (Reading const import : fNamespace.list(ids::Namespace::ElementImport))
+      if (Reading const element = importedBy(import)) fEntries.addElementImport(import, element);
+    forEachPackage(Reach::Public, fPublicPackages, [](Reading) {});
+    forEachPackage(Reach::Visible, fPackages, [this](Reading aPackage) { enter(aPackage); });
     Visited all;
-    forEachPackage(Reach::All, all, [this](Element const& aPackage) { noteNames(aPackage); });
+    forEachPackage(Reach::All, all, [this](Reading aPackage) { noteNames(aPackage); });
     return {fEntries.take(), std::move(fEntangled)};
   }
 
@@ -35,11 +35,11 @@ class WholeWalk {
   template <class Enter>
   void forEachPackage(Reach aReach, Visited& aSeen, Enter aEnter) {
     std::vector<Frame> open;
-    auto const follow = [&](Element const& aImporting) {
-      auto const imports = values::entries(aImporting, ids::Namespace::PackageImport);
+    auto const follow = [&](Reading aImporting) {
+      auto const imports = aImporting.entries(ids::Namespace::PackageImport);
       open.push_back({imports.data(), imports.data() + imports.size()});
     };
-    aSeen.insert(fNamespace);
+    aSeen.insert(*fNamespace);
     follow(fNamespace);
     while (!open.empty()) {
       Frame& top = open.back();
@@ -47,56 +47,60 @@ class WholeWalk {
         open.pop_back();
         continue;
       }
-      Element const* const import = *top.fNext++;
+      Reading const import = fNamespace.on(*top.fNext++);
       bool const isOpen = aReach == Reach::All || (aReach == Reach::Visible && open.size() == 1);
-      if (import == nullptr || !(isOpen || isPublicImport(*import))) continue;
-      Element const* const package = values::reference(*import, ids::PackageImport::ImportedPackage);
-      if (package == nullptr || !aSeen.insert(*package)) continue;
-      aEnter(*package);
-      follow(*package);
+      if (!import || !(isOpen || isPublicImport(import))) continue;
+      Reading const package = import.reference(ids::PackageImport::ImportedPackage);
+      if (!package || !aSeen.insert(*package)) continue;
+      aEnter(package);
+      follow(package);
     }
   }
 
-  void enter(Element const& aPackage) {
-    bool const isPublic = fPublicPackages.contains(aPackage);
-    auto const show = [&](Element& aElement) {
-      fEntries.addShown({&aElement, nameOf(aElement), {}, isPublic, false}, isPublic);
+  void enter(Reading aPackage) {
+    bool const isPublic = fPublicPackages.contains(*aPackage);
+    auto const show = [&](Reading aElement) {
+      fEntries.addShown({aElement.element(), nameOf(aElement), {}, isPublic, false}, isPublic);
     };
-    for (Element* const owned : ownedMembers(aPackage))
-      if (isA(*owned, ids::metaclass::PackageableElement) && isPublicOrAbsent(*owned)) show(*owned);
-    for (Element* const import : values::elements(aPackage, ids::Namespace::ElementImport))
-      if (Element* const element = importedBy(*import); element != nullptr && isPublicImport(*import))
-        show(*element);
+    for (Element* const member : ownedMembers(aPackage))
+      if (Reading const owned = aPackage.on(*member);
+          owned.isA(ids::metaclass::PackageableElement) && isPublicOrAbsent(owned))
+        show(owned);
+    for (Reading const import : aPackage.list(ids::Namespace::ElementImport))
+      if (Reading const element = importedBy(import); element && isPublicImport(import)) show(element);
   }
 
-  static Element* importedBy(Element const& aImport) noexcept {
-    return values::reference(aImport, ids::ElementImport::ImportedElement);
+  static Reading importedBy(Reading aImport) noexcept {
+    return aImport.reference(ids::ElementImport::ImportedElement);
   }
 
   /// The names that elements have in a namespace by itself.
-  void noteNames(Element const& aNamespace) {
-    for (Element* const owned : ownedMembers(aNamespace)) noteName(*owned, nameOf(*owned));
-    for (Element* const import : values::elements(aNamespace, ids::Namespace::ElementImport)) {
-      Element* const element = importedBy(*import);
-      if (element == nullptr) continue;
-      noteName(*element, nameOf(*element));
-      noteName(*element, importName(*import));
+  void noteNames(Reading aNamespace) {
+    for (Element* const member : ownedMembers(aNamespace)) {
+      Reading const owned = aNamespace.on(*member);
+      noteName(owned, nameOf(owned));
+    }
+    for (Reading const import : aNamespace.list(ids::Namespace::ElementImport)) {
+      Reading const element = importedBy(import);
+      if (!element) continue;
+      noteName(element, nameOf(element));
+      noteName(element, importName(import));
       // A name of its own in a package hides, or is hidden, on some of the ways.
-      bool const isRenamed = &aNamespace != &fNamespace && importName(*import) != nameOf(*element);
-      if (isRenamed || namespaceOf(*element) == &aNamespace) fEntangled.insert(element);
+      bool const isRenamed = aNamespace != fNamespace && importName(import) != nameOf(element);
+      if (isRenamed || namespaceOf(element) == aNamespace) fEntangled.insert(element.element());
     }
   }
 
   /// Elements in reach of one name may collide somewhere on the way.
-  void noteName(Element const& aElement, std::u16string_view aName) {
-    if (aName.empty() || isA(aElement, ids::metaclass::BehavioralFeature)) return;
-    auto const [place, isNew] = fElementOfName.try_emplace(aName, &aElement);
-    if (isNew || place->second == &aElement) return;
-    fEntangled.insert(&aElement);
+  void noteName(Reading aElement, std::u16string_view aName) {
+    if (aName.empty() || aElement.isA(ids::metaclass::BehavioralFeature)) return;
+    auto const [place, isNew] = fElementOfName.try_emplace(aName, aElement.element());
+    if (isNew || place->second == aElement.element()) return;
+    fEntangled.insert(aElement.element());
     fEntangled.insert(place->second);
   }
 
-  Element const& fNamespace;
+  Reading fNamespace;
   ImportEntries fEntries;
   Visited fPackages;
   Visited fPublicPackages;
@@ -106,6 +110,6 @@ class WholeWalk {
 
 }  // namespace
 
-ImportsInReach followAtOnce(Element const& aNamespace) { return WholeWalk(aNamespace).run(); }
+ImportsInReach followAtOnce(Reading aNamespace) { return WholeWalk(aNamespace).run(); }
 
 }  // namespace umlmm::queries

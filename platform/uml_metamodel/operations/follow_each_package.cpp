@@ -16,12 +16,12 @@ class PackageWalk {
  public:
   explicit PackageWalk(std::unordered_set<Element const*> const& aElements) noexcept : fElements(aElements) {}
 
-  std::vector<Imports::Entry> run(Element const& aNamespace) {
+  std::vector<Imports::Entry> run(Reading aNamespace) {
     begin(aNamespace);
     for (;;) {
       Frame& top = fOpen.back();
-      if (Element const* const package = nextPackage(top)) {
-        descend(*package);
+      if (Reading const package = nextPackage(top)) {
+        descend(package);
       } else if (fOpen.size() == 1) {
         return entriesOf(top).take();
       } else {
@@ -32,7 +32,7 @@ class PackageWalk {
 
  private:
   struct Frame {
-    Element const* fNamespace;
+    Reading fNamespace;
     Element* const* fNext;
     Element* const* fEnd;
     /// The packages in progress that were left out below here.
@@ -46,24 +46,23 @@ class PackageWalk {
     Places fCuts;
   };
 
-  void begin(Element const& aNamespace) {
-    auto const imports = values::entries(aNamespace, ids::Namespace::PackageImport);
-    fPlaces.emplace(&aNamespace, fOpen.size());
-    fOpen.push_back({&aNamespace, imports.data(), imports.data() + imports.size(), {}, {}});
+  void begin(Reading aNamespace) {
+    auto const imports = aNamespace.entries(ids::Namespace::PackageImport);
+    fPlaces.emplace(aNamespace.element(), fOpen.size());
+    fOpen.push_back({aNamespace, imports.data(), imports.data() + imports.size(), {}, {}});
   }
 
-  static Element const* nextPackage(Frame& aFrame) noexcept {
+  static Reading nextPackage(Frame& aFrame) noexcept {
     while (aFrame.fNext != aFrame.fEnd)
-      if (Element const* const import = *aFrame.fNext++)
-        if (auto const* package = values::reference(*import, ids::PackageImport::ImportedPackage))
-          return package;
-    return nullptr;
+      if (Reading const import = aFrame.fNamespace.on(*aFrame.fNext++))
+        if (Reading const package = import.reference(ids::PackageImport::ImportedPackage)) return package;
+    return {};
   }
 
-  void descend(Element const& aPackage) {
-    if (auto const place = fPlaces.find(&aPackage); place != fPlaces.end()) {
+  void descend(Reading aPackage) {
+    if (auto const place = fPlaces.find(aPackage.element()); place != fPlaces.end()) {
       fOpen.back().fCuts.insert(place->second);
-    } else if (auto const answer = fAnswers.find(&aPackage); answer != fAnswers.end()) {
+    } else if (auto const answer = fAnswers.find(aPackage.element()); answer != fAnswers.end()) {
       fOpen.back().fCuts.insert(answer->second.fCuts.begin(), answer->second.fCuts.end());
     } else {
       begin(aPackage);
@@ -78,7 +77,7 @@ class PackageWalk {
     Places cuts = std::move(top.fCuts);
     cuts.erase(place);
     for (Element const* const dependent : top.fDependents) fAnswers.erase(dependent);
-    Element const* const package = top.fNamespace;
+    Element const* const package = top.fNamespace.element();
     fPlaces.erase(package);
     fOpen.pop_back();
     fOpen.back().fCuts.insert(cuts.begin(), cuts.end());
@@ -88,16 +87,16 @@ class PackageWalk {
 
   /// The entries of a namespace whose packages have all been followed.
   ImportEntries& entriesOf(Frame const& aFrame) {
-    Element const& owner = *aFrame.fNamespace;
+    Reading const owner = aFrame.fNamespace;
     fEntries = std::make_unique<ImportEntries>(owner);
-    for (Element* const import : values::elements(owner, ids::Namespace::ElementImport))
-      if (Element* const element = values::reference(*import, ids::ElementImport::ImportedElement);
-          element != nullptr && fElements.contains(element))
-        fEntries->addElementImport(*import, *element);
-    for (Element* const import : values::elements(owner, ids::Namespace::PackageImport)) {
-      auto const answer = fAnswers.find(values::reference(*import, ids::PackageImport::ImportedPackage));
+    for (Reading const import : owner.list(ids::Namespace::ElementImport))
+      if (Reading const element = import.reference(ids::ElementImport::ImportedElement);
+          element && fElements.contains(element.element()))
+        fEntries->addElementImport(import, element);
+    for (Reading const import : owner.list(ids::Namespace::PackageImport)) {
+      auto const answer = fAnswers.find(import.reference(ids::PackageImport::ImportedPackage).element());
       if (answer == fAnswers.end()) continue;
-      bool const isPublic = isPublicImport(*import);
+      bool const isPublic = isPublicImport(import);
       for (Imports::Entry const& shown : *answer->second.fShown) fEntries->addShown(shown, isPublic);
     }
     if (!fEntries->empty()) fEntries->judgeCollisions();
@@ -106,18 +105,19 @@ class PackageWalk {
 
   /// What the package makes visible of its members: owned ones, then imported ones.
   Shown shownBy(Frame const& aFrame) {
-    Element const& package = *aFrame.fNamespace;
+    Reading const package = aFrame.fNamespace;
     Shown const entries = entriesOf(aFrame).take();
     Visited imported;
     for (Imports::Entry const& entry : entries)
       if (entry.fIsPublic) imported.insert(*entry.fElement);
     Shown shown;
-    for (Element* const owned : ownedMembers(package))
-      if (fElements.contains(owned) && isA(*owned, ids::metaclass::PackageableElement) &&
-          (isPublicOrAbsent(*owned) || imported.contains(*owned)))
-        shown.push_back({owned, nameOf(*owned), {}, true, false});
+    for (Element* const member : ownedMembers(package))
+      if (Reading const owned = package.on(*member); fElements.contains(member) &&
+                                                     owned.isA(ids::metaclass::PackageableElement) &&
+                                                     (isPublicOrAbsent(owned) || imported.contains(*member)))
+        shown.push_back({member, nameOf(owned), {}, true, false});
     for (Imports::Entry const& entry : entries)
-      if (entry.fIsKept && entry.fIsPublic && namespaceOf(*entry.fElement) != &package)
+      if (entry.fIsKept && entry.fIsPublic && namespaceOf(package.on(*entry.fElement)) != package)
         shown.push_back(entry);
     return shown;
   }
@@ -132,7 +132,7 @@ class PackageWalk {
 
 }  // namespace
 
-std::vector<Imports::Entry> followEachPackage(Element const& aNamespace,
+std::vector<Imports::Entry> followEachPackage(Reading aNamespace,
                                               std::unordered_set<Element const*> const& aElements) {
   return PackageWalk(aElements).run(aNamespace);
 }

@@ -3,7 +3,6 @@
 
 #include "engine/ElementRef.h"
 #include "engine/Referrers.h"
-#include "engine/computed.h"
 #include "operations/AncestorGraph.h"
 #include "operations/UnionLeaves.h"
 #include "operations/queries.h"
@@ -18,10 +17,10 @@ using Node = AncestorGraph::Node;
 
 UnionLeaves sRedefined(ids::RedefinableElement::RedefinedElement);
 
-void addRedefined(Element const& aElement, Elements& aOut) {
-  if (!isA(aElement, ids::metaclass::RedefinableElement)) return;
-  for (FeatureIndex const index : sRedefined.of(engine::metaclassOf(aElement)))
-    for (Element* const redefined : values::elements(aElement, index)) aOut.push_back(redefined);
+void addRedefined(Reading aElement, Elements& aOut) {
+  if (!aElement.isA(ids::metaclass::RedefinableElement)) return;
+  for (FeatureIndex const index : sRedefined.of(aElement.metaclass()))
+    for (Reading const redefined : aElement.list(index)) aOut.push_back(redefined.element());
 }
 
 bool redefines(engine::Reference const& aReference) {
@@ -30,18 +29,18 @@ bool redefines(engine::Reference const& aReference) {
 }
 
 /// Whether a classifier does not pass on what its owned members redefine.
-bool keepsBack(Element const& aClassifier) noexcept {
-  return isA(aClassifier, ids::metaclass::Class) || isA(aClassifier, ids::metaclass::DataType);
+bool keepsBack(Reading aClassifier) noexcept {
+  return aClassifier.isA(ids::metaclass::Class) || aClassifier.isA(ids::metaclass::DataType);
 }
 
 /// What the owned members of a classifier redefine, if its metaclass keeps that back.
-Elements keptBackBy(Element const& aClassifier) {
+Elements keptBackBy(Reading aClassifier) {
   Elements redefined;
   if (!keepsBack(aClassifier)) return redefined;
   Elements const owned = ownedMembers(aClassifier);
   for (std::size_t at = 0; at < owned.size(); ++at) {
     engine::prefetch(owned, at);
-    addRedefined(*owned[at], redefined);
+    addRedefined(aClassifier.on(*owned[at]), redefined);
   }
   return redefined;
 }
@@ -49,24 +48,24 @@ Elements keptBackBy(Element const& aClassifier) {
 /// Members without the inherited ones, with those of each union member handed over in turn; null stands for
 /// the inherited ones in their place.
 template <class Visit>
-void forEachMemberList(Element const& aClassifier, Visit aVisit) {
+void forEachMemberList(Reading aClassifier, Visit aVisit) {
   Elements values;
-  for (FeatureIndex const index : unionMembers(engine::metaclassOf(aClassifier), ids::Namespace::Member)) {
+  for (FeatureIndex const index : unionMembers(aClassifier.metaclass(), ids::Namespace::Member)) {
     if (index == ids::Classifier::InheritedMember) {
       aVisit(nullptr);
       continue;
     }
     values.clear();
-    engine::valuesOf(aClassifier, engine::feature(index), values);
+    aClassifier.collectAny(index, values);
     aVisit(&values);
   }
 }
 
 /// The classifier that an element redefines for: the one that owns the element, if it keeps back what it
 /// redefines.
-Element const* keeperOf(Element const& aRedefining) noexcept {
-  Element const* const owner = namespaceOf(aRedefining);
-  return owner != nullptr && keepsBack(*owner) ? owner : nullptr;
+Reading keeperOf(Reading aRedefining) noexcept {
+  Reading const owner = namespaceOf(aRedefining);
+  return owner && keepsBack(owner) ? owner : aRedefining.none();
 }
 
 /// Goes up from the start and takes members where they are found: each classifier is read once. Not for
@@ -88,7 +87,7 @@ class UpwardWalk {
       }
       Frame const done = top;
       fOpen.pop_back();
-      fKeepers.erase(&fGraph.classifier(done.fNode));
+      fKeepers.erase(fGraph.classifier(done.fNode).element());
       for (FeatureIndex const later : done.fLater) takeAll(fGraph.classifier(done.fNode), later);
     }
     return fIsRight;
@@ -112,45 +111,45 @@ class UpwardWalk {
   void enter(Node aNode) {
     if (fIsEntered[aNode]) return;
     fIsEntered[aNode] = true;
-    Element const& classifier = fGraph.classifier(aNode);
-    auto const lists = unionMembers(engine::metaclassOf(classifier), ids::Namespace::Member);
+    Reading const classifier = fGraph.classifier(aNode);
+    auto const lists = unionMembers(classifier.metaclass(), ids::Namespace::Member);
     auto const inherited = std::find(lists.begin(), lists.end(), ids::Classifier::InheritedMember);
     for (auto list = lists.begin(); list != inherited; ++list) takeAll(classifier, *list);
     enterParents(aNode, {std::min(inherited + 1, lists.end()), lists.end()});
   }
 
   void enterParents(Node aNode, std::span<FeatureIndex const> aLater) {
-    Element const& classifier = fGraph.classifier(aNode);
-    if (keepsBack(classifier)) fKeepers.insert(&classifier);
+    Reading const classifier = fGraph.classifier(aNode);
+    if (keepsBack(classifier)) fKeepers.insert(classifier.element());
     fOpen.push_back({aNode, 0, aLater});
   }
 
-  void takeAll(Element const& aClassifier, FeatureIndex aList) {
+  void takeAll(Reading aClassifier, FeatureIndex aList) {
     auto const& list = engine::feature(aList);
-    if (list.fStorage != engine::Storage::List) return takeEach(engine::valuesOf(aClassifier, list), list);
-    takeEach(values::entries(aClassifier, list.fRoot), list);
+    if (list.fStorage != engine::Storage::List) return takeEach(aClassifier, aClassifier.values(aList), list);
+    takeEach(aClassifier, aClassifier.entries(list.fRoot), list);
   }
 
-  void takeEach(std::span<Element* const> aMembers, engine::Feature const& aList) {
+  void takeEach(Reading aClassifier, std::span<Element* const> aMembers, engine::Feature const& aList) {
     // An element has one container, so only other lists can repeat a member.
     fMayRepeat |= !aList.fComposite && !aMembers.empty();
     for (std::size_t at = 0; at < aMembers.size(); ++at) {
       engine::prefetch(aMembers, at);
-      Element* const member = aMembers[at];
-      if (member == nullptr || isPrivate(*member)) continue;
-      if (!member->hasReferrers() || !isKeptBack(*member)) fFound.push_back(member);
+      Reading const member = aClassifier.on(aMembers[at]);
+      if (!member || isPrivate(member)) continue;
+      if (!member.isReferred() || !isKeptBack(member)) fFound.push_back(member.element());
     }
   }
 
   /// Whether a classifier on the way back to the start redefines the member.
-  bool isKeptBack(Element const& aMember) {
+  bool isKeptBack(Reading aMember) {
     bool isKept = false;
-    for (engine::Reference const& reference : engine::Referrers::of(aMember)) {
+    for (engine::Reference const& reference : aMember.referrers()) {
       if (!redefines(reference)) continue;
-      Element const* const keeper = keeperOf(*reference.fOwner);
-      if (keeper == nullptr) continue;
-      if (fGraph.hasJoins()) fIsRight &= !fGraph.contains(*keeper);
-      isKept |= fKeepers.contains(keeper);
+      Reading const keeper = keeperOf(aMember.on(*reference.fOwner));
+      if (!keeper) continue;
+      if (fGraph.hasJoins()) fIsRight &= !fGraph.contains(keeper);
+      isKept |= fKeepers.contains(keeper.element());
     }
     return isKept;
   }
@@ -187,13 +186,14 @@ class DownwardWalk {
 
  private:
   Elements inheritedBy(Node aNode) {
+    Reading const heir = fGraph.classifier(aNode);
     Visited held;
-    for (Element* const redefined : keptBackBy(fGraph.classifier(aNode))) held.insert(*redefined);
+    for (Element* const redefined : keptBackBy(heir)) held.insert(*redefined);
     Visited seen;
     Elements inherited;
     for (Node const parent : fGraph.parents(aNode))
       for (Element* const member : fMembers[parent])
-        if (!isPrivate(*member) && !held.contains(*member) && seen.insert(*member))
+        if (!isPrivate(heir.on(*member)) && !held.contains(*member) && seen.insert(*member))
           inherited.push_back(member);
     return inherited;
   }
@@ -204,20 +204,20 @@ class DownwardWalk {
 
 }  // namespace
 
-Elements redefinedElements(Element const& aElement) {
+Elements redefinedElements(Reading aElement) {
   Elements redefined;
   addRedefined(aElement, redefined);
   return redefined;
 }
 
-Elements inheritedMembers(Element const& aClassifier) {
-  if (values::entries(aClassifier, ids::Classifier::Generalization).empty()) return {};
+Elements inheritedMembers(Reading aClassifier) {
+  if (aClassifier.entries(ids::Classifier::Generalization).empty()) return {};
   AncestorGraph const graph(aClassifier);
   UpwardWalk upward(graph);
   return upward.run() ? upward.take() : DownwardWalk(graph).run();
 }
 
-Elements inherit(Element const& aClassifier, Elements const& aCandidates) {
+Elements inherit(Reading aClassifier, Elements const& aCandidates) {
   Visited held;
   for (Element* const redefined : keptBackBy(aClassifier)) held.insert(*redefined);
   Visited seen;
@@ -227,25 +227,25 @@ Elements inherit(Element const& aClassifier, Elements const& aCandidates) {
   return passing;
 }
 
-Elements inheritableMembers(Element const& aClassifier, Element const* aHeir) {
-  if (aHeir == nullptr || aHeir == &aClassifier || !hasAncestor(*aHeir, aClassifier) ||
-      hasAncestor(aClassifier, *aHeir))
+Elements inheritableMembers(Reading aClassifier, Reading aHeir) {
+  if (!aHeir || aHeir == aClassifier || !hasAncestor(aHeir, aClassifier) || hasAncestor(aClassifier, aHeir))
     return {};
   // Every member is one of an ancestor of the heir, so only private ones are hidden from it.
   Elements inheritable = members(aClassifier);
-  std::erase_if(inheritable, [](Element* aMember) { return isPrivate(*aMember); });
+  std::erase_if(inheritable, [&](Element* aMember) { return isPrivate(aClassifier.on(*aMember)); });
   return inheritable;
 }
 
-bool hasVisibilityOf(Element const& aClassifier, Element const* aMember) {
-  if (aMember == nullptr) return false;
-  if (!isPrivate(*aMember)) return true;
+bool hasVisibilityOf(Reading aClassifier, Reading aMember) {
+  if (!aMember) return false;
+  if (!isPrivate(aMember)) return true;
   // Nobody inherits a private member, so an ancestor has it otherwise or not at all.
   for (Element* const ancestor : allParents(aClassifier)) {
-    bool hasMember = namespaceOf(*aMember) == ancestor;
+    bool hasMember = namespaceOf(aMember).element() == ancestor;
     if (!hasMember)
-      forEachMemberList(*ancestor, [&](Elements const* aList) {
-        if (aList != nullptr) hasMember |= std::find(aList->begin(), aList->end(), aMember) != aList->end();
+      forEachMemberList(aClassifier.on(*ancestor), [&](Elements const* aList) {
+        if (aList != nullptr)
+          hasMember |= std::find(aList->begin(), aList->end(), aMember.element()) != aList->end();
       });
     if (hasMember) return false;
   }

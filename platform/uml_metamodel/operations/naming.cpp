@@ -3,7 +3,6 @@
 #include <string>
 #include <unordered_map>
 
-#include "engine/computed.h"
 #include "operations/Imports.h"
 #include "operations/UnionLeaves.h"
 #include "operations/queries.h"
@@ -29,15 +28,13 @@ constexpr std::u16string_view kSeparator = u"::";
 
 UnionLeaves sOwnedMembers(ids::Namespace::OwnedMember);
 
-bool isBehavioral(Element const& aElement) noexcept {
-  return isA(aElement, ids::metaclass::BehavioralFeature);
-}
+bool isBehavioral(Reading aElement) noexcept { return aElement.isA(ids::metaclass::BehavioralFeature); }
 
 /// The types of the parameters, position by position; null for an absent type.
-Elements signatureOf(Element const& aBehavioral) {
+Elements signatureOf(Reading aBehavioral) {
   Elements types;
-  for (Element* const parameter : values::elements(aBehavioral, ids::BehavioralFeature::OwnedParameter))
-    types.push_back(values::reference(*parameter, ids::TypedElement::Type));
+  for (Reading const parameter : aBehavioral.list(ids::BehavioralFeature::OwnedParameter))
+    types.push_back(parameter.reference(ids::TypedElement::Type).element());
   return types;
 }
 
@@ -50,30 +47,28 @@ bool haveCommonName(Names const& aLeft, Names const& aRight) {
 /// The names that a namespace has for elements, with its imports followed once for all questions.
 class NamesIn {
  public:
-  explicit NamesIn(Element const& aNamespace) : fNamespace(aNamespace), fImports(aNamespace) {}
+  explicit NamesIn(Reading aNamespace) : fNamespace(aNamespace), fImports(aNamespace) {}
 
-  Names of(Element const& aMember) const {
-    if (namespaceOf(aMember) != &fNamespace) return fImports.namesOf(aMember);
+  Names of(Reading aMember) const {
+    if (namespaceOf(aMember) != fNamespace) return fImports.namesOf(*aMember);
     std::u16string_view const name = nameOf(aMember);
     return name.empty() ? Names() : Names{name};
   }
 
  private:
-  Element const& fNamespace;
+  Reading fNamespace;
   Imports fImports;
 };
 
 /// Members of one name, and whether each could be told from those before it.
 class Namesakes {
  public:
-  bool add(Element const& aMember) {
-    return isBehavioral(aMember) ? addSignature(aMember) : addOther(aMember);
-  }
+  bool add(Reading aMember) { return isBehavioral(aMember) ? addSignature(aMember) : addOther(aMember); }
 
  private:
-  bool addSignature(Element const& aMember) { return fSignatures.insert(signatureOf(aMember)).second; }
-  bool addOther(Element const& aMember) {
-    int const metaclass = engine::metaclassOf(aMember);
+  bool addSignature(Reading aMember) { return fSignatures.insert(signatureOf(aMember)).second; }
+  bool addOther(Reading aMember) {
+    int const metaclass = aMember.metaclass();
     for (int const other : fMetaclasses)
       if (metaclassesCollide(metaclass, other)) return false;
     fMetaclasses.push_back(metaclass);
@@ -91,16 +86,16 @@ bool metaclassesCollide(int aLeft, int aRight) noexcept {
   return engine::conforms(aLeft, aRight) || engine::conforms(aRight, aLeft);
 }
 
-Elements allNamespaces(Element const& aNamed) {
+Elements allNamespaces(Reading aNamed) {
   Elements all;
-  for (Element* next = namespaceOf(aNamed); next != nullptr; next = namespaceOf(*next)) all.push_back(next);
+  for (Reading next = namespaceOf(aNamed); next; next = namespaceOf(next)) all.push_back(next.element());
   return all;
 }
 
-Kelm::StringObject* qualifiedName(Element const& aNamed) {
+Kelm::StringObject* qualifiedName(Reading aNamed) {
   std::size_t length = 0;
-  for (Element const* next = &aNamed; next != nullptr; next = namespaceOf(*next)) {
-    std::size_t const size = nameOf(*next).size();
+  for (Reading next = aNamed; next; next = namespaceOf(next)) {
+    std::size_t const size = nameOf(next).size();
     if (size == 0) return nullptr;
     length += size + (length == 0 ? 0 : kSeparator.size());
   }
@@ -116,46 +111,45 @@ Kelm::StringObject* qualifiedName(Element const& aNamed) {
     std::copy(aText.begin(), aText.end(), place);
   };
   put(nameOf(aNamed));
-  for (Element const* next = namespaceOf(aNamed); next != nullptr; next = namespaceOf(*next)) {
+  for (Reading next = namespaceOf(aNamed); next; next = namespaceOf(next)) {
     put(kSeparator);
-    put(nameOf(*next));
+    put(nameOf(next));
   }
   return Kelm::StringObject::make({start, length});
 }
 
-Elements ownedMembers(Element const& aNamespace) {
+Elements ownedMembers(Reading aNamespace) {
   Elements owned;
-  if ((aNamespace.marks() & Element::HasContents) == 0) return owned;
-  for (engine::FeatureIndex const index : sOwnedMembers.of(engine::metaclassOf(aNamespace)))
-    engine::collect(aNamespace, engine::feature(index), owned);
+  if (!aNamespace.hadParts()) return owned;
+  for (engine::FeatureIndex const index : sOwnedMembers.of(aNamespace.metaclass()))
+    aNamespace.collect(index, owned);
   return owned;
 }
 
-Elements members(Element const& aNamespace) {
-  return engine::valuesOf(aNamespace, engine::feature(ids::Namespace::Member));
+Elements members(Reading aNamespace) { return aNamespace.values(ids::Namespace::Member); }
+
+Names namesOfMember(Reading aNamespace, Reading aMember) {
+  return aMember ? NamesIn(aNamespace).of(aMember) : Names();
 }
 
-Names namesOfMember(Element const& aNamespace, Element const* aMember) {
-  return aMember == nullptr ? Names() : NamesIn(aNamespace).of(*aMember);
-}
-
-bool isDistinguishableFrom(Element const& aNamed, Element const* aOther, Element const* aNamespace) {
-  if (aOther == nullptr || aNamespace == nullptr) return true;
+bool isDistinguishableFrom(Reading aNamed, Reading aOther, Reading aNamespace) {
+  if (!aOther || !aNamespace) return true;
   bool const isSignature = isBehavioral(aNamed);
-  if (isSignature && (!isBehavioral(*aOther) || aOther == &aNamed)) return true;
-  if (!isSignature && !metaclassesCollide(engine::metaclassOf(aNamed), engine::metaclassOf(*aOther)))
-    return true;
-  NamesIn const names(*aNamespace);
-  if (!haveCommonName(names.of(aNamed), names.of(*aOther))) return true;
-  return isSignature && signatureOf(aNamed) != signatureOf(*aOther);
+  if (isSignature && (!isBehavioral(aOther) || aOther == aNamed)) return true;
+  if (!isSignature && !metaclassesCollide(aNamed.metaclass(), aOther.metaclass())) return true;
+  NamesIn const names(aNamespace);
+  if (!haveCommonName(names.of(aNamed), names.of(aOther))) return true;
+  return isSignature && signatureOf(aNamed) != signatureOf(aOther);
 }
 
-bool membersAreDistinguishable(Element const& aNamespace) {
+bool membersAreDistinguishable(Reading aNamespace) {
   NamesIn const names(aNamespace);
   std::unordered_map<std::u16string_view, Namesakes> byName;
-  for (Element* const member : members(aNamespace))
-    for (std::u16string_view const name : names.of(*member))
-      if (!byName[name].add(*member)) return false;
+  for (Element* const element : members(aNamespace)) {
+    Reading const member = aNamespace.on(*element);
+    for (std::u16string_view const name : names.of(member))
+      if (!byName[name].add(member)) return false;
+  }
   return true;
 }
 
@@ -163,13 +157,13 @@ bool membersAreDistinguishable(Element const& aNamespace) {
 
 namespace NSInterface {
 
+using engine::readable;
 using queries::given;
 using queries::makeResult;
 
 Kelm::ImmutableSequence<ImmutableNamespace> NamedElementIntf::allNamespaces(
     Kelm::Deviant const& aDeviant) const {
-  engine::checkReadable(*this, aDeviant, kSource);
-  return makeResult<ImmutableNamespace>(aDeviant, queries::allNamespaces(*this));
+  return makeResult<ImmutableNamespace>(aDeviant, queries::allNamespaces(readable(*this, aDeviant, kSource)));
 }
 
 String NamedElementIntf::separator(Kelm::Deviant const& aDeviant) const {
@@ -180,8 +174,8 @@ String NamedElementIntf::separator(Kelm::Deviant const& aDeviant) const {
 Boolean NamedElementIntf::isDistinguishableFrom(Kelm::Deviant const& aDeviant,
                                                 ImmutableNamedElement const& aN,
                                                 ImmutableNamespace const& aNs) const {
-  engine::checkReadable(*this, aDeviant, kSource);
-  return queries::isDistinguishableFrom(*this, given(aN), given(aNs));
+  queries::Reading const self = readable(*this, aDeviant, kSource);
+  return queries::isDistinguishableFrom(self, given(self, aN), given(self, aNs));
 }
 
 Boolean BehavioralFeatureIntf::isDistinguishableFrom(Kelm::Deviant const& aDeviant,
@@ -192,27 +186,26 @@ Boolean BehavioralFeatureIntf::isDistinguishableFrom(Kelm::Deviant const& aDevia
 
 Kelm::ImmutableSequence<String> NamespaceIntf::getNamesOfMember(Kelm::Deviant const& aDeviant,
                                                                 ImmutableNamedElement const& aElement) const {
-  engine::checkReadable(*this, aDeviant, kSource);
-  return queries::makeTexts(aDeviant, queries::namesOfMember(*this, given(aElement)));
+  queries::Reading const self = readable(*this, aDeviant, kSource);
+  return queries::makeTexts(aDeviant, queries::namesOfMember(self, given(self, aElement)));
 }
 
 Boolean NamespaceIntf::membersAreDistinguishable(Kelm::Deviant const& aDeviant) const {
-  engine::checkReadable(*this, aDeviant, kSource);
-  return queries::membersAreDistinguishable(*this);
+  return queries::membersAreDistinguishable(readable(*this, aDeviant, kSource));
 }
 
 Kelm::ImmutableSequence<ImmutablePackageableElement> NamespaceIntf::importMembers(
     Kelm::Deviant const& aDeviant, ImmutablePackageableElement const& aImps) const {
-  engine::checkReadable(*this, aDeviant, kSource);
-  return makeResult<ImmutablePackageableElement>(aDeviant, queries::importMembers(*this, given(aImps)));
+  queries::Reading const self = readable(*this, aDeviant, kSource);
+  return makeResult<ImmutablePackageableElement>(aDeviant, queries::importMembers(self, given(self, aImps)));
 }
 
 Kelm::ImmutableSequence<ImmutablePackageableElement> NamespaceIntf::excludeCollisions(
     Kelm::Deviant const& aDeviant, ImmutablePackageableElement const& aImps) const {
-  engine::checkReadable(*this, aDeviant, kSource);
-  auto* const candidate = const_cast<engine::Element*>(given(aImps));
+  queries::Reading const self = readable(*this, aDeviant, kSource);
+  queries::Reading const candidate = given(self, aImps);
   return makeResult<ImmutablePackageableElement>(
-      aDeviant, candidate == nullptr ? queries::Elements() : queries::Elements{candidate});
+      aDeviant, candidate ? queries::Elements{candidate.element()} : queries::Elements());
 }
 
 }  // namespace NSInterface

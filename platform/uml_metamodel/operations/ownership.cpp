@@ -1,5 +1,4 @@
 #include "engine/ElementRef.h"
-#include "engine/words.h"
 #include "operations/queries.h"
 #include "operations/results.h"
 #include "uml_metamodel/umlmm/Element.h"
@@ -16,15 +15,13 @@ constexpr char kSource[] = "uml_metamodel/operations/ownership";
 
 namespace queries {
 
-namespace {}  // namespace
-
-Element* nearestOwner(Element const& aElement, int aMetaclass) noexcept {
-  Element* owner = aElement.container();
-  while (owner != nullptr && !isA(*owner, aMetaclass)) owner = owner->container();
+Reading nearestOwner(Reading aElement, int aMetaclass) noexcept {
+  Reading owner = aElement.owner();
+  while (owner && !owner.isA(aMetaclass)) owner = owner.owner();
   return owner;
 }
 
-Elements allOwnedElements(Element const& aElement) {
+Elements allOwnedElements(Reading aElement) {
   // The parts of one element stand together in the result; what is open is a part of it that was not followed
   // yet.
   struct Block {
@@ -33,7 +30,7 @@ Elements allOwnedElements(Element const& aElement) {
   };
   Elements all;
   std::vector<Block> open;
-  engine::collectContents(aElement, all);
+  aElement.collectParts(all);
   open.push_back({0, all.size()});
   while (!open.empty()) {
     if (open.back().fNext == open.back().fEnd) {
@@ -41,20 +38,20 @@ Elements allOwnedElements(Element const& aElement) {
       continue;
     }
     engine::prefetch(all, open.back().fNext);
-    Element const& next = *all[open.back().fNext++];
+    Reading const next = aElement.on(*all[open.back().fNext++]);
     std::size_t const start = all.size();
-    engine::collectContents(next, all);
+    next.collectParts(all);
     if (all.size() != start) open.push_back({start, all.size()});
   }
   return all;
 }
 
-bool mustBeOwned(Element const& aElement) noexcept { return !isA(aElement, ids::metaclass::Package); }
+bool mustBeOwned(Reading aElement) noexcept { return !aElement.isA(ids::metaclass::Package); }
 
-Elements allOwningPackages(Element const& aElement) {
+Elements allOwningPackages(Reading aElement) {
   Elements packages;
-  Element* owner = nearestOwner(aElement, ids::metaclass::Package);
-  for (; owner != nullptr; owner = nearestOwner(*owner, ids::metaclass::Package)) packages.push_back(owner);
+  Reading owner = nearestOwner(aElement, ids::metaclass::Package);
+  for (; owner; owner = nearestOwner(owner, ids::metaclass::Package)) packages.push_back(owner.element());
   return packages;
 }
 
@@ -62,16 +59,16 @@ Elements allOwningPackages(Element const& aElement) {
 
 namespace NSInterface {
 
+using engine::readable;
 using queries::makeResult;
 
 Kelm::ImmutableSequence<ImmutableElement> ElementIntf::allOwnedElements(Kelm::Deviant const& aDeviant) const {
-  engine::checkReadable(*this, aDeviant, kSource);
-  return makeResult<ImmutableElement>(aDeviant, queries::allOwnedElements(*this));
+  return makeResult<ImmutableElement>(aDeviant,
+                                      queries::allOwnedElements(readable(*this, aDeviant, kSource)));
 }
 
 Boolean ElementIntf::mustBeOwned(Kelm::Deviant const& aDeviant) const {
-  engine::checkReadable(*this, aDeviant, kSource);
-  return queries::mustBeOwned(*this);
+  return queries::mustBeOwned(readable(*this, aDeviant, kSource));
 }
 
 Boolean PackageIntf::mustBeOwned(Kelm::Deviant const& aDeviant) const {
@@ -80,8 +77,8 @@ Boolean PackageIntf::mustBeOwned(Kelm::Deviant const& aDeviant) const {
 
 Kelm::ImmutableSequence<ImmutablePackage> NamedElementIntf::allOwningPackages(
     Kelm::Deviant const& aDeviant) const {
-  engine::checkReadable(*this, aDeviant, kSource);
-  return makeResult<ImmutablePackage>(aDeviant, queries::allOwningPackages(*this));
+  return makeResult<ImmutablePackage>(aDeviant,
+                                      queries::allOwningPackages(readable(*this, aDeviant, kSource)));
 }
 
 }  // namespace NSInterface

@@ -16,19 +16,19 @@ constexpr char kSource[] = "uml_metamodel/operations/packages";
 
 namespace queries {
 
-bool isPublicOrAbsent(Element const& aNamed) noexcept {
-  int const visibility = values::literal(aNamed, ids::NamedElement::Visibility);
+bool isPublicOrAbsent(Reading aNamed) noexcept {
+  int const visibility = aNamed.literal(ids::NamedElement::Visibility);
   return visibility < 0 || visibility == VisibilityKind::Public;
 }
 
-std::u16string_view importName(Element const& aElementImport) noexcept {
-  std::u16string_view const alias = values::text(aElementImport, ids::ElementImport::Alias);
+std::u16string_view importName(Reading aElementImport) noexcept {
+  std::u16string_view const alias = aElementImport.text(ids::ElementImport::Alias);
   if (!alias.empty()) return alias;
-  Element const* const imported = values::reference(aElementImport, ids::ElementImport::ImportedElement);
-  return imported == nullptr ? std::u16string_view() : nameOf(*imported);
+  Reading const imported = aElementImport.reference(ids::ElementImport::ImportedElement);
+  return imported ? nameOf(imported) : std::u16string_view();
 }
 
-Elements importedMembers(Element const& aNamespace) {
+Elements importedMembers(Reading aNamespace) {
   Elements found;
   Imports const imports(aNamespace);
   for (Imports::Entry const& entry : imports.entries())
@@ -36,35 +36,36 @@ Elements importedMembers(Element const& aNamespace) {
   return found;
 }
 
-Elements importMembers(Element const& aNamespace, Element const* aCandidate) {
-  if (aCandidate == nullptr) return {};
-  int const metaclass = engine::metaclassOf(*aCandidate);
-  Elements const result{const_cast<Element*>(aCandidate)};
+Elements importMembers(Reading aNamespace, Reading aCandidate) {
+  if (!aCandidate) return {};
+  int const metaclass = aCandidate.metaclass();
+  Elements const result{aCandidate.element()};
   for (std::u16string_view const name : namesOfMember(aNamespace, aCandidate))
-    for (Element* const owned : ownedMembers(aNamespace))
-      if (owned != aCandidate && nameOf(*owned) == name &&
-          metaclassesCollide(metaclass, engine::metaclassOf(*owned)))
+    for (Element* const member : ownedMembers(aNamespace))
+      if (Reading const owned = aNamespace.on(*member);
+          owned != aCandidate && nameOf(owned) == name && metaclassesCollide(metaclass, owned.metaclass()))
         return {};
   return result;
 }
 
-Elements visibleMembers(Element const& aPackage) {
+Elements visibleMembers(Reading aPackage) {
   Imports const imports(aPackage);
   Elements visible;
-  for (Element* const owned : ownedMembers(aPackage)) {
-    if (!isA(*owned, ids::metaclass::PackageableElement)) continue;
-    Imports::Entry const* const entry = isPublicOrAbsent(*owned) ? nullptr : imports.find(*owned);
-    if (isPublicOrAbsent(*owned) || (entry != nullptr && entry->fIsPublic)) visible.push_back(owned);
+  for (Element* const member : ownedMembers(aPackage)) {
+    Reading const owned = aPackage.on(*member);
+    if (!owned.isA(ids::metaclass::PackageableElement)) continue;
+    Imports::Entry const* const entry = isPublicOrAbsent(owned) ? nullptr : imports.find(*owned);
+    if (isPublicOrAbsent(owned) || (entry != nullptr && entry->fIsPublic)) visible.push_back(member);
   }
   for (Imports::Entry const& entry : imports.entries())
-    if (entry.fIsKept && entry.fIsPublic && namespaceOf(*entry.fElement) != &aPackage)
+    if (entry.fIsKept && entry.fIsPublic && namespaceOf(aPackage.on(*entry.fElement)) != aPackage)
       visible.push_back(entry.fElement);
   return visible;
 }
 
-bool makesVisible(Element const& aPackage, Element const* aMember) {
-  if (aMember == nullptr) return false;
-  if (namespaceOf(*aMember) == &aPackage && isPublicOrAbsent(*aMember)) return true;
+bool makesVisible(Reading aPackage, Reading aMember) {
+  if (!aMember) return false;
+  if (namespaceOf(aMember) == aPackage && isPublicOrAbsent(aMember)) return true;
   Imports const imports(aPackage);
   Imports::Entry const* const entry = imports.find(*aMember);
   return entry != nullptr && entry->fIsPublic;
@@ -74,20 +75,20 @@ bool makesVisible(Element const& aPackage, Element const* aMember) {
 
 namespace NSInterface {
 
+using engine::readable;
 String ElementImportIntf::getName(Kelm::Deviant const& aDeviant) const {
-  engine::checkReadable(*this, aDeviant, kSource);
-  return queries::makeText(queries::importName(*this));
+  return queries::makeText(queries::importName(readable(*this, aDeviant, kSource)));
 }
 
 Kelm::ImmutableSequence<ImmutablePackageableElement> PackageIntf::visibleMembers(
     Kelm::Deviant const& aDeviant) const {
-  engine::checkReadable(*this, aDeviant, kSource);
-  return queries::makeResult<ImmutablePackageableElement>(aDeviant, queries::visibleMembers(*this));
+  return queries::makeResult<ImmutablePackageableElement>(
+      aDeviant, queries::visibleMembers(readable(*this, aDeviant, kSource)));
 }
 
 Boolean PackageIntf::makesVisible(Kelm::Deviant const& aDeviant, ImmutableNamedElement const& aEl) const {
-  engine::checkReadable(*this, aDeviant, kSource);
-  return queries::makesVisible(*this, queries::given(aEl));
+  queries::Reading const self = readable(*this, aDeviant, kSource);
+  return queries::makesVisible(self, queries::given(self, aEl));
 }
 
 }  // namespace NSInterface

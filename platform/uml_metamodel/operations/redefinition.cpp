@@ -1,6 +1,5 @@
 #include <algorithm>
 
-#include "engine/computed.h"
 #include "operations/queries.h"
 #include "operations/results.h"
 #include "uml_metamodel/umlmm/AggregationKind.h"
@@ -22,52 +21,53 @@ namespace queries {
 namespace {
 
 /// Whether the type of one element conforms to that of another; two absent types do.
-bool typeConforms(Element const& aSpecial, Element const& aGeneral) {
-  Element const* const special = values::reference(aSpecial, ids::TypedElement::Type);
-  Element const* const general = values::reference(aGeneral, ids::TypedElement::Type);
-  if (special == nullptr || general == nullptr) return special == general;
-  return conformsTo(*special, general);
+bool typeConforms(Reading aSpecial, Reading aGeneral) {
+  Reading const special = aSpecial.reference(ids::TypedElement::Type);
+  Reading const general = aGeneral.reference(ids::TypedElement::Type);
+  if (!special || !general) return special == general;
+  return conformsTo(special, general);
 }
 
-bool isOperationConsistent(Element const& aOperation, Element const& aRedefinee) {
-  auto const& parameters = engine::feature(ids::BehavioralFeature::OwnedParameter);
-  Elements const own = engine::valuesOf(aOperation, parameters);
-  Elements const others = engine::valuesOf(aRedefinee, parameters);
+bool isOperationConsistent(Reading aOperation, Reading aRedefinee) {
+  Elements const own = aOperation.values(ids::BehavioralFeature::OwnedParameter);
+  Elements const others = aRedefinee.values(ids::BehavioralFeature::OwnedParameter);
   return std::equal(others.begin(), others.end(), own.begin(), own.end(),
-                    [](Element* aOther, Element* aOwn) { return typeConforms(*aOther, *aOwn); });
+                    [&](Element* aOther, Element* aOwn) {
+                      return typeConforms(aRedefinee.on(*aOther), aOperation.on(*aOwn));
+                    });
 }
 
-bool isComposite(Element const& aProperty) noexcept {
-  return values::literal(aProperty, ids::Property::Aggregation) == AggregationKind::Composite;
+bool isComposite(Reading aProperty) noexcept {
+  return aProperty.literal(ids::Property::Aggregation) == AggregationKind::Composite;
 }
 
-bool isPropertyConsistent(Element const& aProperty, Element const& aRedefinee) {
-  bool const keepsDerived = !values::flag(aProperty, ids::Property::IsDerived) ||
-                            values::flag(aRedefinee, ids::Property::IsDerived);
+bool isPropertyConsistent(Reading aProperty, Reading aRedefinee) {
+  bool const keepsDerived =
+      !aProperty.flag(ids::Property::IsDerived) || aRedefinee.flag(ids::Property::IsDerived);
   bool const keepsComposite = !isComposite(aProperty) || isComposite(aRedefinee);
-  return keepsDerived && keepsComposite && includesMultiplicity(aProperty, &aRedefinee) &&
+  return keepsDerived && keepsComposite && includesMultiplicity(aProperty, aRedefinee) &&
          typeConforms(aRedefinee, aProperty);
 }
 
 }  // namespace
 
-bool isRedefinitionContextValid(Element const& aElement, Element const* aRedefined) {
-  if (aRedefined == nullptr) return false;
-  auto const& contexts = engine::feature(ids::RedefinableElement::RedefinitionContext);
-  Elements const general = engine::valuesOf(*aRedefined, contexts);
-  for (Element* const special : engine::valuesOf(aElement, contexts))
+bool isRedefinitionContextValid(Reading aElement, Reading aRedefined) {
+  if (!aRedefined) return false;
+  auto const contexts = ids::RedefinableElement::RedefinitionContext;
+  Elements const general = aRedefined.values(contexts);
+  for (Element* const special : aElement.values(contexts))
     for (Element* const context : general)
-      if (hasAncestor(*special, *context)) return true;
+      if (hasAncestor(aElement.on(*special), aRedefined.on(*context))) return true;
   return false;
 }
 
-bool isConsistentWith(Element const& aElement, Element const* aRedefinee) {
+bool isConsistentWith(Reading aElement, Reading aRedefinee) {
   for (int const metaclass : {ids::metaclass::Operation, ids::metaclass::Property}) {
-    if (!isA(aElement, metaclass)) continue;
-    if (aRedefinee == nullptr || !isA(*aRedefinee, metaclass)) return false;
-    if (!isRedefinitionContextValid(*aRedefinee, &aElement)) return false;
-    return metaclass == ids::metaclass::Operation ? isOperationConsistent(aElement, *aRedefinee)
-                                                  : isPropertyConsistent(aElement, *aRedefinee);
+    if (!aElement.isA(metaclass)) continue;
+    if (!aRedefinee || !aRedefinee.isA(metaclass)) return false;
+    if (!isRedefinitionContextValid(aRedefinee, aElement)) return false;
+    return metaclass == ids::metaclass::Operation ? isOperationConsistent(aElement, aRedefinee)
+                                                  : isPropertyConsistent(aElement, aRedefinee);
   }
   return false;
 }
@@ -76,12 +76,13 @@ bool isConsistentWith(Element const& aElement, Element const* aRedefinee) {
 
 namespace NSInterface {
 
+using engine::readable;
 using queries::given;
 
 Boolean RedefinableElementIntf::isConsistentWith(Kelm::Deviant const& aDeviant,
                                                  ImmutableRedefinableElement const& aRedefinee) const {
-  engine::checkReadable(*this, aDeviant, kSource);
-  return queries::isConsistentWith(*this, given(aRedefinee));
+  queries::Reading const self = readable(*this, aDeviant, kSource);
+  return queries::isConsistentWith(self, given(self, aRedefinee));
 }
 
 Boolean OperationIntf::isConsistentWith(Kelm::Deviant const& aDeviant,
@@ -96,8 +97,8 @@ Boolean PropertyIntf::isConsistentWith(Kelm::Deviant const& aDeviant,
 
 Boolean RedefinableElementIntf::isRedefinitionContextValid(
     Kelm::Deviant const& aDeviant, ImmutableRedefinableElement const& aRedefined) const {
-  engine::checkReadable(*this, aDeviant, kSource);
-  return queries::isRedefinitionContextValid(*this, given(aRedefined));
+  queries::Reading const self = readable(*this, aDeviant, kSource);
+  return queries::isRedefinitionContextValid(self, given(self, aRedefined));
 }
 
 }  // namespace NSInterface

@@ -5,7 +5,7 @@
 
 namespace umlmm::queries {
 
-std::vector<Element*> givenElements(Kelm::ModelObject const& aModel, Kelm::SequenceRef const& aArgument) {
+std::vector<Element*> givenElements(Reading aAsked, Kelm::SequenceRef const& aArgument) {
   std::vector<Element*> elements;
   Kelm::Generic::SequenceIntf const* const sequence = aArgument.get();
   if (sequence == nullptr) return elements;
@@ -13,7 +13,8 @@ std::vector<Element*> givenElements(Kelm::ModelObject const& aModel, Kelm::Seque
   std::vector<Kelm::Generic::Loan> values(static_cast<std::size_t>(sequence->generic_size(deviant)));
   sequence->readBlock(deviant, 0, static_cast<int>(values.size()), values.data());
   for (auto const& value : values)
-    if (Element* const element = engine::elementOf(value); element != nullptr && element->model() == &aModel)
+    if (Element* const element = engine::elementOf(value);
+        element != nullptr && element->model() == &aAsked.model())
       elements.push_back(element);
   return elements;
 }

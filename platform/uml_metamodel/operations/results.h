@@ -3,7 +3,7 @@
 #include <string_view>
 #include <vector>
 
-#include "engine/slots.h"
+#include "engine/Reading.h"
 #include "kelm/kernel/containers/sequence/SequenceRef.h"
 #include "operations/ElementResult.h"
 #include "uml_metamodel/umlmm/Boolean.h"
@@ -17,17 +17,21 @@ namespace umlmm::queries {
 
 using engine::Deviant;
 using engine::Element;
+using engine::Reading;
 
-/// The element behind an argument; null for a null reference and for an element that is gone.
+/// The element behind an argument; none for a null reference and for an element that is gone. It is seen in
+/// the variant in which the question was asked, or, where it is of another model, in its own.
 template <class Intf>
-Element const* given(Kelm::Handle<Intf> const& aArgument) noexcept {
+Reading given(Reading aAsked, Kelm::Handle<Intf> const& aArgument) noexcept {
   Element const* const element = aArgument.get();
-  return element == nullptr || element->model() == nullptr ? nullptr : element;
+  if (element == nullptr || element->model() == nullptr) return {};
+  return element->model() == &aAsked.model() ? aAsked.on(*element)
+                                             : Reading(*element, aArgument.getDeviant());
 }
 
 /// The elements of a sequence argument in order, as far as they are in the model: an answer holds elements of
 /// one model alone. None for a null sequence.
-std::vector<Element*> givenElements(Kelm::ModelObject const& aModel, Kelm::SequenceRef const& aArgument);
+std::vector<Element*> givenElements(Reading aAsked, Kelm::SequenceRef const& aArgument);
 
 /// A new counted list of element references.
 template <class T>
@@ -37,9 +41,10 @@ Kelm::ImmutableSequence<T> makeResult(Deviant const& aDeviant, std::vector<Eleme
 
 /// A reference to an element, or a null one.
 template <class T>
-T makeReference(Deviant const& aDeviant, Element const* aElement) {
+T makeReference(Deviant const& aDeviant, Reading aElement) {
   using Intf = typename T::InterfaceType;
-  return T(Kelm::queryInterface<Intf, VisitationDomain>(aElement), aDeviant);
+  return T(Kelm::queryInterface<Intf, VisitationDomain>(static_cast<Element const*>(aElement.element())),
+           aDeviant);
 }
 
 Kelm::ImmutableSequence<String> makeTexts(Deviant const& aDeviant,

@@ -14,16 +14,17 @@ class Open {
   explicit Open(Step const& aStep) noexcept : fStep(aStep) {}
 
   /// Adds the targets of an element and answers them, last one first.
-  std::span<Element* const> expand(Element const& aElement) {
+  std::span<Element* const> expand(Reading aElement) {
     std::size_t const start = fElements.size();
-    auto const entries = values::entries(aElement, fStep.fList);
+    auto const entries = aElement.entries(fStep.fList);
     for (Element const* const entry : entries.first(std::min(entries.size(), engine::kLookAhead)))
       if (entry != nullptr) engine::prefetchSlots(*entry);
     for (std::size_t at = entries.size(); at > 0; --at) {
-      Element* const target = entries[at - 1] == nullptr ? nullptr : fStep.target(*entries[at - 1]);
-      if (target == nullptr) continue;
+      if (entries[at - 1] == nullptr) continue;
+      Reading const target = fStep.target(aElement.on(*entries[at - 1]));
+      if (!target) continue;
       engine::prefetchSlots(*target);
-      fElements.push_back(target);
+      fElements.push_back(target.element());
     }
     return std::span(fElements).subspan(start);
   }
@@ -41,21 +42,22 @@ class Open {
 
 }  // namespace
 
-Elements closureOf(Element const& aStart, Step const& aStep, Element const* aUntil) {
+Elements closureOf(Reading aStart, Step const& aStep, Reading aUntil) {
   Visited listed;
   listed.allowFollow();
   Open open(aStep);
   // Targets are listed before the first of them is followed, so that nearer ones come before those further
   // off.
-  auto const expand = [&](Element const& aElement) {
+  auto const expand = [&](Reading aElement) {
     auto const targets = open.expand(aElement);
-    return std::none_of(targets.rbegin(), targets.rend(),
-                        [&](Element* aTarget) { return listed.insert(*aTarget) && aTarget == aUntil; });
+    return std::none_of(targets.rbegin(), targets.rend(), [&](Element* aTarget) {
+      return listed.insert(*aTarget) && aTarget == aUntil.element();
+    });
   };
   bool goOn = expand(aStart);
   while (goOn && !open.empty()) {
     Element& next = open.next();
-    if (&next != &aStart && listed.follow(next)) goOn = expand(next);
+    if (&next != &*aStart && listed.follow(next)) goOn = expand(aStart.on(next));
   }
   return listed.take();
 }

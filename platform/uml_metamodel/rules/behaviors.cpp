@@ -5,21 +5,17 @@ namespace umlmm::rules {
 
 namespace {
 
-engine::Element* contextOf(engine::Element const& aBehavior) noexcept {
+Reading contextOf(Reading aBehavior) noexcept {
   return queries::nearestOwner(aBehavior, ids::metaclass::BehavioredClassifier);
 }
 
 }  // namespace
 
-engine::Rule const Behavior::Context{
-    .fValue = [](engine::Element const& aElement, Kelm::Deviant const& aDeviant) {
-      return Kelm::Object(contextOf(aElement), aDeviant);
-    }};
+engine::Rule const Behavior::Context{.fValue = [](Reading aElement) { return contextOf(aElement).object(); }};
 
-engine::Rule const Action::Context{
-    .fValue = [](engine::Element const& aElement, Kelm::Deviant const& aDeviant) {
-      engine::Element const* const behavior = queries::nearestOwner(aElement, ids::metaclass::Behavior);
-      return Kelm::Object(behavior == nullptr ? nullptr : contextOf(*behavior), aDeviant);
-    }};
+engine::Rule const Action::Context{.fValue = [](Reading aElement) {
+  Reading const behavior = queries::nearestOwner(aElement, ids::metaclass::Behavior);
+  return (behavior ? contextOf(behavior) : behavior).object();
+}};
 
 }  // namespace umlmm::rules

@@ -17,32 +17,33 @@ class Interfaces {
   explicit Interfaces(Side aSide) noexcept : fSide(aSide) {}
 
   /// Those of the classifier's own dependencies.
-  void addOf(Element const& aClassifier) {
-    add(fSide == Side::Provided ? queries::realizedInterfaces(&aClassifier)
-                                : queries::usedInterfaces(&aClassifier));
+  void addOf(Reading aClassifier) {
+    add(fSide == Side::Provided ? queries::realizedInterfaces(aClassifier)
+                                : queries::usedInterfaces(aClassifier));
   }
 
-  void addOfPort(Element const& aPort) {
-    Element* const type = values::reference(aPort, ids::TypedElement::Type);
-    if (type == nullptr) return;
-    bool const isConjugated = values::flag(aPort, ids::Port::IsConjugated);
+  void addOfPort(Reading aPort) {
+    Reading const type = aPort.reference(ids::TypedElement::Type);
+    if (!type) return;
+    bool const isConjugated = aPort.flag(ids::Port::IsConjugated);
     bool const isRealized = (fSide == Side::Provided) != isConjugated;
-    if (isRealized && queries::isA(*type, ids::metaclass::Interface)) return add({type});
-    for (Element* const classifier : queries::withAllParents(*type))
+    if (isRealized && type.isA(ids::metaclass::Interface)) return add({type.element()});
+    for (Element* const each : queries::withAllParents(type)) {
+      Reading const classifier = type.on(*each);
       add(isRealized ? queries::realizedInterfaces(classifier) : queries::usedInterfaces(classifier));
+    }
   }
 
   /// Those of what realizes a component, with all that it inherits from.
-  void addOfRealizers(Element const& aComponent) {
-    for (Element* const realization : values::elements(aComponent, ids::Component::Realization))
-      if (Element* const realizer =
-              values::reference(*realization, ids::ComponentRealization::RealizingClassifier))
-        for (Element* const classifier : queries::withAllParents(*realizer)) addOf(*classifier);
+  void addOfRealizers(Reading aComponent) {
+    for (Reading const realization : aComponent.list(ids::Component::Realization))
+      if (Reading const realizer = realization.reference(ids::ComponentRealization::RealizingClassifier))
+        for (Element* const classifier : queries::withAllParents(realizer)) addOf(realizer.on(*classifier));
   }
 
-  void addOfPorts(Element const& aClassifier) {
-    for (Element* const attribute : values::elements(aClassifier, ids::StructuredClassifier::OwnedAttribute))
-      if (queries::isA(*attribute, ids::metaclass::Port)) addOfPort(*attribute);
+  void addOfPorts(Reading aClassifier) {
+    for (Reading const attribute : aClassifier.list(ids::StructuredClassifier::OwnedAttribute))
+      if (attribute.isA(ids::metaclass::Port)) addOfPort(attribute);
   }
 
   Elements const& found() const noexcept { return fFound; }
@@ -59,19 +60,22 @@ class Interfaces {
 };
 
 template <Side Asked>
-void readComponent(Element const& aComponent, Elements& aOut) {
+void readComponent(Reading aComponent, Elements& aOut) {
   Interfaces interfaces(Asked);
-  Elements const line = queries::withAllParents(const_cast<Element&>(aComponent));
+  Elements const line = queries::withAllParents(aComponent);
   interfaces.addOf(aComponent);
-  for (Element* const classifier : line)
-    if (queries::isA(*classifier, ids::metaclass::Component)) interfaces.addOfRealizers(*classifier);
-  for (Element* const classifier : line)
-    if (queries::isA(*classifier, ids::metaclass::EncapsulatedClassifier)) interfaces.addOfPorts(*classifier);
+  for (Element* const each : line)
+    if (Reading const classifier = aComponent.on(*each); classifier.isA(ids::metaclass::Component))
+      interfaces.addOfRealizers(classifier);
+  for (Element* const each : line)
+    if (Reading const classifier = aComponent.on(*each);
+        classifier.isA(ids::metaclass::EncapsulatedClassifier))
+      interfaces.addOfPorts(classifier);
   aOut.insert(aOut.end(), interfaces.found().begin(), interfaces.found().end());
 }
 
 template <Side Asked>
-void readPort(Element const& aPort, Elements& aOut) {
+void readPort(Reading aPort, Elements& aOut) {
   Interfaces interfaces(Asked);
   interfaces.addOfPort(aPort);
   aOut.insert(aOut.end(), interfaces.found().begin(), interfaces.found().end());

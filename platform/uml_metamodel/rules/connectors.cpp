@@ -1,5 +1,6 @@
 #include <algorithm>
 
+#include "engine/Change.h"
 #include "engine/Referrers.h"
 #include "engine/access.h"
 #include "operations/queries.h"
@@ -13,41 +14,36 @@ using engine::Element;
 
 engine::Feature const& role() noexcept { return engine::feature(ids::ConnectorEnd::Role); }
 
-Element* definingEnd(Element const& aEnd) {
-  Element const* const connector = aEnd.container();
-  if (connector == nullptr || aEnd.containerFeature() != ids::Connector::End) return nullptr;
-  Element const* const type = values::reference(*connector, ids::Connector::Type);
-  if (type == nullptr) return nullptr;
-  auto* const memberEnds = engine::pointerSlot<engine::ElementList>(*type, ids::Association::MemberEnd);
-  auto* const ends = engine::pointerSlot<engine::PartList>(*connector, ids::Connector::End);
-  std::uint32_t const position = ends->positionOf(&aEnd);
-  return position < engine::ElementList::size(memberEnds) ? memberEnds->at(position) : nullptr;
+Reading definingEnd(Reading aEnd) {
+  Reading const connector = aEnd.owner();
+  if (!connector || aEnd.containment() != ids::Connector::End) return aEnd.none();
+  Reading const type = connector.reference(ids::Connector::Type);
+  if (!type) return type;
+  return type.at(ids::Association::MemberEnd, connector.positionOf(ids::Connector::End, *aEnd));
 }
 
-void readEnds(Element const& aConnectable, std::vector<Element*>& aOut) {
-  for (engine::Reference const& reference : engine::Referrers::of(aConnectable))
+void readEnds(Reading aConnectable, std::vector<Element*>& aOut) {
+  for (engine::Reference const& reference : aConnectable.referrers())
     if (reference.fFeature == ids::ConnectorEnd::Role) aOut.push_back(reference.fOwner);
 }
 
-void arrangeEnds(Element& aConnectable, std::vector<Element*> const& aOrder) {
+void arrangeEnds(Reading aConnectable, std::vector<Element*> const& aOrder) {
   std::vector<engine::Reference> references;
   references.reserve(aOrder.size());
   for (Element* const end : aOrder) references.push_back({end, ids::ConnectorEnd::Role});
-  engine::Change::arrangeReferrers(aConnectable, references);
+  engine::Change::arrangeReferrers(*aConnectable, references);
 }
 
 }  // namespace
 
 engine::Rule const ConnectorEnd::DefiningEnd{
-    .fValue = [](engine::Element const& aElement, Kelm::Deviant const& aDeviant) {
-      return Kelm::Object(definingEnd(aElement), aDeviant);
-    }};
+    .fValue = [](Reading aElement) { return definingEnd(aElement).object(); }};
 
 engine::Rule const ConnectableElement::End{
     .fValues = readEnds,
     .fInsert =
-        [](engine::Element& aElement, engine::Element& aValue, engine::Element* aBefore) {
-          engine::setReference(aValue, role(), &aElement);
+        [](Reading aElement, engine::Element& aValue, engine::Element* aBefore) {
+          engine::setReference(aValue, role(), aElement.element());
           if (aBefore == nullptr) return;
           std::vector<engine::Element*> ends;
           readEnds(aElement, ends);
@@ -55,8 +51,7 @@ engine::Rule const ConnectableElement::End{
           ends.insert(std::find(ends.begin(), ends.end(), aBefore), &aValue);
           arrangeEnds(aElement, ends);
         },
-    .fErase = [](engine::Element&,
-                 engine::Element& aValue) { engine::setReference(aValue, role(), nullptr); },
+    .fErase = [](Reading, engine::Element& aValue) { engine::setReference(aValue, role(), nullptr); },
     .fArrange = arrangeEnds};
 
 }  // namespace umlmm::rules

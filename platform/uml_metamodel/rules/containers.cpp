@@ -8,39 +8,33 @@ namespace umlmm::rules {
 namespace {
 
 /// The feature that holds the element, as its container has it.
-engine::Feature const& holder(engine::Element const& aElement) noexcept {
-  return engine::seenOn(*aElement.container(), engine::feature(aElement.containerFeature()));
+engine::Feature const& holder(Reading aElement) noexcept {
+  return engine::seenOn(*aElement.owner(), engine::feature(aElement.containment()));
 }
 
 }  // namespace
 
-engine::Rule const Element::Owner{
-    .fValue = [](engine::Element const& aElement, Kelm::Deviant const& aDeviant) {
-      return Kelm::Object(aElement.container(), aDeviant);
-    }};
+engine::Rule const Element::Owner{.fValue = [](Reading aElement) { return aElement.owner().object(); }};
 
 engine::Rule const NamedElement::Namespace{
-    .fValue = [](engine::Element const& aElement, Kelm::Deviant const& aDeviant) {
-      return Kelm::Object(queries::namespaceOf(aElement), aDeviant);
-    }};
+    .fValue = [](Reading aElement) { return queries::namespaceOf(aElement).object(); }};
 
 engine::Rule const Feature::FeaturingClassifier{
-    .fValues = [](engine::Element const& aElement, std::vector<engine::Element*>& aOut) {
-      if (aElement.container() != nullptr && holder(aElement).fGivesFeaturingClassifier)
-        aOut.push_back(aElement.container());
+    .fValues = [](Reading aElement, std::vector<engine::Element*>& aOut) {
+      if (aElement.owner() && holder(aElement).fGivesFeaturingClassifier)
+        aOut.push_back(aElement.owner().element());
     }};
 
 // A behavior's context may be a classifier further out than the one that nests it.
 engine::Rule const RedefinableElement::RedefinitionContext{
-    .fValues = [](engine::Element const& aElement, std::vector<engine::Element*>& aOut) {
-      engine::Element* behaviored = nullptr;
-      if (queries::isA(aElement, ids::metaclass::Behavior)) {
+    .fValues = [](Reading aElement, std::vector<engine::Element*>& aOut) {
+      Reading behaviored;
+      if (aElement.isA(ids::metaclass::Behavior)) {
         behaviored = queries::nearestOwner(aElement, ids::metaclass::BehavioredClassifier);
-        if (behaviored != nullptr) aOut.push_back(behaviored);
+        if (behaviored) aOut.push_back(behaviored.element());
       }
-      if (aElement.container() != nullptr && aElement.container() != behaviored &&
-          holder(aElement).fGivesContext)
-        aOut.push_back(aElement.container());
+      Reading const owner = aElement.owner();
+      if (owner && owner != behaviored && holder(aElement).fGivesContext) aOut.push_back(owner.element());
     }};
 
 }  // namespace umlmm::rules

@@ -2,6 +2,7 @@
 #include <optional>
 #include <string>
 
+#include "engine/Change.h"
 #include "engine/ValueSequence.h"
 #include "engine/access.h"
 #include "engine/engine.h"
@@ -10,6 +11,7 @@
 #include "operations/queries.h"
 #include "rules/replace.h"
 #include "rules/rules.h"
+#include "rules/texts.h"
 #include "uml_metamodel/umlmm/String.h"
 #include "uml_metamodel/umlmm/UnlimitedNatural.h"
 
@@ -25,24 +27,21 @@ using Kelm::Deviant;
 using Kelm::Object;
 using TextAccess = Kelm::Generic::RefAccess<umlmm::String>;
 
-Object textObject(std::string const& aText) {
-  return values::adopt(Kelm::StringObject::make(Kelm::toUtf16(aText)));
-}
-Object textObject(Element const& aElement, engine::FeatureIndex aRoot) {
-  return Object(values::record(aElement, aRoot), Deviant());
+Object textObject(std::string const& aText) { return adopt(Kelm::StringObject::make(Kelm::toUtf16(aText))); }
+Object textObject(Reading aElement, engine::FeatureIndex aRoot) {
+  return Object(aElement.record(aRoot), Deviant());
 }
 
-Kelm::Generic::SequenceIntf& bodies(Element const& aExpression) {
-  return engine::valueSequence(const_cast<Element&>(aExpression),
-                               engine::feature(ids::OpaqueExpression::Body));
+Kelm::Generic::SequenceIntf& bodies(Reading aExpression) {
+  return engine::valueSequence(*aExpression, engine::feature(ids::OpaqueExpression::Body));
 }
 
 /// How a value specification of one metaclass shows as text, and takes a text in its place.
 struct Form {
   int fMetaclass;
-  Object (*fText)(Element const& aValue, Deviant const& aDeviant);
+  Object (*fText)(Reading aValue);
   /// False if the text does not have the form; null where no text is taken.
-  bool (*fTake)(Element& aValue, Deviant const& aDeviant, Object const& aText);
+  bool (*fTake)(Reading aValue, Object const& aText);
 };
 
 template <class Number>
@@ -54,72 +53,68 @@ std::optional<Number> numberIn(Object const& aText) {
   return number;
 }
 
-Object stringText(Element const& aValue, Deviant const&) {
-  return textObject(aValue, ids::LiteralString::Value);
-}
-bool takeString(Element& aValue, Deviant const& aDeviant, Object const& aText) {
-  engine::write(aValue, aDeviant, engine::feature(ids::LiteralString::Value), aText);
+Object stringText(Reading aValue) { return textObject(aValue, ids::LiteralString::Value); }
+bool takeString(Reading aValue, Object const& aText) {
+  engine::write(*aValue, aValue.deviant(), engine::feature(ids::LiteralString::Value), aText);
   return true;
 }
 
-Object expressionText(Element const& aValue, Deviant const& aDeviant) {
+Object expressionText(Reading aValue) {
   auto const& texts = bodies(aValue);
-  if (texts.generic_empty(aDeviant)) return {};
-  return TextAccess::get(texts.generic_at(aDeviant, 0));
+  if (texts.generic_empty(aValue.deviant())) return {};
+  return TextAccess::get(texts.generic_at(aValue.deviant(), 0));
 }
-bool takeExpression(Element& aValue, Deviant const& aDeviant, Object const& aText) {
+bool takeExpression(Reading aValue, Object const& aText) {
   auto& texts = bodies(aValue);
   auto const text = TextAccess::make(umlmm::String(aText));
-  if (texts.generic_empty(aDeviant))
-    texts.generic_push_back(aDeviant, text);
+  if (texts.generic_empty(aValue.deviant()))
+    texts.generic_push_back(aValue.deviant(), text);
   else
-    texts.generic_replace(aDeviant, 0, text);
+    texts.generic_replace(aValue.deviant(), 0, text);
   return true;
 }
 
-Object booleanText(Element const& aValue, Deviant const&) {
-  return textObject(std::string(values::flag(aValue, ids::LiteralBoolean::Value) ? "true" : "false"));
+Object booleanText(Reading aValue) {
+  return textObject(std::string(aValue.flag(ids::LiteralBoolean::Value) ? "true" : "false"));
 }
-bool takeBoolean(Element& aValue, Deviant const& aDeviant, Object const& aText) {
+bool takeBoolean(Reading aValue, Object const& aText) {
   std::u16string_view const text = Kelm::asString(aText)->text();
   if (text != u"true" && text != u"false") return false;
-  engine::write(aValue, aDeviant, engine::feature(ids::LiteralBoolean::Value),
+  engine::write(*aValue, aValue.deviant(), engine::feature(ids::LiteralBoolean::Value),
                 Kelm::makePrimitive(Kelm::PrimitiveKind::Boolean, text == u"true" ? 1 : 0));
   return true;
 }
 
-Object integerText(Element const& aValue, Deviant const&) {
-  return textObject(std::to_string(static_cast<int>(values::number(aValue, ids::LiteralInteger::Value))));
+Object integerText(Reading aValue) {
+  return textObject(std::to_string(static_cast<int>(aValue.number(ids::LiteralInteger::Value))));
 }
-bool takeInteger(Element& aValue, Deviant const& aDeviant, Object const& aText) {
+bool takeInteger(Reading aValue, Object const& aText) {
   auto const number = numberIn<std::int32_t>(aText);
   if (!number) return false;
-  engine::write(aValue, aDeviant, engine::feature(ids::LiteralInteger::Value),
+  engine::write(*aValue, aValue.deviant(), engine::feature(ids::LiteralInteger::Value),
                 Kelm::makePrimitive(Kelm::PrimitiveKind::Integer, static_cast<std::uint32_t>(*number)));
   return true;
 }
 
-Object unlimitedText(Element const& aValue, Deviant const&) {
-  std::uint32_t const number = values::number(aValue, ids::LiteralUnlimitedNatural::Value);
+Object unlimitedText(Reading aValue) {
+  std::uint32_t const number = aValue.number(ids::LiteralUnlimitedNatural::Value);
   return textObject(number == UnlimitedNatural::kUnlimited ? std::string("*") : std::to_string(number));
 }
-bool takeUnlimited(Element& aValue, Deviant const& aDeviant, Object const& aText) {
+bool takeUnlimited(Reading aValue, Object const& aText) {
   auto number = numberIn<std::uint32_t>(aText);
   if (number == UnlimitedNatural::kUnlimited) return false;
   if (Kelm::asString(aText)->text() == u"*") number = UnlimitedNatural::kUnlimited;
   if (!number) return false;
-  engine::write(aValue, aDeviant, engine::feature(ids::LiteralUnlimitedNatural::Value),
+  engine::write(*aValue, aValue.deviant(), engine::feature(ids::LiteralUnlimitedNatural::Value),
                 Kelm::makePrimitive(Kelm::PrimitiveKind::UnlimitedNatural, *number));
   return true;
 }
 
-Object symbolText(Element const& aValue, Deviant const&) {
-  return textObject(aValue, ids::Expression::Symbol);
-}
+Object symbolText(Reading aValue) { return textObject(aValue, ids::Expression::Symbol); }
 
-Object instanceText(Element const& aValue, Deviant const&) {
-  Element const* const instance = values::reference(aValue, ids::InstanceValue::Instance);
-  return instance == nullptr ? Object() : textObject(*instance, ids::NamedElement::Name);
+Object instanceText(Reading aValue) {
+  Reading const instance = aValue.reference(ids::InstanceValue::Instance);
+  return instance ? textObject(instance, ids::NamedElement::Name) : Object();
 }
 
 constexpr Form kForms[] = {
@@ -132,30 +127,30 @@ constexpr Form kForms[] = {
     {ids::metaclass::InstanceValue, instanceText, nullptr},
 };
 
-Form const* formOf(Element const* aValue) {
-  if (aValue == nullptr) return nullptr;
+Form const* formOf(Reading aValue) {
+  if (!aValue) return nullptr;
   for (Form const& form : kForms)
-    if (queries::isA(*aValue, form.fMetaclass)) return &form;
+    if (aValue.isA(form.fMetaclass)) return &form;
   return nullptr;
 }
 
 template <engine::FeatureIndex Default, engine::FeatureIndex Value>
 struct DefaultText {
-  static Object read(Element const& aElement, Deviant const& aDeviant) {
-    Element const* const value = values::reference(aElement, Value);
+  static Object read(Reading aElement) {
+    Reading const value = aElement.reference(Value);
     Form const* const form = formOf(value);
-    return form == nullptr ? Object() : form->fText(*value, aDeviant);
+    return form == nullptr ? Object() : form->fText(value);
   }
-  static void set(Element& aElement, Deviant const& aDeviant, Object const& aText) {
+  static void set(Reading aElement, Object const& aText) {
     Kelm::StringObject const* const text = Kelm::asString(aText);
     if (text == nullptr && !aText.isNull())
       engine::failures::raiseNotAValue(kSource, engine::feature(Default));
     if (text == nullptr || text->text().empty()) return replaceValue(aElement, Value, nullptr);
-    Element* const value = values::reference(aElement, Value);
+    Reading const value = aElement.reference(Value);
     Form const* const form = formOf(value);
-    if (form != nullptr && form->fTake != nullptr && form->fTake(*value, aDeviant, aText)) return;
-    Element& literal = engine::Change::create(ids::metaclass::LiteralString, *aElement.model());
-    takeString(literal, aDeviant, aText);
+    if (form != nullptr && form->fTake != nullptr && form->fTake(value, aText)) return;
+    Element& literal = engine::Change::create(ids::metaclass::LiteralString, aElement.model());
+    takeString(aElement.on(literal), aText);
     replaceValue(aElement, Value, &literal);
   }
 

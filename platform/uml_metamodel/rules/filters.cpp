@@ -10,22 +10,21 @@ namespace {
 
 template <engine::FeatureIndex Base, engine::FeatureIndex View>
 struct Filter {
-  static void read(engine::Element const& aElement, std::vector<engine::Element*>& aOut) {
-    for (engine::Element* const part : values::elements(aElement, Base))
-      if (queries::isA(*part, engine::feature(View).fType)) aOut.push_back(part);
+  static void read(Reading aElement, std::vector<engine::Element*>& aOut) {
+    for (Reading const part : aElement.list(Base))
+      if (part.isA(engine::feature(View).fType)) aOut.push_back(part.element());
   }
-  static void insert(engine::Element& aElement, engine::Element& aValue, engine::Element* aBefore) {
+  static void insert(Reading aElement, engine::Element& aValue, engine::Element* aBefore) {
     std::uint32_t position = engine::kAtEnd;
-    if (aBefore != nullptr)
-      position = engine::pointerSlot<engine::PartList>(aElement, Base)->positionOf(aBefore);
-    engine::link(aElement, engine::feature(Base), aValue, position);
+    if (aBefore != nullptr) position = aElement.positionOf(Base, *aBefore);
+    engine::link(*aElement, engine::feature(Base), aValue, position);
   }
-  static void erase(engine::Element& aElement, engine::Element& aValue) {
-    engine::unlink(aElement, engine::feature(Base), aValue);
+  static void erase(Reading aElement, engine::Element& aValue) {
+    engine::unlink(*aElement, engine::feature(Base), aValue);
   }
 
-  static void arrange(engine::Element& aElement, std::vector<engine::Element*> const& aOrder) {
-    engine::arrangeValues(aElement, engine::feature(Base), aOrder);
+  static void arrange(Reading aElement, std::vector<engine::Element*> const& aOrder) {
+    engine::arrangeValues(*aElement, engine::feature(Base), aOrder);
   }
 
   static constexpr engine::Rule kRule{
@@ -43,11 +42,10 @@ engine::Rule const EncapsulatedClassifier::OwnedPort =
     Filter<ids::StructuredClassifier::OwnedAttribute, ids::EncapsulatedClassifier::OwnedPort>::kRule;
 
 engine::Rule const StructuredClassifier::Part{
-    .fValues = [](engine::Element const& aElement, std::vector<engine::Element*>& aOut) {
-      for (engine::Element* const attribute :
-           values::elements(aElement, ids::StructuredClassifier::OwnedAttribute))
-        if (values::literal(*attribute, ids::Property::Aggregation) == AggregationKind::Composite)
-          aOut.push_back(attribute);
+    .fValues = [](Reading aElement, std::vector<engine::Element*>& aOut) {
+      for (Reading const attribute : aElement.list(ids::StructuredClassifier::OwnedAttribute))
+        if (attribute.literal(ids::Property::Aggregation) == AggregationKind::Composite)
+          aOut.push_back(attribute.element());
     }};
 
 }  // namespace umlmm::rules

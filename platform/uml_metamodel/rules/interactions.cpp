@@ -6,8 +6,6 @@ namespace umlmm::rules {
 
 namespace {
 
-using engine::Element;
-
 /// What the events of one metaclass name.
 struct Naming {
   int fEvent;
@@ -23,38 +21,32 @@ constexpr Naming kNamings[] = {
     {ids::metaclass::SignalEvent, ids::SignalEvent::Signal},
 };
 
-Element* sendEnd(Element const& aMessage) noexcept {
-  return values::reference(aMessage, ids::Message::SendEvent);
-}
-Element* receiveEnd(Element const& aMessage) noexcept {
-  return values::reference(aMessage, ids::Message::ReceiveEvent);
-}
+Reading sendEnd(Reading aMessage) noexcept { return aMessage.reference(ids::Message::SendEvent); }
+Reading receiveEnd(Reading aMessage) noexcept { return aMessage.reference(ids::Message::ReceiveEvent); }
 
-/// The operation or signal of an end, or null. A gate has no event.
-Element* namedBy(Element const* aEnd) noexcept {
-  if (aEnd == nullptr || !queries::isA(*aEnd, ids::metaclass::OccurrenceSpecification)) return nullptr;
-  Element const* const event = values::reference(*aEnd, ids::OccurrenceSpecification::Event);
-  if (event == nullptr) return nullptr;
+/// The operation or signal of an end, or none. A gate has no event.
+Reading namedBy(Reading aEnd) noexcept {
+  if (!aEnd || !aEnd.isA(ids::metaclass::OccurrenceSpecification)) return aEnd.none();
+  Reading const event = aEnd.reference(ids::OccurrenceSpecification::Event);
+  if (!event) return event;
   for (Naming const& naming : kNamings)
-    if (queries::isA(*event, naming.fEvent)) return values::reference(*event, naming.fNamed);
-  return nullptr;
+    if (event.isA(naming.fEvent)) return event.reference(naming.fNamed);
+  return aEnd.none();
 }
 
 }  // namespace
 
-engine::Rule const Message::MessageKind{
-    .fValue = [](engine::Element const& aElement, Kelm::Deviant const&) -> Kelm::Object {
-      using Kind = umlmm::MessageKind;
-      bool const isSent = sendEnd(aElement) != nullptr;
-      bool const isReceived = receiveEnd(aElement) != nullptr;
-      if (isSent) return Kind(isReceived ? Kind::Complete : Kind::Lost);
-      return Kind(isReceived ? Kind::Found : Kind::Unknown);
-    }};
+engine::Rule const Message::MessageKind{.fValue = [](Reading aElement) -> Kelm::Object {
+  using Kind = umlmm::MessageKind;
+  bool const isSent{sendEnd(aElement)};
+  bool const isReceived{receiveEnd(aElement)};
+  if (isSent) return Kind(isReceived ? Kind::Complete : Kind::Lost);
+  return Kind(isReceived ? Kind::Found : Kind::Unknown);
+}};
 
-engine::Rule const Message::Signature{
-    .fValue = [](engine::Element const& aElement, Kelm::Deviant const& aDeviant) {
-      engine::Element const* const sent = namedBy(sendEnd(aElement));
-      return Kelm::Object(sent != nullptr ? sent : namedBy(receiveEnd(aElement)), aDeviant);
-    }};
+engine::Rule const Message::Signature{.fValue = [](Reading aElement) {
+  Reading const sent = namedBy(sendEnd(aElement));
+  return (sent ? sent : namedBy(receiveEnd(aElement))).object();
+}};
 
 }  // namespace umlmm::rules

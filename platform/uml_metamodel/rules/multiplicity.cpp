@@ -1,3 +1,4 @@
+#include "engine/Change.h"
 #include "engine/engine.h"
 #include "engine/failures.h"
 #include "operations/queries.h"
@@ -28,41 +29,40 @@ constexpr Bound kUpper{ids::MultiplicityElement::Upper, ids::MultiplicityElement
                        Kelm::PrimitiveKind::UnlimitedNatural};
 
 /// Without a value: the default as long as it stands, else nothing.
-Kelm::Object readDefault(engine::Element const& aElement, Bound const& aBound, std::uint32_t aDefault) {
-  bool const isDefault = engine::flagBits(aElement, aBound.fBound, 1) != 0;
+Kelm::Object readDefault(Reading aElement, Bound const& aBound, std::uint32_t aDefault) {
+  bool const isDefault = aElement.flag(aBound.fBound);
   return isDefault ? Kelm::makePrimitive(aBound.fKind, aDefault) : Kelm::Object();
 }
 
-Kelm::Object readLower(engine::Element const& aElement, Kelm::Deviant const&) {
-  engine::Element const* const value = values::reference(aElement, kLower.fValue);
-  if (value == nullptr)
-    return readDefault(aElement, kLower, static_cast<std::uint32_t>(queries::lowerBound(aElement)));
+Kelm::Object readLower(Reading aElement) {
+  Reading const value = aElement.reference(kLower.fValue);
+  if (!value) return readDefault(aElement, kLower, static_cast<std::uint32_t>(queries::lowerBound(aElement)));
   auto const number = queries::integerOf(value);
   return number ? Kelm::makePrimitive(kLower.fKind, static_cast<std::uint32_t>(*number)) : Kelm::Object();
 }
 
-Kelm::Object readUpper(engine::Element const& aElement, Kelm::Deviant const&) {
-  engine::Element const* const value = values::reference(aElement, kUpper.fValue);
-  if (value == nullptr) return readDefault(aElement, kUpper, queries::upperBound(aElement));
+Kelm::Object readUpper(Reading aElement) {
+  Reading const value = aElement.reference(kUpper.fValue);
+  if (!value) return readDefault(aElement, kUpper, queries::upperBound(aElement));
   auto const number = queries::unlimitedOf(value);
   return number ? Kelm::makePrimitive(kUpper.fKind, *number) : Kelm::Object();
 }
 
 template <Bound const& Side>
-void set(engine::Element& aElement, Kelm::Deviant const&, Kelm::Object const& aValue) {
+void set(Reading aElement, Kelm::Object const& aValue) {
   if (!aValue.isNull() && !Kelm::isPrimitive(aValue, Side.fKind))
     engine::failures::raiseNotAValue(kSource, engine::feature(Side.fBound));
-  engine::Element* literal = values::reference(aElement, Side.fValue);
+  Reading literal = aElement.reference(Side.fValue);
   if (aValue.isNull()) {
     replaceValue(aElement, Side.fValue, nullptr);
   } else {
-    if (literal == nullptr || !queries::isA(*literal, Side.fLiteral)) {
-      literal = &engine::Change::create(Side.fLiteral, *aElement.model());
-      replaceValue(aElement, Side.fValue, literal);
+    if (!literal || !literal.isA(Side.fLiteral)) {
+      literal = aElement.on(engine::Change::create(Side.fLiteral, aElement.model()));
+      replaceValue(aElement, Side.fValue, literal.element());
     }
     engine::Change::setInteger(*literal, Side.fNumber, aValue.getDeviant().value());
   }
-  engine::Change::setFlags(aElement, Side.fBound, 1, 0);
+  engine::Change::setFlags(*aElement, Side.fBound, 1, 0);
 }
 
 }  // namespace

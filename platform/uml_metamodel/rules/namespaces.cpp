@@ -1,16 +1,16 @@
 #include "operations/queries.h"
 #include "rules/rules.h"
+#include "rules/texts.h"
 
 namespace umlmm::rules {
 
-engine::Rule const NamedElement::QualifiedName{
-    .fValue = [](engine::Element const& aElement, Kelm::Deviant const&) {
-      Kelm::StringObject const* const name = queries::qualifiedName(aElement);
-      return name == nullptr ? Kelm::Object() : values::adopt(name);
-    }};
+engine::Rule const NamedElement::QualifiedName{.fValue = [](Reading aElement) {
+  Kelm::StringObject const* const name = queries::qualifiedName(aElement);
+  return name == nullptr ? Kelm::Object() : adopt(name);
+}};
 
 engine::Rule const Namespace::ImportedMember{
-    .fValues = [](engine::Element const& aElement, std::vector<engine::Element*>& aOut) {
+    .fValues = [](Reading aElement, std::vector<engine::Element*>& aOut) {
       auto const imported = queries::importedMembers(aElement);
       aOut.insert(aOut.end(), imported.begin(), imported.end());
     }};

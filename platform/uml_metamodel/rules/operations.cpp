@@ -13,16 +13,16 @@ namespace {
 
 constexpr char kSource[] = "uml_metamodel/rules/operations";
 
-engine::Element* resultOf(engine::Element const& aOperation) {
+Reading resultOf(Reading aOperation) {
   return queries::returnParameter(aOperation, ids::BehavioralFeature::OwnedParameter);
 }
 
-engine::Element& makeResult(engine::Element& aOperation, Kelm::Deviant const& aDeviant) {
-  auto& parameter = engine::Change::create(ids::metaclass::Parameter, *aOperation.model());
-  engine::write(parameter, aDeviant, engine::feature(ids::Parameter::Direction),
+Reading makeResult(Reading aOperation) {
+  auto& parameter = engine::Change::create(ids::metaclass::Parameter, aOperation.model());
+  engine::write(parameter, aOperation.deviant(), engine::feature(ids::Parameter::Direction),
                 ParameterDirectionKind(ParameterDirectionKind::Return));
-  engine::link(aOperation, engine::feature(ids::BehavioralFeature::OwnedParameter), parameter);
-  return parameter;
+  engine::link(*aOperation, engine::feature(ids::BehavioralFeature::OwnedParameter), parameter);
+  return aOperation.on(parameter);
 }
 
 /// Raises if a feature of primitive values can't take the value.
@@ -37,9 +37,9 @@ void checkPrimitive(engine::Feature const& aFeature, Kelm::Object const& aValue)
 /// The feature Own of an operation is the feature Shown of its return parameter.
 template <engine::FeatureIndex Own, engine::FeatureIndex Shown>
 struct OfResult {
-  static Kelm::Object read(engine::Element const& aOperation, Kelm::Deviant const& aDeviant) {
-    if (engine::Element const* const parameter = resultOf(aOperation))
-      return engine::read(*parameter, aDeviant, engine::feature(Shown));
+  static Kelm::Object read(Reading aOperation) {
+    if (Reading const parameter = resultOf(aOperation))
+      return engine::read(*parameter, parameter.deviant(), engine::feature(Shown));
     // Required values have an answer without a parameter, too: that of a fresh one.
     if constexpr (Own == ids::Operation::IsUnique)
       return Kelm::makePrimitive(Kelm::PrimitiveKind::Boolean, 1);
@@ -47,15 +47,15 @@ struct OfResult {
       return Kelm::makePrimitive(Kelm::PrimitiveKind::Boolean, 0);
     return {};
   }
-  static void set(engine::Element& aOperation, Kelm::Deviant const& aDeviant, Kelm::Object const& aValue) {
-    engine::Element* parameter = resultOf(aOperation);
+  static void set(Reading aOperation, Kelm::Object const& aValue) {
+    Reading parameter = resultOf(aOperation);
     if (aValue.isNull()) {
-      if (parameter != nullptr) engine::unset(*parameter, aDeviant, engine::feature(Shown));
+      if (parameter) engine::unset(*parameter, parameter.deviant(), engine::feature(Shown));
       return;
     }
     checkPrimitive(engine::feature(Own), aValue);
-    if (parameter == nullptr) parameter = &makeResult(aOperation, aDeviant);
-    engine::write(*parameter, aDeviant, engine::feature(Shown), aValue);
+    if (!parameter) parameter = makeResult(aOperation);
+    engine::write(*parameter, parameter.deviant(), engine::feature(Shown), aValue);
   }
 
   static constexpr engine::Rule kRule{.fValue = read, .fSet = set};
@@ -71,12 +71,10 @@ engine::Rule const Operation::Lower = OfResult<ids::Operation::Lower, ids::Multi
 engine::Rule const Operation::Upper = OfResult<ids::Operation::Upper, ids::MultiplicityElement::Upper>::kRule;
 engine::Rule const Operation::Type = OfResult<ids::Operation::Type, ids::TypedElement::Type>::kRule;
 
-engine::Rule const OpaqueExpression::Result{
-    .fValue = [](engine::Element const& aElement, Kelm::Deviant const& aDeviant) {
-      engine::Element const* const behavior = values::reference(aElement, ids::OpaqueExpression::Behavior);
-      engine::Element const* const result =
-          behavior == nullptr ? nullptr : queries::returnParameter(*behavior, ids::Behavior::OwnedParameter);
-      return Kelm::Object(result, aDeviant);
-    }};
+engine::Rule const OpaqueExpression::Result{.fValue = [](Reading aElement) {
+  Reading const behavior = aElement.reference(ids::OpaqueExpression::Behavior);
+  if (!behavior) return behavior.object();
+  return queries::returnParameter(behavior, ids::Behavior::OwnedParameter).object();
+}};
 
 }  // namespace umlmm::rules

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "engine/slots.h"
+#include "engine/Reading.h"
 
 namespace umlmm::rules {
 
 /// A new literal in the place of the value that a single containment holds; the old value is destroyed. Null
 /// leaves the place empty.
-void replaceValue(engine::Element& aOwner, engine::FeatureIndex aRoot, engine::Element* aLiteral);
+void replaceValue(engine::Reading aOwner, engine::FeatureIndex aRoot, engine::Element* aLiteral);
 
 }  // namespace umlmm::rules
