@@ -51,8 +51,8 @@ void unionValues(Reading aElement, Feature const& aFeature, std::vector<Element*
   if (contributors > 1 && !aFeature.fComposite) dropRepeats(aOut, start);
 }
 
-Rule const& ruleOf(Feature const& aFeature) noexcept { return *kRules[indexOf(aFeature)]; }
-bool hasRule(Feature const& aFeature) noexcept { return kRules[indexOf(aFeature)] != nullptr; }
+Derivation const& derivationOf(Feature const& aFeature) noexcept { return *kDerivations[indexOf(aFeature)]; }
+bool hasDerivation(Feature const& aFeature) noexcept { return kDerivations[indexOf(aFeature)] != nullptr; }
 
 }  // namespace
 
@@ -86,14 +86,14 @@ Feature const kAppliedStereotypeInstance{.fName = "appliedStereotypeInstance",
 
 void computeValues(Reading aElement, Feature const& aFeature, std::vector<Element*>& aOut) {
   if (&aFeature == &kAppliedStereotypeInstance) return;
-  if (!hasRule(aFeature)) return unionValues(aElement, aFeature, aOut);
-  Rule const& rule = ruleOf(aFeature);
-  if (rule.fValues != nullptr) return rule.fValues(aElement, aOut);
-  if (Element* const value = elementOf(rule.fValue(aElement))) aOut.push_back(value);
+  if (!hasDerivation(aFeature)) return unionValues(aElement, aFeature, aOut);
+  Derivation const& derivation = derivationOf(aFeature);
+  if (derivation.fValues != nullptr) return derivation.fValues(aElement, aOut);
+  if (Element* const value = elementOf(derivation.fValue(aElement))) aOut.push_back(value);
 }
 
 Kelm::Object computeValue(Reading aElement, Feature const& aFeature) {
-  if (hasRule(aFeature)) return ruleOf(aFeature).fValue(aElement);
+  if (hasDerivation(aFeature)) return derivationOf(aFeature).fValue(aElement);
   std::vector<Element*> values;
   unionValues(aElement, aFeature, values);
   return values.empty() ? Kelm::Object() : aElement.on(values.front()).object();
@@ -101,7 +101,7 @@ Kelm::Object computeValue(Reading aElement, Feature const& aFeature) {
 
 void setComputed(Reading aElement, Feature const& aFeature, Kelm::Object const& aValue) {
   Change change(aElement.model());
-  ruleOf(aFeature).fSet(aElement, aValue);
+  derivationOf(aFeature).fSet(aElement, aValue);
   change.commit();
 }
 
@@ -115,13 +115,13 @@ void checkComputed(Element const& aElement, Feature const& aFeature, Element con
 
 void insertComputed(Reading aElement, Feature const& aFeature, Element& aValue, Element* aBefore) {
   Change change(aElement.model());
-  ruleOf(aFeature).fInsert(aElement, aValue, aBefore);
+  derivationOf(aFeature).fInsert(aElement, aValue, aBefore);
   change.commit();
 }
 
 void eraseComputed(Reading aElement, Feature const& aFeature, Element& aValue) {
   Change change(aElement.model());
-  ruleOf(aFeature).fErase(aElement, aValue);
+  derivationOf(aFeature).fErase(aElement, aValue);
   change.commit();
 }
 
@@ -136,17 +136,17 @@ void assignComputed(Reading aElement, Feature const& aFeature, std::vector<Eleme
     if (!staying.contains(value)) eraseComputed(aElement, aFeature, *value);
   for (Element* const value : aValues)
     if (!held.contains(value)) insertComputed(aElement, aFeature, *value, nullptr);
-  if (auto const arrange = ruleOf(aFeature).fArrange;
+  if (auto const arrange = derivationOf(aFeature).fArrange;
       arrange != nullptr && valuesOf(aElement, aFeature) != aValues)
     arrange(aElement, aValues);
   change.commit();
 }
 
 void arrangeComputed(Reading aElement, Feature const& aFeature, std::vector<Element*> const& aOrder) {
-  if (!hasRule(aFeature) || ruleOf(aFeature).fArrange == nullptr)
+  if (!hasDerivation(aFeature) || derivationOf(aFeature).fArrange == nullptr)
     failures::raise(kSource, failures::nameOf(aFeature) + " is computed, and so is its order");
   Change change(aElement.model());
-  ruleOf(aFeature).fArrange(aElement, aOrder);
+  derivationOf(aFeature).fArrange(aElement, aOrder);
   change.commit();
 }
 

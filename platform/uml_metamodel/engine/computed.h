@@ -4,13 +4,13 @@
 
 #include "engine/Reading.h"
 
-/// Features without a slot: unions of their subsets, and those with a rule of their own.
+/// Features without a slot: unions of their subsets, and those with a derivation of their own.
 namespace umlmm::engine {
 
-/// How one computed feature reads and writes. Members that do not apply are null: a rule has either a value
-/// or values, and a read-only one can't be written. Elements come checked against the variant, in which all
-/// else is read, too, and values against the feature's type and model.
-struct Rule {
+/// How one computed feature reads and writes. Members that do not apply are null: a derivation has either a
+/// value or values, and a read-only one can't be written. Elements come checked against the variant, in which
+/// all else is read, too, and values against the feature's type and model.
+struct Derivation {
   /// A single value; a null object for none.
   Kelm::Object (*fValue)(Reading aElement) = nullptr;
   /// Values in order, each once.
@@ -24,9 +24,9 @@ struct Rule {
   void (*fArrange)(Reading aElement, std::vector<Element*> const& aOrder) = nullptr;
 };
 
-/// By feature; null for stored features and for unions without a rule of their own. Made from the catalogue:
-/// a computed feature without a rule fails to link.
-extern Rule const* const kRules[kFeatureCount];
+/// By feature; null for stored features and for unions without a derivation of their own. Made from the
+/// catalogue: a computed feature without one fails to link.
+extern Derivation const* const kDerivations[kFeatureCount];
 
 /// The kernel's feature for applied stereotypes, of which there are none yet. It stands in no table.
 extern Feature const kAppliedStereotypeInstance;

@@ -13,10 +13,10 @@
 #include "engine/failures.h"
 #include "engine/ids.h"
 #include "engine/links.h"
+#include "engine/metaobjects.h"
 #include "kelm/ElementQueries.h"
 #include "kelm/kernel/containers/sequence/SequenceCreator.h"
 #include "kelm/values.h"
-#include "reflection/meta.h"
 
 namespace umlmm::engine {
 
@@ -138,7 +138,7 @@ void installQueries() {
     std::vector<Element*> found;
     if (&aClass == Kelm::ImmutableClassObject::MetaClass().get())
       forEachElement(aModel, [&](Element& aElement) { found.push_back(&aElement); });
-    else if (int const metaclass = reflection::metaclassIndex(aClass); metaclass >= 0)
+    else if (int const metaclass = metaclassIndex(aClass); metaclass >= 0)
       found = ModelIndex::of(aModel).instancesOf(metaclass);
     return snapshot(found, aDeviant);
   };

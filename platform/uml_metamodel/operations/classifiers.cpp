@@ -1,7 +1,7 @@
 #include <algorithm>
 
-#include "operations/queries.h"
 #include "operations/results.h"
+#include "queries/queries.h"
 #include "uml_metamodel/umlmm/Class.h"
 #include "uml_metamodel/umlmm/Classifier.h"
 #include "uml_metamodel/umlmm/DataType.h"
@@ -18,48 +18,14 @@ constexpr char kSource[] = "uml_metamodel/operations/classifiers";
 
 }  // namespace
 
-namespace queries {
-
-Elements parents(Reading aClassifier) {
-  Elements found;
-  Visited seen;
-  kToGeneral.forEachTarget(aClassifier, [&](Reading aGeneral) {
-    if (seen.insert(*aGeneral)) found.push_back(aGeneral.element());
-  });
-  return found;
-}
-
-Elements allParents(Reading aClassifier) { return closureOf(aClassifier, kToGeneral); }
-
-bool hasAncestor(Reading aClassifier, Reading aAncestor) {
-  Elements const all = closureOf(aClassifier, kToGeneral, aAncestor);
-  return !all.empty() && all.back() == aAncestor.element();
-}
-
-Elements withAllParents(Reading aClassifier) {
-  Elements all = allParents(aClassifier);
-  std::erase(all, aClassifier.element());
-  all.insert(all.begin(), aClassifier.element());
-  return all;
-}
-
-bool conformsTo(Reading aType, Reading aOther) {
-  if (!aOther || !aType.isA(ids::metaclass::Classifier)) return false;
-  return aType == aOther || hasAncestor(aType, aOther);
-}
-
-Elements allIncludedUseCases(Reading aUseCase) { return closureOf(aUseCase, kToIncluded); }
-
-}  // namespace queries
-
 namespace NSInterface {
 
 using engine::readable;
-using queries::given;
-using queries::makeResult;
+using operations::given;
+using operations::makeResult;
 
 Kelm::ImmutableSequence<ImmutableFeature> ClassifierIntf::allFeatures(Kelm::Deviant const& aDeviant) const {
-  queries::Reading const self = readable(*this, aDeviant, kSource);
+  engine::Reading const self = readable(*this, aDeviant, kSource);
   queries::Elements features = queries::members(self);
   std::erase_if(features,
                 [&](engine::Element* aMember) { return !self.on(*aMember).isA(ids::metaclass::Feature); });
@@ -76,31 +42,31 @@ Kelm::ImmutableSequence<ImmutableClassifier> ClassifierIntf::allParents(Kelm::De
 
 Kelm::ImmutableSequence<ImmutableNamedElement> ClassifierIntf::inheritableMembers(
     Kelm::Deviant const& aDeviant, ImmutableClassifier const& aC) const {
-  queries::Reading const self = readable(*this, aDeviant, kSource);
+  engine::Reading const self = readable(*this, aDeviant, kSource);
   return makeResult<ImmutableNamedElement>(aDeviant, queries::inheritableMembers(self, given(self, aC)));
 }
 
 Boolean ClassifierIntf::hasVisibilityOf(Kelm::Deviant const& aDeviant,
                                         ImmutableNamedElement const& aN) const {
-  queries::Reading const self = readable(*this, aDeviant, kSource);
+  engine::Reading const self = readable(*this, aDeviant, kSource);
   return queries::hasVisibilityOf(self, given(self, aN));
 }
 
 Boolean TypeIntf::conformsTo(Kelm::Deviant const& aDeviant, ImmutableType const& aOther) const {
-  queries::Reading const self = readable(*this, aDeviant, kSource);
+  engine::Reading const self = readable(*this, aDeviant, kSource);
   return queries::conformsTo(self, given(self, aOther));
 }
 
 Boolean ClassifierIntf::conformsTo(Kelm::Deviant const& aDeviant, ImmutableClassifier const& aOther) const {
-  queries::Reading const self = readable(*this, aDeviant, kSource);
+  engine::Reading const self = readable(*this, aDeviant, kSource);
   return queries::conformsTo(self, given(self, aOther));
 }
 
 Kelm::ImmutableSequence<ImmutableNamedElement> ClassifierIntf::inherit(
     Kelm::Deviant const& aDeviant, Kelm::ImmutableSequence<ImmutableNamedElement> const& aInhs) const {
-  queries::Reading const self = readable(*this, aDeviant, kSource);
+  engine::Reading const self = readable(*this, aDeviant, kSource);
   return makeResult<ImmutableNamedElement>(aDeviant,
-                                           queries::inherit(self, queries::givenElements(self, aInhs)));
+                                           queries::inherit(self, operations::givenElements(self, aInhs)));
 }
 
 Kelm::ImmutableSequence<ImmutableNamedElement> ClassIntf::inherit(
@@ -115,8 +81,8 @@ Kelm::ImmutableSequence<ImmutableNamedElement> DataTypeIntf::inherit(
 
 Boolean ClassifierIntf::maySpecializeType(Kelm::Deviant const& aDeviant,
                                           ImmutableClassifier const& aC) const {
-  queries::Reading const self = readable(*this, aDeviant, kSource);
-  queries::Reading const general = given(self, aC);
+  engine::Reading const self = readable(*this, aDeviant, kSource);
+  engine::Reading const general = given(self, aC);
   return general && self.isA(general.metaclass());
 }
 

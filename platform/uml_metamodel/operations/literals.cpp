@@ -1,5 +1,5 @@
-#include "operations/queries.h"
 #include "operations/results.h"
+#include "queries/queries.h"
 #include "uml_metamodel/umlmm/LiteralBoolean.h"
 #include "uml_metamodel/umlmm/LiteralInteger.h"
 #include "uml_metamodel/umlmm/LiteralNull.h"

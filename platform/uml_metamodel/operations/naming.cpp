@@ -1,12 +1,5 @@
-#include <algorithm>
-#include <set>
-#include <string>
-#include <unordered_map>
-
-#include "operations/Imports.h"
-#include "operations/UnionLeaves.h"
-#include "operations/queries.h"
 #include "operations/results.h"
+#include "queries/queries.h"
 #include "uml_metamodel/umlmm/BehavioralFeature.h"
 #include "uml_metamodel/umlmm/NamedElement.h"
 #include "uml_metamodel/umlmm/Namespace.h"
@@ -20,146 +13,11 @@ constexpr char kSource[] = "uml_metamodel/operations/naming";
 
 }  // namespace
 
-namespace queries {
-
-namespace {
-
-constexpr std::u16string_view kSeparator = u"::";
-
-UnionLeaves sOwnedMembers(ids::Namespace::OwnedMember);
-
-bool isBehavioral(Reading aElement) noexcept { return aElement.isA(ids::metaclass::BehavioralFeature); }
-
-/// The types of the parameters, position by position; null for an absent type.
-Elements signatureOf(Reading aBehavioral) {
-  Elements types;
-  for (Reading const parameter : aBehavioral.list(ids::BehavioralFeature::OwnedParameter))
-    types.push_back(parameter.reference(ids::TypedElement::Type).element());
-  return types;
-}
-
-bool haveCommonName(Names const& aLeft, Names const& aRight) {
-  return std::any_of(aLeft.begin(), aLeft.end(), [&](std::u16string_view aName) {
-    return std::find(aRight.begin(), aRight.end(), aName) != aRight.end();
-  });
-}
-
-/// The names that a namespace has for elements, with its imports followed once for all questions.
-class NamesIn {
- public:
-  explicit NamesIn(Reading aNamespace) : fNamespace(aNamespace), fImports(aNamespace) {}
-
-  Names of(Reading aMember) const {
-    if (namespaceOf(aMember) != fNamespace) return fImports.namesOf(*aMember);
-    std::u16string_view const name = nameOf(aMember);
-    return name.empty() ? Names() : Names{name};
-  }
-
- private:
-  Reading fNamespace;
-  Imports fImports;
-};
-
-/// Members of one name, and whether each could be told from those before it.
-class Namesakes {
- public:
-  bool add(Reading aMember) { return isBehavioral(aMember) ? addSignature(aMember) : addOther(aMember); }
-
- private:
-  bool addSignature(Reading aMember) { return fSignatures.insert(signatureOf(aMember)).second; }
-  bool addOther(Reading aMember) {
-    int const metaclass = aMember.metaclass();
-    for (int const other : fMetaclasses)
-      if (metaclassesCollide(metaclass, other)) return false;
-    fMetaclasses.push_back(metaclass);
-    return true;
-  }
-
-  // Distinct metaclasses only, so that the list stays short.
-  std::vector<int> fMetaclasses;
-  std::set<Elements> fSignatures;
-};
-
-}  // namespace
-
-bool metaclassesCollide(int aLeft, int aRight) noexcept {
-  return engine::conforms(aLeft, aRight) || engine::conforms(aRight, aLeft);
-}
-
-Elements allNamespaces(Reading aNamed) {
-  Elements all;
-  for (Reading next = namespaceOf(aNamed); next; next = namespaceOf(next)) all.push_back(next.element());
-  return all;
-}
-
-Kelm::StringObject* qualifiedName(Reading aNamed) {
-  std::size_t length = 0;
-  for (Reading next = aNamed; next; next = namespaceOf(next)) {
-    std::size_t const size = nameOf(next).size();
-    if (size == 0) return nullptr;
-    length += size + (length == 0 ? 0 : kSeparator.size());
-  }
-  // Written from the end, as the walk goes outwards.
-  constexpr std::size_t kUsual = 256;
-  char16_t usual[kUsual];
-  std::u16string longer;
-  if (length > kUsual) longer.resize(length);
-  char16_t* const start = length > kUsual ? longer.data() : usual;
-  char16_t* place = start + length;
-  auto const put = [&](std::u16string_view aText) {
-    place -= aText.size();
-    std::copy(aText.begin(), aText.end(), place);
-  };
-  put(nameOf(aNamed));
-  for (Reading next = namespaceOf(aNamed); next; next = namespaceOf(next)) {
-    put(kSeparator);
-    put(nameOf(next));
-  }
-  return Kelm::StringObject::make({start, length});
-}
-
-Elements ownedMembers(Reading aNamespace) {
-  Elements owned;
-  if (!aNamespace.hadParts()) return owned;
-  for (engine::FeatureIndex const index : sOwnedMembers.of(aNamespace.metaclass()))
-    aNamespace.collect(index, owned);
-  return owned;
-}
-
-Elements members(Reading aNamespace) { return aNamespace.values(ids::Namespace::Member); }
-
-Names namesOfMember(Reading aNamespace, Reading aMember) {
-  return aMember ? NamesIn(aNamespace).of(aMember) : Names();
-}
-
-bool isDistinguishableFrom(Reading aNamed, Reading aOther, Reading aNamespace) {
-  if (!aOther || !aNamespace) return true;
-  bool const isSignature = isBehavioral(aNamed);
-  if (isSignature && (!isBehavioral(aOther) || aOther == aNamed)) return true;
-  if (!isSignature && !metaclassesCollide(aNamed.metaclass(), aOther.metaclass())) return true;
-  NamesIn const names(aNamespace);
-  if (!haveCommonName(names.of(aNamed), names.of(aOther))) return true;
-  return isSignature && signatureOf(aNamed) != signatureOf(aOther);
-}
-
-bool membersAreDistinguishable(Reading aNamespace) {
-  NamesIn const names(aNamespace);
-  std::unordered_map<std::u16string_view, Namesakes> byName;
-  for (Element* const element : members(aNamespace)) {
-    Reading const member = aNamespace.on(*element);
-    for (std::u16string_view const name : names.of(member))
-      if (!byName[name].add(member)) return false;
-  }
-  return true;
-}
-
-}  // namespace queries
-
 namespace NSInterface {
 
 using engine::readable;
-using queries::given;
-using queries::makeResult;
+using operations::given;
+using operations::makeResult;
 
 Kelm::ImmutableSequence<ImmutableNamespace> NamedElementIntf::allNamespaces(
     Kelm::Deviant const& aDeviant) const {
@@ -168,13 +26,13 @@ Kelm::ImmutableSequence<ImmutableNamespace> NamedElementIntf::allNamespaces(
 
 String NamedElementIntf::separator(Kelm::Deviant const& aDeviant) const {
   engine::checkReadable(*this, aDeviant, kSource);
-  return queries::makeText(queries::kSeparator);
+  return operations::makeText(queries::kSeparator);
 }
 
 Boolean NamedElementIntf::isDistinguishableFrom(Kelm::Deviant const& aDeviant,
                                                 ImmutableNamedElement const& aN,
                                                 ImmutableNamespace const& aNs) const {
-  queries::Reading const self = readable(*this, aDeviant, kSource);
+  engine::Reading const self = readable(*this, aDeviant, kSource);
   return queries::isDistinguishableFrom(self, given(self, aN), given(self, aNs));
 }
 
@@ -186,8 +44,8 @@ Boolean BehavioralFeatureIntf::isDistinguishableFrom(Kelm::Deviant const& aDevia
 
 Kelm::ImmutableSequence<String> NamespaceIntf::getNamesOfMember(Kelm::Deviant const& aDeviant,
                                                                 ImmutableNamedElement const& aElement) const {
-  queries::Reading const self = readable(*this, aDeviant, kSource);
-  return queries::makeTexts(aDeviant, queries::namesOfMember(self, given(self, aElement)));
+  engine::Reading const self = readable(*this, aDeviant, kSource);
+  return operations::makeTexts(aDeviant, queries::namesOfMember(self, given(self, aElement)));
 }
 
 Boolean NamespaceIntf::membersAreDistinguishable(Kelm::Deviant const& aDeviant) const {
@@ -196,14 +54,14 @@ Boolean NamespaceIntf::membersAreDistinguishable(Kelm::Deviant const& aDeviant) 
 
 Kelm::ImmutableSequence<ImmutablePackageableElement> NamespaceIntf::importMembers(
     Kelm::Deviant const& aDeviant, ImmutablePackageableElement const& aImps) const {
-  queries::Reading const self = readable(*this, aDeviant, kSource);
+  engine::Reading const self = readable(*this, aDeviant, kSource);
   return makeResult<ImmutablePackageableElement>(aDeviant, queries::importMembers(self, given(self, aImps)));
 }
 
 Kelm::ImmutableSequence<ImmutablePackageableElement> NamespaceIntf::excludeCollisions(
     Kelm::Deviant const& aDeviant, ImmutablePackageableElement const& aImps) const {
-  queries::Reading const self = readable(*this, aDeviant, kSource);
-  queries::Reading const candidate = given(self, aImps);
+  engine::Reading const self = readable(*this, aDeviant, kSource);
+  engine::Reading const candidate = given(self, aImps);
   return makeResult<ImmutablePackageableElement>(
       aDeviant, candidate ? queries::Elements{candidate.element()} : queries::Elements());
 }

@@ -3,7 +3,7 @@
 #include "engine/FeatureSequence.h"
 #include "kelm/kernel/containers/sequence/SequenceCreator.h"
 
-namespace umlmm::queries {
+namespace umlmm::operations {
 
 std::vector<Element*> givenElements(Reading aAsked, Kelm::SequenceRef const& aArgument) {
   std::vector<Element*> elements;
@@ -26,4 +26,4 @@ Kelm::ImmutableSequence<String> makeTexts(Deviant const& aDeviant,
   return result;
 }
 
-}  // namespace umlmm::queries
+}  // namespace umlmm::operations

@@ -13,7 +13,7 @@
 #include "uml_metamodel/umlmm/detail/metamodel.h"
 
 /// What queries take and give as the members of the interface classes see it.
-namespace umlmm::queries {
+namespace umlmm::operations {
 
 using engine::Deviant;
 using engine::Element;
@@ -52,4 +52,4 @@ Kelm::ImmutableSequence<String> makeTexts(Deviant const& aDeviant,
 
 inline String makeText(std::u16string_view aText) { return String(std::u16string(aText)); }
 
-}  // namespace umlmm::queries
+}  // namespace umlmm::operations

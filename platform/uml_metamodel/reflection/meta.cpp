@@ -225,17 +225,10 @@ Metamodel& metamodel() {
 
 }  // namespace
 
-ClassIntf const* metaClass(int aMetaclass) {
-  return &metamodel().fClasses[static_cast<std::size_t>(aMetaclass)];
-}
 PropertyIntf const* metaProperty(int aFeature) {
   return &metamodel().fProperties[static_cast<std::size_t>(aFeature)];
 }
 PackageIntf const* metaPackage() { return &metamodel().fPackage; }
-int metaclassIndex(ClassIntf const& aClass) {
-  metamodel();
-  return indexIn(aClass);
-}
 
 }  // namespace umlmm::reflection
 
@@ -243,5 +236,13 @@ namespace umlmm::engine {
 
 Kelm::NSInterface::ClassIntf const* metaClasses[kMetaclassCount];
 Kelm::MetaPropertyRecord metaProperties[kFeatureCount + kMetaclassCount];
+
+Kelm::NSInterface::ClassIntf const* metaClass(int aMetaclass) {
+  return &reflection::metamodel().fClasses[static_cast<std::size_t>(aMetaclass)];
+}
+int metaclassIndex(Kelm::NSInterface::ClassIntf const& aClass) {
+  reflection::metamodel();
+  return reflection::indexIn(aClass);
+}
 
 }  // namespace umlmm::engine

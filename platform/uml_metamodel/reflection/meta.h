@@ -1,14 +1,13 @@
 #pragma once
 
-#include "kelm/meta.h"
+#include "engine/metaobjects.h"
 
 /// The metamodel's own objects: immortal, made once from the table of features.
 namespace umlmm::reflection {
 
-Kelm::NSInterface::ClassIntf const* metaClass(int aMetaclass);
+using engine::metaClass;
+using engine::metaclassIndex;
 Kelm::NSInterface::PropertyIntf const* metaProperty(int aFeature);
 Kelm::NSInterface::PackageIntf const* metaPackage();
-/// The index of a metaclass; -1 for a class of another metamodel.
-int metaclassIndex(Kelm::NSInterface::ClassIntf const& aClass);
 
 }  // namespace umlmm::reflection
