@@ -10,7 +10,7 @@
 #include "engine/access.h"
 #include "engine/engine.h"
 #include "engine/failures.h"
-#include "kelm/kernel/containers/sequence/Ref.h"
+#include "kelm/kernel/containers/Ref.h"
 #include "queries/queries.h"
 #include "uml_metamodel/umlmm/String.h"
 #include "uml_metamodel/umlmm/UnlimitedNatural.h"

@@ -7,8 +7,8 @@
 #include "engine/ElementRef.h"
 #include "engine/access.h"
 #include "engine/failures.h"
+#include "kelm/kernel/containers/Ref.h"
 #include "kelm/kernel/containers/iterator/IteratorProxy.h"
-#include "kelm/kernel/containers/sequence/Ref.h"
 #include "kelm/kernel/containers/sources.h"
 
 namespace umlmm::engine {

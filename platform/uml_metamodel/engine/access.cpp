@@ -9,7 +9,7 @@
 #include "engine/enumerations.h"
 #include "engine/failures.h"
 #include "engine/links.h"
-#include "kelm/kernel/containers/sequence/Ref.h"
+#include "kelm/kernel/containers/Ref.h"
 #include "kelm/values.h"
 
 namespace umlmm::engine {

@@ -1,4 +1,4 @@
-#include "operations/results.h"
+#include "operations/answers.h"
 #include "queries/queries.h"
 #include "uml_metamodel/umlmm/Association.h"
 #include "uml_metamodel/umlmm/AssociationClass.h"

@@ -1,6 +1,6 @@
 #include <algorithm>
 
-#include "operations/results.h"
+#include "operations/answers.h"
 #include "queries/queries.h"
 #include "uml_metamodel/umlmm/Class.h"
 #include "uml_metamodel/umlmm/Classifier.h"

@@ -1,4 +1,4 @@
-#include "operations/results.h"
+#include "operations/answers.h"
 #include "queries/queries.h"
 #include "uml_metamodel/umlmm/Operation.h"
 #include "uml_metamodel/umlmm/Parameter.h"

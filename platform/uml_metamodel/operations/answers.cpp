@@ -1,4 +1,4 @@
-#include "operations/results.h"
+#include "operations/answers.h"
 
 #include "engine/FeatureSequence.h"
 #include "kelm/kernel/containers/sequence/SequenceCreator.h"

@@ -6,8 +6,8 @@
 
 #include "kelm/Generic.h"
 #include "kelm/Object.h"
+#include "kelm/kernel/containers/SequenceTraits.h"
 #include "kelm/kernel/containers/SmallBlocks.h"
-#include "kelm/kernel/containers/sequence/SequenceTraits.h"
 
 /// How typed values cross the type-erased sequence interface.
 namespace Kelm::Generic {

@@ -1,4 +1,4 @@
-#include "kelm/kernel/containers/sequence/Ref.h"
+#include "kelm/kernel/containers/Ref.h"
 
 #include <gtest/gtest.h>
 
