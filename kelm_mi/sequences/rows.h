@@ -5,7 +5,7 @@
 #include <type_traits>
 
 #include "kelm/Asserter.h"
-#include "kelm/kernel/containers/sequence/Ref.h"
+#include "kelm/kernel/containers/Ref.h"
 #include "uml_metamodel_mi/datatypes/values.h"
 #include "uml_metamodel_mi/frame/KernelSequenceHook.h"
 #include "uml_metamodel_mi/frame/addTypedMethod.h"

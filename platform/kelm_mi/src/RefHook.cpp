@@ -3,7 +3,7 @@
 #include <array>
 
 #include "kelm/DeviantRegistry.h"
-#include "kelm/kernel/containers/sequence/Ref.h"
+#include "kelm/kernel/containers/Ref.h"
 #include "kelm/values.h"
 #include "tarn/tarn.h"
 #include "vesk/host/Bindings.h"

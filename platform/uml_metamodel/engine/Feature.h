@@ -28,7 +28,7 @@ enum class Storage : std::uint8_t {
   List,           ///< A list of elements, null when none was ever made.
   PrimitiveList,  ///< A sequence of values, null when none was ever made.
   Container,      ///< No slot: the container, if the far end holds the element.
-  Computed        ///< No slot: a rule.
+  Computed        ///< No slot: a derivation.
 };
 
 struct Feature {

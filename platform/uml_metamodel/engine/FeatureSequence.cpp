@@ -7,8 +7,8 @@
 #include "engine/ElementRef.h"
 #include "engine/access.h"
 #include "engine/failures.h"
+#include "kelm/kernel/containers/Ref.h"
 #include "kelm/kernel/containers/iterator/IteratorProxy.h"
-#include "kelm/kernel/containers/sequence/Ref.h"
 #include "kelm/kernel/containers/sources.h"
 
 namespace umlmm::engine {
@@ -41,32 +41,32 @@ Element* elementOf(Kelm::Generic::Loan const& aValue) { return elementOf(ObjectA
 /// holds a count on the element, so that no other one can be made at that address.
 class FeatureSequence::Iterator final : public Kelm::IteratorProxy {
  public:
-  Iterator(FeatureSequence const& aSequence, std::uint32_t aPosition)
+  Iterator(FeatureSequence const& aSequence, Deviant const& aDeviant, std::uint32_t aPosition)
       : fSequence(aSequence),
-        fStamp(aSequence.changes()),
+        fStamp(aSequence.changes(aDeviant)),
         fPosition(aPosition),
-        fCurrent(aSequence.counted(aPosition)) {
+        fCurrent(aSequence.counted(aDeviant, aPosition)) {
     Kelm::keepOwner(this, &aSequence);
   }
   ~Iterator() override { letGo(); }
 
   Ref current(Deviant const& aDeviant) const override {
     checkReadable(fSequence.element(), aDeviant, kSource);
-    refresh();
+    refresh(aDeviant);
     if (fCurrent == nullptr) raiseOutOfBounds();
     return refTo(*fCurrent, aDeviant);
   }
   void next(Deviant const& aDeviant) override {
     checkReadable(fSequence.element(), aDeviant, kSource);
-    refresh();
+    refresh(aDeviant);
     if (fCurrent == nullptr) raiseOutOfBounds();
-    moveTo(fPosition + 1);
+    moveTo(aDeviant, fPosition + 1);
   }
   void previous(Deviant const& aDeviant) override {
     checkReadable(fSequence.element(), aDeviant, kSource);
-    refresh();
+    refresh(aDeviant);
     if (fPosition == 0) raiseOutOfBounds();
-    moveTo(fPosition - 1);
+    moveTo(aDeviant, fPosition - 1);
   }
   IteratorPtr clone() const override { return IteratorPtr(new Iterator(*this)); }
   bool equal(IteratorIntf const* aOther) const override {
@@ -76,8 +76,8 @@ class FeatureSequence::Iterator final : public Kelm::IteratorProxy {
   }
 
   FeatureSequence const& sequence() const noexcept { return fSequence; }
-  std::uint32_t position() const {
-    refresh();
+  std::uint32_t position(Deviant const& aDeviant) const {
+    refresh(aDeviant);
     return fPosition;
   }
 
@@ -91,37 +91,37 @@ class FeatureSequence::Iterator final : public Kelm::IteratorProxy {
     if (fCurrent != nullptr) fCurrent->incRef();
   }
 
-  void moveTo(std::uint32_t aPosition) {
+  void moveTo(Deviant const& aDeviant, std::uint32_t aPosition) {
     letGo();
     fPosition = aPosition;
-    fCurrent = fSequence.counted(aPosition);
+    fCurrent = fSequence.counted(aDeviant, aPosition);
   }
   void letGo() noexcept {
     if (fCurrent != nullptr) std::exchange(fCurrent, nullptr)->decRef();
   }
 
-  void refresh() const {
-    std::uint64_t const stamp = fSequence.changes();
+  void refresh(Deviant const& aDeviant) const {
+    std::uint64_t const stamp = fSequence.changes(aDeviant);
     if (stamp == fStamp) [[likely]]
       return;
-    std::uint32_t const size = fSequence.size();
+    std::uint32_t const size = fSequence.size(aDeviant);
     if (fCurrent == nullptr) {
       fPosition = size;
     } else {
-      lookUp(size);
+      lookUp(aDeviant, size);
     }
     fStamp = stamp;
   }
 
-  void lookUp(std::uint32_t aSize) const {
+  void lookUp(Deviant const& aDeviant, std::uint32_t aSize) const {
     std::uint32_t below = std::min(fPosition, aSize);
     std::uint32_t above = below;
     while (below > 0 || above < aSize) {
       if (above < aSize) {
-        if (fSequence.at(above) == fCurrent) return void(fPosition = above);
+        if (fSequence.at(aDeviant, above) == fCurrent) return void(fPosition = above);
         ++above;
       }
-      if (below > 0 && fSequence.at(--below) == fCurrent) return void(fPosition = below);
+      if (below > 0 && fSequence.at(aDeviant, --below) == fCurrent) return void(fPosition = below);
     }
     raiseOutOfBounds();
   }
@@ -141,23 +141,23 @@ std::uint32_t FeatureSequence::checkedPosition(Deviant const& aDeviant, int aInd
   return static_cast<std::uint32_t>(aIndex);
 }
 
-std::uint32_t FeatureSequence::positionOf(IteratorIntf const* aIterator) const {
+std::uint32_t FeatureSequence::positionOf(Deviant const& aDeviant, IteratorIntf const* aIterator) const {
   if (aIterator == nullptr) Kelm::raiseNullReference(Kelm::sources::kIterator);
   if (typeid(*aIterator) != typeid(Iterator)) raiseOutOfBounds();
   auto const& iterator = static_cast<Iterator const&>(*aIterator);
   if (&iterator.sequence() != this) raiseOutOfBounds();
-  return iterator.position();
+  return iterator.position(aDeviant);
 }
 
-Element* FeatureSequence::counted(std::uint32_t aPosition) const {
-  if (aPosition >= size()) return nullptr;
-  Element* const element = at(aPosition);
+Element* FeatureSequence::counted(Deviant const& aDeviant, std::uint32_t aPosition) const {
+  if (aPosition >= size(aDeviant)) return nullptr;
+  Element* const element = at(aDeviant, aPosition);
   element->incRef();
   return element;
 }
 
-IteratorPtr FeatureSequence::iteratorAt(std::uint32_t aPosition) const {
-  return IteratorPtr(new Iterator(*this, aPosition));
+IteratorPtr FeatureSequence::iteratorAt(Deviant const& aDeviant, std::uint32_t aPosition) const {
+  return IteratorPtr(new Iterator(*this, aDeviant, aPosition));
 }
 
 void FeatureSequence::checkChange(Deviant const& aDeviant, int aLine) const {
@@ -169,38 +169,38 @@ Element& FeatureSequence::add(Deviant const& aDeviant, std::uint32_t aPosition, 
   checkChange(aDeviant);
   Element* const value = elementOf(aValue);
   if (value == nullptr) failures::raiseNotAValue(kSource, fFeature);
-  if (!contains(*value)) {
+  if (!contains(aDeviant, *value)) {
     check(*value, nullptr);
-    insert(aPosition, *value);
+    insert(aDeviant, aPosition, *value);
   }
   return *value;
 }
 
 Ref FeatureSequence::generic_at(Deviant const& aDeviant, int aIndex) const {
   checkReadable(fElement, aDeviant, kSource);
-  return refTo(*at(checkedPosition(aDeviant, aIndex, size())), aDeviant);
+  return refTo(*at(aDeviant, checkedPosition(aDeviant, aIndex, size(aDeviant))), aDeviant);
 }
 
 Ref FeatureSequence::generic_front(Deviant const& aDeviant) const {
   checkReadable(fElement, aDeviant, kSource);
-  if (size() == 0) raiseEmpty();
-  return refTo(*at(0), aDeviant);
+  if (size(aDeviant) == 0) raiseEmpty();
+  return refTo(*at(aDeviant, 0), aDeviant);
 }
 
 Ref FeatureSequence::generic_back(Deviant const& aDeviant) const {
   checkReadable(fElement, aDeviant, kSource);
-  if (size() == 0) raiseEmpty();
-  return refTo(*at(size() - 1), aDeviant);
+  if (size(aDeviant) == 0) raiseEmpty();
+  return refTo(*at(aDeviant, size(aDeviant) - 1), aDeviant);
 }
 
 IteratorPtr FeatureSequence::generic_begin(Deviant const& aDeviant) const {
   checkReadable(fElement, aDeviant, kSource);
-  return iteratorAt(0);
+  return iteratorAt(aDeviant, 0);
 }
 
 IteratorPtr FeatureSequence::generic_end(Deviant const& aDeviant) const {
   checkReadable(fElement, aDeviant, kSource);
-  return iteratorAt(size());
+  return iteratorAt(aDeviant, size(aDeviant));
 }
 
 void FeatureSequence::generic_clear(Deviant const& aDeviant) {
@@ -210,33 +210,33 @@ void FeatureSequence::generic_clear(Deviant const& aDeviant) {
 
 int FeatureSequence::generic_size(Deviant const& aDeviant) const {
   checkReadable(fElement, aDeviant, kSource);
-  return static_cast<int>(size());
+  return static_cast<int>(size(aDeviant));
 }
 
 void FeatureSequence::generic_insert(Deviant const& aDeviant, int aIndex, Ref aValue) {
   checkChange(aDeviant);
-  add(aDeviant, checkedPosition(aDeviant, aIndex, size() + 1), aValue);
+  add(aDeviant, checkedPosition(aDeviant, aIndex, size(aDeviant) + 1), aValue);
 }
 
 IteratorPtr FeatureSequence::generic_insert(Deviant const& aDeviant, IteratorIntf const* aPosition,
                                             Ref aValue) {
   checkChange(aDeviant);
   Change change(*fElement.model());
-  std::uint32_t const position = positionOf(aPosition);
+  std::uint32_t const position = positionOf(aDeviant, aPosition);
   Element const& value = add(aDeviant, position, aValue);
-  bool const isThere = position < size() && at(position) == &value;
-  auto result = iteratorAt(isThere ? position : find(value));
+  bool const isThere = position < size(aDeviant) && at(aDeviant, position) == &value;
+  auto result = iteratorAt(aDeviant, isThere ? position : find(aDeviant, value));
   change.commit();
   return result;
 }
 
 IteratorPtr FeatureSequence::generic_erase(Deviant const& aDeviant, IteratorIntf const* aPosition) {
   checkChange(aDeviant);
-  std::uint32_t const position = positionOf(aPosition);
-  if (position >= size()) raiseOutOfBounds();
+  std::uint32_t const position = positionOf(aDeviant, aPosition);
+  if (position >= size(aDeviant)) raiseOutOfBounds();
   Change change(*fElement.model());
-  erase(*at(position));
-  auto result = iteratorAt(position);
+  erase(aDeviant, *at(aDeviant, position));
+  auto result = iteratorAt(aDeviant, position);
   change.commit();
   return result;
 }
@@ -244,81 +244,81 @@ IteratorPtr FeatureSequence::generic_erase(Deviant const& aDeviant, IteratorIntf
 IteratorPtr FeatureSequence::generic_erase(Deviant const& aDeviant, IteratorIntf const* aFirst,
                                            IteratorIntf const* aLast) {
   checkChange(aDeviant);
-  std::uint32_t const first = positionOf(aFirst);
-  std::uint32_t const last = positionOf(aLast);
+  std::uint32_t const first = positionOf(aDeviant, aFirst);
+  std::uint32_t const last = positionOf(aDeviant, aLast);
   if (last < first) raiseOutOfBounds();
   std::vector<Element*> going;
-  for (std::uint32_t position = first; position < last; ++position) going.push_back(at(position));
+  for (std::uint32_t position = first; position < last; ++position) going.push_back(at(aDeviant, position));
   Change change(*fElement.model());
-  for (Element* const value : going) erase(*value);
-  auto result = iteratorAt(first);
+  for (Element* const value : going) erase(aDeviant, *value);
+  auto result = iteratorAt(aDeviant, first);
   change.commit();
   return result;
 }
 
 void FeatureSequence::generic_erase(Deviant const& aDeviant, int aIndex) {
   checkChange(aDeviant);
-  erase(*at(checkedPosition(aDeviant, aIndex, size())));
+  erase(aDeviant, *at(aDeviant, checkedPosition(aDeviant, aIndex, size(aDeviant))));
 }
 
 void FeatureSequence::generic_pop_back(Deviant const& aDeviant) {
   checkChange(aDeviant);
-  if (size() == 0) raiseEmpty();
-  erase(*at(size() - 1));
+  if (size(aDeviant) == 0) raiseEmpty();
+  erase(aDeviant, *at(aDeviant, size(aDeviant) - 1));
 }
 
 void FeatureSequence::generic_pop_front(Deviant const& aDeviant) {
   checkChange(aDeviant);
-  if (size() == 0) raiseEmpty();
-  erase(*at(0));
+  if (size(aDeviant) == 0) raiseEmpty();
+  erase(aDeviant, *at(aDeviant, 0));
 }
 
 void FeatureSequence::generic_push_back(Deviant const& aDeviant, Ref aValue) {
-  add(aDeviant, size(), aValue);
+  add(aDeviant, size(aDeviant), aValue);
 }
 
 void FeatureSequence::generic_push_front(Deviant const& aDeviant, Ref aValue) { add(aDeviant, 0, aValue); }
 
 void FeatureSequence::generic_replace(Deviant const& aDeviant, int aIndex, Ref aValue) {
   checkChange(aDeviant);
-  std::uint32_t const position = checkedPosition(aDeviant, aIndex, size());
+  std::uint32_t const position = checkedPosition(aDeviant, aIndex, size(aDeviant));
   Element* const value = elementOf(aValue);
   if (value == nullptr) failures::raiseNotAValue(kSource, fFeature);
-  if (contains(*value)) return;
-  Element* const old = at(position);
+  if (contains(aDeviant, *value)) return;
+  Element* const old = at(aDeviant, position);
   check(*value, old);
   Change change(*fElement.model());
-  erase(*old);
-  insert(position, *value);
+  erase(aDeviant, *old);
+  insert(aDeviant, position, *value);
   change.commit();
 }
 
 bool FeatureSequence::generic_contains(Deviant const& aDeviant, Ref aValue) const {
   checkReadable(fElement, aDeviant, kSource);
   Element* const value = elementOf(aValue);
-  return value != nullptr && value->model() == fElement.model() && contains(*value);
+  return value != nullptr && value->model() == fElement.model() && contains(aDeviant, *value);
 }
 
 int FeatureSequence::generic_removeAll(Deviant const& aDeviant, Ref aValue) {
   checkChange(aDeviant);
   Element* const value = elementOf(aValue);
-  if (value == nullptr || value->model() != fElement.model() || !contains(*value)) return 0;
-  erase(*value);
+  if (value == nullptr || value->model() != fElement.model() || !contains(aDeviant, *value)) return 0;
+  erase(aDeviant, *value);
   return 1;
 }
 
 std::uint64_t FeatureSequence::stamp(Deviant const& aDeviant) const {
   checkReadable(fElement, aDeviant, kSource);
   // Closing holes moves entries, not values: it must not look like a change later.
-  if (size() != 0) static_cast<void>(all());
-  return changes();
+  if (size(aDeviant) != 0) static_cast<void>(all(aDeviant));
+  return changes(aDeviant);
 }
 
 int FeatureSequence::readBlock(Deviant const& aDeviant, int aIndex, int aCount,
                                Kelm::Generic::Loan* aOut) const {
   checkReadable(fElement, aDeviant, kSource);
-  int const count = blockLength(aIndex, aCount, size());
-  if (count != 0) lend(all().subspan(static_cast<std::size_t>(aIndex)), count, aDeviant, aOut);
+  int const count = blockLength(aIndex, aCount, size(aDeviant));
+  if (count != 0) lend(all(aDeviant).subspan(static_cast<std::size_t>(aIndex)), count, aDeviant, aOut);
   return count;
 }
 
@@ -326,7 +326,7 @@ int FeatureSequence::indexOf(Deviant const& aDeviant, Ref const& aValue, int aFr
   checkReadable(fElement, aDeviant, kSource);
   Element* const value = elementOf(aValue);
   if (value == nullptr || value->model() != fElement.model()) return -1;
-  std::uint32_t const position = find(*value);
+  std::uint32_t const position = find(aDeviant, *value);
   return position == kNowhere || static_cast<int>(position) < aFrom ? -1 : static_cast<int>(position);
 }
 
@@ -339,9 +339,9 @@ void FeatureSequence::specialized_assign(Kelm::Generic::SequenceIntf const* aOth
 void FeatureSequence::generic_rearrange(Deviant const& aDeviant, std::span<int const> aFrom,
                                         std::span<int const> aTo) {
   checkChange(aDeviant);
-  checkPlaces(aFrom, size());
-  checkPlaces(aTo, size());
-  if (!aTo.empty()) rearrange(aFrom, aTo);
+  checkPlaces(aFrom, size(aDeviant));
+  checkPlaces(aTo, size(aDeviant));
+  if (!aTo.empty()) rearrange(aDeviant, aFrom, aTo);
 }
 
 }  // namespace umlmm::engine

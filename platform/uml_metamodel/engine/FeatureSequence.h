@@ -80,29 +80,29 @@ class FeatureSequence : public Kelm::Generic::SequenceIntf {
       : fElement(aElement), fFeature(aFeature) {}
 
   // Positions count from 0 and are in range; changes come with a writable variant.
-  virtual std::uint32_t size() const = 0;
-  virtual Element* at(std::uint32_t aPosition) const = 0;
+  virtual std::uint32_t size(Deviant const& aDeviant) const = 0;
+  virtual Element* at(Deviant const& aDeviant, std::uint32_t aPosition) const = 0;
   /// All values in order, if there are any; valid until the next change.
-  virtual std::span<Element* const> all() const = 0;
+  virtual std::span<Element* const> all(Deviant const& aDeviant) const = 0;
   /// Position of a living element, or kNowhere.
-  virtual std::uint32_t find(Element const& aValue) const = 0;
-  virtual bool contains(Element const& aValue) const = 0;
+  virtual std::uint32_t find(Deviant const& aDeviant, Element const& aValue) const = 0;
+  virtual bool contains(Deviant const& aDeviant, Element const& aValue) const = 0;
   /// Raises when the feature can't take the value, which is not in it.
   virtual void check(Element const& aValue, Element const* aReplaced) const = 0;
-  virtual void insert(std::uint32_t aPosition, Element& aValue) = 0;
-  virtual void erase(Element& aValue) = 0;
-  virtual void rearrange(std::span<int const> aFrom, std::span<int const> aTo) = 0;
+  virtual void insert(Deviant const& aDeviant, std::uint32_t aPosition, Element& aValue) = 0;
+  virtual void erase(Deviant const& aDeviant, Element& aValue) = 0;
+  virtual void rearrange(Deviant const& aDeviant, std::span<int const> aFrom, std::span<int const> aTo) = 0;
   /// Differs whenever positions may have moved; never 0.
-  virtual std::uint64_t changes() const = 0;
+  virtual std::uint64_t changes(Deviant const& aDeviant) const = 0;
 
   // Failures name the caller's line.
   std::uint32_t checkedPosition(Deviant const& aDeviant, int aIndex, std::uint32_t aLimit,
                                 int aLine = std::source_location::current().line()) const;
   /// Position of an iterator of this sequence; raises for others.
-  std::uint32_t positionOf(Kelm::Generic::IteratorIntf const* aIterator) const;
+  std::uint32_t positionOf(Deviant const& aDeviant, Kelm::Generic::IteratorIntf const* aIterator) const;
   /// The element there with a count for the caller; null behind the last.
-  Element* counted(std::uint32_t aPosition) const;
-  Kelm::Generic::IteratorPtr iteratorAt(std::uint32_t aPosition) const;
+  Element* counted(Deviant const& aDeviant, std::uint32_t aPosition) const;
+  Kelm::Generic::IteratorPtr iteratorAt(Deviant const& aDeviant, std::uint32_t aPosition) const;
   /// Adds the value unless it is there.
   Element& add(Deviant const& aDeviant, std::uint32_t aPosition, Kelm::Generic::Ref const& aValue);
   void checkChange(Deviant const& aDeviant, int aLine = std::source_location::current().line()) const;

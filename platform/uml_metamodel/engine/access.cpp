@@ -9,7 +9,7 @@
 #include "engine/enumerations.h"
 #include "engine/failures.h"
 #include "engine/links.h"
-#include "kelm/kernel/containers/sequence/Ref.h"
+#include "kelm/kernel/containers/Ref.h"
 #include "kelm/values.h"
 
 namespace umlmm::engine {
@@ -149,7 +149,7 @@ namespace {
     case Storage::PrimitiveList:
       return Object();
     case Storage::Computed:
-      return aFeature.isMany() ? Object() : computeValue(aElement, aDeviant, aFeature);
+      return aFeature.isMany() ? Object() : computeValue({aElement, aDeviant}, aFeature);
   }
   return Object();
 }
@@ -205,7 +205,7 @@ bool isSet(Element const& aElement, Deviant const& aDeviant, Feature const& aFea
       return values != nullptr && !values->generic_empty(aDeviant);
     }
     case Storage::Computed:
-      if (aFeature.isMany()) return !valuesOf(aElement, aFeature).empty();
+      if (aFeature.isMany()) return !valuesOf({aElement, aDeviant}, aFeature).empty();
       [[fallthrough]];
     default:
       return !readValue(aElement, aDeviant, aFeature).isNull();
@@ -235,7 +235,7 @@ void write(Element& aElement, Deviant const& aDeviant, Feature const& aFeature, 
       break;
     case Storage::Computed:
       if (aFeature.isReference()) checkComputed(aElement, aFeature, referenceIn(aFeature, aValue));
-      setComputed(aElement, aDeviant, aFeature, aValue);
+      setComputed({aElement, aDeviant}, aFeature, aValue);
       break;
     default:
       return writeReference(aElement, aFeature, aValue);
@@ -264,7 +264,7 @@ void unset(Element& aElement, Deviant const& aDeviant, Feature const& aFeature) 
       return assign(aElement, aDeviant, aFeature, nullptr, Deviant());
     case Storage::Computed:
       if (aFeature.isMany()) return assign(aElement, aDeviant, aFeature, nullptr, Deviant());
-      setComputed(aElement, aDeviant, aFeature, Object());
+      setComputed({aElement, aDeviant}, aFeature, Object());
       break;
   }
 }

@@ -9,7 +9,7 @@
 
 #include "engine/engine.h"
 #include "engine/links.h"
-#include "reflection/meta.h"
+#include "engine/metaobjects.h"
 
 namespace umlmm::engine {
 
@@ -75,7 +75,7 @@ void fillTable(Entry& aEntry, Layout const& aLayout, ElementClass const& aClass,
   table.fVeskName = aEntry.fName.c_str();
   table.fImmutableVeskName = aEntry.fImmutableName.c_str();
   table.fEngine = &kElementEngine;
-  table.fMetaClass = reflection::metaClass(aLayout.fMetaclass);
+  table.fMetaClass = metaClass(aLayout.fMetaclass);
   table.fSlotOfFeature = aLayout.fSlotOfFeature;
   table.fStringWords = aLayout.fStringWords;
   table.fReferenceWords = aLayout.fReferenceWords;

@@ -14,8 +14,8 @@ namespace {
 
 constexpr char kSource[] = "uml_metamodel/engine/computed";
 
-Union const* unionOn(Element const& aElement, FeatureIndex aFeature) noexcept {
-  for (Union const& candidate : metaclass(metaclassOf(aElement)).fUnions)
+Union const* unionOn(Reading aElement, FeatureIndex aFeature) noexcept {
+  for (Union const& candidate : metaclass(aElement.metaclass()).fUnions)
     if (candidate.fFeature == aFeature) return &candidate;
   return nullptr;
 }
@@ -37,7 +37,7 @@ void dropRepeats(std::vector<Element*>& aValues, std::size_t aStart) {
   aValues.erase(keep, aValues.end());
 }
 
-void unionValues(Element const& aElement, Feature const& aFeature, std::vector<Element*>& aOut) {
+void unionValues(Reading aElement, Feature const& aFeature, std::vector<Element*>& aOut) {
   Union const* const own = unionOn(aElement, indexOf(aFeature));
   if (own == nullptr) return;
   std::size_t const start = aOut.size();
@@ -51,11 +51,12 @@ void unionValues(Element const& aElement, Feature const& aFeature, std::vector<E
   if (contributors > 1 && !aFeature.fComposite) dropRepeats(aOut, start);
 }
 
-Rule const* ruleIn(Feature const& aFeature) noexcept {
-  return isAdded(indexOf(aFeature)) ? nullptr : kRules[indexOf(aFeature)];
+/// Null for stored features and unions, among them all that extensions have added.
+Derivation const* derivationIn(Feature const& aFeature) noexcept {
+  return isAdded(indexOf(aFeature)) ? nullptr : kDerivations[indexOf(aFeature)];
 }
-Rule const& ruleOf(Feature const& aFeature) noexcept { return *ruleIn(aFeature); }
-bool hasRule(Feature const& aFeature) noexcept { return ruleIn(aFeature) != nullptr; }
+Derivation const& derivationOf(Feature const& aFeature) noexcept { return *derivationIn(aFeature); }
+bool hasDerivation(Feature const& aFeature) noexcept { return derivationIn(aFeature) != nullptr; }
 
 }  // namespace
 
@@ -88,26 +89,24 @@ Feature const kAppliedStereotypeInstance{.fName = "appliedStereotypeInstance",
                                          .fRedefined = {},
                                          .fNamedOpposite = kNoFeature};
 
-void computeValues(Element const& aElement, Feature const& aFeature, std::vector<Element*>& aOut) {
+void computeValues(Reading aElement, Feature const& aFeature, std::vector<Element*>& aOut) {
   if (&aFeature == &kAppliedStereotypeInstance) return;
-  if (!hasRule(aFeature)) return unionValues(aElement, aFeature, aOut);
-  Rule const& rule = ruleOf(aFeature);
-  if (rule.fValues != nullptr) return rule.fValues(aElement, aOut);
-  if (Element* const value = elementOf(rule.fValue(aElement, aElement.model()->baseDeviant())))
-    aOut.push_back(value);
+  if (!hasDerivation(aFeature)) return unionValues(aElement, aFeature, aOut);
+  Derivation const& derivation = derivationOf(aFeature);
+  if (derivation.fValues != nullptr) return derivation.fValues(aElement, aOut);
+  if (Element* const value = elementOf(derivation.fValue(aElement))) aOut.push_back(value);
 }
 
-Kelm::Object computeValue(Element const& aElement, Deviant const& aDeviant, Feature const& aFeature) {
-  if (hasRule(aFeature)) return ruleOf(aFeature).fValue(aElement, aDeviant);
+Kelm::Object computeValue(Reading aElement, Feature const& aFeature) {
+  if (hasDerivation(aFeature)) return derivationOf(aFeature).fValue(aElement);
   std::vector<Element*> values;
   unionValues(aElement, aFeature, values);
-  return values.empty() ? Kelm::Object() : Kelm::Object(values.front(), aDeviant);
+  return values.empty() ? Kelm::Object() : aElement.on(values.front()).object();
 }
 
-void setComputed(Element& aElement, Deviant const& aDeviant, Feature const& aFeature,
-                 Kelm::Object const& aValue) {
-  Change change(*aElement.model());
-  ruleOf(aFeature).fSet(aElement, aDeviant, aValue);
+void setComputed(Reading aElement, Feature const& aFeature, Kelm::Object const& aValue) {
+  Change change(aElement.model());
+  derivationOf(aFeature).fSet(aElement, aValue);
   change.commit();
 }
 
@@ -119,46 +118,46 @@ void checkComputed(Element const& aElement, Feature const& aFeature, Element con
     checkLink(aElement, feature(aFeature.fContainment), aValue);
 }
 
-void insertComputed(Element& aElement, Feature const& aFeature, Element& aValue, Element* aBefore) {
-  Change change(*aElement.model());
-  ruleOf(aFeature).fInsert(aElement, aValue, aBefore);
+void insertComputed(Reading aElement, Feature const& aFeature, Element& aValue, Element* aBefore) {
+  Change change(aElement.model());
+  derivationOf(aFeature).fInsert(aElement, aValue, aBefore);
   change.commit();
 }
 
-void eraseComputed(Element& aElement, Feature const& aFeature, Element& aValue) {
-  Change change(*aElement.model());
-  ruleOf(aFeature).fErase(aElement, aValue);
+void eraseComputed(Reading aElement, Feature const& aFeature, Element& aValue) {
+  Change change(aElement.model());
+  derivationOf(aFeature).fErase(aElement, aValue);
   change.commit();
 }
 
-void assignComputed(Element& aElement, Feature const& aFeature, std::vector<Element*> const& aValues) {
+void assignComputed(Reading aElement, Feature const& aFeature, std::vector<Element*> const& aValues) {
   std::vector<Element*> const old = valuesOf(aElement, aFeature);
   std::unordered_set<Element*> const held(old.begin(), old.end());
   for (Element* const value : aValues)
-    if (!held.contains(value)) checkComputed(aElement, aFeature, *value);
+    if (!held.contains(value)) checkComputed(*aElement, aFeature, *value);
   std::unordered_set<Element*> const staying(aValues.begin(), aValues.end());
-  Change change(*aElement.model());
+  Change change(aElement.model());
   for (Element* const value : old)
     if (!staying.contains(value)) eraseComputed(aElement, aFeature, *value);
   for (Element* const value : aValues)
     if (!held.contains(value)) insertComputed(aElement, aFeature, *value, nullptr);
-  if (auto const arrange = ruleOf(aFeature).fArrange;
+  if (auto const arrange = derivationOf(aFeature).fArrange;
       arrange != nullptr && valuesOf(aElement, aFeature) != aValues)
     arrange(aElement, aValues);
   change.commit();
 }
 
-void arrangeComputed(Element& aElement, Feature const& aFeature, std::vector<Element*> const& aOrder) {
-  if (!hasRule(aFeature) || ruleOf(aFeature).fArrange == nullptr)
+void arrangeComputed(Reading aElement, Feature const& aFeature, std::vector<Element*> const& aOrder) {
+  if (!hasDerivation(aFeature) || derivationOf(aFeature).fArrange == nullptr)
     failures::raise(kSource, failures::nameOf(aFeature) + " is computed, and so is its order");
-  Change change(*aElement.model());
-  ruleOf(aFeature).fArrange(aElement, aOrder);
+  Change change(aElement.model());
+  derivationOf(aFeature).fArrange(aElement, aOrder);
   change.commit();
 }
 
-void valuesOf(Element const& aElement, Feature const& aFeature, std::vector<Element*>& aOut) {
+void valuesOf(Reading aElement, Feature const& aFeature, std::vector<Element*>& aOut) {
   if (aFeature.fStorage == Storage::Computed) return computeValues(aElement, aFeature, aOut);
-  collect(aElement, feature(aFeature.fRoot), aOut);
+  aElement.collect(aFeature.fRoot, aOut);
 }
 
 }  // namespace umlmm::engine

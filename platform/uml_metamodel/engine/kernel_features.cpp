@@ -14,10 +14,10 @@
 #include "engine/failures.h"
 #include "engine/ids.h"
 #include "engine/links.h"
+#include "engine/metaobjects.h"
 #include "kelm/ElementQueries.h"
 #include "kelm/kernel/containers/sequence/SequenceCreator.h"
 #include "kelm/values.h"
-#include "reflection/meta.h"
 
 namespace umlmm::engine {
 
@@ -28,28 +28,27 @@ constexpr char kSource[] = "uml_metamodel/engine/kernel_features";
 using Kelm::NSInterface::ClassObjectIntf;
 using Sequence = Kelm::Generic::SequenceIntf;
 
-Element const& root(Element const& aElement) noexcept {
-  Element const* element = &aElement;
-  while (element->container() != nullptr) element = element->container();
-  return *element;
+Reading root(Reading aElement) noexcept {
+  while (Reading const owner = aElement.owner()) aElement = owner;
+  return aElement;
 }
 
 /// "untitled1#//0/3/1": the model's uri and the way down from its top level, by position among the contents.
-std::u16string uriOf(Element const& aElement) {
-  std::vector<Element const*> way;
-  for (Element const* step = &aElement; step != nullptr; step = step->container()) way.push_back(step);
+std::u16string uriOf(Reading aElement) {
+  std::vector<Reading> way;
+  for (Reading step = aElement; step; step = step.owner()) way.push_back(step);
   std::string path;
-  PartList* const roots = aElement.model()->roots();
-  path = std::to_string(roots->positionOf(way.back()));
+  PartList* const roots = aElement.model().roots();
+  path = std::to_string(roots->positionOf(way.back().element()));
   std::vector<Element*> contents;
   for (std::size_t at = way.size() - 1; at > 0; --at) {
     contents.clear();
-    collectContents(*way[at], contents);
-    auto const found = std::find(contents.begin(), contents.end(), way[at - 1]);
+    way[at].collectParts(contents);
+    auto const found = std::find(contents.begin(), contents.end(), way[at - 1].element());
     path += '/';
     path += std::to_string(found - contents.begin());
   }
-  return std::u16string(aElement.model()->getModelUri(aElement.model()->baseDeviant()).text()) +
+  return std::u16string(aElement.model().getModelUri(aElement.deviant()).text()) +
          Kelm::toUtf16("#//" + path);
 }
 
@@ -90,16 +89,16 @@ Asides::Texts& toolTexts(Element const& aElement, unsigned aId) {
 }  // namespace
 
 Kelm::Object kernelEntry(Element const* aElement, Deviant const& aDeviant, unsigned aId) {
-  checkReadable(*aElement, aDeviant, kSource);
+  Reading const element = readable(*aElement, aDeviant, kSource);
   switch (aId) {
     case ClassObjectIntf::ModelKelm:
       return Kelm::Object(aElement->model(), aDeviant);
     case ClassObjectIntf::ContainerKelm:
-      return Kelm::Object(aElement->container(), aDeviant);
+      return element.owner().object();
     case ClassObjectIntf::RootModel:
-      return Kelm::Object(&root(*aElement), aDeviant);
+      return root(element).object();
     case ClassObjectIntf::Uri:
-      return textObject(uriOf(*aElement));
+      return textObject(uriOf(element));
     case ClassObjectIntf::ExternalId:
     case ClassObjectIntf::ExternalToolInfo: {
       if ((aElement->marks() & Element::HasToolTexts) == 0) return Kelm::Object();
@@ -143,7 +142,7 @@ void installQueries() {
     std::vector<Element*> found;
     if (&aClass == Kelm::ImmutableClassObject::MetaClass().get())
       forEachElement(aModel, [&](Element& aElement) { found.push_back(&aElement); });
-    else if (int const metaclass = reflection::metaclassIndex(aClass); metaclass >= 0)
+    else if (int const metaclass = metaclassIndex(aClass); metaclass >= 0)
       found = ModelIndex::of(aModel).instancesOf(metaclass);
     return snapshot(found, aDeviant);
   };

@@ -11,7 +11,6 @@
 #include "engine/engine.h"
 #include "engine/kernel_features.h"
 #include "engine/links.h"
-#include "reflection/meta.h"
 
 namespace umlmm::engine {
 

@@ -54,49 +54,51 @@ class StoredSequence final : public FeatureSequence {
   }
 
   ElementList* list() const noexcept { return pointerSlot<ElementList>(fElement, engine::indexOf(fRoot)); }
-  std::uint32_t size() const override { return ElementList::size(list()); }
-  Element* at(std::uint32_t aPosition) const override { return list()->at(aPosition); }
-  std::span<Element* const> all() const override { return list()->dense(); }
-  std::uint32_t find(Element const& aValue) const override {
+  std::uint32_t size(Deviant const&) const override { return ElementList::size(list()); }
+  Element* at(Deviant const&, std::uint32_t aPosition) const override { return list()->at(aPosition); }
+  std::span<Element* const> all(Deviant const&) const override { return list()->dense(); }
+  std::uint32_t find(Deviant const&, Element const& aValue) const override {
     // A part knows its owner: no search for one that is elsewhere.
     if (list() == nullptr || (ownsParts(fRoot) && !holds(fElement, fRoot, aValue))) return kNowhere;
     return withList(fElement, fRoot, [&](auto& aList) { return aList.positionOf(&aValue); });
   }
-  bool contains(Element const& aValue) const override { return holds(fElement, fRoot, aValue); }
+  bool contains(Deviant const&, Element const& aValue) const override {
+    return holds(fElement, fRoot, aValue);
+  }
   void check(Element const& aValue, Element const* aReplaced) const override {
     checkLink(fElement, fRoot, aValue, aReplaced);
   }
-  void insert(std::uint32_t aPosition, Element& aValue) override {
-    link(fElement, fRoot, aValue, aPosition >= size() ? kAtEnd : aPosition);
+  void insert(Deviant const& aDeviant, std::uint32_t aPosition, Element& aValue) override {
+    link(fElement, fRoot, aValue, aPosition >= size(aDeviant) ? kAtEnd : aPosition);
   }
-  void erase(Element& aValue) override { unlink(fElement, fRoot, aValue); }
-  void rearrange(std::span<int const> aFrom, std::span<int const> aTo) override {
+  void erase(Deviant const&, Element& aValue) override { unlink(fElement, fRoot, aValue); }
+  void rearrange(Deviant const&, std::span<int const> aFrom, std::span<int const> aTo) override {
     Change::rearrange(fElement, fRoot, aFrom, aTo);
   }
-  std::uint64_t changes() const override {
+  std::uint64_t changes(Deviant const&) const override {
     return list() == nullptr ? 1 : list()->stamp() + std::uint64_t{1};
   }
 
   Feature const& fRoot;
 };
 
-/// A computed feature. Values are kept as long as the model does not change.
+/// A computed feature. Values are kept as long as the model does not change; they are those of every variant,
+/// as there is one store.
 class ComputedSequence final : public NotedSequence {
  public:
   ComputedSequence(Element& aElement, Feature const& aFeature) noexcept : NotedSequence(aElement, aFeature) {}
 
   void assign(Deviant const& aDeviant, std::vector<Element*> const& aValues) override {
-    assignComputed(fElement, fFeature, withoutRepeats(aValues));
-    static_cast<void>(aDeviant);
+    assignComputed({fElement, aDeviant}, fFeature, withoutRepeats(aValues));
   }
 
  private:
-  std::vector<Element*> const& values() const {
+  std::vector<Element*> const& values(Deviant const& aDeviant) const {
     // A destroyed element has no model and no values; reads are refused before they come here.
     std::uint64_t const revision = fElement.model() == nullptr ? 0 : fElement.model()->revision();
     if (revision != fRevision) {
       std::vector<Element*> now;
-      if (fElement.model() != nullptr) computeValues(fElement, fFeature, now);
+      if (fElement.model() != nullptr) computeValues({fElement, aDeviant}, fFeature, now);
       if (now != fValues) {
         fValues = std::move(now);
         ++fChanges;
@@ -105,30 +107,39 @@ class ComputedSequence final : public NotedSequence {
     }
     return fValues;
   }
-  std::uint32_t size() const override { return static_cast<std::uint32_t>(values().size()); }
-  Element* at(std::uint32_t aPosition) const override { return values()[aPosition]; }
-  std::span<Element* const> all() const override { return values(); }
-  std::uint32_t find(Element const& aValue) const override {
-    auto const& all = values();
+  std::uint32_t size(Deviant const& aDeviant) const override {
+    return static_cast<std::uint32_t>(values(aDeviant).size());
+  }
+  Element* at(Deviant const& aDeviant, std::uint32_t aPosition) const override {
+    return values(aDeviant)[aPosition];
+  }
+  std::span<Element* const> all(Deviant const& aDeviant) const override { return values(aDeviant); }
+  std::uint32_t find(Deviant const& aDeviant, Element const& aValue) const override {
+    auto const& all = values(aDeviant);
     auto const found = std::find(all.begin(), all.end(), &aValue);
     return found == all.end() ? kNowhere : static_cast<std::uint32_t>(found - all.begin());
   }
-  bool contains(Element const& aValue) const override { return find(aValue) != kNowhere; }
+  bool contains(Deviant const& aDeviant, Element const& aValue) const override {
+    return find(aDeviant, aValue) != kNowhere;
+  }
   void check(Element const& aValue, Element const*) const override {
     checkComputed(fElement, fFeature, aValue);
   }
-  void insert(std::uint32_t aPosition, Element& aValue) override {
-    insertComputed(fElement, fFeature, aValue, aPosition < size() ? at(aPosition) : nullptr);
+  void insert(Deviant const& aDeviant, std::uint32_t aPosition, Element& aValue) override {
+    insertComputed({fElement, aDeviant}, fFeature, aValue,
+                   aPosition < size(aDeviant) ? at(aDeviant, aPosition) : nullptr);
   }
-  void erase(Element& aValue) override { eraseComputed(fElement, fFeature, aValue); }
-  void rearrange(std::span<int const> aFrom, std::span<int const> aTo) override {
-    std::vector<Element*> order = values();
+  void erase(Deviant const& aDeviant, Element& aValue) override {
+    eraseComputed({fElement, aDeviant}, fFeature, aValue);
+  }
+  void rearrange(Deviant const& aDeviant, std::span<int const> aFrom, std::span<int const> aTo) override {
+    std::vector<Element*> order = values(aDeviant);
     for (std::size_t i = 0; i < aTo.size(); ++i)
-      order[static_cast<std::size_t>(aTo[i])] = at(static_cast<std::uint32_t>(aFrom[i]));
-    arrangeComputed(fElement, fFeature, order);
+      order[static_cast<std::size_t>(aTo[i])] = at(aDeviant, static_cast<std::uint32_t>(aFrom[i]));
+    arrangeComputed({fElement, aDeviant}, fFeature, order);
   }
-  std::uint64_t changes() const override {
-    values();
+  std::uint64_t changes(Deviant const& aDeviant) const override {
+    values(aDeviant);
     return fChanges;
   }
 

@@ -8,7 +8,7 @@
 #include "engine/classes.h"
 #include "engine/failures.h"
 #include "metamodel/metamodel.h"
-#include "operations/UnionLeaves.h"
+#include "queries/UnionLeaves.h"
 #include "reflection/meta.h"
 
 namespace umlmm::extension {

@@ -5,12 +5,12 @@
 
 #include "engine/Change.h"
 #include "engine/FeatureSequence.h"
+#include "engine/Reading.h"
 #include "engine/access.h"
 #include "engine/engine.h"
 #include "engine/enumerations.h"
 #include "engine/failures.h"
 #include "engine/ids.h"
-#include "engine/words.h"
 #include "factory/Scanner.h"
 #include "kelm/kernel/containers/sequence/SequenceCreator.h"
 #include "kelm/values.h"
@@ -65,12 +65,6 @@ std::int64_t numberOf(Value const& aValue) {
   return number;
 }
 
-std::u16string nameOf(Element const& aElement, Kelm::Deviant const& aDeviant) {
-  Kelm::StringObject const* const text =
-      Kelm::asString(engine::read(aElement, aDeviant, engine::feature(ids::NamedElement::Name)));
-  return text == nullptr ? std::u16string() : std::u16string(text->text());
-}
-
 /// The first element of the qualified name, from the top level of the model on; null if there is none.
 Element* elementNamed(Kelm::Model const& aModel, std::u16string_view aQualifiedName) {
   std::vector<Element*> candidates;
@@ -80,17 +74,16 @@ Element* elementNamed(Kelm::Model const& aModel, std::u16string_view aQualifiedN
   for (std::u16string_view rest = aQualifiedName;;) {
     std::size_t const end = rest.find(u"::");
     std::u16string_view const name = rest.substr(0, end);
-    Element* found = nullptr;
-    for (Element* const candidate : candidates)
-      if (engine::isA(*candidate, ids::metaclass::NamedElement) &&
-          nameOf(*candidate, aModel.getDeviant()) == name) {
-        found = candidate;
-        break;
-      }
-    if (found == nullptr || end == std::u16string_view::npos) return found;
+    engine::Reading found;
+    for (Element* const candidate : candidates) {
+      found = engine::readable(*candidate, aModel.getDeviant(), "uml_metamodel/factory/textual");
+      if (found.isA(ids::metaclass::NamedElement) && found.text(ids::NamedElement::Name) == name) break;
+      found = found.none();
+    }
+    if (!found || end == std::u16string_view::npos) return found.element();
     rest.remove_prefix(end + 2);
     candidates.clear();
-    engine::collectContents(*found, candidates);
+    found.collectParts(candidates);
   }
 }
 

@@ -6,7 +6,7 @@
 #include "kelm/kernel/containers/iterator/IteratorProxy.h"
 #include "kelm/kernel/containers/sequence/SequenceCreator.h"
 
-namespace umlmm::queries {
+namespace umlmm::operations {
 
 namespace {
 
@@ -54,4 +54,4 @@ int ElementResult::readBlock(Deviant const& aDeviant, int aIndex, int aCount,
   return count;
 }
 
-}  // namespace umlmm::queries
+}  // namespace umlmm::operations

@@ -6,7 +6,7 @@
 #include "engine/HeldElements.h"
 #include "kelm/kernel/containers/sequence/SequenceProxy.h"
 
-namespace umlmm::queries {
+namespace umlmm::operations {
 
 /// The elements that a query found, all in one variant: a list that holds them. Reads by position and in
 /// blocks go to the plain elements; whatever else is asked makes an ordinary list of them first, which then
@@ -82,4 +82,4 @@ class ElementResult final : public Kelm::SequenceProxy {
   mutable std::unique_ptr<Kelm::Generic::SequenceIntf> fList;
 };
 
-}  // namespace umlmm::queries
+}  // namespace umlmm::operations

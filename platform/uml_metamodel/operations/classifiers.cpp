@@ -1,7 +1,7 @@
 #include <algorithm>
 
-#include "operations/queries.h"
-#include "operations/results.h"
+#include "operations/answers.h"
+#include "queries/queries.h"
 #include "uml_metamodel/umlmm/Class.h"
 #include "uml_metamodel/umlmm/Classifier.h"
 #include "uml_metamodel/umlmm/DataType.h"
@@ -18,90 +18,55 @@ constexpr char kSource[] = "uml_metamodel/operations/classifiers";
 
 }  // namespace
 
-namespace queries {
-
-Elements parents(Element const& aClassifier) {
-  Elements found;
-  Visited seen;
-  kToGeneral.forEachTarget(aClassifier, [&](Element& aGeneral) {
-    if (seen.insert(aGeneral)) found.push_back(&aGeneral);
-  });
-  return found;
-}
-
-Elements allParents(Element const& aClassifier) { return closureOf(aClassifier, kToGeneral); }
-
-bool hasAncestor(Element const& aClassifier, Element const& aAncestor) {
-  Elements const all = closureOf(aClassifier, kToGeneral, &aAncestor);
-  return !all.empty() && all.back() == &aAncestor;
-}
-
-Elements withAllParents(Element& aClassifier) {
-  Elements all = allParents(aClassifier);
-  std::erase(all, &aClassifier);
-  all.insert(all.begin(), &aClassifier);
-  return all;
-}
-
-bool conformsTo(Element const& aType, Element const* aOther) {
-  if (aOther == nullptr || !isA(aType, ids::metaclass::Classifier)) return false;
-  return &aType == aOther || hasAncestor(aType, *aOther);
-}
-
-Elements allIncludedUseCases(Element const& aUseCase) { return closureOf(aUseCase, kToIncluded); }
-
-}  // namespace queries
-
 namespace NSInterface {
 
-using queries::given;
-using queries::makeResult;
+using engine::readable;
+using operations::given;
+using operations::makeResult;
 
 Kelm::ImmutableSequence<ImmutableFeature> ClassifierIntf::allFeatures(Kelm::Deviant const& aDeviant) const {
-  engine::checkReadable(*this, aDeviant, kSource);
-  queries::Elements features = queries::members(*this);
+  engine::Reading const self = readable(*this, aDeviant, kSource);
+  queries::Elements features = queries::members(self);
   std::erase_if(features,
-                [](engine::Element* aMember) { return !queries::isA(*aMember, ids::metaclass::Feature); });
+                [&](engine::Element* aMember) { return !self.on(*aMember).isA(ids::metaclass::Feature); });
   return makeResult<ImmutableFeature>(aDeviant, std::move(features));
 }
 
 Kelm::ImmutableSequence<ImmutableClassifier> ClassifierIntf::parents(Kelm::Deviant const& aDeviant) const {
-  engine::checkReadable(*this, aDeviant, kSource);
-  return makeResult<ImmutableClassifier>(aDeviant, queries::parents(*this));
+  return makeResult<ImmutableClassifier>(aDeviant, queries::parents(readable(*this, aDeviant, kSource)));
 }
 
 Kelm::ImmutableSequence<ImmutableClassifier> ClassifierIntf::allParents(Kelm::Deviant const& aDeviant) const {
-  engine::checkReadable(*this, aDeviant, kSource);
-  return makeResult<ImmutableClassifier>(aDeviant, queries::allParents(*this));
+  return makeResult<ImmutableClassifier>(aDeviant, queries::allParents(readable(*this, aDeviant, kSource)));
 }
 
 Kelm::ImmutableSequence<ImmutableNamedElement> ClassifierIntf::inheritableMembers(
     Kelm::Deviant const& aDeviant, ImmutableClassifier const& aC) const {
-  engine::checkReadable(*this, aDeviant, kSource);
-  return makeResult<ImmutableNamedElement>(aDeviant, queries::inheritableMembers(*this, given(aC)));
+  engine::Reading const self = readable(*this, aDeviant, kSource);
+  return makeResult<ImmutableNamedElement>(aDeviant, queries::inheritableMembers(self, given(self, aC)));
 }
 
 Boolean ClassifierIntf::hasVisibilityOf(Kelm::Deviant const& aDeviant,
                                         ImmutableNamedElement const& aN) const {
-  engine::checkReadable(*this, aDeviant, kSource);
-  return queries::hasVisibilityOf(*this, given(aN));
+  engine::Reading const self = readable(*this, aDeviant, kSource);
+  return queries::hasVisibilityOf(self, given(self, aN));
 }
 
 Boolean TypeIntf::conformsTo(Kelm::Deviant const& aDeviant, ImmutableType const& aOther) const {
-  engine::checkReadable(*this, aDeviant, kSource);
-  return queries::conformsTo(*this, given(aOther));
+  engine::Reading const self = readable(*this, aDeviant, kSource);
+  return queries::conformsTo(self, given(self, aOther));
 }
 
 Boolean ClassifierIntf::conformsTo(Kelm::Deviant const& aDeviant, ImmutableClassifier const& aOther) const {
-  engine::checkReadable(*this, aDeviant, kSource);
-  return queries::conformsTo(*this, given(aOther));
+  engine::Reading const self = readable(*this, aDeviant, kSource);
+  return queries::conformsTo(self, given(self, aOther));
 }
 
 Kelm::ImmutableSequence<ImmutableNamedElement> ClassifierIntf::inherit(
     Kelm::Deviant const& aDeviant, Kelm::ImmutableSequence<ImmutableNamedElement> const& aInhs) const {
-  engine::checkReadable(*this, aDeviant, kSource);
+  engine::Reading const self = readable(*this, aDeviant, kSource);
   return makeResult<ImmutableNamedElement>(aDeviant,
-                                           queries::inherit(*this, queries::givenElements(*model(), aInhs)));
+                                           queries::inherit(self, operations::givenElements(self, aInhs)));
 }
 
 Kelm::ImmutableSequence<ImmutableNamedElement> ClassIntf::inherit(
@@ -116,15 +81,15 @@ Kelm::ImmutableSequence<ImmutableNamedElement> DataTypeIntf::inherit(
 
 Boolean ClassifierIntf::maySpecializeType(Kelm::Deviant const& aDeviant,
                                           ImmutableClassifier const& aC) const {
-  engine::checkReadable(*this, aDeviant, kSource);
-  engine::Element const* const general = given(aC);
-  return general != nullptr && queries::isA(*this, engine::metaclassOf(*general));
+  engine::Reading const self = readable(*this, aDeviant, kSource);
+  engine::Reading const general = given(self, aC);
+  return general && self.isA(general.metaclass());
 }
 
 Kelm::ImmutableSequence<ImmutableUseCase> UseCaseIntf::allIncludedUseCases(
     Kelm::Deviant const& aDeviant) const {
-  engine::checkReadable(*this, aDeviant, kSource);
-  return makeResult<ImmutableUseCase>(aDeviant, queries::allIncludedUseCases(*this));
+  return makeResult<ImmutableUseCase>(aDeviant,
+                                      queries::allIncludedUseCases(readable(*this, aDeviant, kSource)));
 }
 
 }  // namespace NSInterface

@@ -1,5 +1,5 @@
-#include "operations/queries.h"
-#include "operations/results.h"
+#include "operations/answers.h"
+#include "queries/queries.h"
 #include "uml_metamodel/umlmm/LiteralBoolean.h"
 #include "uml_metamodel/umlmm/LiteralInteger.h"
 #include "uml_metamodel/umlmm/LiteralNull.h"
@@ -17,6 +17,7 @@ constexpr char kSource[] = "uml_metamodel/operations/literals";
 }  // namespace
 
 using engine::checkReadable;
+using engine::readable;
 
 Boolean ValueSpecificationIntf::isComputable(Kelm::Deviant const& aDeviant) const {
   checkReadable(*this, aDeviant, kSource);
@@ -48,8 +49,7 @@ Boolean ValueSpecificationIntf::booleanValue(Kelm::Deviant const& aDeviant) cons
   return false;
 }
 Boolean LiteralBooleanIntf::booleanValue(Kelm::Deviant const& aDeviant) const {
-  checkReadable(*this, aDeviant, kSource);
-  return values::flag(*this, ids::LiteralBoolean::Value);
+  return readable(*this, aDeviant, kSource).flag(ids::LiteralBoolean::Value);
 }
 
 Boolean ValueSpecificationIntf::isNull(Kelm::Deviant const& aDeviant) const {
@@ -66,8 +66,7 @@ Integer ValueSpecificationIntf::integerValue(Kelm::Deviant const& aDeviant) cons
   return 0;
 }
 Integer LiteralIntegerIntf::integerValue(Kelm::Deviant const& aDeviant) const {
-  checkReadable(*this, aDeviant, kSource);
-  return static_cast<int>(values::number(*this, ids::LiteralInteger::Value));
+  return static_cast<int>(readable(*this, aDeviant, kSource).number(ids::LiteralInteger::Value));
 }
 
 String ValueSpecificationIntf::stringValue(Kelm::Deviant const& aDeviant) const {
@@ -75,8 +74,7 @@ String ValueSpecificationIntf::stringValue(Kelm::Deviant const& aDeviant) const 
   return {};
 }
 String LiteralStringIntf::stringValue(Kelm::Deviant const& aDeviant) const {
-  checkReadable(*this, aDeviant, kSource);
-  return Kelm::String(values::record(*this, ids::LiteralString::Value));
+  return Kelm::String(readable(*this, aDeviant, kSource).record(ids::LiteralString::Value));
 }
 
 UnlimitedNatural ValueSpecificationIntf::unlimitedValue(Kelm::Deviant const& aDeviant) const {
@@ -84,8 +82,7 @@ UnlimitedNatural ValueSpecificationIntf::unlimitedValue(Kelm::Deviant const& aDe
   return {};
 }
 UnlimitedNatural LiteralUnlimitedNaturalIntf::unlimitedValue(Kelm::Deviant const& aDeviant) const {
-  checkReadable(*this, aDeviant, kSource);
-  return UnlimitedNatural(values::number(*this, ids::LiteralUnlimitedNatural::Value));
+  return UnlimitedNatural(readable(*this, aDeviant, kSource).number(ids::LiteralUnlimitedNatural::Value));
 }
 
 Integer OpaqueExpressionIntf::value(Kelm::Deviant const& aDeviant) const {

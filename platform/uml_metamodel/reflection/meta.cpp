@@ -309,19 +309,11 @@ Metamodel& metamodel() {
 
 }  // namespace
 
-ClassIntf const* metaClass(int aMetaclass) {
-  metamodel();
-  return &classAt(aMetaclass);
-}
 PropertyIntf const* metaProperty(int aFeature) {
   metamodel();
   return &propertyAt(aFeature);
 }
 PackageIntf const* metaPackage() { return &metamodel().fPackage; }
-int metaclassIndex(ClassIntf const& aClass) {
-  metamodel();
-  return indexIn(aClass);
-}
 int featureIndex(PropertyIntf const& aProperty) {
   for (int index = 0; index < kFeatureCount + static_cast<int>(metamodel().fAddedProperties.size()); ++index)
     if (&propertyAt(index) == &aProperty) return index;
@@ -375,5 +367,14 @@ namespace umlmm::engine {
 
 Kelm::NSInterface::ClassIntf const* metaClasses[kMetaclassCount];
 Kelm::MetaPropertyRecord metaProperties[kFeatureCount + kMetaclassCount];
+
+Kelm::NSInterface::ClassIntf const* metaClass(int aMetaclass) {
+  reflection::metamodel();
+  return &reflection::classAt(aMetaclass);
+}
+int metaclassIndex(Kelm::NSInterface::ClassIntf const& aClass) {
+  reflection::metamodel();
+  return reflection::indexIn(aClass);
+}
 
 }  // namespace umlmm::engine

@@ -1,17 +1,16 @@
 #pragma once
 
 #include "engine/Feature.h"
-#include "kelm/meta.h"
+#include "engine/metaobjects.h"
 
 /// The metamodel's own objects: immortal, made once from the table of features.
 namespace umlmm::reflection {
 
-Kelm::NSInterface::ClassIntf const* metaClass(int aMetaclass);
+using engine::metaClass;
+using engine::metaclassIndex;
 Kelm::NSInterface::PropertyIntf const* metaProperty(int aFeature);
 Kelm::NSInterface::PackageIntf const* metaPackage();
-/// The index of a metaclass; -1 for a class of another metamodel.
-int metaclassIndex(Kelm::NSInterface::ClassIntf const& aClass);
-/// The same of a property.
+/// The index of a property; -1 for one of another metamodel.
 int featureIndex(Kelm::NSInterface::PropertyIntf const& aProperty);
 /// The number of an enumeration, or 0 for a primitive type; -1 for a type of another metamodel.
 int dataTypeIndex(Kelm::NSInterface::DataTypeIntf const& aType, engine::ValueType& aKind);

@@ -29,8 +29,8 @@ class Engine:
     def supers(self, metaclass: Metaclass) -> str:
         return _list(f"metaclass::{base}" for base in metaclass.supers)
 
-    def ruled(self, metaclass: Metaclass) -> list[Feature]:
-        """The computed features of a metaclass that have a rule of their own: no unions, but for those that ask the
+    def derived(self, metaclass: Metaclass) -> list[Feature]:
+        """The computed features of a metaclass that have a derivation of their own: no unions, but for those that ask the
         container."""
         return [feature for feature in metaclass.features
                 if feature.root.is_derived and (not feature.is_union or feature.role)]

@@ -4,8 +4,8 @@
 
 #include "kelm/DeviantRegistry.h"
 #include "kelm/Generic.h"
+#include "kelm/kernel/containers/Ref.h"
 #include "kelm/kernel/containers/iterator/IteratorProxy.h"
-#include "kelm/kernel/containers/sequence/Ref.h"
 #include "kelm/kernel/containers/sources.h"
 
 namespace Kelm {

@@ -5,8 +5,8 @@
 
 #include "kelm/Asserter.h"
 #include "kelm/Generic.h"
+#include "kelm/kernel/containers/Ref.h"
 #include "kelm/kernel/containers/iterator/Iterator.h"
-#include "kelm/kernel/containers/sequence/Ref.h"
 #include "kelm/kernel/containers/sequence/SequenceValues.h"
 #include "kelm/kernel/containers/sources.h"
 

@@ -9,7 +9,7 @@
 
 #include "kelm/Asserter.h"
 #include "kelm/Generic.h"
-#include "kelm/kernel/containers/sequence/Ref.h"
+#include "kelm/kernel/containers/Ref.h"
 #include "kelm/kernel/containers/sources.h"
 
 namespace Kelm {

@@ -17,7 +17,7 @@ namespace Kelm::Generic {
 
 /// A value that a sequence lends: it holds no count and is good until something else is asked of the sequence
 /// or any code runs that could. `fHolder` points at the value. An element reference is the element itself in
-/// `fHolder` with its deviant in `fReserved` (see RefAccess in kelm/kernel/containers/sequence/Ref.h).
+/// `fHolder` with its deviant in `fReserved` (see RefAccess in kelm/kernel/containers/Ref.h).
 struct Loan {
   void* fHolder;
   std::uintptr_t fReserved;

@@ -1,6 +1,6 @@
 #include "kelm/ElementQueries.h"
 #include "kelm/IntrospectiveMethods.h"
-#include "kelm/kernel/containers/sequence/Ref.h"
+#include "kelm/kernel/containers/Ref.h"
 #include "kelm/kernel/containers/sequence/SequenceCreator.h"
 #include "kelm/values.h"
 #include "reviews.h"

@@ -6,8 +6,8 @@
 
 #include "kelm/ElementQueries.h"
 #include "kelm/IntrospectiveMethods.h"
+#include "kelm/kernel/containers/Ref.h"
 #include "kelm/kernel/containers/failing_allocations.h"
-#include "kelm/kernel/containers/sequence/Ref.h"
 #include "kelm/values.h"
 #include "reviews.h"
 

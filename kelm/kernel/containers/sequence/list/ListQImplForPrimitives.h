@@ -13,9 +13,9 @@
 
 #include "kelm/Asserter.h"
 #include "kelm/Generic.h"
+#include "kelm/kernel/containers/Ref.h"
 #include "kelm/kernel/containers/cow/COWWrapper.h"
 #include "kelm/kernel/containers/iterator/LiveIterators.h"
-#include "kelm/kernel/containers/sequence/Ref.h"
 #include "kelm/kernel/containers/sources.h"
 
 namespace Kelm {

@@ -1,0 +1,11 @@
+#pragma once
+
+#include "engine/Reading.h"
+
+namespace umlmm::derivations {
+
+/// A new literal in the place of the value that a single containment holds; the old value is destroyed. Null
+/// leaves the place empty.
+void replaceValue(engine::Reading aOwner, engine::FeatureIndex aRoot, engine::Element* aLiteral);
+
+}  // namespace umlmm::derivations
