@@ -251,6 +251,116 @@ VeskValue toObject(PyObject* object, host::Type const& wanted) {
   return toObjectRow(object, cls);
 }
 
+// The rows of functions, one a carrier.
+
+/// What the front does with Python objects for one carrier.
+struct CarrierRow {
+  int (*fCost)(PyObject* object, host::Type const& wanted);
+  VeskValue (*fConvert)(PyObject* object, host::Type const& wanted);
+  bool (*fConvertAtOnce)(PyObject* object, host::Type const& wanted, VeskValue& value);
+  bool (*fIsPlain)(PyObject* object, host::Type const& wanted);
+  /// Null where the type tells.
+  char const* fAccepted;
+};
+
+/// A function of the object alone, as one of the row.
+template <auto Function>
+constexpr auto ofObject = [](PyObject* object, host::Type const&) { return Function(object); };
+
+bool never(PyObject*, host::Type const&, VeskValue&) { return false; }
+bool neverPlain(PyObject*, host::Type const&) { return false; }
+
+VeskValue refuseValue(PyObject*, host::Type const& wanted) {
+  throw VeskError("There are no values of type '" + std::string(wanted.fName.view()) + "'",
+                  VeskError::Kind::Match);
+}
+
+bool logicalAtOnce(PyObject* object, host::Type const&, VeskValue& value) {
+  if (!PyBool_Check(object)) return false;
+  value = VeskValue::ofLogical(object == Py_True);
+  return true;
+}
+
+bool int32AtOnce(PyObject* object, host::Type const&, VeskValue& value) {
+  if (!PyLong_CheckExact(object)) return false;
+  int overflow = 0;
+  long const number = PyLong_AsLongAndOverflow(object, &overflow);
+  if (overflow != 0 || number != static_cast<std::int32_t>(number)) return false;
+  value = VeskValue::ofInt32(static_cast<std::int32_t>(number));
+  return true;
+}
+
+bool textAtOnce(PyObject* object, host::Type const&, VeskValue& value) {
+  if (!PyUnicode_Check(object)) return false;
+  value = toTextOrNull(object);
+  return value.array() != nullptr;
+}
+
+bool objectAtOnce(PyObject* object, host::Type const& wanted, VeskValue& value) {
+  if (!isInstance(object) || instanceOf(object).classRecord().distanceTo(classOf(wanted)) < 0) return false;
+  value = instanceOf(object).newReference();
+  return true;
+}
+
+constexpr CarrierRow kVoid{[](PyObject*, host::Type const&) { return cost::kNone; }, refuseValue, never,
+                           neverPlain, "nothing"};
+constexpr CarrierRow kRawLogical{
+    ofObject<costOfLogical>,
+    [](PyObject* object, host::Type const&) { return VeskValue::ofLogical(toLogical(object)); },
+    logicalAtOnce, [](PyObject* object, host::Type const&) -> bool { return PyBool_Check(object); },
+    "True or False"};
+constexpr CarrierRow kRawInt32{
+    ofObject<costOfInt32>,
+    [](PyObject* object, host::Type const&) { return VeskValue::ofInt32(toInt32(object)); }, int32AtOnce,
+    [](PyObject* object, host::Type const&) -> bool {
+      return PyLong_CheckExact(object) || PyBool_Check(object);
+    },
+    "an int of 32 bits"};
+constexpr CarrierRow kFront{[](PyObject*, host::Type const&) { return cost::kExact; },
+                            [](PyObject* object, host::Type const&) {
+                              return VeskValue::ofWord(reinterpret_cast<std::uintptr_t>(object));
+                            },
+                            never, neverPlain, "any object"};
+constexpr CarrierRow kText{ofObject<costOfText>,
+                           [](PyObject* object, host::Type const&) -> VeskValue {
+                             return PyUnicode_Check(object) ? toText(object) : tarnCreateEmpty(charClassId);
+                           },
+                           textAtOnce,
+                           [](PyObject* object, host::Type const&) {
+                             return PyUnicode_CheckExact(object) &&
+                                    PyUnicode_FindChar(object, 0, 0, PyUnicode_GET_LENGTH(object), 1) < 0;
+                           },
+                           "a str"};
+constexpr CarrierRow kNaturalText{
+    ofObject<costOfNatural>,
+    [](PyObject* object, host::Type const&) -> VeskValue { return toNatural(object); }, never, neverPlain,
+    "a natural number, '*' or None"};
+constexpr CarrierRow kOptionalLogical{
+    [](PyObject* object, host::Type const&) { return costOfOptional(object, costOfLogical); },
+    [](PyObject* object, host::Type const&) -> VeskValue {
+      return toRow<unsigned char>(object, logicalClassId, toLogicalElement);
+    },
+    never, neverPlain, "True, False or None"};
+constexpr CarrierRow kOptionalInt32{
+    [](PyObject* object, host::Type const&) { return costOfOptional(object, costOfInt32); },
+    [](PyObject* object, host::Type const&) -> VeskValue {
+      return toRow<std::int32_t>(object, int32ClassId, toInt32);
+    },
+    never, neverPlain, "an int of 32 bits or None"};
+constexpr CarrierRow kObject{costOfObject, toObject, objectAtOnce,
+                             [](PyObject* object, host::Type const& wanted) {
+                               return isInstance(object) && costOfObject(object, wanted) >= 0;
+                             },
+                             nullptr};
+
+/// By Carrier.
+constexpr CarrierRow const* kRows[] = {&kVoid,        &kRawLogical,      &kRawInt32,      &kFront, &kText,
+                                       &kNaturalText, &kOptionalLogical, &kOptionalInt32, &kObject};
+
+CarrierRow const& rowOf(host::Type const& type) noexcept {
+  return *kRows[static_cast<std::size_t>(type.fCarrier)];
+}
+
 }  // namespace
 
 bool isEmpty(PyObject* object) noexcept {
@@ -270,82 +380,17 @@ Ref itemsOf(PyObject* iterable) {
   }
 }
 
-int conversionCost(PyObject* object, host::Type const& wanted) {
-  switch (wanted.fCarrier) {
-    case Carrier::Void:
-      return cost::kNone;
-    case Carrier::RawLogical:
-      return costOfLogical(object);
-    case Carrier::RawInt32:
-      return costOfInt32(object);
-    case Carrier::Front:
-      return cost::kExact;
-    case Carrier::Text:
-      return costOfText(object);
-    case Carrier::NaturalText:
-      return costOfNatural(object);
-    case Carrier::OptionalLogical:
-      return costOfOptional(object, costOfLogical);
-    case Carrier::OptionalInt32:
-      return costOfOptional(object, costOfInt32);
-    case Carrier::Object:
-      return costOfObject(object, wanted);
-  }
-  return cost::kNone;
-}
+int conversionCost(PyObject* object, host::Type const& wanted) { return rowOf(wanted).fCost(object, wanted); }
 
 VeskValue convert(PyObject* object, host::Type const& wanted) {
-  switch (wanted.fCarrier) {
-    case Carrier::Void:
-      break;
-    case Carrier::RawLogical:
-      return VeskValue::ofLogical(toLogical(object));
-    case Carrier::RawInt32:
-      return VeskValue::ofInt32(toInt32(object));
-    case Carrier::Front:
-      return VeskValue::ofWord(reinterpret_cast<std::uintptr_t>(object));
-    case Carrier::Text:
-      return PyUnicode_Check(object) ? toText(object) : tarnCreateEmpty(charClassId);
-    case Carrier::NaturalText:
-      return toNatural(object);
-    case Carrier::OptionalLogical:
-      return toRow<unsigned char>(object, logicalClassId, toLogicalElement);
-    case Carrier::OptionalInt32:
-      return toRow<std::int32_t>(object, int32ClassId, toInt32);
-    case Carrier::Object:
-      return toObject(object, wanted);
-  }
-  throw VeskError("There are no values of type '" + std::string(wanted.fName.view()) + "'",
-                  VeskError::Kind::Match);
+  return rowOf(wanted).fConvert(object, wanted);
 }
 
 bool convertAtOnce(PyObject* object, host::Type const& wanted, VeskValue& value) {
-  switch (wanted.fCarrier) {
-    case Carrier::RawLogical:
-      if (!PyBool_Check(object)) return false;
-      value = VeskValue::ofLogical(object == Py_True);
-      return true;
-    case Carrier::RawInt32: {
-      if (!PyLong_CheckExact(object)) return false;
-      int overflow = 0;
-      long const number = PyLong_AsLongAndOverflow(object, &overflow);
-      if (overflow != 0 || number != static_cast<std::int32_t>(number)) return false;
-      value = VeskValue::ofInt32(static_cast<std::int32_t>(number));
-      return true;
-    }
-    case Carrier::Text:
-      if (!PyUnicode_Check(object)) return false;
-      value = toTextOrNull(object);
-      return value.array() != nullptr;
-    case Carrier::Object:
-      if (!isInstance(object) || instanceOf(object).classRecord().distanceTo(classOf(wanted)) < 0)
-        return false;
-      value = instanceOf(object).newReference();
-      return true;
-    default:
-      return false;
-  }
+  return rowOf(wanted).fConvertAtOnce(object, wanted, value);
 }
+
+bool isPlain(PyObject* object, host::Type const& wanted) { return rowOf(wanted).fIsPlain(object, wanted); }
 
 bool isViewOf(PyObject* object, host::Type const& wanted) {
   if (!wanted.isClass() || !isInstance(object)) return false;
@@ -357,26 +402,7 @@ bool isViewOf(PyObject* object, host::Type const& wanted) {
 }
 
 std::string acceptedValues(host::Type const& wanted) {
-  switch (wanted.fCarrier) {
-    case Carrier::Void:
-      return "nothing";
-    case Carrier::RawLogical:
-      return "True or False";
-    case Carrier::RawInt32:
-      return "an int of 32 bits";
-    case Carrier::Front:
-      return "any object";
-    case Carrier::Text:
-      return "a str";
-    case Carrier::NaturalText:
-      return "a natural number, '*' or None";
-    case Carrier::OptionalLogical:
-      return "True, False or None";
-    case Carrier::OptionalInt32:
-      return "an int of 32 bits or None";
-    case Carrier::Object:
-      break;
-  }
+  if (char const* const accepted = rowOf(wanted).fAccepted) return accepted;
   ClassRecord& cls = classOf(wanted);
   if (SequenceHook const* hook = cls.info().getSequenceHook())
     return "a list of " + std::string(hook->elementType()) + " or None";

@@ -18,6 +18,10 @@ namespace vesk::python {
 /// for one that has to be looked at more closely. Throws only for want of memory.
 [[nodiscard]] bool convertAtOnce(PyObject* object, host::Type const& wanted, VeskValue& value);
 
+/// Whether the element of a list that is equal to an object in Python, if there is one, is found by the value
+/// that the object converts to: no class of scripts decides what it is equal to.
+[[nodiscard]] bool isPlain(PyObject* object, host::Type const& wanted);
+
 /// Whether an object is a read-only view of a `wanted`, which its published `asMutable` gives.
 [[nodiscard]] bool isViewOf(PyObject* object, host::Type const& wanted);
 

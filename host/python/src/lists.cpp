@@ -56,24 +56,6 @@ std::size_t readBlock(PyObject* list, std::size_t first, std::size_t count, PyOb
   return read;
 }
 
-/// Whether the element of a list that is equal to `value` in Python, if there is one, is found by the value
-/// that `value` converts to: no class of scripts decides what it is equal to.
-bool isPlain(PyObject* value, host::Type const& element) {
-  switch (element.fCarrier) {
-    case host::Carrier::RawLogical:
-      return PyBool_Check(value);
-    case host::Carrier::RawInt32:
-      return PyLong_CheckExact(value) || PyBool_Check(value);
-    case host::Carrier::Text:
-      return PyUnicode_CheckExact(value) &&
-             PyUnicode_FindChar(value, 0, 0, PyUnicode_GET_LENGTH(value), 1) < 0;
-    case host::Carrier::Object:
-      return isInstance(value) && conversionCost(value, element) >= 0;
-    default:
-      return false;
-  }
-}
-
 /// The place by the search that the list has itself; `value` is plain.
 Py_ssize_t askForPlace(PyObject* self, PyObject* value, Py_ssize_t first, Py_ssize_t last) try {
   PyInstance& instance = instanceOf(self);

@@ -128,7 +128,8 @@ void setReference(Element& aElement, Feature const& aRoot, Element* aValue) {
 
 namespace {
 
-/// The body of `read`, which also stands in the accessors' own: every property read goes through it.
+/// The body of `read`, which also stands in the accessors' own: every property read goes through it, so it is
+/// a switch, where each kind of storage is a row for everything else.
 [[gnu::always_inline]] inline Object readValue(Element const& aElement, Deviant const& aDeviant,
                                                Feature const& aFeature) {
   checkReadable(aElement, aDeviant, kSource);
@@ -192,81 +193,107 @@ Object read(Element const& aElement, Deviant const& aDeviant, Feature const& aFe
   return readValue(aElement, aDeviant, aFeature);
 }
 
+namespace {
+
+/// What is done to one kind of storage, beside reading it. The element and the feature's root come checked.
+struct StorageKind {
+  bool (*fIsSet)(Reading aElement, Feature const& aFeature, Feature const& aRoot);
+  /// A single value that is not null.
+  void (*fWrite)(Element& aElement, Deviant const& aDeviant, Feature const& aFeature, Object const& aValue);
+  void (*fUnset)(Element& aElement, Deviant const& aDeviant, Feature const& aFeature);
+};
+
+bool hasValue(Reading aElement, Feature const& aFeature, Feature const&) {
+  return !readValue(*aElement, aElement.deviant(), aFeature).isNull();
+}
+void assignNothing(Element& aElement, Deviant const& aDeviant, Feature const& aFeature) {
+  assign(aElement, aDeviant, aFeature, nullptr, Deviant());
+}
+void writeSingle(Element& aElement, Deviant const&, Feature const& aFeature, Object const& aValue) {
+  writeReference(aElement, aFeature, aValue);
+}
+void unsetSingle(Element& aElement, Deviant const&, Feature const& aFeature) {
+  setReference(aElement, feature(aFeature.fRoot), nullptr);
+}
+void unsetFlag(Element& aElement, Deviant const&, Feature const& aFeature) {
+  resetFlag(aElement, feature(aFeature.fRoot));
+}
+
+constexpr StorageKind kSingle{hasValue, writeSingle, unsetSingle};
+constexpr StorageKind kFlag{hasValue,
+                            [](Element& e, Deviant const&, Feature const& f, Object const& v) {
+                              Feature const& root = feature(f.fRoot);
+                              writeFlag(e, root, numberIn(root, v));
+                            },
+                            unsetFlag};
+constexpr StorageKind kEnumeration{hasValue,
+                                   [](Element& e, Deviant const&, Feature const& f, Object const& v) {
+                                     Feature const& root = feature(f.fRoot);
+                                     writeFlag(e, root, literalIn(root, v));
+                                   },
+                                   unsetFlag};
+constexpr StorageKind kInteger{
+    hasValue,
+    [](Element& e, Deviant const&, Feature const& f, Object const& v) {
+      Change::setInteger(e, f.fRoot, numberIn(feature(f.fRoot), v));
+    },
+    [](Element& e, Deviant const&, Feature const& f) { Change::setInteger(e, f.fRoot, 0); }};
+constexpr StorageKind kString{
+    [](Reading e, Feature const&, Feature const& r) {
+      return r.fLower > 0 || e.record(indexOf(r)) != nullptr;
+    },
+    [](Element& e, Deviant const&, Feature const& f, Object const& v) {
+      StringObject const* const text = Kelm::asString(v);
+      if (text == nullptr) failures::raiseNotAValue(kSource, f);
+      Change::setText(e, feature(f.fRoot), text);
+    },
+    [](Element& e, Deviant const&, Feature const& f) { Change::setText(e, feature(f.fRoot), nullptr); }};
+constexpr StorageKind kList{[](Reading e, Feature const&, Feature const& r) { return countOf(*e, r) != 0; },
+                            // A redefinition may have narrowed the list to one value.
+                            writeSingle, assignNothing};
+constexpr StorageKind kPrimitiveList{[](Reading e, Feature const&, Feature const& r) {
+                                       auto const* const values =
+                                           pointerSlot<Kelm::Generic::SequenceIntf>(*e, indexOf(r));
+                                       return values != nullptr && !values->generic_empty(e.deviant());
+                                     },
+                                     writeSingle, assignNothing};
+constexpr StorageKind kComputed{[](Reading e, Feature const& f, Feature const& r) {
+                                  return f.isMany() ? !valuesOf(e, f).empty() : hasValue(e, f, r);
+                                },
+                                [](Element& e, Deviant const& d, Feature const& f, Object const& v) {
+                                  if (f.isReference()) checkComputed(e, f, referenceIn(f, v));
+                                  setComputed({e, d}, f, v);
+                                },
+                                [](Element& e, Deviant const& d, Feature const& f) {
+                                  if (f.isMany()) return assignNothing(e, d, f);
+                                  setComputed({e, d}, f, Object());
+                                }};
+
+/// By Storage.
+constexpr StorageKind const* kKinds[] = {&kFlag, &kEnumeration,   &kInteger, &kString,  &kSingle,
+                                         &kList, &kPrimitiveList, &kSingle,  &kComputed};
+
+StorageKind const& kindOf(Feature const& aFeature) noexcept {
+  return *kKinds[static_cast<std::size_t>(feature(aFeature.fRoot).fStorage)];
+}
+
+}  // namespace
+
 bool isSet(Element const& aElement, Deviant const& aDeviant, Feature const& aFeature) {
   checkReadable(aElement, aDeviant, kSource);
-  Feature const& root = feature(aFeature.fRoot);
-  switch (root.fStorage) {
-    case Storage::String:
-      return root.fLower > 0 || pointerSlot<StringObject>(aElement, indexOf(root)) != nullptr;
-    case Storage::List:
-      return countOf(aElement, root) != 0;
-    case Storage::PrimitiveList: {
-      auto const* const values = pointerSlot<Kelm::Generic::SequenceIntf>(aElement, indexOf(root));
-      return values != nullptr && !values->generic_empty(aDeviant);
-    }
-    case Storage::Computed:
-      if (aFeature.isMany()) return !valuesOf({aElement, aDeviant}, aFeature).empty();
-      [[fallthrough]];
-    default:
-      return !readValue(aElement, aDeviant, aFeature).isNull();
-  }
+  return kindOf(aFeature).fIsSet({aElement, aDeviant}, aFeature, feature(aFeature.fRoot));
 }
 
 void write(Element& aElement, Deviant const& aDeviant, Feature const& aFeature, Object const& aValue) {
   checkMutable(aElement, aDeviant, aFeature, kSource);
-  if (aValue.isNull()) return unset(aElement, aDeviant, aFeature);
+  if (aValue.isNull()) return kindOf(aFeature).fUnset(aElement, aDeviant, aFeature);
   if (aFeature.isMany()) failures::raiseManyExpected(kSource, aFeature);
-  Feature const& root = feature(aFeature.fRoot);
-  switch (root.fStorage) {
-    case Storage::String: {
-      StringObject const* const text = Kelm::asString(aValue);
-      if (text == nullptr) failures::raiseNotAValue(kSource, aFeature);
-      Change::setText(aElement, root, text);
-      break;
-    }
-    case Storage::Flag:
-      writeFlag(aElement, root, numberIn(root, aValue));
-      break;
-    case Storage::Enumeration:
-      writeFlag(aElement, root, literalIn(root, aValue));
-      break;
-    case Storage::Integer:
-      Change::setInteger(aElement, indexOf(root), numberIn(root, aValue));
-      break;
-    case Storage::Computed:
-      if (aFeature.isReference()) checkComputed(aElement, aFeature, referenceIn(aFeature, aValue));
-      setComputed({aElement, aDeviant}, aFeature, aValue);
-      break;
-    default:
-      return writeReference(aElement, aFeature, aValue);
-  }
+  kindOf(aFeature).fWrite(aElement, aDeviant, aFeature, aValue);
 }
 
 void unset(Element& aElement, Deviant const& aDeviant, Feature const& aFeature) {
   checkMutable(aElement, aDeviant, aFeature, kSource);
-  Feature const& root = feature(aFeature.fRoot);
-  switch (root.fStorage) {
-    case Storage::String:
-      Change::setText(aElement, root, nullptr);
-      break;
-    case Storage::Flag:
-    case Storage::Enumeration:
-      resetFlag(aElement, root);
-      break;
-    case Storage::Integer:
-      Change::setInteger(aElement, indexOf(root), 0);
-      break;
-    case Storage::Reference:
-    case Storage::Container:
-      return setReference(aElement, root, nullptr);
-    case Storage::PrimitiveList:
-    case Storage::List:
-      return assign(aElement, aDeviant, aFeature, nullptr, Deviant());
-    case Storage::Computed:
-      if (aFeature.isMany()) return assign(aElement, aDeviant, aFeature, nullptr, Deviant());
-      setComputed({aElement, aDeviant}, aFeature, Object());
-      break;
-  }
+  kindOf(aFeature).fUnset(aElement, aDeviant, aFeature);
 }
 
 Kelm::Generic::SequenceIntf* sequence(Element const& aElement, Deviant const& aDeviant,
