@@ -20,6 +20,7 @@ class ImmutableSequenceWrapper final : public ClassMetaData {
 
   void initializeClass(vesk::VeskClass* aClass, vesk::VeskClient const*) override;
   vesk::SequenceHook const* getSequenceHook() const override { return ValueSequenceHook<T>::instance(); }
+  vesk::ClassFamily const* family() const override { return &FamilyOf<T>::get(); }
 };
 
 template <class T>

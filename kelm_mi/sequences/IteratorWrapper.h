@@ -56,6 +56,7 @@ class IteratorWrapper final : public ClassMetaData {
     addSuperclass(aClass, ScriptClass<ImmutableIterator<T>>::name().c_str());
     detail::addIteratorMethods<IteratorWrapper, Iterator<T>>(aClass);
   }
+  vesk::ClassFamily const* family() const override { return &FamilyOf<T>::get(); }
 };
 
 /// The class of iterators over read-only sequences of values T: "umlmm.StringImmutableIterator".
@@ -77,6 +78,7 @@ class ImmutableIteratorWrapper final : public ClassMetaData {
     vesk::factory::detail::initStringDataTypes();
     detail::addIteratorMethods<ImmutableIteratorWrapper, ImmutableIterator<T>>(aClass);
   }
+  vesk::ClassFamily const* family() const override { return &FamilyOf<T>::get(); }
 };
 
 }  // namespace Kelm::mi

@@ -36,6 +36,7 @@ class SequenceWrapper final : public ClassMetaData {
 
   void initializeClass(vesk::VeskClass* aClass, vesk::VeskClient const*) override;
   vesk::SequenceHook const* getSequenceHook() const override { return ValueSequenceHook<T>::instance(); }
+  vesk::ClassFamily const* family() const override { return &FamilyOf<T>::get(); }
 
  private:
   static Sequence<T> make(Deviant const& aDeviant, bool aIsUnique) {

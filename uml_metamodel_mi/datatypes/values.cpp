@@ -45,9 +45,4 @@ UnboxedArgument<umlmm::UnlimitedNatural> ArgumentUnboxer<umlmm::UnlimitedNatural
   return {unboxUnlimitedNatural(aValue.array()), true};
 }
 
-vesk::VeskInterned containerClassName(char const* aBefore, char const* aPrefix, char const* aName,
-                                      char const* aBehind) {
-  return umlmm::mi::scriptClassName((std::string(aBefore) + aPrefix).c_str(), aName, aBehind);
-}
-
 }  // namespace Kelm::mi

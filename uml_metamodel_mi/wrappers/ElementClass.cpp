@@ -8,6 +8,7 @@
 
 namespace umlmm::mi {
 
+using Kelm::mi::Access;
 using Kelm::mi::addSuperclass;
 using Kelm::mi::addTypedMethod;
 using Kelm::mi::Form;
@@ -15,9 +16,11 @@ using vesk::factory::MethodFirstArgumentIsSelf;
 using vesk::factory::MethodHidden;
 using vesk::factory::MethodOverridesAllSignatures;
 
-vesk::VeskInterned scriptClassName(char const* aPrefix, char const* aName, char const* aSuffix) {
-  return vesk::internal::makeInterned(std::string("umlmm.") + aPrefix + aName + aSuffix);
+vesk::VeskInterned metaPropertyClassName(char const* aMetaclass) {
+  return vesk::internal::makeInterned(std::string(kPackage) + "." + aMetaclass + "MetaProperty");
 }
+
+vesk::ClassFamily const& ElementClass::family() const { return Kelm::mi::classFamily(kPackage, fName); }
 
 namespace {
 
@@ -34,9 +37,9 @@ class Filler {
       : fClass(aClass),
         fDescription(aDescription),
         fMutable(aMutable),
-        fMutableName(scriptClassName("", aDescription.fName).c_str()),
-        fImmutableName(scriptClassName("Immutable", aDescription.fName).c_str()),
-        fMetaPropertyName(scriptClassName("", aDescription.fName, "MetaProperty").c_str()) {}
+        fMutableName(aDescription.family().reference(Access::Changeable).c_str()),
+        fImmutableName(aDescription.family().reference(Access::ReadOnly).c_str()),
+        fMetaPropertyName(metaPropertyClassName(aDescription.fName).c_str()) {}
 
   char const* mutableName() const { return fMutableName; }
   char const* immutableName() const { return fImmutableName; }
@@ -49,7 +52,9 @@ class Filler {
       addSuperclass(fClass, fMutable ? "Kelm.ClassObject" : "Kelm.ImmutableClassObject");
     }
     for (char const* super : fDescription.fSupers) {
-      addSuperclass(fClass, scriptClassName(fMutable ? "" : "Immutable", super).c_str());
+      addSuperclass(fClass, Kelm::mi::classFamily(kPackage, super)
+                                .reference(fMutable ? Access::Changeable : Access::ReadOnly)
+                                .c_str());
     }
   }
   void constructors() const {
@@ -191,7 +196,7 @@ void fillImmutableClass(vesk::VeskClass* aClass, vesk::VeskClient const* aClient
 
 void fillMetaPropertyClass(vesk::VeskClass* aClass, ElementClass const& aDescription) {
   vesk::factory::detail::initStringDataTypes();
-  char const* const name = scriptClassName("", aDescription.fName, "MetaProperty").c_str();
+  char const* const name = metaPropertyClassName(aDescription.fName).c_str();
   Kelm::mi::KelmmiPropertyFactory const factory{aClass, name, aDescription.fMethods};
   for (MetaPropertyRow const& row : aDescription.fMetaProperties) {
     factory.addMetaProperty(row.fName, row.fAccessor, row.fId);

@@ -5,6 +5,7 @@
 
 #include "kelm/IntrospectiveMethods.h"
 #include "kelm_mi/KelmmiPropertyFactory.h"
+#include "kelm_mi/families.h"
 #include "uml_metamodel_mi/frame/addTypedMethod.h"
 
 /// The three script classes of a metaclass as data, and what fills a class from it.
@@ -87,6 +88,8 @@ struct ElementClass {
   std::span<OperationRow const> fOperations;
   std::span<PropertyRow const> fProperties;
   std::span<MetaPropertyRow const> fMetaProperties;
+
+  vesk::ClassFamily const& family() const;
 };
 
 void fillMutableClass(vesk::VeskClass* aClass, ElementClass const& aDescription);

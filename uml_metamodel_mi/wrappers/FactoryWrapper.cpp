@@ -24,6 +24,8 @@ namespace {
 constexpr char kFactory[] = "umlmm.Factory";
 constexpr char kImmutableFactory[] = "umlmm.ImmutableFactory";
 
+vesk::ClassFamily const& factoryFamily() { return Kelm::mi::classFamily(kPackage, "Factory"); }
+
 /// Turns the writability checks off until the end of the scope.
 class AssertionsOff {
  public:
@@ -166,10 +168,16 @@ void ImmutableFactoryWrapper::initializeClass(vesk::VeskClass* aClass, vesk::Ves
   addTypedMethods(aClass, kImmutableMethods);
 }
 
+vesk::ClassFamily const* FactoryWrapper::family() const { return &factoryFamily(); }
+vesk::ClassFamily const* ImmutableFactoryWrapper::family() const { return &factoryFamily(); }
+
 void registerFactoryClasses(vesk::VeskPackage* aPackage) {
+  using Kelm::mi::Access;
   constexpr char description[] = "An implementation of the factory design pattern";
-  announceClass(aPackage, new FactoryWrapper("Factory", description));
-  announceClass(aPackage, new ImmutableFactoryWrapper("ImmutableFactory", description));
+  vesk::ClassFamily const& family = factoryFamily();
+  auto const name = [&](Access aAccess) { return family.shortName(family.reference(aAccess)); };
+  announceClass(aPackage, new FactoryWrapper(name(Access::Changeable), description));
+  announceClass(aPackage, new ImmutableFactoryWrapper(name(Access::ReadOnly), description));
 }
 
 }  // namespace umlmm::mi

@@ -13,12 +13,14 @@ class FactoryWrapper final : public Kelm::mi::ClassMetaData {
  public:
   using ClassMetaData::ClassMetaData;
   void initializeClass(vesk::VeskClass* aClass, vesk::VeskClient const*) override;
+  vesk::ClassFamily const* family() const override;
 };
 
 class ImmutableFactoryWrapper final : public Kelm::mi::ClassMetaData {
  public:
   using ClassMetaData::ClassMetaData;
   void initializeClass(vesk::VeskClass* aClass, vesk::VeskClient const*) override;
+  vesk::ClassFamily const* family() const override;
 };
 
 /// One create method of the factory.

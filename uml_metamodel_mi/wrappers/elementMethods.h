@@ -111,7 +111,7 @@ template <class ImmutableX>
 struct Kelm::mi::Boxer<umlmm::mi::MetaPropertyMarker<ImmutableX>> {
   static vesk::VeskValue box(umlmm::mi::MetaPropertyMarker<ImmutableX> aMarker) {
     static vesk::VeskInterned const name =
-        umlmm::mi::scriptClassName("", umlmm::mi::metaclassOf<ImmutableX>().fName, "MetaProperty");
+        umlmm::mi::metaPropertyClassName(umlmm::mi::metaclassOf<ImmutableX>().fName);
     void* const marker = aMarker.fMarker.get();
     vesk::VeskValue const value = vesk::factory::basic::BindingRegistry::announce(marker, name);
     // From here on the host object owns the marker.

@@ -40,7 +40,8 @@ bool areEqual(RefCall const& aCall) { return present(aCall) == position(aCall, 1
 
 void clone(RefCall const& aCall) {
   Position const original = position(aCall);
-  aCall.give(boxIterator(original.get(), original.getDeviant(), aCall.fClass.fReadOnly, aCall.fClass.fName));
+  aCall.give(boxIterator(original.get(), original.getDeviant(), aCall.fClass.fAccess == Access::ReadOnly,
+                         aCall.fClass.fName));
 }
 void eq(RefCall const& aCall) { aCall.give(VeskValue::ofLogical(areEqual(aCall))); }
 void ne(RefCall const& aCall) { aCall.give(VeskValue::ofLogical(!areEqual(aCall))); }
@@ -71,56 +72,56 @@ class RefIteratorInfo final : public ClassMetaData {
 
   void initializeClass(vesk::VeskClass* aClass, vesk::VeskClient const*) override {
     vesk::factory::detail::initStringDataTypes();
-    if (!fClass.fReadOnly)
-      addSuperclass(aClass, (std::string(fClass.fElement.view()) + "ImmutableIterator").c_str());
+    if (fClass.fAccess == Access::Changeable)
+      addSuperclass(aClass, fClass.fFamily.iterator(Access::ReadOnly, fClass.elementAccess()).c_str());
     for (RefRow const& row : kRows) addRefMethod(aClass, row, fClass);
   }
+  vesk::ClassFamily const* family() const override { return &fClass.fFamily; }
 
  private:
   RefClass const fClass;
 };
 
-vesk::VeskClassInfo* createIterator(bool aReadOnly, Elements aElements, char const* aShortName,
+vesk::VeskClassInfo* createIterator(Access aAccess, Elements aElements, char const* aShortName,
                                     char const* aDescription, char const* aClassName,
                                     char const* aElementClass) {
   return new RefIteratorInfo(aShortName, aDescription,
-                             {vesk::internal::intern(aClassName),
-                              vesk::internal::intern(aElementClass),
-                              {},
-                              {},
-                              aReadOnly,
-                              aElements});
+                             makeRefClass(aAccess, aElements, aClassName, aElementClass));
 }
 
 }  // namespace
 
 vesk::VeskClassInfo* createIteratorOfRefClassInfo(char const* aShortName, char const* aDescription,
                                                   char const* aClassName, char const* aElementClass) {
-  return createIterator(false, Elements::Changeable, aShortName, aDescription, aClassName, aElementClass);
+  return createIterator(Access::Changeable, Elements::Changeable, aShortName, aDescription, aClassName,
+                        aElementClass);
 }
 
 vesk::VeskClassInfo* createIteratorOfImmutableRefClassInfo(char const* aShortName, char const* aDescription,
                                                            char const* aClassName,
                                                            char const* aElementClass) {
-  return createIterator(false, Elements::ReadOnly, aShortName, aDescription, aClassName, aElementClass);
+  return createIterator(Access::Changeable, Elements::ReadOnly, aShortName, aDescription, aClassName,
+                        aElementClass);
 }
 
 vesk::VeskClassInfo* createImmutableIteratorOfRefClassInfo(char const* aShortName, char const* aDescription,
                                                            char const* aClassName,
                                                            char const* aElementClass) {
-  return createIterator(true, Elements::Changeable, aShortName, aDescription, aClassName, aElementClass);
+  return createIterator(Access::ReadOnly, Elements::Changeable, aShortName, aDescription, aClassName,
+                        aElementClass);
 }
 
 vesk::VeskClassInfo* createImmutableIteratorOfImmutableRefClassInfo(char const* aShortName,
                                                                     char const* aDescription,
                                                                     char const* aClassName,
                                                                     char const* aElementClass) {
-  return createIterator(true, Elements::ReadOnly, aShortName, aDescription, aClassName, aElementClass);
+  return createIterator(Access::ReadOnly, Elements::ReadOnly, aShortName, aDescription, aClassName,
+                        aElementClass);
 }
 
-vesk::VeskClassInfo* createTextIteratorClassInfo(char const* aShortName, char const* aDescription,
-                                                 char const* aClassName) {
-  return createIterator(true, Elements::Text, aShortName, aDescription, aClassName, "char vector");
+vesk::VeskClassInfo* createTextIteratorClassInfo(vesk::ClassFamily const& aFamily, char const* aDescription) {
+  vesk::VeskInterned const name = aFamily.iterator(Access::ReadOnly, Access::Changeable);
+  return new RefIteratorInfo(aFamily.shortName(name), aDescription, makeTextClass(aFamily, name));
 }
 
 }  // namespace Kelm::mi

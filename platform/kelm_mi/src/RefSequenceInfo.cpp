@@ -10,7 +10,6 @@
 #include "kelm/Model.h"
 #include "kelm/kernel/containers/sequence/SequenceCreator.h"
 #include "kelm_mi/refClassInfos.h"
-#include "names.h"
 #include "textClassInfos.h"
 #include "uml_metamodel_mi/frame/Boxing.h"
 #include "uml_metamodel_mi/frame/ElementClassInfo.h"
@@ -74,7 +73,7 @@ void giveElement(RefCall const& aCall, Object const& aElement) {
   aCall.give(aCall.fClass.box(aElement.get(), aElement.getDeviant()));
 }
 void givePosition(RefCall const& aCall, IteratorRef const& aPosition) {
-  aCall.give(announceObject(aPosition.get(), aPosition.getDeviant(), aCall.fClass.fReadOnly,
+  aCall.give(announceObject(aPosition.get(), aPosition.getDeviant(), aCall.fClass.fAccess == Access::ReadOnly,
                             aCall.fClass.fIterator));
 }
 
@@ -185,44 +184,38 @@ class RefSequenceInfo final : public ClassMetaData {
   void initializeClass(vesk::VeskClass* aClass, vesk::VeskClient const*) override {
     vesk::factory::detail::initStringDataTypes();
     addSuperclasses(aClass);
-    std::span<RefRow const> const rows =
-        fClass.fReadOnly ? std::span<RefRow const>(kReading) : std::span<RefRow const>(kChanging);
+    std::span<RefRow const> const rows = fClass.fAccess == Access::ReadOnly
+                                             ? std::span<RefRow const>(kReading)
+                                             : std::span<RefRow const>(kChanging);
     for (RefRow const& row : rows) addRefMethod(aClass, row, fClass);
   }
   vesk::SequenceHook const* getSequenceHook() const override { return &fHook; }
+  vesk::ClassFamily const* family() const override { return &fClass.fFamily; }
 
  private:
   /// The read-only form of what can be changed, sequence before elements, then the same form of the sequences
   /// of the element's superclasses.
   void addSuperclasses(vesk::VeskClass* aClass) const {
-    SequenceForm const form{fClass.fReadOnly, fClass.fElements == Elements::ReadOnly};
-    if (!form.fImmutable || !form.fImmutableElements) {
-      SequenceForm const above{true, form.fImmutable || form.fImmutableElements};
-      if (fClass.fElements != Elements::Text)
-        addSuperclass(aClass, sequenceClassName(above, changeableClassName(fClass.fElement.view())).c_str());
-    }
-    for (VeskInterned const base : fClass.fBases)
-      addSuperclass(aClass, sequenceClassName(form, base.view()).c_str());
+    Access const elements = fClass.elementAccess();
+    if (fClass.fAccess == Access::Changeable)
+      addSuperclass(aClass, fClass.fFamily.sequence(Access::ReadOnly, elements).c_str());
+    else if (fClass.fElements == Elements::Changeable)
+      addSuperclass(aClass, fClass.fFamily.sequence(Access::ReadOnly, Access::ReadOnly).c_str());
+    for (vesk::ClassFamily const* const base : fClass.fBases)
+      addSuperclass(aClass, base->sequence(fClass.fAccess, elements).c_str());
   }
 
   RefClass const fClass;
   RefHook const fHook;
 };
 
-vesk::VeskClassInfo* createSequence(bool aReadOnly, Elements aElements, char const* aShortName,
+vesk::VeskClassInfo* createSequence(Access aAccess, Elements aElements, char const* aShortName,
                                     char const* aDescription, char const* aClassName,
                                     char const* aElementClass, char const* aIteratorClass,
                                     std::vector<std::string> const& aBases) {
-  RefClass info{vesk::internal::intern(aClassName),
-                vesk::internal::intern(aElementClass),
-                vesk::internal::intern(aIteratorClass),
-                {},
-                aReadOnly,
-                aElements};
-  info.fBases.reserve(aBases.size());
-  for (std::string const& base : aBases)
-    info.fBases.push_back(vesk::internal::intern(std::string_view(base)));
-  return new RefSequenceInfo(aShortName, aDescription, std::move(info));
+  return new RefSequenceInfo(
+      aShortName, aDescription,
+      makeRefClass(aAccess, aElements, aClassName, aElementClass, aIteratorClass, aBases));
 }
 
 }  // namespace
@@ -231,37 +224,36 @@ vesk::VeskClassInfo* createSequenceOfRefClassInfo(char const* aShortName, char c
                                                   char const* aClassName, char const* aElementClass,
                                                   char const* aIteratorClass,
                                                   std::vector<std::string> const& aBases) {
-  return createSequence(false, Elements::Changeable, aShortName, aDescription, aClassName, aElementClass,
-                        aIteratorClass, aBases);
+  return createSequence(Access::Changeable, Elements::Changeable, aShortName, aDescription, aClassName,
+                        aElementClass, aIteratorClass, aBases);
 }
 
 vesk::VeskClassInfo* createSequenceOfImmutableRefClassInfo(char const* aShortName, char const* aDescription,
                                                            char const* aClassName, char const* aElementClass,
                                                            char const* aIteratorClass,
                                                            std::vector<std::string> const& aBases) {
-  return createSequence(false, Elements::ReadOnly, aShortName, aDescription, aClassName, aElementClass,
-                        aIteratorClass, aBases);
+  return createSequence(Access::Changeable, Elements::ReadOnly, aShortName, aDescription, aClassName,
+                        aElementClass, aIteratorClass, aBases);
 }
 
 vesk::VeskClassInfo* createImmutableSequenceOfRefClassInfo(char const* aShortName, char const* aDescription,
                                                            char const* aClassName, char const* aElementClass,
                                                            char const* aIteratorClass,
                                                            std::vector<std::string> const& aBases) {
-  return createSequence(true, Elements::Changeable, aShortName, aDescription, aClassName, aElementClass,
-                        aIteratorClass, aBases);
+  return createSequence(Access::ReadOnly, Elements::Changeable, aShortName, aDescription, aClassName,
+                        aElementClass, aIteratorClass, aBases);
 }
 
 vesk::VeskClassInfo* createImmutableSequenceOfImmutableRefClassInfo(
     char const* aShortName, char const* aDescription, char const* aClassName, char const* aElementClass,
     char const* aIteratorClass, std::vector<std::string> const& aBases) {
-  return createSequence(true, Elements::ReadOnly, aShortName, aDescription, aClassName, aElementClass,
-                        aIteratorClass, aBases);
+  return createSequence(Access::ReadOnly, Elements::ReadOnly, aShortName, aDescription, aClassName,
+                        aElementClass, aIteratorClass, aBases);
 }
 
-vesk::VeskClassInfo* createTextSequenceClassInfo(char const* aShortName, char const* aDescription,
-                                                 char const* aClassName, char const* aIteratorClass) {
-  return createSequence(true, Elements::Text, aShortName, aDescription, aClassName, "char vector",
-                        aIteratorClass, {});
+vesk::VeskClassInfo* createTextSequenceClassInfo(vesk::ClassFamily const& aFamily, char const* aDescription) {
+  vesk::VeskInterned const name = aFamily.sequence(Access::ReadOnly, Access::Changeable);
+  return new RefSequenceInfo(aFamily.shortName(name), aDescription, makeTextClass(aFamily, name));
 }
 
 }  // namespace Kelm::mi

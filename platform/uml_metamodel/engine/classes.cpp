@@ -7,6 +7,7 @@
 
 #include "engine/engine.h"
 #include "engine/links.h"
+#include "kelm/scriptNames.h"
 #include "reflection/meta.h"
 
 namespace umlmm::engine {
@@ -65,7 +66,7 @@ void fillFeatures(Entry& aEntry, Metaclass const& aMetaclass, std::size_t aWords
 void fillTable(Entry& aEntry, Layout const& aLayout, ElementClass const& aClass) {
   Metaclass const& metaclass = kMetaclasses[aLayout.fMetaclass];
   aEntry.fVeskName = std::string("umlmm.") + metaclass.fName;
-  aEntry.fImmutableVeskName = std::string("umlmm.Immutable") + metaclass.fName;
+  aEntry.fImmutableVeskName = std::string("umlmm.").append(Kelm::scriptNames::kImmutable) + metaclass.fName;
   ClassTable& table = aEntry.fTable;
   table.fVeskName = aEntry.fVeskName.c_str();
   table.fImmutableVeskName = aEntry.fImmutableVeskName.c_str();

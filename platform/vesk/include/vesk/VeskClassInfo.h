@@ -5,6 +5,7 @@
 #include <span>
 #include <vector>
 
+#include "vesk/ClassFamily.h"
 #include "vesk/VeskInterface.h"
 #include "vesk/VeskValue.h"
 #include "vesk/fwd.h"
@@ -132,6 +133,8 @@ class UMLMM_API VeskClassInfo {
   virtual SequenceHook const* getSequenceHook() const { return nullptr; }
   /// What the instance bound to `id` stands for; by default the id alone.
   virtual Identity identify(void const* id) const { return {id, 0}; }
+  /// The classes about the same kind of thing; null for a class without others. Lives as long as the class.
+  virtual ClassFamily const* family() const { return nullptr; }
 };
 
 }  // namespace vesk
