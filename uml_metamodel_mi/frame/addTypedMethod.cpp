@@ -37,26 +37,25 @@ void createSignature(VeskMethod& aMethod, SignatureTexts const& aTexts) {
                            std::span<char const* const>(aTexts.fArguments.begin(), end), aMethod.signature());
 }
 
-template <class Method>
-std::unique_ptr<Method> finish(std::unique_ptr<Method> aMethod, MethodRow const& aRow) {
-  adjustWord(*aMethod, aRow.fForm);
-  createSignature(*aMethod, aRow.fSignature);
-  aRow.fBind(aMethod->invoker());
-  if (storesFlag(aRow.fForm) && aMethod->has(MethodFirstArgumentIsSelf))
-    aMethod->invoker().setFirstArgumentIsSelf(true);
-  return aMethod;
-}
-
 }  // namespace
+
+void setUpMethod(VeskMethod& aMethod, Invoker& aInvoker, MethodRow const& aRow) {
+  adjustWord(aMethod, aRow.fForm);
+  createSignature(aMethod, aRow.fSignature);
+  aRow.fBind(aInvoker);
+  if (storesFlag(aRow.fForm) && aMethod.has(MethodFirstArgumentIsSelf)) aInvoker.setFirstArgumentIsSelf(true);
+}
 
 void addTypedMethod(vesk::VeskClass* aClass, MethodRow const& aMethod) {
   if (aMethod.fForm == Form::Constructor) {
     auto constructor = std::make_unique<VeskConstructor>(aClass->getConstructorName(), aMethod.fWord, "");
-    aClass->addMethod(finish(std::move(constructor), aMethod).release());
+    setUpMethod(*constructor, constructor->invoker(), aMethod);
+    aClass->addMethod(constructor.release());
     return;
   }
   auto method = std::make_unique<MethodImpl>(aMethod.fName, aMethod.fWord, "");
-  aClass->addMethod(finish(std::move(method), aMethod).release());
+  setUpMethod(*method, method->invoker(), aMethod);
+  aClass->addMethod(method.release());
 }
 
 void addTypedMethods(vesk::VeskClass* aClass, std::span<MethodRow const> aMethods) {

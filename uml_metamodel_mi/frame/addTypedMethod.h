@@ -42,6 +42,9 @@ struct MethodRow {
   Bind fBind;
 };
 
+/// Gives a new method what its row declares: word, signature, function and thunk.
+void setUpMethod(vesk::factory::VeskMethod& aMethod, Invoker& aInvoker, MethodRow const& aRow);
+
 /// Builds a method and gives it to the class.
 void addTypedMethod(vesk::VeskClass* aClass, MethodRow const& aMethod);
 void addTypedMethods(vesk::VeskClass* aClass, std::span<MethodRow const> aMethods);
