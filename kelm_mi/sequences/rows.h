@@ -1,10 +1,10 @@
 #pragma once
 
+#include "frame/KernelSequenceHook.h"
+#include "frame/sequenceMethods.h"
 #include "kelm/Asserter.h"
 #include "kelm/kernel/containers/sequence/Ref.h"
-#include "uml_metamodel_mi/datatypes/values.h"
-#include "uml_metamodel_mi/frame/KernelSequenceHook.h"
-#include "uml_metamodel_mi/frame/sequenceMethods.h"
+#include "uml_metamodel_mi/datatypes/conversions.h"
 
 /// What the classes of value sequences and iterators share.
 namespace Kelm::mi {

@@ -4,16 +4,16 @@
 
 #include "kelm/ModelCache.h"
 #include "uml_metamodel/umlmm/Factory.h"
-#include "uml_metamodel_mi/datatypes/values.h"
+#include "uml_metamodel_mi/datatypes/conversions.h"
 #include "uml_metamodel_mi/wrappers/elementMethods.h"
 #include "uml_metamodel_mi/wrappers/factoryNames.h"
-#include "uml_metamodel_mi/wrappers/registrars.h"
 
 namespace umlmm::mi {
 
 using Kelm::mi::addSuperclass;
 using Kelm::mi::addTypedMethod;
 using Kelm::mi::addTypedMethods;
+using Kelm::mi::announceClass;
 using Kelm::mi::bindFunction;
 using Kelm::mi::bindMember;
 using Kelm::mi::Form;

@@ -2,8 +2,8 @@
 
 #include <span>
 
-#include "uml_metamodel_mi/frame/ElementClassInfo.h"
-#include "uml_metamodel_mi/frame/addTypedMethod.h"
+#include "frame/ElementClassInfo.h"
+#include "frame/addTypedMethod.h"
 
 namespace umlmm::mi {
 

@@ -2,9 +2,9 @@
 
 #include <memory>
 
+#include "frame/addTypedMethod.h"
 #include "uml_metamodel/umlmm/detail/metamodel.h"
-#include "uml_metamodel_mi/frame/addTypedMethod.h"
-#include "uml_metamodel_mi/wrappers/ElementClass.h"
+#include "uml_metamodel_mi/wrappers/ElementDescription.h"
 #include "uml_metamodel_mi/wrappers/metaclasses.h"
 #include "vesk/factory/BindingRegistry.h"
 
@@ -62,7 +62,7 @@ X asMutable(ImmutableX const& aSelf) {
 /// The accessor of a metaclass's own meta properties; ids above the greatest raise.
 template <ElementReference ImmutableX>
 Kelm::ImmutableProperty metaProperty(unsigned aId) {
-  constexpr MetaclassRow const& row = metaclassOf<ImmutableX>();
+  constexpr MetaclassBinding const& row = metaclassOf<ImmutableX>();
   return detail::propertyOf(ImmutableX::InterfaceType::sIntrospectiveMethods, aId, row.fFeatureCount,
                             row.fSource, &ImmutableX::MetaClass);
 }

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "frame/Boxing.h"
 #include "kelm_mi/families.h"
-#include "uml_metamodel_mi/frame/Boxing.h"
-#include "uml_metamodel_mi/wrappers/metaclass_rows.h"
+#include "uml_metamodel_mi/wrappers/metaclass_bindings.h"
 #include "vesk/interned.h"
 
 /// Names of the script classes of the metaclasses, found from their reference classes.
@@ -20,8 +20,8 @@ inline constexpr bool kIsChangeable = requires {
 };
 
 template <ElementReference T>
-constexpr MetaclassRow const& metaclassOf() {
-  return kMetaclasses[T::InterfaceType::kMetaclassIndex];
+constexpr MetaclassBinding const& metaclassOf() {
+  return kMetaclassBindings[T::InterfaceType::kMetaclassIndex];
 }
 
 inline constexpr char kPackage[] = "umlmm";

@@ -3,8 +3,8 @@
 #include <memory>
 
 #include "descriptors.h"
+#include "frame/Boxing.h"
 #include "kelm_mi/families.h"
-#include "uml_metamodel_mi/frame/Boxing.h"
 #include "vesk/Detail.h"
 #include "vesk/VeskClassInfo.h"
 #include "vesk/factory/Invoker.h"

@@ -1,9 +1,9 @@
 #include "RefClass.h"
 
 #include "boxing.h"
+#include "frame/Unboxing.h"
 #include "kelm/ClassObject.h"
 #include "kelm/values.h"
-#include "uml_metamodel_mi/frame/Unboxing.h"
 
 namespace Kelm::mi {
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "RefClass.h"
-#include "uml_metamodel_mi/frame/KernelSequenceHook.h"
+#include "frame/KernelSequenceHook.h"
 
 namespace Kelm::mi {
 

@@ -2,11 +2,11 @@
 
 #include "RefClass.h"
 #include "RefMethod.h"
+#include "frame/ElementClassInfo.h"
+#include "frame/sequenceMethods.h"
 #include "kelm/kernel/containers/iterator/Iterator.h"
 #include "kelm_mi/refClassInfos.h"
 #include "textClassInfos.h"
-#include "uml_metamodel_mi/frame/ElementClassInfo.h"
-#include "uml_metamodel_mi/frame/sequenceMethods.h"
 
 namespace Kelm::mi {
 

@@ -4,8 +4,8 @@
 #include <span>
 
 #include "RefClass.h"
+#include "frame/addTypedMethod.h"
 #include "kelm/kernel/containers/sequence/SequenceRef.h"
-#include "uml_metamodel_mi/frame/addTypedMethod.h"
 
 namespace Kelm::mi {
 

@@ -4,12 +4,12 @@
 #include "RefClass.h"
 #include "RefHook.h"
 #include "RefMethod.h"
+#include "frame/ElementClassInfo.h"
+#include "frame/sequenceMethods.h"
 #include "kelm/Model.h"
 #include "kelm/kernel/containers/sequence/SequenceCreator.h"
 #include "kelm_mi/refClassInfos.h"
 #include "textClassInfos.h"
-#include "uml_metamodel_mi/frame/ElementClassInfo.h"
-#include "uml_metamodel_mi/frame/sequenceMethods.h"
 
 namespace Kelm::mi {
 

@@ -3,9 +3,9 @@
 #include <span>
 
 #include "ReadOnlyProperty.h"
+#include "frame/ElementClassInfo.h"
+#include "frame/addTypedMethod.h"
 #include "kelm_mi/families.h"
-#include "uml_metamodel_mi/frame/ElementClassInfo.h"
-#include "uml_metamodel_mi/frame/addTypedMethod.h"
 
 namespace Kelm::mi {
 

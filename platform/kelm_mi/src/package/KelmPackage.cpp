@@ -21,8 +21,6 @@ namespace Kelm::mi {
 
 namespace {
 
-constexpr int kFillOnFirstUse = 2;
-
 class KelmClassInfo final : public ClassMetaData {
  public:
   explicit KelmClassInfo(KelmClass const& aClass)
@@ -48,8 +46,8 @@ class KelmClassInfo final : public ClassMetaData {
 void addForm(vesk::VeskPackage* aPackage, RefSequenceForm const& aForm, char const* aKind,
              std::vector<std::string> const& aBases) {
   vesk::ClassFamily const& family = classFamily("Kelm", aKind);
-  aPackage->addClass(aForm.sequenceInfo(family, aBases), kFillOnFirstUse);
-  aPackage->addClass(aForm.iteratorInfo(family), kFillOnFirstUse);
+  announceClass(aPackage, aForm.sequenceInfo(family, aBases));
+  announceClass(aPackage, aForm.iteratorInfo(family));
 }
 
 /// The four sequences and four iterators of references to elements.
@@ -66,10 +64,9 @@ void addMetaSequences(vesk::VeskPackage* aPackage, char const* aType,
 
 void addTextSequences(vesk::VeskPackage* aPackage) {
   vesk::ClassFamily const& family = classFamily("Kelm", "String");
-  aPackage->addClass(createTextSequenceClassInfo(family, "A sequence whose values cannot be changed"),
-                     kFillOnFirstUse);
-  aPackage->addClass(createTextIteratorClassInfo(family, "An iterator for traversing a non-modifiable list"),
-                     kFillOnFirstUse);
+  announceClass(aPackage, createTextSequenceClassInfo(family, "A sequence whose values cannot be changed"));
+  announceClass(aPackage,
+                createTextIteratorClassInfo(family, "An iterator for traversing a non-modifiable list"));
 }
 
 class KelmPackageInfo final : public vesk::VeskPackageInfo {
@@ -79,8 +76,7 @@ class KelmPackageInfo final : public vesk::VeskPackageInfo {
 
   void initializePackage(vesk::VeskPackage* aPackage) override {
     for (auto const classes : {objectClasses(), modelClasses(), metaClasses()})
-      for (KelmClass const& kelmClass : classes)
-        aPackage->addClass(new KelmClassInfo(kelmClass), kFillOnFirstUse);
+      for (KelmClass const& kelmClass : classes) announceClass(aPackage, new KelmClassInfo(kelmClass));
     addElementSequences(aPackage);
     addMetaSequences(aPackage, "Type", {});
     addMetaSequences(aPackage, "Class", {"Kelm.Type"});

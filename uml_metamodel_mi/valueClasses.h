@@ -4,9 +4,11 @@
 #include "kelm_mi/sequences/IteratorWrapper.h"
 #include "kelm_mi/sequences/SequenceWrapper.h"
 #include "uml_metamodel_mi/datatypes/EnumerationWrapper.h"
-#include "uml_metamodel_mi/wrappers/registrars.h"
 
+/// How the units of the value types announce their classes. Nothing is filled by it.
 namespace umlmm::mi {
+
+using Kelm::mi::announceClass;
 
 namespace detail {
 

@@ -1,21 +1,18 @@
-#include "uml_metamodel_mi/wrappers/registrars.h"
+#include "uml_metamodel_mi/wrappers/elementClasses.h"
 
 #include <vector>
 
 #include "kelm_mi/refClassInfos.h"
 #include "uml_metamodel_mi/wrappers/metaclasses.h"
-#include "vesk/VeskClass.h"
 
 namespace umlmm::mi {
 
 using Kelm::mi::Access;
+using Kelm::mi::announceClass;
 
 namespace {
 
-// The host keeps the mode and fills each class on first use.
-constexpr int kMode = 2;
-
-std::vector<std::string> baseList(ElementClass const& aDescription) {
+std::vector<std::string> baseList(ElementDescription const& aDescription) {
   if (aDescription.fSupers.empty()) return {"Kelm.ClassObject"};
   std::vector<std::string> bases;
   for (char const* super : aDescription.fSupers)
@@ -25,14 +22,7 @@ std::vector<std::string> baseList(ElementClass const& aDescription) {
 
 }  // namespace
 
-void announceClass(vesk::VeskPackage* aPackage, vesk::VeskClassInfo* aInfo) {
-  if (aPackage == nullptr)
-    vesk::VeskClass::addGlobalClass(aInfo);
-  else
-    aPackage->addClass(aInfo, kMode);
-}
-
-void announceElementClasses(vesk::VeskPackage* aPackage, ElementClass const& aDescription,
+void announceElementClasses(vesk::VeskPackage* aPackage, ElementDescription const& aDescription,
                             MakeClassInfo aImmutable, MakeClassInfo aMutable, MakeClassInfo aMetaProperty) {
   if (aPackage == nullptr) return;
   vesk::ClassFamily const& family = aDescription.family();

@@ -3,8 +3,8 @@
 #include <type_traits>
 #include <utility>
 
-#include "uml_metamodel_mi/frame/Boxing.h"
-#include "uml_metamodel_mi/frame/Unboxing.h"
+#include "frame/Boxing.h"
+#include "frame/Unboxing.h"
 #include "vesk/factory/Invoker.h"
 
 /// Thunks, made from the type of the typed function alone: functions of one type share one thunk.

@@ -2,8 +2,8 @@
 
 #include <array>
 
+#include "frame/addTypedMethod.h"
 #include "kelm/kernel/containers/sequence/SequenceRef.h"
-#include "uml_metamodel_mi/frame/addTypedMethod.h"
 
 /// The methods of all script classes of sequences and iterators, each written once. A policy tells what those
 /// of values and those of elements differ in:

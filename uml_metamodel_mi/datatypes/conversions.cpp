@@ -1,4 +1,4 @@
-#include "uml_metamodel_mi/datatypes/values.h"
+#include "uml_metamodel_mi/datatypes/conversions.h"
 
 #include <memory>
 #include <string>

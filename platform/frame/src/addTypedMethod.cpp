@@ -1,4 +1,4 @@
-#include "uml_metamodel_mi/frame/addTypedMethod.h"
+#include "frame/addTypedMethod.h"
 
 #include <algorithm>
 #include <memory>
@@ -69,6 +69,15 @@ void addPackageFunction(vesk::VeskPackage* aPackage, MethodRow const& aFunction)
   aFunction.fBind(function->invoker());
   if (function->has(MethodFirstArgumentIsSelf)) function->invoker().setFirstArgumentIsSelf(true);
   aPackage->addFunction(function.release());
+}
+
+void announceClass(vesk::VeskPackage* aPackage, vesk::VeskClassInfo* aInfo) {
+  // The host keeps the mode and fills each class on first use.
+  constexpr int mode = 2;
+  if (aPackage == nullptr)
+    vesk::VeskClass::addGlobalClass(aInfo);
+  else
+    aPackage->addClass(aInfo, mode);
 }
 
 void addSuperclass(vesk::VeskClass* aClass, char const* aName) {

@@ -1,4 +1,4 @@
-#include "uml_metamodel_mi/wrappers/ElementClass.h"
+#include "uml_metamodel_mi/wrappers/ElementDescription.h"
 
 #include <string>
 
@@ -20,7 +20,7 @@ vesk::VeskInterned metaPropertyClassName(char const* aMetaclass) {
   return vesk::internal::makeInterned(std::string(kPackage) + "." + aMetaclass + "MetaProperty");
 }
 
-vesk::ClassFamily const& ElementClass::family() const { return Kelm::mi::classFamily(kPackage, fName); }
+vesk::ClassFamily const& ElementDescription::family() const { return Kelm::mi::classFamily(kPackage, fName); }
 
 namespace {
 
@@ -33,7 +33,7 @@ Kelm::ImmutableType getMutableMetaType(Kelm::Object const& aObject) { return get
 /// Adds the methods of one of the two classes of elements.
 class Filler {
  public:
-  Filler(vesk::VeskClass* aClass, ElementClass const& aDescription, bool aMutable)
+  Filler(vesk::VeskClass* aClass, ElementDescription const& aDescription, bool aMutable)
       : fClass(aClass),
         fDescription(aDescription),
         fMutable(aMutable),
@@ -140,7 +140,7 @@ class Filler {
   std::uint32_t overriding() const { return fMutable ? std::uint32_t{MethodOverridesAllSignatures} : 0; }
 
   vesk::VeskClass* fClass;
-  ElementClass const& fDescription;
+  ElementDescription const& fDescription;
   bool fMutable;
   char const* fMutableName;
   char const* fImmutableName;
@@ -149,7 +149,7 @@ class Filler {
 
 }  // namespace
 
-void fillMutableClass(vesk::VeskClass* aClass, ElementClass const& aDescription) {
+void fillMutableClass(vesk::VeskClass* aClass, ElementDescription const& aDescription) {
   Filler const filler(aClass, aDescription, true);
   bool const redeclares = aDescription.fRedeclared != nullptr;
   filler.superclasses();
@@ -168,7 +168,7 @@ void fillMutableClass(vesk::VeskClass* aClass, ElementClass const& aDescription)
 }
 
 void fillImmutableClass(vesk::VeskClass* aClass, vesk::VeskClient const* aClient,
-                        ElementClass const& aDescription) {
+                        ElementDescription const& aDescription) {
   Filler const filler(aClass, aDescription, false);
   bool const redeclares = aDescription.fRedeclared != nullptr;
   filler.superclasses();
@@ -194,7 +194,7 @@ void fillImmutableClass(vesk::VeskClass* aClass, vesk::VeskClient const* aClient
   filler.cast("Kelm.Object", "Kelm.ImmutableObject", common.fCastToImmutable);
 }
 
-void fillMetaPropertyClass(vesk::VeskClass* aClass, ElementClass const& aDescription) {
+void fillMetaPropertyClass(vesk::VeskClass* aClass, ElementDescription const& aDescription) {
   vesk::factory::detail::initStringDataTypes();
   char const* const name = metaPropertyClassName(aDescription.fName).c_str();
   Kelm::mi::KelmmiPropertyFactory const factory{aClass, name, aDescription.fMethods};

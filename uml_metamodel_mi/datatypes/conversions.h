@@ -3,6 +3,8 @@
 #include <concepts>
 #include <string>
 
+#include "frame/Boxing.h"
+#include "frame/Unboxing.h"
 #include "kelm/kernel/containers/sequence/SequenceRef.h"
 #include "kelm/values.h"
 #include "kelm_mi/families.h"
@@ -10,8 +12,6 @@
 #include "uml_metamodel/umlmm/Integer.h"
 #include "uml_metamodel/umlmm/String.h"
 #include "uml_metamodel/umlmm/UnlimitedNatural.h"
-#include "uml_metamodel_mi/frame/Boxing.h"
-#include "uml_metamodel_mi/frame/Unboxing.h"
 
 /// How values of the metamodel's data types, and sequences of them and of element references, cross the
 /// boundary.

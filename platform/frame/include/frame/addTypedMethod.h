@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <span>
 
-#include "uml_metamodel_mi/frame/Thunk.h"
+#include "frame/Thunk.h"
 #include "vesk/VeskClass.h"
 #include "vesk/VeskPackage.h"
 #include "vesk/factory/MethodAttributes.h"
@@ -51,6 +51,9 @@ void addTypedMethods(vesk::VeskClass* aClass, std::span<MethodRow const> aMethod
 
 /// Builds a free function and gives it to the package.
 void addPackageFunction(vesk::VeskPackage* aPackage, MethodRow const& aFunction);
+
+/// Announces a class, which the host fills at its first use; without a package as a global class.
+void announceClass(vesk::VeskPackage* aPackage, vesk::VeskClassInfo* aInfo);
 
 /// Adds one superclass by its full name.
 void addSuperclass(vesk::VeskClass* aClass, char const* aName);
