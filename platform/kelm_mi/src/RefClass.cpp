@@ -34,16 +34,18 @@ NSInterface::ClassIntf const* findAncestor(NSInterface::ClassIntf const& aClass,
 RefClass makeRefClass(Access aAccess, Elements aElements, char const* aName, char const* aElementClass,
                       char const* aIteratorClass, std::vector<std::string> const& aBases) {
   Access const elements = aElements == Elements::Changeable ? Access::Changeable : Access::ReadOnly;
+  vesk::VeskInterned const element = vesk::internal::intern(aElementClass);
   RefClass result{vesk::internal::intern(aName),
-                  vesk::internal::intern(aElementClass),
+                  element,
                   vesk::internal::intern(aIteratorClass),
-                  familyOfReferences(aElementClass, elements),
+                  familyOfReferences(element, elements),
                   {},
                   aAccess,
                   aElements};
   result.fBases.reserve(aBases.size());
   for (std::string const& base : aBases)
-    result.fBases.push_back(&familyOfReferences(base, Access::Changeable));
+    result.fBases.push_back(
+        &familyOfReferences(vesk::internal::intern(std::string_view(base)), Access::Changeable));
   return result;
 }
 

@@ -42,12 +42,18 @@ ClassFamily makeFamily(VeskInterned aClass) {
   return {package.substr(0, package.empty() ? 0 : package.size() - 1), name, names};
 }
 
+/// By the names of both classes of references. Never destroyed: class infos of all libraries refer to
+/// families.
+std::unordered_map<VeskInterned, ClassFamily const*>& families() {
+  static auto& sFamilies = *new std::unordered_map<VeskInterned, ClassFamily const*>;
+  return sFamilies;
+}
+
+/// The family of a changeable class of references.
 ClassFamily const& familyOf(VeskInterned aClass) {
-  // Never destroyed: class infos of all libraries refer to it.
-  static auto& sFamilies = *new std::unordered_map<VeskInterned, ClassFamily>;
-  auto const found = sFamilies.find(aClass);
-  if (found != sFamilies.end()) return found->second;
-  return sFamilies.emplace(aClass, makeFamily(aClass)).first->second;
+  ClassFamily const*& family = families()[aClass];
+  if (family == nullptr) family = new ClassFamily(makeFamily(aClass));
+  return *family;
 }
 
 }  // namespace
@@ -56,12 +62,17 @@ ClassFamily const& classFamily(std::string_view aPackage, std::string_view aName
   return familyOf(joined({aPackage, ".", aName}));
 }
 
-ClassFamily const& familyOfReferences(std::string_view aClass, Access aAccess) {
-  std::size_t const start = aClass.rfind('.') + 1;
-  std::string_view name = aClass.substr(start);
+ClassFamily const& familyOfReferences(VeskInterned aClass, Access aAccess) {
+  auto const found = families().find(aClass);
+  if (found != families().end() && found->second != nullptr) return *found->second;
+  std::string_view const full = aClass.view();
+  std::size_t const start = full.rfind('.') + 1;
+  std::string_view name = full.substr(start);
   if (aAccess == Access::ReadOnly && name.starts_with(scriptNames::kImmutable))
     name.remove_prefix(scriptNames::kImmutable.size());
-  return familyOf(joined({aClass.substr(0, start), name}));
+  ClassFamily const& family = familyOf(joined({full.substr(0, start), name}));
+  families()[aClass] = &family;
+  return family;
 }
 
 }  // namespace Kelm::mi

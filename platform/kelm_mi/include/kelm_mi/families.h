@@ -16,7 +16,7 @@ UMLMM_API vesk::ClassFamily const& classFamily(std::string_view aPackage, std::s
 
 /// The family of a class of references by its full name, for those who are told no more: "umlmm.Class", or
 /// with read-only access "umlmm.ImmutableClass".
-UMLMM_API vesk::ClassFamily const& familyOfReferences(std::string_view aClass, Access aAccess);
+UMLMM_API vesk::ClassFamily const& familyOfReferences(vesk::VeskInterned aClass, Access aAccess);
 
 /// The family of the classes that show values of C++ type T: `get()` is the family, `kAccess` what a T lets
 /// one do. Libraries specialise it for their types.
