@@ -23,41 +23,106 @@ using Proxy = Kelm::GenericReferenceCountingSequenceProxy;
 /// The values of a feature with all that its element demands of whoever reads or changes them.
 class ValueSequence final : public Proxy {
   using Ref = Kelm::Generic::Ref;
+  using IteratorIntf = Kelm::Generic::IteratorIntf;
+  using IteratorPtr = Kelm::Generic::IteratorPtr;
 
  public:
   ValueSequence(Element& aElement, Feature const& aRoot, SequenceIntf* aValues) noexcept
-      : Proxy(Guarded(), aValues), fElement(aElement), fRoot(aRoot) {}
+      : Proxy(aValues), fElement(aElement), fRoot(aRoot) {}
 
   int incRef() const override { return fElement.incRef(); }
   int decRef() const override { return fElement.decRef(); }
   int numRef() const override { return fElement.numRef(); }
 
-  // What is read all day goes past the guard's virtual call.
   Ref generic_at(Deviant const& aDeviant, int aIndex) const override {
-    checkReadable(fElement, aDeviant, kSource);
-    return target().generic_at(aDeviant, aIndex);
+    return read(aDeviant).generic_at(aDeviant, aIndex);
   }
-  int generic_size(Deviant const& aDeviant) const override {
-    checkReadable(fElement, aDeviant, kSource);
-    return target().generic_size(aDeviant);
+  Ref generic_front(Deviant const& aDeviant) const override { return read(aDeviant).generic_front(aDeviant); }
+  Ref generic_back(Deviant const& aDeviant) const override { return read(aDeviant).generic_back(aDeviant); }
+  IteratorPtr generic_begin(Deviant const& aDeviant) const override {
+    return owned(read(aDeviant).generic_begin(aDeviant));
   }
-  std::uint64_t stamp(Deviant const& aDeviant) const override {
-    checkReadable(fElement, aDeviant, kSource);
-    return target().stamp(aDeviant);
+  IteratorPtr generic_end(Deviant const& aDeviant) const override {
+    return owned(read(aDeviant).generic_end(aDeviant));
   }
+  int generic_size(Deviant const& aDeviant) const override { return read(aDeviant).generic_size(aDeviant); }
+  bool generic_contains(Deviant const& aDeviant, Ref aValue) const override {
+    return read(aDeviant).generic_contains(aDeviant, std::move(aValue));
+  }
+  std::uint64_t stamp(Deviant const& aDeviant) const override { return read(aDeviant).stamp(aDeviant); }
   int readBlock(Deviant const& aDeviant, int aIndex, int aCount, Kelm::Generic::Loan* aOut) const override {
-    checkReadable(fElement, aDeviant, kSource);
-    return target().readBlock(aDeviant, aIndex, aCount, aOut);
+    return read(aDeviant).readBlock(aDeviant, aIndex, aCount, aOut);
+  }
+  int indexOf(Deviant const& aDeviant, Ref const& aValue, int aFrom) const override {
+    return read(aDeviant).indexOf(aDeviant, aValue, aFrom);
   }
 
+  void generic_clear(Deviant const& aDeviant) override {
+    change(aDeviant);
+    Proxy::generic_clear(aDeviant);
+  }
+  void generic_insert(Deviant const& aDeviant, int aIndex, Ref aValue) override {
+    change(aDeviant);
+    checkRoom();
+    Proxy::generic_insert(aDeviant, aIndex, std::move(aValue));
+  }
+  IteratorPtr generic_insert(Deviant const& aDeviant, IteratorIntf const* aPosition, Ref aValue) override {
+    change(aDeviant);
+    checkRoom();
+    return Proxy::generic_insert(aDeviant, aPosition, std::move(aValue));
+  }
+  IteratorPtr generic_erase(Deviant const& aDeviant, IteratorIntf const* aPosition) override {
+    change(aDeviant);
+    return Proxy::generic_erase(aDeviant, aPosition);
+  }
+  IteratorPtr generic_erase(Deviant const& aDeviant, IteratorIntf const* aFirst,
+                            IteratorIntf const* aLast) override {
+    change(aDeviant);
+    return Proxy::generic_erase(aDeviant, aFirst, aLast);
+  }
+  void generic_erase(Deviant const& aDeviant, int aIndex) override {
+    change(aDeviant);
+    Proxy::generic_erase(aDeviant, aIndex);
+  }
+  void generic_pop_back(Deviant const& aDeviant) override {
+    change(aDeviant);
+    Proxy::generic_pop_back(aDeviant);
+  }
+  void generic_pop_front(Deviant const& aDeviant) override {
+    change(aDeviant);
+    Proxy::generic_pop_front(aDeviant);
+  }
+  void generic_push_back(Deviant const& aDeviant, Ref aValue) override {
+    change(aDeviant);
+    checkRoom();
+    Proxy::generic_push_back(aDeviant, std::move(aValue));
+  }
+  void generic_push_front(Deviant const& aDeviant, Ref aValue) override {
+    change(aDeviant);
+    checkRoom();
+    Proxy::generic_push_front(aDeviant, std::move(aValue));
+  }
+  void generic_replace(Deviant const& aDeviant, int aIndex, Ref aValue) override {
+    change(aDeviant);
+    Proxy::generic_replace(aDeviant, aIndex, std::move(aValue));
+  }
+  void generic_rearrange(Deviant const& aDeviant, std::span<int const> aFrom,
+                         std::span<int const> aTo) override {
+    change(aDeviant);
+    Proxy::generic_rearrange(aDeviant, aFrom, aTo);
+  }
   bool isLive() const override { return true; }
+  int generic_removeAll(Deviant const& aDeviant, Ref aValue) override {
+    change(aDeviant);
+    return Proxy::generic_removeAll(aDeviant, std::move(aValue));
+  }
   bool splice(Deviant const& aDeviant, int aFirst, int aRemoved, std::vector<Ref> const& aValues) override {
-    guard(aDeviant, Use::Change);
+    change(aDeviant);
     auto const size = static_cast<std::size_t>(target().generic_size(aDeviant));
     auto const going = std::min(static_cast<std::size_t>(aRemoved), size);
     if (fRoot.fUpper > 0 && size - going + aValues.size() > static_cast<std::size_t>(fRoot.fUpper))
       failures::raiseTooMany(kSource, fRoot);
-    return target().splice(aDeviant, aFirst, aRemoved, aValues);
+    return Proxy::splice(aDeviant, aFirst, aRemoved, aValues);
   }
 
   void specialized_assign(SequenceIntf const* aOther, Deviant const& aDeviant, bool& aResult) override {
@@ -65,17 +130,22 @@ class ValueSequence final : public Proxy {
     aResult = true;
   }
 
- protected:
-  void guard(Deviant const& aDeviant, Use aUse) const override {
-    if (aUse == Use::Read) return checkReadable(fElement, aDeviant, kSource);
-    checkWritable(fElement, aDeviant, kSource);
+ private:
+  SequenceIntf const& read(Deviant const& aDeviant,
+                           int aLine = std::source_location::current().line()) const {
+    checkReadable(fElement, aDeviant, {kSource, aLine});
+    return target();
+  }
+  void change(Deviant const& aDeviant, int aLine = std::source_location::current().line()) const {
+    checkWritable(fElement, aDeviant, {kSource, aLine});
     fElement.model()->noteChange();
-    // Features with a bound take a value as often as it is given.
-    if (aUse == Use::Add && fRoot.fUpper > 0 && target().generic_size(Deviant()) >= fRoot.fUpper)
+  }
+  /// Raises when the feature is full. Features with a bound take a value as often as it is given.
+  void checkRoom() const {
+    if (fRoot.fUpper > 0 && target().generic_size(Deviant()) >= fRoot.fUpper)
       failures::raiseNoRoom(kSource, fRoot);
   }
 
- private:
   Element& fElement;
   Feature const& fRoot;
 };

@@ -15,12 +15,14 @@ constexpr std::uint64_t kStamp = 1;
 
 }  // namespace
 
-void ElementResult::makeList() const {
+std::unique_ptr<Kelm::Generic::SequenceIntf> ElementResult::makeTarget() const {
   std::vector<Kelm::Object> values;
   values.reserve(fElements.all().size());
   for (engine::Element* const element : fElements.all()) values.emplace_back(element, fDeviant);
-  setTarget(Kelm::detail::SequenceImplementations<Kelm::Object>::makeList(std::move(values)));
+  std::unique_ptr<Kelm::Generic::SequenceIntf> list(
+      Kelm::detail::SequenceImplementations<Kelm::Object>::makeList(std::move(values)));
   fElements.letGo();
+  return list;
 }
 
 Kelm::Generic::Ref ElementResult::generic_at(Deviant const& aDeviant, int aIndex) const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <vector>
 
 #include "engine/HeldElements.h"
@@ -16,25 +17,20 @@ class ElementResult final : public Kelm::GenericReferenceCountingSequenceProxy {
 
  public:
   ElementResult(std::vector<engine::Element*> aElements, Deviant const& aDeviant) noexcept
-      : GenericReferenceCountingSequenceProxy(Guarded()),
-        fElements(std::move(aElements)),
-        fDeviant(aDeviant) {}
+      : fElements(std::move(aElements)), fDeviant(aDeviant) {}
 
   Ref generic_at(Deviant const& aDeviant, int aIndex) const override;
   bool generic_empty(Deviant const& aDeviant) const override { return generic_size(aDeviant) == 0; }
   int generic_size(Deviant const& aDeviant) const override;
   std::uint64_t stamp(Deviant const& aDeviant) const override;
   int readBlock(Deviant const& aDeviant, int aIndex, int aCount, Kelm::Generic::Loan* aOut) const override;
-
   int indexOf(Deviant const& aDeviant, Ref const& aValue, int aFrom) const override {
+    // NOLINTNEXTLINE(bugprone-parent-virtual-call): the walk in blocks, for which no list is made
     return Kelm::Generic::SequenceIntf::indexOf(aDeviant, aValue, aFrom);
   }
 
  private:
-  void guard(Deviant const&, Use) const override {
-    if (!hasTarget()) makeList();
-  }
-  void makeList() const;
+  std::unique_ptr<Kelm::Generic::SequenceIntf> makeTarget() const override;
 
   mutable engine::HeldElements fElements;
   Deviant fDeviant;
