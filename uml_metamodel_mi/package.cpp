@@ -1,8 +1,8 @@
 #include "uml_metamodel_mi/package.h"
 
+#include "frame/addTypedMethod.h"
 #include "kelm/Model.h"
 #include "uml_metamodel/umlmm/detail/metamodel.h"
-#include "uml_metamodel_mi/frame/addTypedMethod.h"
 #include "uml_metamodel_mi/registration.h"
 #include "vesk/VeskPackage.h"
 #include "vesk/factory/BindingRegistry.h"

@@ -1,7 +1,7 @@
 #include "kelm_mi/marshal/KelmmiStringProperty.h"
 
 #include "tarn/tarn.h"
-#include "uml_metamodel_mi/datatypes/values.h"
+#include "uml_metamodel_mi/datatypes/conversions.h"
 
 namespace Kelm::mi {
 

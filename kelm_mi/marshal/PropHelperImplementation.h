@@ -2,7 +2,7 @@
 
 #include "kelm/ClassObject.h"
 #include "kelm_mi/marshal/PropHelper.h"
-#include "uml_metamodel_mi/datatypes/values.h"
+#include "uml_metamodel_mi/datatypes/conversions.h"
 
 namespace Kelm::mi {
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "tarn/tarn.h"
-#include "uml_metamodel_mi/datatypes/values.h"
+#include "uml_metamodel_mi/datatypes/conversions.h"
 
 /// What the marshalling of Boolean and Integer differs in.
 namespace Kelm::mi::detail {

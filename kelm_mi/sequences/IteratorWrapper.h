@@ -1,48 +1,20 @@
 #pragma once
 
+#include "frame/ElementClassInfo.h"
 #include "kelm_mi/sequences/rows.h"
-#include "uml_metamodel_mi/frame/ElementClassInfo.h"
 #include "vesk/factory/BindingRegistry.h"
 
 namespace Kelm::mi {
-
-namespace detail {
-
-/// Positions are compared; deviants take no part.
-template <class I>
-bool areEqual(I const& aLeft, I const& aRight) {
-  return aLeft.get()->equal(aRight.get());
-}
-template <class I>
-bool areUnequal(I const& aLeft, I const& aRight) {
-  return !areEqual(aLeft, aRight);
-}
-
-/// The methods that both kinds of iterators have; `I` is the iterator handle, `Wrapper` the class with its
-/// static operations. All but `clone` go straight to the iterator object, so it must be there.
-template <class Wrapper, class I>
-void addIteratorMethods(vesk::VeskClass* aClass) {
-  constexpr SelfCheck check = SelfCheck::Implementation;
-  char const* const self = ScriptClass<I>::name().c_str();
-  char const* const element = ValueType<typename I::Value>::element();
-  MethodRow const rows[] = {
-      selfFirstRow("clone", self, {self}, &bindFunction<&Wrapper::clone>),
-      memberRow("eq", "logical scalar", self, {self}, &bindFunction<&areEqual<I>, check>),
-      memberRow("ne", "logical scalar", self, {self}, &bindFunction<&areUnequal<I>, check>),
-      selfFirstRow("getNext", "void", {self}, &bindFunction<&Wrapper::getNext, check>),
-      selfFirstRow("getPrev", "void", {self}, &bindFunction<&Wrapper::getPrev, check>),
-      memberRow("item", element, self, {}, &bindMember<&I::current, I, check>),
-  };
-  addTypedMethods(aClass, rows);
-}
-
-}  // namespace detail
 
 /// The class of iterators over sequences of values T that can be changed: "umlmm.StringIterator".
 template <class T>
 class IteratorWrapper final : public ClassMetaData {
  public:
   using ClassMetaData::ClassMetaData;
+
+  // As a policy of its methods.
+  using Marshal = TypedMarshal;
+  using Position = Iterator<T>;
 
   /// A new iterator object at the same position; null for null.
   UMLMM_API static Iterator<T> clone(Iterator<T>* aIterator) { return *aIterator; }
@@ -54,8 +26,9 @@ class IteratorWrapper final : public ClassMetaData {
   void initializeClass(vesk::VeskClass* aClass, vesk::VeskClient const*) override {
     vesk::factory::detail::initStringDataTypes();
     addSuperclass(aClass, ScriptClass<ImmutableIterator<T>>::name().c_str());
-    detail::addIteratorMethods<IteratorWrapper, Iterator<T>>(aClass);
+    addTypedMethods(aClass, iteratorMethods<IteratorWrapper>(valueContainerNames<Iterator<T>, T>()));
   }
+  vesk::ClassFamily const* family() const override { return &FamilyOf<T>::get(); }
 };
 
 /// The class of iterators over read-only sequences of values T: "umlmm.StringImmutableIterator".
@@ -63,6 +36,10 @@ template <class T>
 class ImmutableIteratorWrapper final : public ClassMetaData {
  public:
   using ClassMetaData::ClassMetaData;
+
+  // As a policy of its methods.
+  using Marshal = TypedMarshal;
+  using Position = ImmutableIterator<T>;
 
   /// A new iterator object at the same position; null for null.
   UMLMM_API static ImmutableIterator<T> clone(ImmutableIterator<T>* aIterator) { return *aIterator; }
@@ -75,8 +52,10 @@ class ImmutableIteratorWrapper final : public ClassMetaData {
 
   void initializeClass(vesk::VeskClass* aClass, vesk::VeskClient const*) override {
     vesk::factory::detail::initStringDataTypes();
-    detail::addIteratorMethods<ImmutableIteratorWrapper, ImmutableIterator<T>>(aClass);
+    addTypedMethods(
+        aClass, iteratorMethods<ImmutableIteratorWrapper>(valueContainerNames<ImmutableIterator<T>, T>()));
   }
+  vesk::ClassFamily const* family() const override { return &FamilyOf<T>::get(); }
 };
 
 }  // namespace Kelm::mi

@@ -1,72 +1,52 @@
 #pragma once
 
-#include <array>
-#include <cstddef>
-#include <type_traits>
-
+#include "frame/KernelSequenceHook.h"
+#include "frame/sequenceMethods.h"
 #include "kelm/Asserter.h"
 #include "kelm/kernel/containers/Ref.h"
-#include "uml_metamodel_mi/datatypes/values.h"
-#include "uml_metamodel_mi/frame/KernelSequenceHook.h"
-#include "uml_metamodel_mi/frame/addTypedMethod.h"
+#include "uml_metamodel_mi/datatypes/conversions.h"
 
 /// What the classes of value sequences and iterators share.
 namespace Kelm::mi {
 
-/// A row of their method tables: no argument names, the first type is the receiver's.
-inline MethodRow memberRow(char const* aName, char const* aResult, char const* aReceiver,
-                           std::array<char const*, SignatureTexts::kMostArguments> aArguments, Bind aBind) {
-  return {aName, 0, Form::MemberFunction, {"", aResult, aReceiver, aArguments}, aBind};
+/// The names in the signatures of a class of handles H on values T.
+template <class H, class T>
+ContainerNames valueContainerNames() {
+  return {ScriptClass<H>::name().c_str(), ValueType<T>::element()};
 }
-/// A function that takes the receiver as an ordinary first argument.
-inline MethodRow selfFirstRow(char const* aName, char const* aResult,
-                              std::array<char const*, SignatureTexts::kMostArguments> aArguments,
-                              Bind aBind) {
-  return {aName,
-          vesk::factory::MethodFirstArgumentIsSelf,
-          Form::FreeFunction,
-          {"", aResult, nullptr, aArguments},
-          aBind};
-}
-inline MethodRow staticRow(char const* aName, char const* aResult, char const* aArgument, Bind aBind) {
-  return {aName, 0, Form::FreeFunction, {"", aResult, nullptr, {aArgument}}, aBind};
+template <class H, class T, class I>
+ContainerNames valueContainerNames() {
+  return {ScriptClass<H>::name().c_str(), ValueType<T>::element(), ScriptClass<I>::name().c_str()};
 }
 
-/// Lets the host walk and search a sequence of values.
+/// How values cross when the host walks and searches a sequence.
 template <class T>
-class ValueSequenceHook final : public KernelSequenceHook {
- public:
-  char const* elementType() const override { return ValueType<T>::element(); }
-  static ValueSequenceHook const* instance() {
-    static ValueSequenceHook const hook;
-    return &hook;
-  }
+struct ValueElements {
+  using Value = T;
+  // The first literal of an enumeration that is boxed may fill its class.
+  static constexpr bool kIsCodeFree = !EnumerationType<T>;
 
- protected:
-  void box(Generic::Loan const* aLoans, std::size_t aCount, vesk::VeskValue* aValues) const override {
-    if constexpr (std::is_trivially_copyable_v<T>) {
-      // Boxing the first literal of an enumeration may fill its class, which can run anything.
-      std::array<T, kBlock> copies;
-      for (std::size_t i = 0; i < aCount; ++i) copies[i] = Generic::RefAccess<T>::get(aLoans[i]);
-      boxEach(aCount, aValues, [&](std::size_t aAt) { return Boxer<T>::box(copies[aAt]); });
-    } else {
-      boxEach(aCount, aValues,
-              [&](std::size_t aAt) { return Boxer<T>::box(Generic::RefAccess<T>::get(aLoans[aAt])); });
-    }
-  }
-  int search(Generic::SequenceIntf const& aSequence, Deviant const& aDeviant, vesk::VeskValue aValue,
-             int aFirst) const override {
+  static char const* name() { return ValueType<T>::element(); }
+  static vesk::VeskValue box(T const& aValue) { return Boxer<T>::box(aValue); }
+  static T unbox(vesk::VeskValue aValue) { return ArgumentUnboxer<T>::unbox(aValue).fValue; }
+  static bool boxAtOnce(Generic::Loan const*, std::size_t, vesk::VeskValue*) noexcept { return false; }
+  static int find(Generic::SequenceIntf const& aSequence, Deviant const& aDeviant, vesk::VeskValue aValue,
+                  int aFirst) {
     Generic::Ref wanted;
     try {
-      wanted = Generic::RefAccess<T>::make(ArgumentUnboxer<T>::unbox(aValue).fValue);
+      wanted = Generic::RefAccess<T>::make(unbox(aValue));
     } catch (Exception const&) {
       return -1;  // such as a text that is no number: no sequence holds it
     }
     return aSequence.indexOf(aDeviant, wanted, aFirst);
   }
-  Generic::Ref element(vesk::VeskValue aValue) const override {
-    return Generic::RefAccess<T>::make(ArgumentUnboxer<T>::unbox(aValue).fValue);
-  }
 };
+
+/// Lets the host walk and search a sequence of values.
+template <class T>
+vesk::SequenceHook const* valueSequenceHook() {
+  static SequenceHookOf<ValueElements<T>> const sHook{{}};
+  return &sHook;
+}
 
 }  // namespace Kelm::mi

@@ -2,10 +2,10 @@
 
 #include <utility>
 
+#include "frame/ElementClassInfo.h"
+#include "frame/addTypedMethod.h"
 #include "lum/lum.h"
-#include "uml_metamodel_mi/datatypes/values.h"
-#include "uml_metamodel_mi/frame/ElementClassInfo.h"
-#include "uml_metamodel_mi/frame/addTypedMethod.h"
+#include "uml_metamodel_mi/datatypes/conversions.h"
 #include "vesk/factory/BindingRegistry.h"
 
 namespace umlmm::mi {

@@ -4,16 +4,16 @@
 
 #include "kelm/ModelCache.h"
 #include "uml_metamodel/umlmm/Factory.h"
-#include "uml_metamodel_mi/datatypes/values.h"
+#include "uml_metamodel_mi/datatypes/conversions.h"
 #include "uml_metamodel_mi/wrappers/elementMethods.h"
 #include "uml_metamodel_mi/wrappers/factoryNames.h"
-#include "uml_metamodel_mi/wrappers/registrars.h"
 
 namespace umlmm::mi {
 
 using Kelm::mi::addSuperclass;
 using Kelm::mi::addTypedMethod;
 using Kelm::mi::addTypedMethods;
+using Kelm::mi::announceClass;
 using Kelm::mi::bindFunction;
 using Kelm::mi::bindMember;
 using Kelm::mi::Form;
@@ -23,6 +23,8 @@ namespace {
 
 constexpr char kFactory[] = "umlmm.Factory";
 constexpr char kImmutableFactory[] = "umlmm.ImmutableFactory";
+
+vesk::ClassFamily const& factoryFamily() { return Kelm::mi::classFamily(kPackage, "Factory"); }
 
 /// Turns the writability checks off until the end of the scope.
 class AssertionsOff {
@@ -166,10 +168,16 @@ void ImmutableFactoryWrapper::initializeClass(vesk::VeskClass* aClass, vesk::Ves
   addTypedMethods(aClass, kImmutableMethods);
 }
 
+vesk::ClassFamily const* FactoryWrapper::family() const { return &factoryFamily(); }
+vesk::ClassFamily const* ImmutableFactoryWrapper::family() const { return &factoryFamily(); }
+
 void registerFactoryClasses(vesk::VeskPackage* aPackage) {
+  using Kelm::mi::Access;
   constexpr char description[] = "An implementation of the factory design pattern";
-  announceClass(aPackage, new FactoryWrapper("Factory", description));
-  announceClass(aPackage, new ImmutableFactoryWrapper("ImmutableFactory", description));
+  vesk::ClassFamily const& family = factoryFamily();
+  auto const name = [&](Access aAccess) { return family.shortName(family.reference(aAccess)); };
+  announceClass(aPackage, new FactoryWrapper(name(Access::Changeable), description));
+  announceClass(aPackage, new ImmutableFactoryWrapper(name(Access::ReadOnly), description));
 }
 
 }  // namespace umlmm::mi

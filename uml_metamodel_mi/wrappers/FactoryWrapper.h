@@ -2,8 +2,8 @@
 
 #include <span>
 
-#include "uml_metamodel_mi/frame/ElementClassInfo.h"
-#include "uml_metamodel_mi/frame/addTypedMethod.h"
+#include "frame/ElementClassInfo.h"
+#include "frame/addTypedMethod.h"
 
 namespace umlmm::mi {
 
@@ -13,12 +13,14 @@ class FactoryWrapper final : public Kelm::mi::ClassMetaData {
  public:
   using ClassMetaData::ClassMetaData;
   void initializeClass(vesk::VeskClass* aClass, vesk::VeskClient const*) override;
+  vesk::ClassFamily const* family() const override;
 };
 
 class ImmutableFactoryWrapper final : public Kelm::mi::ClassMetaData {
  public:
   using ClassMetaData::ClassMetaData;
   void initializeClass(vesk::VeskClass* aClass, vesk::VeskClient const*) override;
+  vesk::ClassFamily const* family() const override;
 };
 
 /// One create method of the factory.

@@ -2,9 +2,9 @@
 
 #include <memory>
 
+#include "frame/addTypedMethod.h"
 #include "uml_metamodel/umlmm/detail/metamodel.h"
-#include "uml_metamodel_mi/frame/addTypedMethod.h"
-#include "uml_metamodel_mi/wrappers/ElementClass.h"
+#include "uml_metamodel_mi/wrappers/ElementDescription.h"
 #include "uml_metamodel_mi/wrappers/metaclasses.h"
 #include "vesk/factory/BindingRegistry.h"
 
@@ -62,7 +62,7 @@ X asMutable(ImmutableX const& aSelf) {
 /// The accessor of a metaclass's own meta properties; ids above the greatest raise.
 template <ElementReference ImmutableX>
 Kelm::ImmutableProperty metaProperty(unsigned aId) {
-  constexpr MetaclassRow const& row = metaclassOf<ImmutableX>();
+  constexpr MetaclassBinding const& row = metaclassOf<ImmutableX>();
   return detail::propertyOf(ImmutableX::InterfaceType::sIntrospectiveMethods, aId, row.fFeatureCount,
                             row.fSource, &ImmutableX::MetaClass);
 }
@@ -111,7 +111,7 @@ template <class ImmutableX>
 struct Kelm::mi::Boxer<umlmm::mi::MetaPropertyMarker<ImmutableX>> {
   static vesk::VeskValue box(umlmm::mi::MetaPropertyMarker<ImmutableX> aMarker) {
     static vesk::VeskInterned const name =
-        umlmm::mi::scriptClassName("", umlmm::mi::metaclassOf<ImmutableX>().fName, "MetaProperty");
+        umlmm::mi::metaPropertyClassName(umlmm::mi::metaclassOf<ImmutableX>().fName);
     void* const marker = aMarker.fMarker.get();
     vesk::VeskValue const value = vesk::factory::basic::BindingRegistry::announce(marker, name);
     // From here on the host object owns the marker.

@@ -1,12 +1,12 @@
 #pragma once
 
 /// What the unit of a metaclass is made of.
-#include "uml_metamodel_mi/datatypes/values.h"
-#include "uml_metamodel_mi/frame/ElementClassInfo.h"
-#include "uml_metamodel_mi/wrappers/ElementClass.h"
+#include "frame/ElementClassInfo.h"
+#include "uml_metamodel_mi/datatypes/conversions.h"
+#include "uml_metamodel_mi/wrappers/ElementDescription.h"
+#include "uml_metamodel_mi/wrappers/elementClasses.h"
 #include "uml_metamodel_mi/wrappers/elementMethods.h"
 #include "uml_metamodel_mi/wrappers/propertyRows.h"
-#include "uml_metamodel_mi/wrappers/registrars.h"
 
 namespace umlmm::mi {
 

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "frame/ScriptClass.h"
 #include "uml_metamodel/umlmm/Factory.h"
-#include "uml_metamodel_mi/frame/ScriptClass.h"
 
 template <>
 struct Kelm::mi::ScriptClass<umlmm::Factory> : Kelm::mi::NamedScriptClass<"umlmm.Factory", false> {};

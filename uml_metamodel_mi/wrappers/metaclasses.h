@@ -1,7 +1,8 @@
 #pragma once
 
-#include "uml_metamodel_mi/frame/Boxing.h"
-#include "uml_metamodel_mi/wrappers/metaclass_rows.h"
+#include "frame/Boxing.h"
+#include "kelm_mi/families.h"
+#include "uml_metamodel_mi/wrappers/metaclass_bindings.h"
 #include "vesk/interned.h"
 
 /// Names of the script classes of the metaclasses, found from their reference classes.
@@ -19,21 +20,34 @@ inline constexpr bool kIsChangeable = requires {
 };
 
 template <ElementReference T>
-constexpr MetaclassRow const& metaclassOf() {
-  return kMetaclasses[T::InterfaceType::kMetaclassIndex];
+constexpr MetaclassBinding const& metaclassOf() {
+  return kMetaclassBindings[T::InterfaceType::kMetaclassIndex];
 }
 
-/// "umlmm." with a prefix and a metaclass or value type behind it, as a token: "umlmm.ImmutableClass".
-vesk::VeskInterned scriptClassName(char const* aPrefix, char const* aName, char const* aSuffix = "");
+inline constexpr char kPackage[] = "umlmm";
+
+/// "umlmm.ClassMetaProperty", as a token.
+vesk::VeskInterned metaPropertyClassName(char const* aMetaclass);
 
 }  // namespace umlmm::mi
 
+namespace Kelm::mi {
+
 template <umlmm::mi::ElementReference T>
-struct Kelm::mi::ScriptClass<T> {
+struct FamilyOf<T> {
+  static constexpr Access kAccess = umlmm::mi::kIsChangeable<T> ? Access::Changeable : Access::ReadOnly;
+  static vesk::ClassFamily const& get() {
+    return classFamily(umlmm::mi::kPackage, umlmm::mi::metaclassOf<T>().fName);
+  }
+};
+
+template <umlmm::mi::ElementReference T>
+struct ScriptClass<T> {
   static constexpr bool kImmutable = !umlmm::mi::kIsChangeable<T>;
   static vesk::VeskInterned name() {
-    static vesk::VeskInterned const token =
-        umlmm::mi::scriptClassName(kImmutable ? "Immutable" : "", umlmm::mi::metaclassOf<T>().fName);
+    static vesk::VeskInterned const token = FamilyOf<T>::get().reference(FamilyOf<T>::kAccess);
     return token;
   }
 };
+
+}  // namespace Kelm::mi

@@ -4,7 +4,7 @@
 #include "kelm_mi/marshal/KelmmiPrimitiveProperty.h"
 #include "kelm_mi/marshal/KelmmiStringProperty.h"
 #include "kelm_mi/marshal/PropHelper.h"
-#include "uml_metamodel_mi/wrappers/ElementClass.h"
+#include "uml_metamodel_mi/wrappers/ElementDescription.h"
 
 /// The kinds of property descriptors, as the last column of a PropertyRow names them.
 namespace umlmm::mi {

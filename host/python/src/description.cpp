@@ -73,6 +73,10 @@ Ref describeClass(ClassRecord& record) {
   put(dictionary, "short", record.info().getName());
   put(dictionary, "description", record.info().getDescription());
   put(dictionary, "detailedDescription", record.info().getDetailedDescription());
+  // What the class is about, and the class that shows the same and lets one change it.
+  ClassFamily const* const family = record.info().family();
+  put(dictionary, "subject", family ? pythonText(family->name()) : Ref::shared(Py_None));
+  put(dictionary, "changeable", family ? family->partner(record.fName, Access::Changeable).c_str() : "");
   ClassRecord::Queries const& queries = record.queries();
   put(dictionary, "handleQueryFirst", Ref(PyLong_FromLong(queries.fHandleFirst)));
   put(dictionary, "factoryQuery", Ref(PyLong_FromLong(queries.fFactory)));

@@ -361,15 +361,11 @@ void prepareIterator() {
 }
 
 /// The class whose `make` gives an empty list that is a `wanted`: the class itself, or for a class of lists
-/// that can't be changed the one named without the leading "Immutable".
+/// that can't be changed the one of its family that can.
 ClassRecord& builderOf(ClassRecord& wanted) {
-  constexpr std::string_view kImmutable = "Immutable";
   if (wanted.findMember(internal::interned<"make">())) return wanted;
-  std::string name(wanted.fName.view());
-  std::size_t const start = name.find('.') + 1;
-  if (std::string_view(name).substr(start).starts_with(kImmutable)) {
-    name.erase(start, kImmutable.size());
-    ClassRecord* builder = host::findClass(internal::findInterned(name));
+  if (ClassFamily const* family = wanted.info().family()) {
+    ClassRecord* builder = host::findClass(family->partner(wanted.fName, Access::Changeable));
     if (builder && builder->distanceTo(wanted) >= 0 && builder->findMember(internal::interned<"make">()))
       return *builder;
   }

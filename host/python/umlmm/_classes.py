@@ -3,7 +3,6 @@
 import collections.abc
 import functools
 import keyword
-import re
 import sys
 
 from umlmm import _host
@@ -60,14 +59,12 @@ class Class:
         self.short = record["short"]
         self.description = record["description"] or ""
         self.superclasses = record["superclasses"]
+        # What the class is about: the short name of a metaclass, enumeration or other value.
+        self.subject = record["subject"] or self.short
+        # The class that shows the same and lets one change it; empty for one that shows nothing of its subject.
+        self.changeable = record["changeable"]
         self.methods = [Method(method) for method in record["methods"]]
         self.properties = [Property(entry) for entry in record["properties"]]
-
-    @functools.cached_property
-    def subject(self):
-        """What the class is about: the short name of a metaclass, enumeration or other value."""
-        return re.fullmatch(r"(?:Immutable)?(?:SequenceOf(?:Immutable)?)?(.+?)(?:(?:Immutable)?Iterator|MetaProperty)?",
-                            self.short)[1]
 
     @functools.cached_property
     def python(self):
@@ -146,8 +143,8 @@ class Packages:
     @functools.cache
     def changeable(self, name):
         """The class through which what `name` shows can be changed; itself where there is none."""
-        package, _, short = name.partition(".")
-        other = self.classes.get(f"{package}.{short.removeprefix('Immutable')}")
+        cls = self.classes.get(name)
+        other = self.classes.get(cls.changeable) if cls else None
         return other.name if other and name in other.superclasses else name
 
     def is_changeable(self, cls):

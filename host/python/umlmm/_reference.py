@@ -179,11 +179,11 @@ class _Reference:
             return f"[{kind}](Lists.md) of {self._class(cls.item)}"
         if cls.item:
             return f"[Iterator](Lists.md#iterators) over {self._class(cls.item)}"
-        if cls.short.endswith("MetaProperty"):
+        if not cls.changeable:
             return f"{len(cls.methods)} [meta properties](Kelm.md#Kelm.ImmutableProperty)"
         if cls.literals:
             return "The literals"
-        return "Read-only reference" if cls.short.startswith("Immutable") else "Changeable reference"
+        return "Changeable reference" if cls.changeable == cls.name else "Read-only reference"
 
     def _lists(self):
         """All lists have the same methods, so those of the most general ones stand for them."""

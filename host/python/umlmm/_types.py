@@ -77,8 +77,7 @@ class Types:
         cls = self._packages.classes.get(type_name)
         if cls is None:
             return {"int32 scalar": "number", "logical scalar": "flag", "any": "value"}.get(type_name, "text")
-        short = cls.short.removeprefix("Immutable")
-        return "iterator" if cls.item and not cls.is_list else short[0].lower() + short[1:]
+        return "iterator" if cls.item and not cls.is_list else cls.subject[0].lower() + cls.subject[1:]
 
 
 def _value(type_name):

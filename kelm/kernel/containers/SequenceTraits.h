@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "kelm/Object.h"
+#include "kelm/scriptNames.h"
 
 namespace Kelm {
 
@@ -60,25 +61,28 @@ concept NamedValue = requires {
 
 namespace detail {
 
-template <std::size_t Size>
-consteval std::array<char, Size + 1> joined(std::string_view aFirst, std::string_view aSecond) {
-  std::array<char, Size + 1> text{};
+template <auto const&... Parts>
+consteval auto joined() {
+  std::array<char, (std::string_view(Parts).size() + ... + 1)> text{};
   std::size_t at = 0;
-  for (char const character : aFirst) text[at++] = character;
-  for (char const character : aSecond) text[at++] = character;
+  auto const add = [&](std::string_view aPart) {
+    for (char const character : aPart) text[at++] = character;
+  };
+  (add(Parts), ...);
   return text;
 }
-
-inline constexpr std::string_view kSequencePrefix = "umlmm.SequenceOf";
-inline constexpr std::string_view kImmutableSequencePrefix = "umlmm.ImmutableSequenceOf";
 
 /// Names of the script classes that show sequences of T.
 template <NamedValue T>
 struct SequenceNames {
+ private:
+  static constexpr std::string_view kPackage = "umlmm.";
   static constexpr std::string_view kValue = T::kName;
-  static constexpr auto kMutable = joined<kSequencePrefix.size() + kValue.size()>(kSequencePrefix, kValue);
+
+ public:
+  static constexpr auto kMutable = joined<kPackage, scriptNames::kSequenceOf, kValue>();
   static constexpr auto kImmutable =
-      joined<kImmutableSequencePrefix.size() + kValue.size()>(kImmutableSequencePrefix, kValue);
+      joined<kPackage, scriptNames::kImmutable, scriptNames::kSequenceOf, kValue>();
 };
 
 }  // namespace detail

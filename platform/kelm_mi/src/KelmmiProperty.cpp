@@ -1,9 +1,9 @@
 #include "kelm_mi/KelmmiProperty.h"
 
+#include "frame/ScriptClass.h"
 #include "kelm/Asserter.h"
 #include "kelm/DeviantRegistry.h"
 #include "kelm/failureWords.h"
-#include "uml_metamodel_mi/frame/ScriptClass.h"
 
 namespace Kelm::mi {
 

@@ -1,14 +1,15 @@
 #include "kelm_mi/KelmmiPropertyFactory.h"
 
 #include <memory>
-#include <string_view>
 
 #include "descriptors.h"
-#include "names.h"
-#include "uml_metamodel_mi/frame/Boxing.h"
+#include "frame/Boxing.h"
+#include "kelm_mi/families.h"
 #include "vesk/Detail.h"
+#include "vesk/VeskClassInfo.h"
 #include "vesk/factory/Invoker.h"
 #include "vesk/factory/VeskMethod.h"
+#include "vesk/host/ClassRecord.h"
 
 namespace Kelm::mi {
 
@@ -50,14 +51,24 @@ void give(vesk::VeskClass* aClass, std::unique_ptr<Property> aProperty) {
   aClass->addProperty(aProperty.release());
 }
 
-void addSequence(KelmmiPropertyFactory const& aFactory, bool aOfElements, char const* aName,
-                 Mutability aMutability, unsigned aId, char const* aTypeName,
-                 PropertyAttributes aAttributes) {
-  VeskInterned const changeable = vesk::internal::intern(
-      std::string_view(changeableSequenceClass(aTypeName, aOfElements, aMutability == MutabilityChangeable)));
-  give(aFactory.veskClass,
-       std::make_unique<KelmmiSequenceProperty>(aFactory.className, aName, aFactory.methods, aId, aTypeName,
-                                                changeable, aMutability, aAttributes));
+/// What a changeable instance shows of a many-valued feature whose declared type is the read-only sequence
+/// class `aDeclared`: changeable elements, in a sequence as changeable as the feature; values have no
+/// read-only form. A class without a family stands for itself.
+VeskInterned shownByChangeable(char const* aDeclared, Mutability aMutability) {
+  VeskInterned const declared = vesk::internal::intern(aDeclared);
+  auto const* const cls = vesk::host::findClass(declared);
+  vesk::ClassFamily const* const family = cls == nullptr ? nullptr : cls->info().family();
+  return family == nullptr
+             ? declared
+             : family->sequence(aMutability == MutabilityChangeable ? Access::Changeable : Access::ReadOnly,
+                                Access::Changeable);
+}
+
+void addSequence(KelmmiPropertyFactory const& aFactory, char const* aName, Mutability aMutability,
+                 unsigned aId, char const* aTypeName, PropertyAttributes aAttributes) {
+  give(aFactory.veskClass, std::make_unique<KelmmiSequenceProperty>(
+                               aFactory.className, aName, aFactory.methods, aId, aTypeName,
+                               shownByChangeable(aTypeName, aMutability), aMutability, aAttributes));
 }
 
 }  // namespace
@@ -66,7 +77,7 @@ void KelmmiPropertyFactory::ClassObject(char const* aName, Multiplicity aMultipl
                                         unsigned aId, char const* aTypeName,
                                         PropertyAttributes aAttributes) const {
   if (aMultiplicity == MultiplicityMany) {
-    addSequence(*this, true, aName, aMutability, aId, aTypeName, aAttributes);
+    addSequence(*this, aName, aMutability, aId, aTypeName, aAttributes);
     return;
   }
   give(veskClass, std::make_unique<KelmmiClassObjectProperty>(className, aName, methods, aId, aTypeName,
@@ -85,7 +96,7 @@ void KelmmiPropertyFactory::DataType(char const* aName, Multiplicity aMultiplici
 void KelmmiPropertyFactory::PrimitiveSequence(char const* aName, Multiplicity, Mutability aMutability,
                                               unsigned aId, char const* aTypeName,
                                               PropertyAttributes aAttributes) const {
-  addSequence(*this, false, aName, aMutability, aId, aTypeName, aAttributes);
+  addSequence(*this, aName, aMutability, aId, aTypeName, aAttributes);
 }
 
 void KelmmiPropertyFactory::addMetaProperty(char const* aName, ImmutableProperty (*aGetter)(unsigned aId),

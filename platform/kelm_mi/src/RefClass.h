@@ -1,11 +1,12 @@
 #pragma once
 
 #include <cstdint>
-#include <string_view>
+#include <string>
 #include <vector>
 
 #include "kelm/Object.h"
 #include "kelm/meta.h"
+#include "kelm_mi/families.h"
 #include "vesk/VeskValue.h"
 #include "vesk/interned.h"
 
@@ -25,11 +26,16 @@ struct RefClass {
   vesk::VeskInterned fElement;
   /// Null for an iterator class.
   vesk::VeskInterned fIterator;
-  /// Full names of the superclasses of the changeable element class.
-  std::vector<vesk::VeskInterned> fBases;
-  /// Whether the sequence itself, or what an iterator walks, is read-only.
-  bool fReadOnly;
+  vesk::ClassFamily const& fFamily;
+  /// Those of the superclasses of the elements.
+  std::vector<vesk::ClassFamily const*> fBases;
+  /// Of the sequence itself, or of what an iterator walks.
+  Access fAccess;
   Elements fElements;
+
+  Access elementAccess() const noexcept {
+    return fElements == Elements::Changeable ? Access::Changeable : Access::ReadOnly;
+  }
 
   /// The value of an element in a variant.
   vesk::VeskValue box(NSInterface::ObjectIntf const* aObject, Deviant aDeviant) const;
@@ -45,8 +51,11 @@ struct RefClass {
   mutable NSInterface::ClassIntf const* fMetaClass = nullptr;
 };
 
-/// The class of a script name ("umlmm.Class") among a class and all its superclasses, or null.
-NSInterface::ClassIntf const* findAncestor(NSInterface::ClassIntf const& aClass,
-                                           std::string_view aScriptName);
+/// A class by full names: its own, that of its elements, and for a sequence those of its iterators and of the
+/// changeable superclasses of the elements.
+RefClass makeRefClass(Access aAccess, Elements aElements, char const* aName, char const* aElementClass,
+                      char const* aIteratorClass = "", std::vector<std::string> const& aBases = {});
+/// A read-only class of texts.
+RefClass makeTextClass(vesk::ClassFamily const& aFamily, vesk::VeskInterned aName);
 
 }  // namespace Kelm::mi

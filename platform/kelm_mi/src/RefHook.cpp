@@ -13,7 +13,7 @@ namespace Kelm::mi {
 
 namespace {
 
-using Access = Generic::RefAccess<Object>;
+using ObjectRef = Generic::RefAccess<Object>;
 
 NSInterface::ObjectIntf* objectOf(Generic::Loan const& aLoan) noexcept {
   return static_cast<NSInterface::ObjectIntf*>(aLoan.fHolder);
@@ -24,7 +24,7 @@ int searchText(Generic::SequenceIntf const& aSequence, Deviant const& aDeviant, 
   std::u16string const wanted = tarn::get_ustring(aValue.array());
   Generic::Loan found;
   for (int index = aFirst; aSequence.readBlock(aDeviant, index, 1, &found) == 1; ++index) {
-    StringObject const* const text = asString(Access::get(found));
+    StringObject const* const text = asString(ObjectRef::get(found));
     if (text != nullptr && wanted == text->data()) return index;
   }
   return -1;
@@ -32,12 +32,12 @@ int searchText(Generic::SequenceIntf const& aSequence, Deviant const& aDeviant, 
 
 }  // namespace
 
-/// What scripts mostly meet: all objects have an instance already. Answers false, with nothing boxed, if not.
-bool RefHook::boxBound(Generic::Loan const* aLoans, std::size_t aCount, vesk::VeskValue* aValues) const {
-  bool const immutable = fClass.fElements == Elements::ReadOnly;
-  std::array<vesk::host::Instance*, kBlock> instances;
+bool RefElements::boxAtOnce(Generic::Loan const* aLoans, std::size_t aCount, vesk::VeskValue* aValues) const {
+  if (fClass->fElements == Elements::Text) return false;
+  bool const immutable = fClass->fElements == Elements::ReadOnly;
+  std::array<vesk::host::Instance*, KernelSequenceHook::kBlock> instances;
   // In steps of their own, so that the memory of several objects is on its way at a time.
-  std::array<void const*, kBlock> ids;
+  std::array<void const*, KernelSequenceHook::kBlock> ids;
   for (std::size_t i = 0; i < aCount; ++i) {
     auto const* const object = objectOf(aLoans[i]);
     if (object == nullptr) return false;
@@ -51,23 +51,10 @@ bool RefHook::boxBound(Generic::Loan const* aLoans, std::size_t aCount, vesk::Ve
   return true;
 }
 
-void RefHook::box(Generic::Loan const* aLoans, std::size_t aCount, vesk::VeskValue* aValues) const {
-  if (fClass.fElements != Elements::Text && boxBound(aLoans, aCount, aValues)) return;
-  // Making an instance may run anything, so all objects are held before the first is boxed.
-  std::array<Object, kBlock> objects;
-  for (std::size_t i = 0; i < aCount; ++i) objects[i] = Access::get(aLoans[i]);
-  boxEach(aCount, aValues,
-          [&](std::size_t aAt) { return fClass.box(objects[aAt].get(), objects[aAt].getDeviant()); });
-}
-
-Generic::Ref RefHook::element(vesk::VeskValue aValue) const {
-  return Access::make(fClass.unboxElement(aValue));
-}
-
-int RefHook::search(Generic::SequenceIntf const& aSequence, Deviant const& aDeviant, vesk::VeskValue aValue,
-                    int aFirst) const {
-  if (fClass.fElements == Elements::Text) return searchText(aSequence, aDeviant, aValue, aFirst);
-  Generic::Ref const wanted = Access::make(fClass.unboxObject(aValue));
+int RefElements::find(Generic::SequenceIntf const& aSequence, Deviant const& aDeviant, vesk::VeskValue aValue,
+                      int aFirst) const {
+  if (fClass->fElements == Elements::Text) return searchText(aSequence, aDeviant, aValue, aFirst);
+  Generic::Ref const wanted = ObjectRef::make(fClass->unboxObject(aValue));
   Generic::Loan found;
   for (int index = aFirst;; ++index) {
     index = aSequence.indexOf(aDeviant, wanted, index);

@@ -1,28 +1,33 @@
 #pragma once
 
 #include "RefClass.h"
-#include "uml_metamodel_mi/frame/KernelSequenceHook.h"
+#include "frame/KernelSequenceHook.h"
 
 namespace Kelm::mi {
 
-/// Lets the host walk and search a sequence of objects. `aClass` must outlive the hook.
-class RefHook final : public KernelSequenceHook {
+/// How objects cross when the host walks and searches a sequence of them. `aClass` must outlive it.
+class RefElements {
  public:
-  explicit RefHook(RefClass const& aClass) noexcept : fClass(aClass) {}
+  using Value = Object;
+  static constexpr bool kIsCodeFree = false;
 
-  char const* elementType() const override { return fClass.fElement.c_str(); }
-  RefClass const& refClass() const noexcept { return fClass; }
+  explicit RefElements(RefClass const& aClass) noexcept : fClass(&aClass) {}
+  RefClass const& refClass() const noexcept { return *fClass; }
 
- protected:
-  void box(Generic::Loan const* aLoans, std::size_t aCount, vesk::VeskValue* aValues) const override;
-  int search(Generic::SequenceIntf const& aSequence, Deviant const& aDeviant, vesk::VeskValue aValue,
-             int aFirst) const override;
-  Generic::Ref element(vesk::VeskValue aValue) const override;
+  char const* name() const { return fClass->fElement.c_str(); }
+  vesk::VeskValue box(Object const& aObject) const {
+    return fClass->box(aObject.get(), aObject.getDeviant());
+  }
+  Object unbox(vesk::VeskValue aValue) const { return fClass->unboxElement(aValue); }
+  /// What scripts mostly meet: all objects have an instance already.
+  bool boxAtOnce(Generic::Loan const* aLoans, std::size_t aCount, vesk::VeskValue* aValues) const;
+  int find(Generic::SequenceIntf const& aSequence, Deviant const& aDeviant, vesk::VeskValue aValue,
+           int aFirst) const;
 
  private:
-  bool boxBound(Generic::Loan const* aLoans, std::size_t aCount, vesk::VeskValue* aValues) const;
-
-  RefClass const& fClass;
+  RefClass const* fClass;
 };
+
+using RefHook = SequenceHookOf<RefElements>;
 
 }  // namespace Kelm::mi

@@ -1,66 +1,25 @@
-#include <array>
-#include <string>
 #include <utility>
 
 #include "RefClass.h"
 #include "RefMethod.h"
-#include "kelm/DeviantRegistry.h"
+#include "frame/ElementClassInfo.h"
+#include "frame/sequenceMethods.h"
 #include "kelm/kernel/containers/iterator/Iterator.h"
 #include "kelm_mi/refClassInfos.h"
 #include "textClassInfos.h"
-#include "uml_metamodel_mi/frame/Boxing.h"
-#include "uml_metamodel_mi/frame/ElementClassInfo.h"
-#include "uml_metamodel_mi/frame/Unboxing.h"
-#include "uml_metamodel_mi/frame/addTypedMethod.h"
-#include "vesk/factory/Invoker.h"
 
 namespace Kelm::mi {
 
 namespace {
 
-using vesk::VeskValue;
+/// What the methods of iterators over objects differ in from others. One type serves all classes.
+struct RefPositions {
+  using Marshal = RefMarshal;
+  using Position = ImmutableIterator<Object>;
 
-using Position = ImmutableIterator<Object>;
-
-Position position(RefCall const& aCall, int aArgument = 0) {
-  UnboxedInterface const found =
-      unboxInterface(aCall.fArguments[aArgument].array(), ScriptClass<Object>::name(),
-                     tagPair<Generic::IteratorIntf, VisitationDomain>());
-  return {static_cast<Generic::IteratorIntf*>(found.fInterface), found.fDeviant};
-}
-
-/// The receiver of what calls into the iterator without looking.
-Position present(RefCall const& aCall) {
-  Position result = position(aCall);
-  vesk::factory::impl::validateSelfPointer(result.get());
-  return result;
-}
-
-bool areEqual(RefCall const& aCall) { return present(aCall) == position(aCall, 1); }
-
-void clone(RefCall const& aCall) {
-  Position const original = position(aCall);
-  aCall.give(boxIterator(original.get(), original.getDeviant(), aCall.fClass.fReadOnly, aCall.fClass.fName));
-}
-void eq(RefCall const& aCall) { aCall.give(VeskValue::ofLogical(areEqual(aCall))); }
-void ne(RefCall const& aCall) { aCall.give(VeskValue::ofLogical(!areEqual(aCall))); }
-void getNext(RefCall const& aCall) { present(aCall).next(); }
-void getPrev(RefCall const& aCall) { present(aCall).previous(); }
-void item(RefCall const& aCall) {
-  Object const current = present(aCall).current();
-  aCall.give(aCall.fClass.box(current.get(), current.getDeviant()));
-}
-
-using enum RefType;
-using enum RefForm;
-
-constexpr std::array kRows{
-    RefRow{"clone", SelfFirst, false, Self, {Self}, &clone},
-    RefRow{"eq", Member, false, Logical, {Self, Self}, &eq},
-    RefRow{"ne", Member, false, Logical, {Self, Self}, &ne},
-    RefRow{"getNext", SelfFirst, false, Void, {Self}, &getNext},
-    RefRow{"getPrev", SelfFirst, false, Void, {Self}, &getPrev},
-    RefRow{"item", Member, false, Element, {Self}, &item},
+  static Position clone(Position* aPosition) { return *aPosition; }
+  static void getNext(Position* aPosition) { aPosition->next(); }
+  static void getPrev(Position* aPosition) { aPosition->previous(); }
 };
 
 /// One class of iterators over object references.
@@ -71,56 +30,57 @@ class RefIteratorInfo final : public ClassMetaData {
 
   void initializeClass(vesk::VeskClass* aClass, vesk::VeskClient const*) override {
     vesk::factory::detail::initStringDataTypes();
-    if (!fClass.fReadOnly)
-      addSuperclass(aClass, (std::string(fClass.fElement.view()) + "ImmutableIterator").c_str());
-    for (RefRow const& row : kRows) addRefMethod(aClass, row, fClass);
+    if (fClass.fAccess == Access::Changeable)
+      addSuperclass(aClass, fClass.fFamily.iterator(Access::ReadOnly, fClass.elementAccess()).c_str());
+    addRefMethods(aClass, iteratorMethods<RefPositions>({fClass.fName.c_str(), fClass.fElement.c_str()}),
+                  fClass);
   }
+  vesk::ClassFamily const* family() const override { return &fClass.fFamily; }
 
  private:
   RefClass const fClass;
 };
 
-vesk::VeskClassInfo* createIterator(bool aReadOnly, Elements aElements, char const* aShortName,
+vesk::VeskClassInfo* createIterator(Access aAccess, Elements aElements, char const* aShortName,
                                     char const* aDescription, char const* aClassName,
                                     char const* aElementClass) {
   return new RefIteratorInfo(aShortName, aDescription,
-                             {vesk::internal::intern(aClassName),
-                              vesk::internal::intern(aElementClass),
-                              {},
-                              {},
-                              aReadOnly,
-                              aElements});
+                             makeRefClass(aAccess, aElements, aClassName, aElementClass, aClassName));
 }
 
 }  // namespace
 
 vesk::VeskClassInfo* createIteratorOfRefClassInfo(char const* aShortName, char const* aDescription,
                                                   char const* aClassName, char const* aElementClass) {
-  return createIterator(false, Elements::Changeable, aShortName, aDescription, aClassName, aElementClass);
+  return createIterator(Access::Changeable, Elements::Changeable, aShortName, aDescription, aClassName,
+                        aElementClass);
 }
 
 vesk::VeskClassInfo* createIteratorOfImmutableRefClassInfo(char const* aShortName, char const* aDescription,
                                                            char const* aClassName,
                                                            char const* aElementClass) {
-  return createIterator(false, Elements::ReadOnly, aShortName, aDescription, aClassName, aElementClass);
+  return createIterator(Access::Changeable, Elements::ReadOnly, aShortName, aDescription, aClassName,
+                        aElementClass);
 }
 
 vesk::VeskClassInfo* createImmutableIteratorOfRefClassInfo(char const* aShortName, char const* aDescription,
                                                            char const* aClassName,
                                                            char const* aElementClass) {
-  return createIterator(true, Elements::Changeable, aShortName, aDescription, aClassName, aElementClass);
+  return createIterator(Access::ReadOnly, Elements::Changeable, aShortName, aDescription, aClassName,
+                        aElementClass);
 }
 
 vesk::VeskClassInfo* createImmutableIteratorOfImmutableRefClassInfo(char const* aShortName,
                                                                     char const* aDescription,
                                                                     char const* aClassName,
                                                                     char const* aElementClass) {
-  return createIterator(true, Elements::ReadOnly, aShortName, aDescription, aClassName, aElementClass);
+  return createIterator(Access::ReadOnly, Elements::ReadOnly, aShortName, aDescription, aClassName,
+                        aElementClass);
 }
 
-vesk::VeskClassInfo* createTextIteratorClassInfo(char const* aShortName, char const* aDescription,
-                                                 char const* aClassName) {
-  return createIterator(true, Elements::Text, aShortName, aDescription, aClassName, "char vector");
+vesk::VeskClassInfo* createTextIteratorClassInfo(vesk::ClassFamily const& aFamily, char const* aDescription) {
+  vesk::VeskInterned const name = aFamily.iterator(Access::ReadOnly, Access::Changeable);
+  return new RefIteratorInfo(aFamily.shortName(name), aDescription, makeTextClass(aFamily, name));
 }
 
 }  // namespace Kelm::mi

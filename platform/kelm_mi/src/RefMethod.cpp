@@ -1,82 +1,52 @@
 #include "RefMethod.h"
 
 #include <memory>
-#include <span>
 
-#include "vesk/factory/Invoker.h"
+#include "RefHook.h"
+#include "kelm/Asserter.h"
+#include "kelm/kernel/containers/sources.h"
+#include "vesk/VeskClassInfo.h"
 #include "vesk/factory/VeskMethod.h"
+#include "vesk/host/ClassRecord.h"
+#include "vesk/host/Instance.h"
 
 namespace Kelm::mi {
 
 namespace {
 
-using namespace vesk::factory;
-
-class RefMethod final : public VeskMethod {
+class RefMethod final : public vesk::factory::VeskMethod {
  public:
-  RefMethod(RefRow const& aRow, RefClass const& aInfo)
-      : VeskMethod(aRow.fName, word(aRow), ""), fRow(aRow), fInfo(aInfo) {
-    std::array<char const*, 3> types{};
-    std::size_t count = 0;
-    for (RefType const type : aRow.fParameters) {
-      if (type != RefType::None) types[count++] = text(type);
-    }
-    bool const isMember = aRow.fForm == RefForm::Member;
-    std::span<char const* const> const all(types.data(), count);
-    impl::Invoker::createSignature("", text(aRow.fResult), isMember ? types[0] : nullptr,
-                                   isMember ? all.subspan(1) : all, signature());
+  RefMethod(MethodRow const& aRow, RefClass const& aInfo)
+      : VeskMethod(aRow.fName, aRow.fWord, ""), fInvoker(aInfo) {
+    setUpMethod(*this, fInvoker, aRow);
   }
 
-  void invoke(vesk::VeskClient const*, int& aResultCount, vesk::VeskValue* aResults, int,
-              vesk::VeskValue const* aArguments) const override {
-    fRow.fRun({fInfo, aArguments, aResults, aResultCount});
+  void invoke(vesk::VeskClient const* aClient, int& aResultCount, vesk::VeskValue* aResults,
+              int aArgumentCount, vesk::VeskValue const* aArguments) const override {
+    fInvoker.invoke(aClient, aResultCount, aResults, aArgumentCount, aArguments);
   }
 
  private:
-  static std::uint32_t word(RefRow const& aRow) {
-    std::uint32_t const overrides = aRow.fOverrides ? std::uint32_t{MethodOverridesAllSignatures} : 0;
-    switch (aRow.fForm) {
-      case RefForm::SelfFirst:
-        return overrides | MethodFirstArgumentIsSelf;
-      case RefForm::Static:
-        return overrides | MethodStatic;
-      case RefForm::Member:
-        break;
-    }
-    return overrides;
-  }
-
-  char const* text(RefType aType) const {
-    switch (aType) {
-      case RefType::Logical:
-        return "logical scalar";
-      case RefType::Int32:
-        return "int32 scalar";
-      case RefType::Self:
-        return fInfo.fName.c_str();
-      case RefType::Element:
-        return fInfo.fElement.c_str();
-      case RefType::Iterator:
-        return fInfo.fIterator.c_str();
-      case RefType::Model:
-        return "Kelm.Model";
-      case RefType::ImmutableModel:
-        return "Kelm.ImmutableModel";
-      case RefType::None:
-      case RefType::Void:
-        break;
-    }
-    return "void";
-  }
-
-  RefRow const& fRow;
-  RefClass const& fInfo;
+  RefInvoker fInvoker;
 };
 
 }  // namespace
 
-void addRefMethod(vesk::VeskClass* aClass, RefRow const& aRow, RefClass const& aInfo) {
-  aClass->addMethod(std::make_unique<RefMethod>(aRow, aInfo).release());
+vesk::VeskValue RefMarshal::boxPosition(IteratorRef const& aPosition) const {
+  if (aPosition.isNull()) raiseNullReference(sources::kIterator);
+  return announceObject(aPosition.get(), aPosition.getDeviant(), fClass.fAccess == Access::ReadOnly,
+                        fClass.fIterator);
+}
+
+RefClass const& RefMarshal::elementClass() const {
+  auto const* const receiver = vesk::host::Instance::fromArray(fArguments[0].array());
+  if (receiver == nullptr || receiver->classRecord().fName == fClass.fName) return fClass;
+  auto const* const hook = dynamic_cast<RefHook const*>(receiver->classRecord().info().getSequenceHook());
+  return hook == nullptr ? fClass : hook->elements().refClass();
+}
+
+void addRefMethods(vesk::VeskClass* aClass, std::span<MethodRow const> aRows, RefClass const& aInfo) {
+  for (MethodRow const& row : aRows) aClass->addMethod(std::make_unique<RefMethod>(row, aInfo).release());
 }
 
 }  // namespace Kelm::mi

@@ -1,55 +1,76 @@
 #pragma once
 
-#include <array>
-#include <cstdint>
+#include <concepts>
+#include <span>
 
 #include "RefClass.h"
-#include "vesk/VeskClass.h"
+#include "frame/addTypedMethod.h"
+#include "kelm/kernel/containers/sequence/SequenceRef.h"
 
 namespace Kelm::mi {
 
-/// The types in the signatures of sequence and iterator methods, settled by the class that has the method.
-enum class RefType : std::uint8_t {
-  None,
-  Void,
-  Logical,
-  Int32,
-  Self,
-  Element,
-  Iterator,
-  Model,
-  ImmutableModel
+/// The invoker of a method that knows its class, on which depends how elements cross.
+class RefInvoker final : public Invoker {
+ public:
+  explicit RefInvoker(RefClass const& aClass) noexcept : fClass(aClass) {}
+  RefClass const& refClass() const noexcept { return fClass; }
+
+ private:
+  RefClass const& fClass;
 };
 
-/// How a method is declared: with a receiver, as a function that takes the receiver as its first argument, or
-/// without one.
-enum class RefForm : std::uint8_t { Member, SelfFirst, Static };
+/// An object that a script looks for in a sequence, whether or not it may be an element.
+struct SoughtObject {
+  Object fObject;
+};
 
-/// One call: what the host gave, and what is given back. Slots and count as in vesk::VeskMethodInfo::invoke.
-struct RefCall {
+/// How the values of a method of a class of sequences or iterators of objects cross.
+class RefMarshal {
+ public:
+  RefMarshal(Invoker const& aInvoker, vesk::VeskValue const* aArguments) noexcept
+      : fClass(static_cast<RefInvoker const&>(aInvoker).refClass()), fArguments(aArguments) {}
+
+  template <class T>
+  UnboxedArgument<T> unbox(vesk::VeskValue aValue) const {
+    if constexpr (std::same_as<T, Object>) {
+      return {elementClass().unboxElement(aValue), true};
+    } else if constexpr (std::same_as<T, SoughtObject>) {
+      return {{fClass.unboxObject(aValue)}, true};
+    } else if constexpr (std::derived_from<T, SequenceRef>) {
+      return unboxHandle<T, Generic::SequenceIntf>(aValue, fClass.fName);
+    } else if constexpr (std::derived_from<T, IteratorRef>) {
+      return unboxHandle<T, Generic::IteratorIntf>(aValue, ScriptClass<Object>::name());
+    } else {
+      return ArgumentUnboxer<T>::unbox(aValue);
+    }
+  }
+  template <class T>
+  vesk::VeskValue box(T const& aValue) const {
+    if constexpr (std::same_as<T, Object>)
+      return fClass.box(aValue.get(), aValue.getDeviant());
+    else if constexpr (std::derived_from<T, SequenceRef>)
+      return announceObject(aValue.get(), aValue.getDeviant(), false, fClass.fName);
+    else if constexpr (std::derived_from<T, IteratorRef>)
+      return boxPosition(aValue);
+    else
+      return Boxer<T>::box(aValue);
+  }
+
+ private:
+  template <class T, class Intf>
+  static UnboxedArgument<T> unboxHandle(vesk::VeskValue aValue, vesk::VeskInterned aClass) {
+    UnboxedInterface const found = unboxInterface(aValue.array(), aClass, tagPair<Intf, VisitationDomain>());
+    return {T(static_cast<Intf*>(found.fInterface), found.fDeviant), found.fHasValue};
+  }
+  vesk::VeskValue boxPosition(IteratorRef const& aPosition) const;
+  /// The receiver's own class decides what goes in: the method may be that of a class further up.
+  RefClass const& elementClass() const;
+
   RefClass const& fClass;
   vesk::VeskValue const* fArguments;
-  vesk::VeskValue* fResults;
-  int& fResultCount;
-
-  void give(vesk::VeskValue aResult) const {
-    fResults[0] = aResult;
-    if (fResultCount == 0) fResultCount = 1;
-  }
 };
 
-/// A row of the method list of a kind of class. Any sequence class may have any of them.
-struct RefRow {
-  char const* fName;
-  RefForm fForm;
-  /// The method stands for all methods of its name further up: it takes or gives what they don't.
-  bool fOverrides;
-  RefType fResult;
-  std::array<RefType, 3> fParameters;
-  void (*fRun)(RefCall const& aCall);
-};
-
-/// Gives a class the method of a row. `aInfo` must live as long as the class.
-void addRefMethod(vesk::VeskClass* aClass, RefRow const& aRow, RefClass const& aInfo);
+/// Gives a class methods whose values cross by RefMarshal. `aInfo` must live as long as the class.
+void addRefMethods(vesk::VeskClass* aClass, std::span<MethodRow const> aRows, RefClass const& aInfo);
 
 }  // namespace Kelm::mi

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "frame/Boxing.h"
 #include "kelm/DeviantRegistry.h"
-#include "uml_metamodel_mi/frame/Boxing.h"
 #include "vesk/factory/BindingRegistry.h"
 #include "vesk/host/Instance.h"
 

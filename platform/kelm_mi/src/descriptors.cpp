@@ -3,12 +3,12 @@
 #include <utility>
 
 #include "boxing.h"
+#include "frame/Unboxing.h"
 #include "kelm/DeviantRegistry.h"
 #include "kelm/Generic.h"
 #include "kelm/meta.h"
 #include "kelm/values.h"
 #include "tarn/tarn.h"
-#include "uml_metamodel_mi/frame/Unboxing.h"
 
 namespace Kelm::mi {
 

@@ -10,6 +10,7 @@
 #include "engine/engine.h"
 #include "engine/links.h"
 #include "engine/metaobjects.h"
+#include "kelm/scriptNames.h"
 
 namespace umlmm::engine {
 
@@ -69,7 +70,7 @@ void fillFeatures(Entry& aEntry, Metaclass const& aMetaclass, std::size_t aWords
 /// `aFace`: what scripts see of the elements, a metaclass of the catalogue.
 void fillTable(Entry& aEntry, Layout const& aLayout, ElementClass const& aClass, Metaclass const& aFace) {
   aEntry.fName = std::string("umlmm.") + aFace.fName;
-  aEntry.fImmutableName = std::string("umlmm.Immutable") + aFace.fName;
+  aEntry.fImmutableName = std::string("umlmm.").append(Kelm::scriptNames::kImmutable) + aFace.fName;
   aEntry.fLayout = &aLayout;
   ClassTable& table = aEntry;
   table.fVeskName = aEntry.fName.c_str();

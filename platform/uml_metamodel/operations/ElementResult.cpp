@@ -15,39 +15,33 @@ constexpr std::uint64_t kStamp = 1;
 
 }  // namespace
 
-Kelm::Generic::SequenceIntf& ElementResult::list() const {
-  if (fList == nullptr) {
-    std::vector<Kelm::Object> values;
-    values.reserve(fElements.all().size());
-    for (engine::Element* const element : fElements.all()) values.emplace_back(element, fDeviant);
-    fList.reset(Kelm::detail::SequenceImplementations<Kelm::Object>::makeList(std::move(values)));
-    fElements.letGo();
-  }
-  return *fList;
-}
-
-Kelm::Generic::IteratorPtr ElementResult::owned(IteratorPtr aIterator) const {
-  Kelm::keepOwner(aIterator.get(), this);
-  return aIterator;
+std::unique_ptr<Kelm::Generic::SequenceIntf> ElementResult::makeTarget() const {
+  std::vector<Kelm::Object> values;
+  values.reserve(fElements.all().size());
+  for (engine::Element* const element : fElements.all()) values.emplace_back(element, fDeviant);
+  std::unique_ptr<Kelm::Generic::SequenceIntf> list(
+      Kelm::detail::SequenceImplementations<Kelm::Object>::makeList(std::move(values)));
+  fElements.letGo();
+  return list;
 }
 
 Kelm::Generic::Ref ElementResult::generic_at(Deviant const& aDeviant, int aIndex) const {
-  if (fList != nullptr || aIndex < 0 || aIndex >= generic_size(aDeviant))
-    return list().generic_at(aDeviant, aIndex);
+  if (hasTarget() || aIndex < 0 || aIndex >= generic_size(aDeviant))
+    return target().generic_at(aDeviant, aIndex);
   return engine::refTo(*fElements.all()[static_cast<std::size_t>(aIndex)], fDeviant);
 }
 
 int ElementResult::generic_size(Deviant const& aDeviant) const {
-  return fList != nullptr ? fList->generic_size(aDeviant) : static_cast<int>(fElements.all().size());
+  return hasTarget() ? target().generic_size(aDeviant) : static_cast<int>(fElements.all().size());
 }
 
 std::uint64_t ElementResult::stamp(Deviant const& aDeviant) const {
-  return fList != nullptr ? fList->stamp(aDeviant) : kStamp;
+  return hasTarget() ? target().stamp(aDeviant) : kStamp;
 }
 
 int ElementResult::readBlock(Deviant const& aDeviant, int aIndex, int aCount,
                              Kelm::Generic::Loan* aOut) const {
-  if (fList != nullptr) return fList->readBlock(aDeviant, aIndex, aCount, aOut);
+  if (hasTarget()) return target().readBlock(aDeviant, aIndex, aCount, aOut);
   auto const all = fElements.all();
   int const count = blockLength(aIndex, aCount, all.size());
   if (count != 0) engine::lend(all.subspan(static_cast<std::size_t>(aIndex)), count, fDeviant, aOut);

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "frame/ElementClassInfo.h"
 #include "kelm/Object.h"
 #include "tarn/tarn.h"
-#include "uml_metamodel_mi/frame/ElementClassInfo.h"
 #include "vesk/VeskClass.h"
 #include "vesk/host/Instance.h"
 #include "vesk/host/PackageRecord.h"

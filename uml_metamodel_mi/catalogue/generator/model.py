@@ -84,6 +84,12 @@ class Metaclass(Named):
 ValueType = Primitive | Enumeration | Metaclass
 
 
+def read_only_class(type_: ValueType, is_many: bool) -> str:
+    """The script class that declarations name: read-only, be it of one element, of many elements or of many values."""
+    elements = "Immutable" if isinstance(type_, Metaclass) else ""
+    return f"umlmm.{'ImmutableSequenceOf' if is_many else ''}{elements}{type_.name}"
+
+
 @dataclasses.dataclass(eq=False)
 class Feature(Named):
     index: int
@@ -224,10 +230,8 @@ class Feature(Named):
     @property
     def literal(self) -> str:
         """The type literal of the property descriptor."""
-        if self.is_reference:
-            return "umlmm.Immutable" + ("SequenceOfImmutable" if self.is_many else "") + self.type.name
-        if self.is_many:
-            return f"umlmm.ImmutableSequenceOf{self.type.name}"
+        if self.is_reference or self.is_many:
+            return read_only_class(self.type, self.is_many)
         if isinstance(self.type, Enumeration):
             return self.type.full_name
         return self.type.required_literal if self.lower else self.type.optional_literal
@@ -294,9 +298,9 @@ class Argument:
     @property
     def literal(self) -> str:
         """The literal of the signature, always of the immutable form."""
-        if isinstance(self.type, Metaclass):
-            return "umlmm.Immutable" + ("SequenceOfImmutable" if self.is_many else "") + self.type.name
-        return f"umlmm.ImmutableSequenceOf{self.type.name}" if self.is_many else self.type.value_literal
+        if isinstance(self.type, Metaclass) or self.is_many:
+            return read_only_class(self.type, self.is_many)
+        return self.type.value_literal
 
     @property
     def cpp_type(self) -> str:

@@ -47,86 +47,95 @@ class UMLMM_API GenericReferenceCountingSequenceProxy : public SequenceProxy {
   UMLMM_API ~GenericReferenceCountingSequenceProxy() override { delete fTarget; }
 
   UMLMM_API Ref generic_at(Deviant const& aDeviant, int aIndex) const override {
-    return fTarget->generic_at(aDeviant, aIndex);
+    return target().generic_at(aDeviant, aIndex);
   }
   UMLMM_API Ref generic_front(Deviant const& aDeviant) const override {
-    return fTarget->generic_front(aDeviant);
+    return target().generic_front(aDeviant);
   }
   UMLMM_API Ref generic_back(Deviant const& aDeviant) const override {
-    return fTarget->generic_back(aDeviant);
+    return target().generic_back(aDeviant);
   }
   UMLMM_API IteratorPtr generic_begin(Deviant const& aDeviant) const override {
-    return owned(fTarget->generic_begin(aDeviant));
+    return owned(target().generic_begin(aDeviant));
   }
   UMLMM_API IteratorPtr generic_end(Deviant const& aDeviant) const override {
-    return owned(fTarget->generic_end(aDeviant));
+    return owned(target().generic_end(aDeviant));
   }
-  UMLMM_API void generic_clear(Deviant const& aDeviant) override { fTarget->generic_clear(aDeviant); }
+  UMLMM_API void generic_clear(Deviant const& aDeviant) override { target().generic_clear(aDeviant); }
   UMLMM_API int generic_size(Deviant const& aDeviant) const override {
-    return fTarget->generic_size(aDeviant);
+    return target().generic_size(aDeviant);
   }
   UMLMM_API void generic_insert(Deviant const& aDeviant, int aIndex, Ref aValue) override {
-    fTarget->generic_insert(aDeviant, aIndex, std::move(aValue));
+    target().generic_insert(aDeviant, aIndex, std::move(aValue));
   }
   UMLMM_API IteratorPtr generic_insert(Deviant const& aDeviant, IteratorIntf const* aPosition,
                                        Ref aValue) override {
-    return owned(fTarget->generic_insert(aDeviant, aPosition, std::move(aValue)));
+    return owned(target().generic_insert(aDeviant, aPosition, std::move(aValue)));
   }
   UMLMM_API IteratorPtr generic_erase(Deviant const& aDeviant, IteratorIntf const* aPosition) override {
-    return owned(fTarget->generic_erase(aDeviant, aPosition));
+    return owned(target().generic_erase(aDeviant, aPosition));
   }
   UMLMM_API IteratorPtr generic_erase(Deviant const& aDeviant, IteratorIntf const* aFirst,
                                       IteratorIntf const* aLast) override {
-    return owned(fTarget->generic_erase(aDeviant, aFirst, aLast));
+    return owned(target().generic_erase(aDeviant, aFirst, aLast));
   }
   UMLMM_API void generic_erase(Deviant const& aDeviant, int aIndex) override {
-    fTarget->generic_erase(aDeviant, aIndex);
+    target().generic_erase(aDeviant, aIndex);
   }
-  UMLMM_API void generic_pop_back(Deviant const& aDeviant) override { fTarget->generic_pop_back(aDeviant); }
-  UMLMM_API void generic_pop_front(Deviant const& aDeviant) override { fTarget->generic_pop_front(aDeviant); }
+  UMLMM_API void generic_pop_back(Deviant const& aDeviant) override { target().generic_pop_back(aDeviant); }
+  UMLMM_API void generic_pop_front(Deviant const& aDeviant) override { target().generic_pop_front(aDeviant); }
   UMLMM_API void generic_push_back(Deviant const& aDeviant, Ref aValue) override {
-    fTarget->generic_push_back(aDeviant, std::move(aValue));
+    target().generic_push_back(aDeviant, std::move(aValue));
   }
   UMLMM_API void generic_push_front(Deviant const& aDeviant, Ref aValue) override {
-    fTarget->generic_push_front(aDeviant, std::move(aValue));
+    target().generic_push_front(aDeviant, std::move(aValue));
   }
   UMLMM_API void generic_replace(Deviant const& aDeviant, int aIndex, Ref aValue) override {
-    fTarget->generic_replace(aDeviant, aIndex, std::move(aValue));
+    target().generic_replace(aDeviant, aIndex, std::move(aValue));
   }
   UMLMM_API bool generic_contains(Deviant const& aDeviant, Ref aValue) const override {
-    return fTarget->generic_contains(aDeviant, std::move(aValue));
+    return target().generic_contains(aDeviant, std::move(aValue));
   }
   UMLMM_API char const* generic_getVeskName(bool aImmutable, bool aImmutableElements,
                                             char const* aName) const override {
-    return fTarget->generic_getVeskName(aImmutable, aImmutableElements, aName);
+    return target().generic_getVeskName(aImmutable, aImmutableElements, aName);
   }
   UMLMM_API int generic_removeAll(Deviant const& aDeviant, Ref aValue) override {
-    return fTarget->generic_removeAll(aDeviant, std::move(aValue));
+    return target().generic_removeAll(aDeviant, std::move(aValue));
   }
-  std::uint64_t stamp(Deviant const& aDeviant) const override { return fTarget->stamp(aDeviant); }
+  std::uint64_t stamp(Deviant const& aDeviant) const override { return target().stamp(aDeviant); }
   int readBlock(Deviant const& aDeviant, int aIndex, int aCount, Generic::Loan* aOut) const override {
-    return fTarget->readBlock(aDeviant, aIndex, aCount, aOut);
+    return target().readBlock(aDeviant, aIndex, aCount, aOut);
   }
   int indexOf(Deviant const& aDeviant, Ref const& aValue, int aFrom) const override {
-    return fTarget->indexOf(aDeviant, aValue, aFrom);
+    return target().indexOf(aDeviant, aValue, aFrom);
   }
   void generic_rearrange(Deviant const& aDeviant, std::span<int const> aFrom,
                          std::span<int const> aTo) override {
-    fTarget->generic_rearrange(aDeviant, aFrom, aTo);
+    target().generic_rearrange(aDeviant, aFrom, aTo);
   }
-  bool isUnique() const override { return fTarget->isUnique(); }
+  bool isUnique() const override { return target().isUnique(); }
   bool splice(Deviant const& aDeviant, int aFirst, int aRemoved, std::vector<Ref> const& aValues) override {
-    return fTarget->splice(aDeviant, aFirst, aRemoved, aValues);
+    return target().splice(aDeviant, aFirst, aRemoved, aValues);
   }
-  std::type_info const& valueType() const override { return fTarget->valueType(); }
+  std::type_info const& valueType() const override { return target().valueType(); }
 
  protected:
-  Generic::SequenceIntf const& target() const noexcept { return *fTarget; }
   /// Stands in front of the other implementation from now on; iterators of the old one stay with it.
   void swapTarget(std::unique_ptr<Generic::SequenceIntf>& aOther) noexcept {
     Generic::SequenceIntf* const old = fTarget;
     fTarget = aOther.release();
     aOther.reset(old);
+  }
+  /// One whose implementation is made when it is first needed, by `makeTarget`.
+  GenericReferenceCountingSequenceProxy() noexcept = default;
+  virtual std::unique_ptr<Generic::SequenceIntf> makeTarget() const { return nullptr; }
+  bool hasTarget() const noexcept { return fTarget != nullptr; }
+
+  Generic::SequenceIntf& target() const {
+    if (fTarget == nullptr) [[unlikely]]
+      fTarget = makeTarget().release();
+    return *fTarget;
   }
   /// The iterator with a count on this proxy, so that it cannot outlive what it walks.
   IteratorPtr owned(IteratorPtr aIterator) const {
@@ -135,7 +144,7 @@ class UMLMM_API GenericReferenceCountingSequenceProxy : public SequenceProxy {
   }
 
  private:
-  Generic::SequenceIntf* fTarget;
+  mutable Generic::SequenceIntf* fTarget = nullptr;
 };
 
 }  // namespace Kelm

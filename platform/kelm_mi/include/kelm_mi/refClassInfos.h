@@ -1,8 +1,10 @@
 #pragma once
 
+#include <array>
 #include <string>
 #include <vector>
 
+#include "kelm_mi/families.h"
 #include "lum/visibility.h"
 #include "vesk/fwd.h"
 
@@ -44,5 +46,43 @@ UMLMM_API vesk::VeskClassInfo* createImmutableIteratorOfImmutableRefClassInfo(ch
                                                                               char const* aDescription,
                                                                               char const* aClassName,
                                                                               char const* aElementClass);
+
+/// One of the four forms in which a family has sequences of references, and iterators over them.
+struct RefSequenceForm {
+  Access fAccess;
+  Access fElements;
+  decltype(&createSequenceOfRefClassInfo) fCreateSequence;
+  decltype(&createIteratorOfRefClassInfo) fCreateIterator;
+
+  vesk::VeskClassInfo* sequenceInfo(vesk::ClassFamily const& aFamily,
+                                    std::vector<std::string> const& aBases) const {
+    vesk::VeskInterned const name = aFamily.sequence(fAccess, fElements);
+    return fCreateSequence(aFamily.shortName(name),
+                           fAccess == Access::Changeable ? "A sequence whose values can be changed"
+                                                         : "A sequence whose values cannot be changed",
+                           name.c_str(), aFamily.reference(fElements).c_str(),
+                           aFamily.iterator(fAccess, fElements).c_str(), aBases);
+  }
+  /// The description goes by the elements, not by the list that is walked.
+  vesk::VeskClassInfo* iteratorInfo(vesk::ClassFamily const& aFamily) const {
+    vesk::VeskInterned const name = aFamily.iterator(fAccess, fElements);
+    return fCreateIterator(aFamily.shortName(name),
+                           fElements == Access::Changeable
+                               ? "An iterator for traversing a modifiable list"
+                               : "An iterator for traversing a non-modifiable list",
+                           name.c_str(), aFamily.reference(fElements).c_str());
+  }
+};
+
+/// In the order in which they are announced.
+inline constexpr std::array<RefSequenceForm, 4> kRefSequenceForms{{
+    {Access::Changeable, Access::Changeable, &createSequenceOfRefClassInfo, &createIteratorOfRefClassInfo},
+    {Access::Changeable, Access::ReadOnly, &createSequenceOfImmutableRefClassInfo,
+     &createIteratorOfImmutableRefClassInfo},
+    {Access::ReadOnly, Access::Changeable, &createImmutableSequenceOfRefClassInfo,
+     &createImmutableIteratorOfRefClassInfo},
+    {Access::ReadOnly, Access::ReadOnly, &createImmutableSequenceOfImmutableRefClassInfo,
+     &createImmutableIteratorOfImmutableRefClassInfo},
+}};
 
 }  // namespace Kelm::mi

@@ -3,14 +3,17 @@
 #include <span>
 
 #include "ReadOnlyProperty.h"
-#include "uml_metamodel_mi/frame/ElementClassInfo.h"
-#include "uml_metamodel_mi/frame/addTypedMethod.h"
+#include "frame/ElementClassInfo.h"
+#include "frame/addTypedMethod.h"
+#include "kelm_mi/families.h"
 
 namespace Kelm::mi {
 
 /// A class of the script package "Kelm".
 struct KelmClass {
-  char const* fShortName;
+  /// The kind of thing that the class refers to, and what it lets one do with it.
+  char const* fKind;
+  Access fAccess;
   char const* fDescription;
   /// Full names, in order.
   std::span<char const* const> fSuperclasses;
@@ -18,6 +21,8 @@ struct KelmClass {
   std::span<ComputedProperty const> fProperties = {};
   /// Adds what is neither; null for nothing.
   void (*fAddMore)(vesk::VeskClass* aClass) = nullptr;
+
+  vesk::ClassFamily const& family() const { return classFamily("Kelm", fKind); }
 };
 
 /// The classes of references to elements and to objects of any kind, those of models and factories, and those

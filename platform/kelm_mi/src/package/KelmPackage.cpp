@@ -21,17 +21,12 @@ namespace Kelm::mi {
 
 namespace {
 
-constexpr char kChangeableSequence[] = "A sequence whose values can be changed";
-constexpr char kReadOnlySequence[] = "A sequence whose values cannot be changed";
-constexpr char kChangeableIterator[] = "An iterator for traversing a modifiable list";
-constexpr char kReadOnlyIterator[] = "An iterator for traversing a non-modifiable list";
-
-constexpr int kFillOnFirstUse = 2;
-
 class KelmClassInfo final : public ClassMetaData {
  public:
   explicit KelmClassInfo(KelmClass const& aClass)
-      : ClassMetaData(aClass.fShortName, aClass.fDescription), fClass(aClass) {}
+      : ClassMetaData(aClass.family().shortName(aClass.family().reference(aClass.fAccess)),
+                      aClass.fDescription),
+        fClass(aClass) {}
 
   void initializeClass(vesk::VeskClass* aClass, vesk::VeskClient const* aClient) override {
     for (char const* const super : fClass.fSuperclasses) addSuperclass(aClass, super);
@@ -42,67 +37,36 @@ class KelmClassInfo final : public ClassMetaData {
     VeskExtensionsRegistry::instance().executeNonConstCallbacks(std::string("Kelm.") + getName(), aClass,
                                                                 aClient);
   }
+  vesk::ClassFamily const* family() const override { return &fClass.family(); }
 
  private:
   KelmClass const& fClass;
 };
 
-/// The four sequences and four iterators of references to elements.
-void addElementSequences(vesk::VeskPackage* aPackage) {
-  struct Row {
-    decltype(&createSequenceOfRefClassInfo) fCreate;
-    decltype(&createIteratorOfRefClassInfo) fCreateIterator;
-    std::string fSequence, fElement, fIterator;
-    char const* fDescription;
-    char const* fIteratorDescription;
-  };
-  Row const rows[] = {
-      {&createSequenceOfRefClassInfo, &createIteratorOfRefClassInfo, "SequenceOfClassObject", "ClassObject",
-       "ClassObjectIterator", kChangeableSequence, kChangeableIterator},
-      {&createSequenceOfImmutableRefClassInfo, &createIteratorOfImmutableRefClassInfo,
-       "SequenceOfImmutableClassObject", "ImmutableClassObject", "ImmutableClassObjectIterator",
-       kChangeableSequence, kReadOnlyIterator},
-      {&createImmutableSequenceOfRefClassInfo, &createImmutableIteratorOfRefClassInfo,
-       "ImmutableSequenceOfClassObject", "ClassObject", "ClassObjectImmutableIterator", kReadOnlySequence,
-       kChangeableIterator},
-      {&createImmutableSequenceOfImmutableRefClassInfo, &createImmutableIteratorOfImmutableRefClassInfo,
-       "ImmutableSequenceOfImmutableClassObject", "ImmutableClassObject",
-       "ImmutableClassObjectImmutableIterator", kReadOnlySequence, kReadOnlyIterator},
-  };
-  std::string const kelm = "Kelm.";
-  for (Row const& row : rows) {
-    aPackage->addClass(row.fCreate(row.fSequence.c_str(), row.fDescription, (kelm + row.fSequence).c_str(),
-                                   (kelm + row.fElement).c_str(), (kelm + row.fIterator).c_str(), {}),
-                       kFillOnFirstUse);
-    aPackage->addClass(row.fCreateIterator(row.fIterator.c_str(), row.fIteratorDescription,
-                                           (kelm + row.fIterator).c_str(), (kelm + row.fElement).c_str()),
-                       kFillOnFirstUse);
-  }
+void addForm(vesk::VeskPackage* aPackage, RefSequenceForm const& aForm, char const* aKind,
+             std::vector<std::string> const& aBases) {
+  vesk::ClassFamily const& family = classFamily("Kelm", aKind);
+  announceClass(aPackage, aForm.sequenceInfo(family, aBases));
+  announceClass(aPackage, aForm.iteratorInfo(family));
 }
 
-/// The read-only sequences of the metamodel's own objects. `aBase` is the changeable name of the type above.
-void addMetaSequences(vesk::VeskPackage* aPackage, std::string const& aType,
+/// The four sequences and four iterators of references to elements.
+void addElementSequences(vesk::VeskPackage* aPackage) {
+  for (RefSequenceForm const& form : kRefSequenceForms) addForm(aPackage, form, "ClassObject", {});
+}
+
+/// The read-only sequences of the metamodel's own objects. `aBases` has the changeable name of the type
+/// above.
+void addMetaSequences(vesk::VeskPackage* aPackage, char const* aType,
                       std::vector<std::string> const& aBases) {
-  std::string const sequence = "ImmutableSequenceOfImmutable" + aType;
-  std::string const element = "Kelm.Immutable" + aType;
-  std::string const iterator = "Immutable" + aType + "ImmutableIterator";
-  aPackage->addClass(createImmutableSequenceOfImmutableRefClassInfo(
-                         sequence.c_str(), kReadOnlySequence, ("Kelm." + sequence).c_str(), element.c_str(),
-                         ("Kelm." + iterator).c_str(), aBases),
-                     kFillOnFirstUse);
-  aPackage->addClass(createImmutableIteratorOfImmutableRefClassInfo(
-                         iterator.c_str(), kReadOnlyIterator, ("Kelm." + iterator).c_str(), element.c_str()),
-                     kFillOnFirstUse);
+  addForm(aPackage, kRefSequenceForms.back(), aType, aBases);
 }
 
 void addTextSequences(vesk::VeskPackage* aPackage) {
-  aPackage->addClass(
-      createTextSequenceClassInfo("ImmutableSequenceOfString", kReadOnlySequence,
-                                  "Kelm.ImmutableSequenceOfString", "Kelm.StringImmutableIterator"),
-      kFillOnFirstUse);
-  aPackage->addClass(createTextIteratorClassInfo("StringImmutableIterator", kReadOnlyIterator,
-                                                 "Kelm.StringImmutableIterator"),
-                     kFillOnFirstUse);
+  vesk::ClassFamily const& family = classFamily("Kelm", "String");
+  announceClass(aPackage, createTextSequenceClassInfo(family, "A sequence whose values cannot be changed"));
+  announceClass(aPackage,
+                createTextIteratorClassInfo(family, "An iterator for traversing a non-modifiable list"));
 }
 
 class KelmPackageInfo final : public vesk::VeskPackageInfo {
@@ -112,8 +76,7 @@ class KelmPackageInfo final : public vesk::VeskPackageInfo {
 
   void initializePackage(vesk::VeskPackage* aPackage) override {
     for (auto const classes : {objectClasses(), modelClasses(), metaClasses()})
-      for (KelmClass const& kelmClass : classes)
-        aPackage->addClass(new KelmClassInfo(kelmClass), kFillOnFirstUse);
+      for (KelmClass const& kelmClass : classes) announceClass(aPackage, new KelmClassInfo(kelmClass));
     addElementSequences(aPackage);
     addMetaSequences(aPackage, "Type", {});
     addMetaSequences(aPackage, "Class", {"Kelm.Type"});

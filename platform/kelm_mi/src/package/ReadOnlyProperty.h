@@ -2,10 +2,10 @@
 
 #include <type_traits>
 
+#include "frame/Boxing.h"
+#include "frame/Unboxing.h"
 #include "kelm/Asserter.h"
 #include "results.h"
-#include "uml_metamodel_mi/frame/Boxing.h"
-#include "uml_metamodel_mi/frame/Unboxing.h"
 #include "vesk/VeskClass.h"
 #include "vesk/VeskPropInfo.h"
 

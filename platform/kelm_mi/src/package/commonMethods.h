@@ -1,8 +1,8 @@
 #pragma once
 
+#include "frame/addTypedMethod.h"
 #include "kelm/DeviantRegistry.h"
 #include "kelm/Model.h"
-#include "uml_metamodel_mi/frame/addTypedMethod.h"
 
 /// The methods that every class of references has, with its own names in their signatures.
 namespace Kelm::mi {

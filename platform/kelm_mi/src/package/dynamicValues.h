@@ -3,10 +3,10 @@
 #include <string>
 #include <string_view>
 
+#include "frame/Boxing.h"
+#include "frame/Unboxing.h"
 #include "kelm/ClassObject.h"
 #include "kelm/meta.h"
-#include "uml_metamodel_mi/frame/Boxing.h"
-#include "uml_metamodel_mi/frame/Unboxing.h"
 #include "vesk/VeskInterface.h"
 #include "vesk/VeskValue.h"
 

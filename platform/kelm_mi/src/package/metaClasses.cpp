@@ -174,12 +174,13 @@ constexpr std::array<char const*, 1> kUnderObject{"Kelm.ImmutableObject"};
 constexpr std::array<char const*, 1> kUnderType{kType};
 
 constexpr std::array kAll{
-    KelmClass{"ImmutableType", "A type of the metamodel", kUnderObject, kTypeMethods, kTypeProperties},
-    KelmClass{"ImmutableClass", "A class of the metamodel", kUnderType, kClassMethods},
-    KelmClass{"ImmutableDataType", "A data type of the metamodel", kUnderType, kDataTypeMethods},
-    KelmClass{"ImmutableProperty", "A property of a class of the metamodel", kUnderObject, kPropertyMethods,
-              kPropertyProperties},
-    KelmClass{"ImmutablePackage", "A metamodel", kUnderObject, kPackageMethods, kPackageProperties},
+    KelmClass{"Type", Access::ReadOnly, "A type of the metamodel", kUnderObject, kTypeMethods,
+              kTypeProperties},
+    KelmClass{"Class", Access::ReadOnly, "A class of the metamodel", kUnderType, kClassMethods},
+    KelmClass{"DataType", Access::ReadOnly, "A data type of the metamodel", kUnderType, kDataTypeMethods},
+    KelmClass{"Property", Access::ReadOnly, "A property of a class of the metamodel", kUnderObject,
+              kPropertyMethods, kPropertyProperties},
+    KelmClass{"Package", Access::ReadOnly, "A metamodel", kUnderObject, kPackageMethods, kPackageProperties},
 };
 
 }  // namespace

@@ -162,16 +162,21 @@ constexpr std::array<char const*, 2> kModelSupers{kImmutableModel, "Kelm.Object"
 constexpr std::array<char const*, 2> kFactorySupers{"Kelm.ImmutableFactoryObject", "Kelm.Object"};
 
 constexpr std::array kClasses{
-    KelmClass{"ImmutableModel",
+    KelmClass{"Model",
+              Access::ReadOnly,
               "A read-only reference to a model",
               kImmutableObjectOnly,
               kImmutableModelMethods,
               {},
               &addUri},
-    KelmClass{"Model", "A changeable reference to a model", kModelSupers, kModelMethods},
-    KelmClass{"ImmutableFactoryObject", "A read-only reference to a factory of elements",
+    KelmClass{"Model", Access::Changeable, "A changeable reference to a model", kModelSupers, kModelMethods},
+    KelmClass{"FactoryObject", Access::ReadOnly, "A read-only reference to a factory of elements",
               kImmutableObjectOnly, kFactoryMethods},
-    KelmClass{"FactoryObject", "A changeable reference to a factory of elements", kFactorySupers, {}},
+    KelmClass{"FactoryObject",
+              Access::Changeable,
+              "A changeable reference to a factory of elements",
+              kFactorySupers,
+              {}},
 };
 
 }  // namespace

@@ -154,16 +154,18 @@ constexpr std::array kElementSupers{static_cast<char const*>(kImmutableElement),
                                     static_cast<char const*>(kObject)};
 
 constexpr std::array kClasses{
-    KelmClass{"ImmutableObject", "A read-only reference to an object", {}, kImmutableObjectMethods},
-    KelmClass{"Object", "A changeable reference to an object", kImmutableObjectOnly, kObjectMethods},
-    KelmClass{"ImmutableClassObject",
+    KelmClass{"Object", Access::ReadOnly, "A read-only reference to an object", {}, kImmutableObjectMethods},
+    KelmClass{"Object", Access::Changeable, "A changeable reference to an object", kImmutableObjectOnly,
+              kObjectMethods},
+    KelmClass{"ClassObject",
+              Access::ReadOnly,
               "A read-only reference to an element of a model",
               kImmutableObjectOnly,
               kImmutableElementMethods,
               {},
               &addKernelFeatures},
-    KelmClass{"ClassObject", "A changeable reference to an element of a model", kElementSupers,
-              kElementMethods},
+    KelmClass{"ClassObject", Access::Changeable, "A changeable reference to an element of a model",
+              kElementSupers, kElementMethods},
 };
 
 }  // namespace

@@ -3,10 +3,10 @@
 #include <optional>
 #include <string_view>
 
+#include "frame/Boxing.h"
 #include "kelm/ClassObject.h"
 #include "kelm/kernel/containers/sequence/SequenceRef.h"
 #include "kelm/meta.h"
-#include "uml_metamodel_mi/frame/Boxing.h"
 #include "vesk/factory/BindingRegistry.h"
 
 /// How the results of the kernel's script classes become host values.

@@ -5,6 +5,7 @@
 #include <span>
 #include <vector>
 
+#include "vesk/ClassFamily.h"
 #include "vesk/VeskInterface.h"
 #include "vesk/VeskValue.h"
 #include "vesk/fwd.h"
@@ -137,6 +138,8 @@ class UMLMM_API VeskClassInfo {
   virtual SequenceHook const* getSequenceHook() const { return nullptr; }
   /// What the instance bound to `id` stands for, for `==` and `hash` of scripts; by default the id alone.
   virtual Identity identify(void const* id) const { return {id, 0}; }
+  /// The classes about the same kind of thing; null for a class without others. Lives as long as the class.
+  virtual ClassFamily const* family() const { return nullptr; }
 };
 
 }  // namespace vesk

@@ -181,9 +181,9 @@ void fillReadOnlyThing(VeskClass& cls) {
       "color", "demo.Color", [](Thing& t, bool) { return boxColor(t.fColor); },
       [](Thing& t, VeskValue v) { t.fColor = colorOf(v); }));
   cls.addProperty(new Property(
-      "parts", "demo.ImmutableSequenceOfThing",
+      "parts", "demo.Things",
       [](Thing& t, bool isReadOnly) {
-        return box(t.fParts, isReadOnly ? "demo.ImmutableSequenceOfThing" : "demo.SequenceOfThing");
+        return box(t.fParts, isReadOnly ? "demo.Things" : "demo.SequenceOfThing");
       },
       [](Thing& t, VeskValue v) {
         t.fParts.fThings =
@@ -308,13 +308,13 @@ std::size_t place(VeskValue index, std::size_t end) {
 }
 
 void fillList(VeskClass& cls) {
-  add(cls, "size", 0, {"", "int32 scalar", "demo.ImmutableSequenceOfThing", {}},
+  add(cls, "size", 0, {"", "int32 scalar", "demo.Things", {}},
       [](Arguments const& a) { return VeskValue::ofInt32(static_cast<int>(listOf(a[0]).fThings.size())); });
 }
 
 void fillChangeableList(VeskClass& cls) {
   static constexpr char const* kSelf = "demo.SequenceOfThing";
-  addSuperclass(cls, "demo.ImmutableSequenceOfThing");
+  addSuperclass(cls, "demo.Things");
   add(cls, "append", 0, {"", "void", kSelf, {"demo.Thing"}}, [](Arguments const& a) -> VeskValue {
     if (thingOf(a[1])->fText == u"poison") throw Error("the list refuses this thing");
     listOf(a[0]).fThings.push_back(thingOf(a[1]));
@@ -371,6 +371,12 @@ struct ListInfo final : TestClass {
     static Hook const sHook;
     return &sHook;
   }
+  /// Names tell the host nothing: the read-only list is called otherwise than the changeable one.
+  vesk::ClassFamily const* family() const override {
+    static vesk::ClassFamily const sFamily("demo", "Thing",
+                                           {{{}, {}, intern("demo.SequenceOfThing"), intern("demo.Things")}});
+    return &sFamily;
+  }
 };
 
 void fillPackage(vesk::VeskPackage& package) {
@@ -382,7 +388,7 @@ void fillPackage(vesk::VeskPackage& package) {
   package.addClass(new ThingInfo("ImmutableThing", fillReadOnlyThing), 2);
   package.addClass(new TestClass("Color", fillColor), 2);
   package.addClass(new ListInfo("SequenceOfThing", fillChangeableList), 2);
-  package.addClass(new ListInfo("ImmutableSequenceOfThing", fillList), 2);
+  package.addClass(new ListInfo("Things", fillList), 2);
   package.addClass(new TestClass("Broken", [](VeskClass& cls) { addSuperclass(cls, "demo.Missing"); }), 2);
 }
 

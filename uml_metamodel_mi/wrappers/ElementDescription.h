@@ -3,9 +3,10 @@
 #include <array>
 #include <span>
 
+#include "frame/addTypedMethod.h"
 #include "kelm/IntrospectiveMethods.h"
 #include "kelm_mi/KelmmiPropertyFactory.h"
-#include "uml_metamodel_mi/frame/addTypedMethod.h"
+#include "kelm_mi/families.h"
 
 /// The three script classes of a metaclass as data, and what fills a class from it.
 namespace umlmm::mi {
@@ -73,7 +74,7 @@ struct RedeclaredMethods {
   Bind fAsMutable;
 };
 
-struct ElementClass {
+struct ElementDescription {
   /// "Classifier"
   char const* fName;
   Kelm::IntrospectiveMethods const* fMethods;
@@ -87,11 +88,13 @@ struct ElementClass {
   std::span<OperationRow const> fOperations;
   std::span<PropertyRow const> fProperties;
   std::span<MetaPropertyRow const> fMetaProperties;
+
+  vesk::ClassFamily const& family() const;
 };
 
-void fillMutableClass(vesk::VeskClass* aClass, ElementClass const& aDescription);
+void fillMutableClass(vesk::VeskClass* aClass, ElementDescription const& aDescription);
 void fillImmutableClass(vesk::VeskClass* aClass, vesk::VeskClient const* aClient,
-                        ElementClass const& aDescription);
-void fillMetaPropertyClass(vesk::VeskClass* aClass, ElementClass const& aDescription);
+                        ElementDescription const& aDescription);
+void fillMetaPropertyClass(vesk::VeskClass* aClass, ElementDescription const& aDescription);
 
 }  // namespace umlmm::mi

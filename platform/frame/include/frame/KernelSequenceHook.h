@@ -1,9 +1,11 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 
 #include "kelm/Generic.h"
+#include "kelm/kernel/containers/Ref.h"
 #include "tarn/tarn.h"
 #include "vesk/VeskClassInfo.h"
 #include "vesk/VeskValue.h"
@@ -50,5 +52,47 @@ void boxEach(std::size_t aCount, vesk::VeskValue* aValues, Box const& aBox) {
     throw;
   }
 }
+
+/// The hook of a kind of sequences. `Elements` tells how its elements, of type `Elements::Value`, cross:
+///
+/// - `name()`, their data type or class; `box(value)` and `unbox(script's value)`, which raises for what is
+/// no
+///   element; `find(sequence, deviant, script's value, first)`, as `search` below;
+/// - `boxAtOnce(loans, count, values)`, a way of its own with a block, which answers false when it did
+/// nothing;
+/// - `kIsCodeFree`, whether boxing one runs no foreign code.
+template <class Elements>
+class SequenceHookOf final : public KernelSequenceHook {
+  using T = typename Elements::Value;
+  using Access = Generic::RefAccess<T>;
+
+ public:
+  explicit SequenceHookOf(Elements aElements) noexcept : fElements(aElements) {}
+  char const* elementType() const override { return fElements.name(); }
+  Elements const& elements() const noexcept { return fElements; }
+
+ protected:
+  void box(Generic::Loan const* aLoans, std::size_t aCount, vesk::VeskValue* aValues) const override {
+    if (fElements.boxAtOnce(aLoans, aCount, aValues)) return;
+    if constexpr (Elements::kIsCodeFree) {
+      boxEach(aCount, aValues, [&](std::size_t aAt) { return fElements.box(Access::get(aLoans[aAt])); });
+    } else {
+      // Making an instance may run anything, so all values are held before the first is boxed.
+      std::array<T, kBlock> held;
+      for (std::size_t i = 0; i < aCount; ++i) held[i] = Access::get(aLoans[i]);
+      boxEach(aCount, aValues, [&](std::size_t aAt) { return fElements.box(held[aAt]); });
+    }
+  }
+  int search(Generic::SequenceIntf const& aSequence, Deviant const& aDeviant, vesk::VeskValue aValue,
+             int aFirst) const override {
+    return fElements.find(aSequence, aDeviant, aValue, aFirst);
+  }
+  Generic::Ref element(vesk::VeskValue aValue) const override {
+    return Access::make(fElements.unbox(aValue));
+  }
+
+ private:
+  Elements fElements;
+};
 
 }  // namespace Kelm::mi

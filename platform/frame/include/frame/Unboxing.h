@@ -1,10 +1,10 @@
 #pragma once
 
+#include "frame/Boxing.h"
+#include "frame/ScriptClass.h"
 #include "kelm/DeviantRegistry.h"
 #include "kelm/String.h"
 #include "tarn/tarn.h"
-#include "uml_metamodel_mi/frame/Boxing.h"
-#include "uml_metamodel_mi/frame/ScriptClass.h"
 #include "vesk/VeskValue.h"
 
 /// Host values on their way to the metamodel.

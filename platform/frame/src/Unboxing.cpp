@@ -1,4 +1,4 @@
-#include "uml_metamodel_mi/frame/Unboxing.h"
+#include "frame/Unboxing.h"
 
 #include "vesk/VeskInterface.h"
 

@@ -1,11 +1,11 @@
-#include "uml_metamodel_mi/frame/KernelSequenceHook.h"
+#include "frame/KernelSequenceHook.h"
 
 #include <algorithm>
 #include <array>
 #include <vector>
 
+#include "frame/Unboxing.h"
 #include "kelm/Asserter.h"
-#include "uml_metamodel_mi/frame/Unboxing.h"
 
 namespace Kelm::mi {
 

@@ -3,8 +3,8 @@
 #include <type_traits>
 #include <utility>
 
-#include "uml_metamodel_mi/frame/Boxing.h"
-#include "uml_metamodel_mi/frame/Unboxing.h"
+#include "frame/Boxing.h"
+#include "frame/Unboxing.h"
 #include "vesk/factory/Invoker.h"
 
 /// Thunks, made from the type of the typed function alone: functions of one type share one thunk.
@@ -16,6 +16,21 @@ using vesk::factory::impl::Invoker;
 /// behind it. The second is for functions that call into a receiver without looking.
 enum class SelfCheck { Reference, Implementation };
 
+/// How the values of a call cross: by their C++ types alone. Another marshal knows more of the method at
+/// hand.
+class TypedMarshal {
+ public:
+  TypedMarshal(Invoker const&, vesk::VeskValue const*) noexcept {}
+  template <class T>
+  UnboxedArgument<T> unbox(vesk::VeskValue aValue) const {
+    return ArgumentUnboxer<T>::unbox(aValue);
+  }
+  template <class T>
+  vesk::VeskValue box(T&& aValue) const {
+    return Boxer<std::remove_cvref_t<T>>::box(std::forward<T>(aValue));
+  }
+};
+
 namespace detail {
 
 /// One parameter of a typed function. A pointer parameter gets the address of the unboxed value.
@@ -24,7 +39,9 @@ class Argument {
   using Value = std::remove_cv_t<std::remove_pointer_t<std::remove_cvref_t<Parameter>>>;
 
  public:
-  explicit Argument(vesk::VeskValue aValue) : fArgument(ArgumentUnboxer<Value>::unbox(aValue)) {}
+  template <class Marshal>
+  Argument(Marshal const& aMarshal, vesk::VeskValue aValue)
+      : fArgument(aMarshal.template unbox<Value>(aValue)) {}
 
   decltype(auto) pass() noexcept {
     if constexpr (std::is_pointer_v<Parameter>)
@@ -48,7 +65,8 @@ class Argument {
 template <class... Parameters>
 class Arguments {
  public:
-  explicit Arguments(vesk::VeskValue const*) noexcept {}
+  template <class Marshal>
+  Arguments(Marshal const&, vesk::VeskValue const*) noexcept {}
   template <class Call, class... Passed>
   decltype(auto) apply(Call const& aCall, Passed&&... aPassed) {
     return aCall(std::forward<Passed>(aPassed)...);
@@ -58,7 +76,9 @@ class Arguments {
 template <class First, class... Rest>
 class Arguments<First, Rest...> {
  public:
-  explicit Arguments(vesk::VeskValue const* aValues) : fFirst(aValues[0]), fRest(aValues + 1) {}
+  template <class Marshal>
+  Arguments(Marshal const& aMarshal, vesk::VeskValue const* aValues)
+      : fFirst(aMarshal, aValues[0]), fRest(aMarshal, aValues + 1) {}
   template <class Call, class... Passed>
   decltype(auto) apply(Call const& aCall, Passed&&... aPassed) {
     return fRest.apply(aCall, std::forward<Passed>(aPassed)..., fFirst.pass());
@@ -73,54 +93,59 @@ class Arguments<First, Rest...> {
   Arguments<Rest...> fRest;
 };
 
-template <class Call, class List>
-void giveResult(Call const& aCall, List& aArguments, int& aResultCount, vesk::VeskValue* aResults) {
+template <class Marshal, class Call, class List>
+void giveResult(Marshal const& aMarshal, Call const& aCall, List& aArguments, int& aResultCount,
+                vesk::VeskValue* aResults) {
   using Result = decltype(aArguments.apply(aCall));
   if constexpr (std::is_void_v<Result>) {
     aArguments.apply(aCall);
   } else {
-    aResults[0] = Boxer<std::remove_cvref_t<Result>>::box(aArguments.apply(aCall));
+    aResults[0] = aMarshal.box(aArguments.apply(aCall));
     if (aResultCount == 0) aResultCount = 1;
   }
 }
 
 /// The thunks of functions of one type. `Receiver` is the class that a member function's receiver is unboxed
 /// as.
-template <class Function, class Receiver, SelfCheck Check>
+template <class Function, class Receiver, SelfCheck Check, class Marshal>
 struct ThunkOf;
 
-template <class Result, class... Parameters, bool NoExcept, SelfCheck Check>
-struct ThunkOf<Result (*)(Parameters...) noexcept(NoExcept), void, Check> {
+template <class Result, class... Parameters, bool NoExcept, SelfCheck Check, class Marshal>
+struct ThunkOf<Result (*)(Parameters...) noexcept(NoExcept), void, Check, Marshal> {
   static void run(Invoker const& aInvoker, vesk::VeskClient const*, int& aResultCount,
                   vesk::VeskValue* aResults, int, vesk::VeskValue const* aValues) {
     auto const function = aInvoker.function<Result (*)(Parameters...)>();
-    Arguments<Parameters...> arguments(aValues);
+    Marshal const marshal(aInvoker, aValues);
+    Arguments<Parameters...> arguments(marshal, aValues);
     if constexpr (sizeof...(Parameters) > 0)
       vesk::factory::impl::validateSelfPointer(arguments.template self<Check>(), aInvoker);
-    giveResult(function, arguments, aResultCount, aResults);
+    giveResult(marshal, function, arguments, aResultCount, aResults);
   }
 };
 
-template <class Member, class Receiver, SelfCheck Check, class Result, class... Parameters>
+template <class Member, class Receiver, SelfCheck Check, class Marshal, class Result, class... Parameters>
 struct MemberThunk {
   static void run(Invoker const& aInvoker, vesk::VeskClient const*, int& aResultCount,
                   vesk::VeskValue* aResults, int, vesk::VeskValue const* aValues) {
     auto const member = aInvoker.function<Member>();
-    Arguments<Receiver&, Parameters...> arguments(aValues);
+    Marshal const marshal(aInvoker, aValues);
+    Arguments<Receiver&, Parameters...> arguments(marshal, aValues);
     vesk::factory::impl::validateSelfPointer(arguments.template self<Check>());
     auto const call = [member](Receiver& aReceiver, auto&&... aPassed) -> Result {
       return (aReceiver.*member)(std::forward<decltype(aPassed)>(aPassed)...);
     };
-    giveResult(call, arguments, aResultCount, aResults);
+    giveResult(marshal, call, arguments, aResultCount, aResults);
   }
 };
 
-template <class Result, class Owner, class... Parameters, bool NoExcept, class Receiver, SelfCheck Check>
-struct ThunkOf<Result (Owner::*)(Parameters...) noexcept(NoExcept), Receiver, Check>
-    : MemberThunk<Result (Owner::*)(Parameters...), Receiver, Check, Result, Parameters...> {};
-template <class Result, class Owner, class... Parameters, bool NoExcept, class Receiver, SelfCheck Check>
-struct ThunkOf<Result (Owner::*)(Parameters...) const noexcept(NoExcept), Receiver, Check>
-    : MemberThunk<Result (Owner::*)(Parameters...) const, Receiver, Check, Result, Parameters...> {};
+template <class Result, class Owner, class... Parameters, bool NoExcept, class Receiver, SelfCheck Check,
+          class Marshal>
+struct ThunkOf<Result (Owner::*)(Parameters...) noexcept(NoExcept), Receiver, Check, Marshal>
+    : MemberThunk<Result (Owner::*)(Parameters...), Receiver, Check, Marshal, Result, Parameters...> {};
+template <class Result, class Owner, class... Parameters, bool NoExcept, class Receiver, SelfCheck Check,
+          class Marshal>
+struct ThunkOf<Result (Owner::*)(Parameters...) const noexcept(NoExcept), Receiver, Check, Marshal>
+    : MemberThunk<Result (Owner::*)(Parameters...) const, Receiver, Check, Marshal, Result, Parameters...> {};
 
 template <class Function>
 struct ConstructorThunk;
@@ -130,7 +155,7 @@ struct ConstructorThunk<Created (*)(Parameters...)> {
   static void run(Invoker const& aInvoker, vesk::VeskClient const*, int& aResultCount,
                   vesk::VeskValue* aResults, int, vesk::VeskValue const* aValues) {
     auto const function = aInvoker.function<Created (*)(Parameters...)>();
-    Arguments<Parameters...> arguments(aValues);
+    Arguments<Parameters...> arguments(TypedMarshal(aInvoker, aValues), aValues);
     checkConstructing(ScriptClass<Created>::name(), aResults[0]);
     Created const created = arguments.apply(function);
     bindConstructed(created.get(), created.getDeviant(), ScriptClass<Created>::name(), aResults[0]);
@@ -144,17 +169,17 @@ struct ConstructorThunk<Created (*)(Parameters...)> {
 using Bind = void (*)(Invoker&);
 
 /// A free function; arguments start with its first parameter.
-template <auto Function, SelfCheck Check = SelfCheck::Reference>
+template <auto Function, SelfCheck Check = SelfCheck::Reference, class Marshal = TypedMarshal>
 void bindFunction(Invoker& aInvoker) {
   aInvoker.setFunction(Function);
-  aInvoker.setThunk(&detail::ThunkOf<decltype(Function), void, Check>::run);
+  aInvoker.setThunk(&detail::ThunkOf<decltype(Function), void, Check, Marshal>::run);
 }
 
 /// A member function, run on a receiver of class `Receiver`, which may derive from the class of the member.
-template <auto Member, class Receiver, SelfCheck Check = SelfCheck::Reference>
+template <auto Member, class Receiver, SelfCheck Check = SelfCheck::Reference, class Marshal = TypedMarshal>
 void bindMember(Invoker& aInvoker) {
   aInvoker.setFunction(Member);
-  aInvoker.setThunk(&detail::ThunkOf<decltype(Member), Receiver, Check>::run);
+  aInvoker.setThunk(&detail::ThunkOf<decltype(Member), Receiver, Check, Marshal>::run);
 }
 
 /// A function that makes the reference which a new instance of its script class is to hold.

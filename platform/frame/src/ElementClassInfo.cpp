@@ -1,4 +1,4 @@
-#include "uml_metamodel_mi/frame/ElementClassInfo.h"
+#include "frame/ElementClassInfo.h"
 
 #include "kelm/DeviantRegistry.h"
 

@@ -1,4 +1,4 @@
-#include "uml_metamodel_mi/frame/Boxing.h"
+#include "frame/Boxing.h"
 
 #include <array>
 #include <cstdint>

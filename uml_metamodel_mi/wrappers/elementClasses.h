@@ -2,11 +2,11 @@
 
 #include <string>
 
-#include "uml_metamodel_mi/wrappers/ElementClass.h"
+#include "uml_metamodel_mi/wrappers/ElementDescription.h"
 #include "vesk/VeskClassInfo.h"
 #include "vesk/VeskPackage.h"
 
-/// How the units of the package announce their classes. Nothing is filled by it.
+/// How the unit of a metaclass announces its classes. Nothing is filled by it.
 namespace umlmm::mi {
 
 using MakeClassInfo = vesk::VeskClassInfo* (*)(std::string const& aShortName,
@@ -17,11 +17,8 @@ vesk::VeskClassInfo* makeClassInfo(std::string const& aShortName, std::string co
   return new Wrapper(aShortName, aDescription);
 }
 
-/// Announces a class; without a package as a global class.
-void announceClass(vesk::VeskPackage* aPackage, vesk::VeskClassInfo* aInfo);
-
 /// The eleven classes of a metaclass. Without a package nothing happens.
-void announceElementClasses(vesk::VeskPackage* aPackage, ElementClass const& aDescription,
+void announceElementClasses(vesk::VeskPackage* aPackage, ElementDescription const& aDescription,
                             MakeClassInfo aImmutable, MakeClassInfo aMutable, MakeClassInfo aMetaProperty);
 
 }  // namespace umlmm::mi

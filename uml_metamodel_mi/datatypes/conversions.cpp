@@ -1,4 +1,4 @@
-#include "uml_metamodel_mi/datatypes/values.h"
+#include "uml_metamodel_mi/datatypes/conversions.h"
 
 #include <memory>
 #include <string>
@@ -43,11 +43,6 @@ UnboxedArgument<umlmm::UnlimitedNatural> ArgumentUnboxer<umlmm::UnlimitedNatural
     vesk::VeskValue aValue) {
   if (tarn::numberOfElements(aValue.array()) == 0) return {};
   return {unboxUnlimitedNatural(aValue.array()), true};
-}
-
-vesk::VeskInterned containerClassName(char const* aBefore, char const* aPrefix, char const* aName,
-                                      char const* aBehind) {
-  return umlmm::mi::scriptClassName((std::string(aBefore) + aPrefix).c_str(), aName, aBehind);
 }
 
 }  // namespace Kelm::mi

@@ -1,4 +1,4 @@
-#include "uml_metamodel_mi/frame/addTypedMethod.h"
+#include "frame/addTypedMethod.h"
 
 #include <algorithm>
 #include <memory>
@@ -37,26 +37,25 @@ void createSignature(VeskMethod& aMethod, SignatureTexts const& aTexts) {
                            std::span<char const* const>(aTexts.fArguments.begin(), end), aMethod.signature());
 }
 
-template <class Method>
-std::unique_ptr<Method> finish(std::unique_ptr<Method> aMethod, MethodRow const& aRow) {
-  adjustWord(*aMethod, aRow.fForm);
-  createSignature(*aMethod, aRow.fSignature);
-  aRow.fBind(aMethod->invoker());
-  if (storesFlag(aRow.fForm) && aMethod->has(MethodFirstArgumentIsSelf))
-    aMethod->invoker().setFirstArgumentIsSelf(true);
-  return aMethod;
-}
-
 }  // namespace
+
+void setUpMethod(VeskMethod& aMethod, Invoker& aInvoker, MethodRow const& aRow) {
+  adjustWord(aMethod, aRow.fForm);
+  createSignature(aMethod, aRow.fSignature);
+  aRow.fBind(aInvoker);
+  if (storesFlag(aRow.fForm) && aMethod.has(MethodFirstArgumentIsSelf)) aInvoker.setFirstArgumentIsSelf(true);
+}
 
 void addTypedMethod(vesk::VeskClass* aClass, MethodRow const& aMethod) {
   if (aMethod.fForm == Form::Constructor) {
     auto constructor = std::make_unique<VeskConstructor>(aClass->getConstructorName(), aMethod.fWord, "");
-    aClass->addMethod(finish(std::move(constructor), aMethod).release());
+    setUpMethod(*constructor, constructor->invoker(), aMethod);
+    aClass->addMethod(constructor.release());
     return;
   }
   auto method = std::make_unique<MethodImpl>(aMethod.fName, aMethod.fWord, "");
-  aClass->addMethod(finish(std::move(method), aMethod).release());
+  setUpMethod(*method, method->invoker(), aMethod);
+  aClass->addMethod(method.release());
 }
 
 void addTypedMethods(vesk::VeskClass* aClass, std::span<MethodRow const> aMethods) {
@@ -70,6 +69,15 @@ void addPackageFunction(vesk::VeskPackage* aPackage, MethodRow const& aFunction)
   aFunction.fBind(function->invoker());
   if (function->has(MethodFirstArgumentIsSelf)) function->invoker().setFirstArgumentIsSelf(true);
   aPackage->addFunction(function.release());
+}
+
+void announceClass(vesk::VeskPackage* aPackage, vesk::VeskClassInfo* aInfo) {
+  // The host keeps the mode and fills each class on first use.
+  constexpr int mode = 2;
+  if (aPackage == nullptr)
+    vesk::VeskClass::addGlobalClass(aInfo);
+  else
+    aPackage->addClass(aInfo, mode);
 }
 
 void addSuperclass(vesk::VeskClass* aClass, char const* aName) {

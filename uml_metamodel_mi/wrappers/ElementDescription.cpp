@@ -1,4 +1,4 @@
-#include "uml_metamodel_mi/wrappers/ElementClass.h"
+#include "uml_metamodel_mi/wrappers/ElementDescription.h"
 
 #include <string>
 
@@ -8,6 +8,7 @@
 
 namespace umlmm::mi {
 
+using Kelm::mi::Access;
 using Kelm::mi::addSuperclass;
 using Kelm::mi::addTypedMethod;
 using Kelm::mi::Form;
@@ -15,9 +16,11 @@ using vesk::factory::MethodFirstArgumentIsSelf;
 using vesk::factory::MethodHidden;
 using vesk::factory::MethodOverridesAllSignatures;
 
-vesk::VeskInterned scriptClassName(char const* aPrefix, char const* aName, char const* aSuffix) {
-  return vesk::internal::makeInterned(std::string("umlmm.") + aPrefix + aName + aSuffix);
+vesk::VeskInterned metaPropertyClassName(char const* aMetaclass) {
+  return vesk::internal::makeInterned(std::string(kPackage) + "." + aMetaclass + "MetaProperty");
 }
+
+vesk::ClassFamily const& ElementDescription::family() const { return Kelm::mi::classFamily(kPackage, fName); }
 
 namespace {
 
@@ -30,13 +33,13 @@ Kelm::ImmutableType getMutableMetaType(Kelm::Object const& aObject) { return get
 /// Adds the methods of one of the two classes of elements.
 class Filler {
  public:
-  Filler(vesk::VeskClass* aClass, ElementClass const& aDescription, bool aMutable)
+  Filler(vesk::VeskClass* aClass, ElementDescription const& aDescription, bool aMutable)
       : fClass(aClass),
         fDescription(aDescription),
         fMutable(aMutable),
-        fMutableName(scriptClassName("", aDescription.fName).c_str()),
-        fImmutableName(scriptClassName("Immutable", aDescription.fName).c_str()),
-        fMetaPropertyName(scriptClassName("", aDescription.fName, "MetaProperty").c_str()) {}
+        fMutableName(aDescription.family().reference(Access::Changeable).c_str()),
+        fImmutableName(aDescription.family().reference(Access::ReadOnly).c_str()),
+        fMetaPropertyName(metaPropertyClassName(aDescription.fName).c_str()) {}
 
   char const* mutableName() const { return fMutableName; }
   char const* immutableName() const { return fImmutableName; }
@@ -49,7 +52,9 @@ class Filler {
       addSuperclass(fClass, fMutable ? "Kelm.ClassObject" : "Kelm.ImmutableClassObject");
     }
     for (char const* super : fDescription.fSupers) {
-      addSuperclass(fClass, scriptClassName(fMutable ? "" : "Immutable", super).c_str());
+      addSuperclass(fClass, Kelm::mi::classFamily(kPackage, super)
+                                .reference(fMutable ? Access::Changeable : Access::ReadOnly)
+                                .c_str());
     }
   }
   void constructors() const {
@@ -135,7 +140,7 @@ class Filler {
   std::uint32_t overriding() const { return fMutable ? std::uint32_t{MethodOverridesAllSignatures} : 0; }
 
   vesk::VeskClass* fClass;
-  ElementClass const& fDescription;
+  ElementDescription const& fDescription;
   bool fMutable;
   char const* fMutableName;
   char const* fImmutableName;
@@ -144,7 +149,7 @@ class Filler {
 
 }  // namespace
 
-void fillMutableClass(vesk::VeskClass* aClass, ElementClass const& aDescription) {
+void fillMutableClass(vesk::VeskClass* aClass, ElementDescription const& aDescription) {
   Filler const filler(aClass, aDescription, true);
   bool const redeclares = aDescription.fRedeclared != nullptr;
   filler.superclasses();
@@ -163,7 +168,7 @@ void fillMutableClass(vesk::VeskClass* aClass, ElementClass const& aDescription)
 }
 
 void fillImmutableClass(vesk::VeskClass* aClass, vesk::VeskClient const* aClient,
-                        ElementClass const& aDescription) {
+                        ElementDescription const& aDescription) {
   Filler const filler(aClass, aDescription, false);
   bool const redeclares = aDescription.fRedeclared != nullptr;
   filler.superclasses();
@@ -189,9 +194,9 @@ void fillImmutableClass(vesk::VeskClass* aClass, vesk::VeskClient const* aClient
   filler.cast("Kelm.Object", "Kelm.ImmutableObject", common.fCastToImmutable);
 }
 
-void fillMetaPropertyClass(vesk::VeskClass* aClass, ElementClass const& aDescription) {
+void fillMetaPropertyClass(vesk::VeskClass* aClass, ElementDescription const& aDescription) {
   vesk::factory::detail::initStringDataTypes();
-  char const* const name = scriptClassName("", aDescription.fName, "MetaProperty").c_str();
+  char const* const name = metaPropertyClassName(aDescription.fName).c_str();
   Kelm::mi::KelmmiPropertyFactory const factory{aClass, name, aDescription.fMethods};
   for (MetaPropertyRow const& row : aDescription.fMetaProperties) {
     factory.addMetaProperty(row.fName, row.fAccessor, row.fId);

@@ -3,15 +3,15 @@
 #include <concepts>
 #include <string>
 
+#include "frame/Boxing.h"
+#include "frame/Unboxing.h"
 #include "kelm/kernel/containers/sequence/SequenceRef.h"
 #include "kelm/values.h"
+#include "kelm_mi/families.h"
 #include "uml_metamodel/umlmm/Boolean.h"
 #include "uml_metamodel/umlmm/Integer.h"
 #include "uml_metamodel/umlmm/String.h"
 #include "uml_metamodel/umlmm/UnlimitedNatural.h"
-#include "uml_metamodel_mi/frame/Boxing.h"
-#include "uml_metamodel_mi/frame/Unboxing.h"
-#include "uml_metamodel_mi/wrappers/metaclasses.h"
 
 /// How values of the metamodel's data types, and sequences of them and of element references, cross the
 /// boundary.
@@ -127,59 +127,44 @@ struct Boxer<umlmm::UnlimitedNatural> {
   static vesk::VeskValue box(umlmm::UnlimitedNatural aValue) { return boxUnlimitedNatural(aValue); }
 };
 
-/// Tells how the name of a sequence or iterator class is made from that of its element.
+/// Values have classes of sequences and of iterators, whose elements count as changeable.
 template <class T>
-struct ElementName {
-  static char const* prefix() { return ""; }
-  static char const* name() { return ValueType<T>::name(); }
-};
-template <umlmm::mi::ElementReference T>
-struct ElementName<T> {
-  static char const* prefix() { return umlmm::mi::kIsChangeable<T> ? "" : "Immutable"; }
-  static char const* name() { return umlmm::mi::metaclassOf<T>().fName; }
+requires requires { ValueType<T>::name(); }
+struct FamilyOf<T> {
+  static constexpr Access kAccess = Access::Changeable;
+  static vesk::ClassFamily const& get() { return classFamily("umlmm", ValueType<T>::name()); }
 };
 
-/// The token of a class name made of a word before and one behind the element's name: "umlmm.SequenceOf" +
-/// "String".
-vesk::VeskInterned containerClassName(char const* aBefore, char const* aPrefix, char const* aName,
-                                      char const* aBehind);
+namespace detail {
+
+/// Names of classes of sequences and iterators of T.
+template <class T, Access A>
+struct SequenceScriptClass {
+  static constexpr bool kImmutable = A == Access::ReadOnly;
+  static vesk::VeskInterned name() {
+    static auto const token = FamilyOf<T>::get().sequence(A, FamilyOf<T>::kAccess);
+    return token;
+  }
+};
+template <class T, Access A>
+struct IteratorScriptClass {
+  static constexpr bool kImmutable = A == Access::ReadOnly;
+  static vesk::VeskInterned name() {
+    static auto const token = FamilyOf<T>::get().iterator(A, FamilyOf<T>::kAccess);
+    return token;
+  }
+};
+
+}  // namespace detail
 
 template <class T>
-struct ScriptClass<ImmutableSequence<T>> {
-  static constexpr bool kImmutable = true;
-  static vesk::VeskInterned name() {
-    static auto const token =
-        containerClassName("ImmutableSequenceOf", ElementName<T>::prefix(), ElementName<T>::name(), "");
-    return token;
-  }
-};
+struct ScriptClass<ImmutableSequence<T>> : detail::SequenceScriptClass<T, Access::ReadOnly> {};
 template <class T>
-struct ScriptClass<Sequence<T>> {
-  static constexpr bool kImmutable = false;
-  static vesk::VeskInterned name() {
-    static auto const token =
-        containerClassName("SequenceOf", ElementName<T>::prefix(), ElementName<T>::name(), "");
-    return token;
-  }
-};
+struct ScriptClass<Sequence<T>> : detail::SequenceScriptClass<T, Access::Changeable> {};
 template <class T>
-struct ScriptClass<ImmutableIterator<T>> {
-  static constexpr bool kImmutable = true;
-  static vesk::VeskInterned name() {
-    static auto const token =
-        containerClassName("", ElementName<T>::prefix(), ElementName<T>::name(), "ImmutableIterator");
-    return token;
-  }
-};
+struct ScriptClass<ImmutableIterator<T>> : detail::IteratorScriptClass<T, Access::ReadOnly> {};
 template <class T>
-struct ScriptClass<Iterator<T>> {
-  static constexpr bool kImmutable = false;
-  static vesk::VeskInterned name() {
-    static auto const token =
-        containerClassName("", ElementName<T>::prefix(), ElementName<T>::name(), "Iterator");
-    return token;
-  }
-};
+struct ScriptClass<Iterator<T>> : detail::IteratorScriptClass<T, Access::Changeable> {};
 
 template <class T>
 concept SequenceHandle = std::derived_from<T, SequenceRef>;

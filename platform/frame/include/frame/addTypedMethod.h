@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <span>
 
-#include "uml_metamodel_mi/frame/Thunk.h"
+#include "frame/Thunk.h"
 #include "vesk/VeskClass.h"
 #include "vesk/VeskPackage.h"
 #include "vesk/factory/MethodAttributes.h"
@@ -42,12 +42,18 @@ struct MethodRow {
   Bind fBind;
 };
 
+/// Gives a new method what its row declares: word, signature, function and thunk.
+void setUpMethod(vesk::factory::VeskMethod& aMethod, Invoker& aInvoker, MethodRow const& aRow);
+
 /// Builds a method and gives it to the class.
 void addTypedMethod(vesk::VeskClass* aClass, MethodRow const& aMethod);
 void addTypedMethods(vesk::VeskClass* aClass, std::span<MethodRow const> aMethods);
 
 /// Builds a free function and gives it to the package.
 void addPackageFunction(vesk::VeskPackage* aPackage, MethodRow const& aFunction);
+
+/// Announces a class, which the host fills at its first use; without a package as a global class.
+void announceClass(vesk::VeskPackage* aPackage, vesk::VeskClassInfo* aInfo);
 
 /// Adds one superclass by its full name.
 void addSuperclass(vesk::VeskClass* aClass, char const* aName);

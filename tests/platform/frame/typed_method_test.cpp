@@ -3,8 +3,8 @@
 #include <map>
 #include <utility>
 
+#include "frame/addTypedMethod.h"
 #include "kelm/DeviantRegistry.h"
-#include "uml_metamodel_mi/frame/addTypedMethod.h"
 #include "uml_metamodel_mi/support/Recording.h"
 #include "uml_metamodel_mi/support/Thing.h"
 #include "vesk/factory/BindingRegistry.h"

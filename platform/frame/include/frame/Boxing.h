@@ -2,11 +2,11 @@
 
 #include <concepts>
 
+#include "frame/ScriptClass.h"
 #include "kelm/ClassObject.h"
 #include "kelm/Generic.h"
 #include "kelm/Handle.h"
 #include "kelm/String.h"
-#include "uml_metamodel_mi/frame/ScriptClass.h"
 #include "vesk/VeskValue.h"
 #include "vesk/interned.h"
 
