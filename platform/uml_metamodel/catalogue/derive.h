@@ -83,7 +83,7 @@ struct GrowingRoom {
 };
 
 template <class Room>
-class Derivation {
+class Consequences {
   template <class T>
   using ByMetaclass = typename Room::template Table<T, kMetaclassCount>;
   template <class T>
@@ -94,8 +94,8 @@ class Derivation {
 
   /// Features of metaclasses have their numbers in the order of the rows; added ones, which name their
   /// owners, follow in their order.
-  constexpr explicit Derivation(std::span<MetaclassRow const* const> aRows,
-                                std::span<AddedFeature const* const> aAdded = {})
+  constexpr explicit Consequences(std::span<MetaclassRow const* const> aRows,
+                                  std::span<AddedFeature const* const> aAdded = {})
       : fMetaclasses(aRows), fFeatureCount(countOf(aRows) + aAdded.size()) {
     Index features = 0;
     auto const add = [&](Index aOwner, FeatureRow const& aRow) {

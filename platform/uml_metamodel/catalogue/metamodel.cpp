@@ -23,7 +23,7 @@ struct UnionLists {
   Index fFeature = kNoFeature;
   Run fMembers;
 };
-using Rows = Derivation<FixedRoom>;
+using Rows = Consequences<FixedRoom>;
 using Builder = LayoutBuilder<Rows>;
 
 /// All that follows from the rows, lists as runs: a constant can't hold a vector.

@@ -25,7 +25,7 @@ using catalogue::MetaclassRow;
 constexpr char kSource[] = "uml_metamodel/extension/join";
 
 using List = std::span<Index const>;
-using Derived = catalogue::Derivation<catalogue::GrowingRoom>;
+using Derived = catalogue::Consequences<catalogue::GrowingRoom>;
 using Slots = std::array<std::uint8_t, kFeatureCount>;
 
 /// What records point at. Those of earlier states of the metamodel stay, as somebody may still read them.
