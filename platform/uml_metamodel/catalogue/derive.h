@@ -194,6 +194,9 @@ class Consequences {
     return found;
   }
 
+  /// The union that asks the container for the role.
+  constexpr Index roleFeature(Role aRole) const { return fRoles[static_cast<std::size_t>(aRole)]; }
+
   // Metaclasses.
   constexpr std::span<MetaclassRow const* const> metaclasses() const { return fMetaclasses; }
   constexpr bool isConcrete(Index aMetaclass) const { return !fMetaclasses[aMetaclass]->fAbstract; }
@@ -319,7 +322,6 @@ class Consequences {
       if (storage(feature) != Storage::Computed) found.addNew(root(feature));
     return found;
   }
-  constexpr Index roleFeature(Role aRole) const { return fRoles[static_cast<std::size_t>(aRole)]; }
 
   // By metaclass.
   std::span<MetaclassRow const* const> fMetaclasses;

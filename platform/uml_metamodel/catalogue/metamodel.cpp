@@ -98,6 +98,17 @@ constexpr Draft draft() {
 
 constexpr Draft kDraft = draft();
 
+/// The union of owners, a feature of the root metaclass, and its far end.
+struct Owner {
+  Index fOwner = 0;
+  Index fOpposite = kNoFeature;
+};
+constexpr Owner kOwner = [] {
+  Rows const rows(kMetaclassRows);
+  Index const owner = rows.roleFeature(Role::Owner);
+  return Owner{rows.ownerOf(owner), rows.namedOpposite(owner)};
+}();
+
 constexpr auto kPool = [] {
   std::array<Index, kDraft.fPoolSize> pool{};
   std::copy_n(kDraft.fPool.begin(), pool.size(), pool.begin());
@@ -118,6 +129,7 @@ constexpr auto kSlots = kDraft.fSlots;
 constexpr auto features() {
   auto features = kDraft.fFeatures;
   for (std::size_t at = 0; at < features.size(); ++at) {
+    features[at].fRootRecord = &engine::records::sFeatures[features[at].fRoot];
     FeatureLists<Run> const& lists = kDraft.fFeatureLists[at];
     setLists(features[at], {listOf(lists.fSupersets), listOf(lists.fSubsets), listOf(lists.fNarrowings),
                             listOf(lists.fAllSupersets), listOf(lists.fRedefined)});
@@ -126,8 +138,9 @@ constexpr auto features() {
 }
 
 constexpr auto metaclasses() {
-  auto metaclasses = kDraft.fMetaclasses;
-  for (std::size_t at = 0; at < metaclasses.size(); ++at) {
+  std::array<Metaclass, kMetaclassCount + 1> metaclasses{};
+  for (std::size_t at = 0; at < kDraft.fMetaclasses.size(); ++at) {
+    metaclasses[at] = kDraft.fMetaclasses[at];
     MetaclassLists<Run> const& lists = kDraft.fMetaclassLists[at];
     setLists(metaclasses[at], {listOf(lists.fSupers), listOf(lists.fAncestors), listOf(lists.fConcrete),
                                listOf(lists.fVisible), listOf(lists.fRequired)});
@@ -153,10 +166,23 @@ constexpr auto layouts() {
 namespace umlmm::engine {
 
 constinit std::array<Feature, kFeatureCount> records::sFeatures = catalogue::features();
-constinit std::array<Metaclass, kMetaclassCount> records::sMetaclasses = catalogue::metaclasses();
+constinit std::array<Metaclass, kMetaclassCount + 1> records::sMetaclasses = catalogue::metaclasses();
+bool conformsAdded(int aMetaclass, int aGeneral) noexcept {
+  auto const& ancestors = metaclass(aMetaclass).fAncestors;
+  return std::find(ancestors.begin(), ancestors.end(), aGeneral) != ancestors.end();
+}
+
 constinit std::span<Feature* const> records::sAddedFeatures;
 constinit std::span<Metaclass* const> records::sAddedMetaclasses;
 constinit std::array<Layout, kConcreteCount> const kLayouts = catalogue::layouts();
 constinit Conformance const kConformance = catalogue::kDraft.fConformance;
+constinit FeatureIndex const kOwnedElements = catalogue::kOwner.fOpposite;
+constinit Feature const kAppliedStereotypeInstance{.fName = "appliedStereotypeInstance",
+                                                   .fOwner = catalogue::kOwner.fOwner,
+                                                   .fType = catalogue::kOwner.fOwner,
+                                                   .fLower = 0,
+                                                   .fUpper = catalogue::kUnlimited,
+                                                   .fDerived = true,
+                                                   .fReadOnly = true};
 
 }  // namespace umlmm::engine

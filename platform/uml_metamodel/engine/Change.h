@@ -105,7 +105,7 @@ class Change {
   }
   /// Makes steps a change of their own.
   template <class Steps>
-  static auto together(Element const& aElement, Steps aSteps) {
+  [[gnu::noinline, gnu::cold]] static auto together(Element const& aElement, Steps aSteps) {
     Change change(*aElement.model());
     if constexpr (std::is_void_v<decltype(aSteps())>) {
       aSteps();

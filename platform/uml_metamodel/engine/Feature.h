@@ -1,6 +1,5 @@
 #pragma once
 
-#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <span>
@@ -33,12 +32,16 @@ enum class Storage : std::uint8_t {
 
 struct Feature {
   char const* fName = "";
-  std::uint16_t fOwner = 0;             ///< Metaclass that declares it.
-  std::uint16_t fType = 0;              ///< Metaclass, or enumeration, by index.
-  FeatureIndex fRoot = kNoFeature;      ///< The feature whose slot it is; itself unless it redefines one.
-  FeatureIndex fOpposite = kNoFeature;  ///< Root of the far end, or none.
+  Feature const* fRootRecord = nullptr;  ///< The record of `fRoot`.
+  std::uint16_t fOwner = 0;              ///< Metaclass that declares it.
+  std::uint16_t fType = 0;               ///< Metaclass, or enumeration, by index.
+  FeatureIndex fRoot = kNoFeature;       ///< The feature whose slot it is; itself unless it redefines one.
+  FeatureIndex fOpposite = kNoFeature;   ///< Root of the far end, or none.
   /// Of a containment or its far end: the topmost stored containment that holds the part.
   FeatureIndex fContainment = kNoFeature;
+  FeatureIndex fNamedOpposite = kNoFeature;  ///< The far end as the tables name it, or none.
+  /// Of a containment: the computed feature whose default is gone for good once a part leaves, or none.
+  FeatureIndex fForgetsDefaultOf = kNoFeature;
   FeatureIndex fIndex = kNoFeature;
   std::uint16_t fId = 0;
   std::int8_t fLower = 0;
@@ -55,6 +58,8 @@ struct Feature {
   bool fGivesNamespace : 1 = false;
   bool fGivesFeaturingClassifier : 1 = false;
   bool fGivesContext : 1 = false;
+  /// Of an added Boolean or enumeration: its bits on elements where it was never set.
+  std::uint8_t fUnsetBits : 5 = 0;
   char const* fDefault = "";  ///< As text; empty for none.
   /// Stored features that hold what this one holds, direct ones.
   std::span<FeatureIndex const> fSupersets = {};
@@ -66,11 +71,6 @@ struct Feature {
   std::span<FeatureIndex const> fAllSupersets = {};
   /// Features that it redefines directly.
   std::span<FeatureIndex const> fRedefined = {};
-  FeatureIndex fNamedOpposite = kNoFeature;  ///< The far end as the tables name it, or none.
-  /// Of a containment: the computed feature whose default is gone for good once a part leaves, or none.
-  FeatureIndex fForgetsDefaultOf = kNoFeature;
-  /// Of an added Boolean or enumeration: its bits on elements where it was never set.
-  std::uint32_t fUnsetBits = 0;
 
   bool isMany() const noexcept { return fUpper != 1; }
   bool isOptional() const noexcept { return fLower == 0 && fUpper == 1; }
@@ -128,11 +128,16 @@ using Conformance = std::array<std::uint64_t, (kMetaclassCount * kMetaclassCount
 
 extern std::array<Layout, kConcreteCount> const kLayouts;
 extern Conformance const kConformance;
+/// The feature of the root metaclass by which all elements have what they own.
+extern FeatureIndex const kOwnedElements;
+/// The kernel's feature for applied stereotypes, of which there are none yet. It stands in no table.
+extern Feature const kAppliedStereotypeInstance;
 
 /// Where the records are. An extension writes them, and nobody else; whoever asks calls the functions below.
 namespace records {
 extern std::array<Feature, kFeatureCount> sFeatures;
-extern std::array<Metaclass, kMetaclassCount> sMetaclasses;
+/// With an empty one behind the last.
+extern std::array<Metaclass, kMetaclassCount + 1> sMetaclasses;
 extern std::span<Feature* const> sAddedFeatures;
 extern std::span<Metaclass* const> sAddedMetaclasses;
 }  // namespace records
@@ -143,6 +148,8 @@ inline Feature const& feature(FeatureIndex aIndex) noexcept {
     return *records::sAddedFeatures[aIndex - std::size_t{kFeatureCount}];
   return records::sFeatures[aIndex];
 }
+/// The feature whose slot it is.
+inline Feature const& rootOf(Feature const& aFeature) noexcept { return *aFeature.fRootRecord; }
 inline FeatureIndex indexOf(Feature const& aFeature) noexcept { return aFeature.fIndex; }
 
 inline int metaclassCount() noexcept {
@@ -154,10 +161,12 @@ inline Metaclass const& metaclass(int aIndex) noexcept {
     return *records::sAddedMetaclasses[index - kMetaclassCount];
   return records::sMetaclasses[index];
 }
+/// The same where one of them is added.
+bool conformsAdded(int aMetaclass, int aGeneral) noexcept;
 /// Whether a metaclass is another one or a specialization of it.
 inline bool conforms(int aMetaclass, int aGeneral) noexcept {
   if (aMetaclass >= kMetaclassCount || aGeneral >= kMetaclassCount) [[unlikely]]
-    return std::ranges::count(metaclass(aMetaclass).fAncestors, aGeneral) != 0;
+    return conformsAdded(aMetaclass, aGeneral);
   unsigned const bit = static_cast<unsigned>(aMetaclass * kMetaclassCount + aGeneral);
   return (kConformance[bit / 64] >> (bit % 64) & 1) != 0;
 }

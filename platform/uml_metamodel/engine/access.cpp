@@ -33,7 +33,7 @@ PrimitiveKind primitiveKind(Feature const& aFeature) noexcept {
   }
 }
 
-Object readText(Element const& aElement, Feature const& aRoot) {
+[[gnu::always_inline]] inline Object readText(Element const& aElement, Feature const& aRoot) {
   auto const* text = pointerSlot<StringObject>(aElement, indexOf(aRoot));
   if (text == nullptr && aRoot.fLower > 0) text = StringObject::empty();
   return Object(text, Deviant());
@@ -55,7 +55,7 @@ struct FlagLayout {
   }
 };
 
-Object readFlag(Element const& aElement, Feature const& aRoot) {
+[[gnu::always_inline]] inline Object readFlag(Element const& aElement, Feature const& aRoot) {
   FlagLayout const layout(aRoot);
   std::uint32_t const bits = flagBits(aElement, indexOf(aRoot), layout.width());
   if (!layout.isPresent(bits)) return Object();
@@ -98,7 +98,7 @@ Element& referenceIn(Feature const& aFeature, Object const& aValue) {
 }
 
 void writeReference(Element& aElement, Feature const& aFeature, Object const& aValue) {
-  Feature const& root = feature(aFeature.fRoot);
+  Feature const& root = rootOf(aFeature);
   Element& value = referenceIn(aFeature, aValue);
   Element* const old = single(aElement, root);
   if (old == &value) return;
@@ -133,7 +133,7 @@ namespace {
 [[gnu::always_inline]] inline Object readValue(Element const& aElement, Deviant const& aDeviant,
                                                Feature const& aFeature) {
   checkReadable(aElement, aDeviant, kSource);
-  Feature const& root = feature(aFeature.fRoot);
+  Feature const& root = rootOf(aFeature);
   switch (root.fStorage) {
     case Storage::String:
       return readText(aElement, root);
@@ -168,13 +168,12 @@ Feature const& addedFeature(int aMetaclass, unsigned aId) {
   Kelm::raiseFailure(Kelm::words::kInvalidMetaPropertyId, kSource);
 }
 
-inline Feature const& featureAt(int aMetaclass, unsigned aId) {
-  if (aMetaclass != kAddedMetaclass) [[likely]] {
-    Metaclass const& owner = records::sMetaclasses[static_cast<std::size_t>(aMetaclass)];
-    if (aId - 1 < owner.fFeatureCount) [[likely]]
-      return records::sFeatures[owner.fFirstFeature + aId - 1];
-  }
-  return addedFeature(aMetaclass, aId);
+[[gnu::always_inline]] inline Feature const& featureAt(int aMetaclass, unsigned aId) {
+  // There is a record behind the last, for the metaclasses of extensions; it has no features.
+  Metaclass const& owner = records::sMetaclasses[static_cast<std::size_t>(aMetaclass)];
+  if (aId - 1 >= owner.fFeatureCount) [[unlikely]]
+    return addedFeature(aMetaclass, aId);
+  return records::sFeatures[owner.fFirstFeature + aId - 1];
 }
 
 /// The element, if its metaclass has the feature.
@@ -213,29 +212,29 @@ void writeSingle(Element& aElement, Deviant const&, Feature const& aFeature, Obj
   writeReference(aElement, aFeature, aValue);
 }
 void unsetSingle(Element& aElement, Deviant const&, Feature const& aFeature) {
-  setReference(aElement, feature(aFeature.fRoot), nullptr);
+  setReference(aElement, rootOf(aFeature), nullptr);
 }
 void unsetFlag(Element& aElement, Deviant const&, Feature const& aFeature) {
-  resetFlag(aElement, feature(aFeature.fRoot));
+  resetFlag(aElement, rootOf(aFeature));
 }
 
 constexpr StorageKind kSingle{hasValue, writeSingle, unsetSingle};
 constexpr StorageKind kFlag{hasValue,
                             [](Element& e, Deviant const&, Feature const& f, Object const& v) {
-                              Feature const& root = feature(f.fRoot);
+                              Feature const& root = rootOf(f);
                               writeFlag(e, root, numberIn(root, v));
                             },
                             unsetFlag};
 constexpr StorageKind kEnumeration{hasValue,
                                    [](Element& e, Deviant const&, Feature const& f, Object const& v) {
-                                     Feature const& root = feature(f.fRoot);
+                                     Feature const& root = rootOf(f);
                                      writeFlag(e, root, literalIn(root, v));
                                    },
                                    unsetFlag};
 constexpr StorageKind kInteger{
     hasValue,
     [](Element& e, Deviant const&, Feature const& f, Object const& v) {
-      Change::setInteger(e, f.fRoot, numberIn(feature(f.fRoot), v));
+      Change::setInteger(e, f.fRoot, numberIn(rootOf(f), v));
     },
     [](Element& e, Deviant const&, Feature const& f) { Change::setInteger(e, f.fRoot, 0); }};
 constexpr StorageKind kString{
@@ -245,9 +244,9 @@ constexpr StorageKind kString{
     [](Element& e, Deviant const&, Feature const& f, Object const& v) {
       StringObject const* const text = Kelm::asString(v);
       if (text == nullptr) failures::raiseNotAValue(kSource, f);
-      Change::setText(e, feature(f.fRoot), text);
+      Change::setText(e, rootOf(f), text);
     },
-    [](Element& e, Deviant const&, Feature const& f) { Change::setText(e, feature(f.fRoot), nullptr); }};
+    [](Element& e, Deviant const&, Feature const& f) { Change::setText(e, rootOf(f), nullptr); }};
 constexpr StorageKind kList{[](Reading e, Feature const&, Feature const& r) { return countOf(*e, r) != 0; },
                             // A redefinition may have narrowed the list to one value.
                             writeSingle, assignNothing};
@@ -274,14 +273,14 @@ constexpr StorageKind const* kKinds[] = {&kFlag, &kEnumeration,   &kInteger, &kS
                                          &kList, &kPrimitiveList, &kSingle,  &kComputed};
 
 StorageKind const& kindOf(Feature const& aFeature) noexcept {
-  return *kKinds[static_cast<std::size_t>(feature(aFeature.fRoot).fStorage)];
+  return *kKinds[static_cast<std::size_t>(rootOf(aFeature).fStorage)];
 }
 
 }  // namespace
 
 bool isSet(Element const& aElement, Deviant const& aDeviant, Feature const& aFeature) {
   checkReadable(aElement, aDeviant, kSource);
-  return kindOf(aFeature).fIsSet({aElement, aDeviant}, aFeature, feature(aFeature.fRoot));
+  return kindOf(aFeature).fIsSet({aElement, aDeviant}, aFeature, rootOf(aFeature));
 }
 
 void write(Element& aElement, Deviant const& aDeviant, Feature const& aFeature, Object const& aValue) {
@@ -301,7 +300,7 @@ Kelm::Generic::SequenceIntf* sequence(Element const& aElement, Deviant const& aD
   checkReadable(aElement, aDeviant, kSource);
   if (!aFeature.isMany()) failures::raiseSingleExpected(kSource, aFeature);
   auto& element = const_cast<Element&>(aElement);
-  if (aFeature.fStorage == Storage::PrimitiveList) return &valueSequence(element, feature(aFeature.fRoot));
+  if (aFeature.fStorage == Storage::PrimitiveList) return &valueSequence(element, rootOf(aFeature));
   return &FeatureSequence::of(element, aFeature);
 }
 
@@ -309,8 +308,8 @@ void assign(Element& aElement, Deviant const& aDeviant, Feature const& aFeature,
             Kelm::Generic::SequenceIntf const* aValues, Deviant const& aValuesDeviant) {
   checkMutable(aElement, aDeviant, aFeature, kSource);
   if (aFeature.fStorage == Storage::PrimitiveList) {
-    checkValueType(valueSequence(aElement, feature(aFeature.fRoot)), aValues, aFeature);
-    return assignValues(aElement, feature(aFeature.fRoot), aDeviant, aValues, aValuesDeviant);
+    checkValueType(valueSequence(aElement, rootOf(aFeature)), aValues, aFeature);
+    return assignValues(aElement, rootOf(aFeature), aDeviant, aValues, aValuesDeviant);
   }
   FeatureSequence& own = FeatureSequence::of(aElement, aFeature);
   if (aValues == &own) return;

@@ -83,6 +83,9 @@ void fillTable(Entry& aEntry, Layout const& aLayout, ElementClass const& aClass,
   table.fListWords = aLayout.fListWords;
   table.fSequenceWords = aLayout.fSequenceWords;
   table.fDefaultFlags = aLayout.fDefaultFlags;
+  for (unsigned const general : metaclass(aLayout.fMetaclass).fAncestors)
+    if (general < ClassTable::kGeneralsLimit)
+      table.fGenerals[general / 64] |= std::uint64_t{1} << general % 64;
   table.fMetaclass = aLayout.fMetaclass;
   table.fIndex = static_cast<std::uint16_t>(&aClass - kElementClasses);
   fillInterfaces(aEntry, aClass);

@@ -5,7 +5,6 @@
 
 #include "engine/FeatureSequence.h"
 #include "engine/failures.h"
-#include "engine/ids.h"
 #include "engine/links.h"
 
 namespace umlmm::engine {
@@ -59,35 +58,6 @@ Derivation const& derivationOf(Feature const& aFeature) noexcept { return *deriv
 bool hasDerivation(Feature const& aFeature) noexcept { return derivationIn(aFeature) != nullptr; }
 
 }  // namespace
-
-Feature const kAppliedStereotypeInstance{.fName = "appliedStereotypeInstance",
-                                         .fOwner = ids::metaclass::Element,
-                                         .fType = ids::metaclass::Element,
-                                         .fRoot = kNoFeature,
-                                         .fOpposite = kNoFeature,
-                                         .fContainment = kNoFeature,
-                                         .fIndex = kNoFeature,
-                                         .fId = 0,
-                                         .fLower = 0,
-                                         .fUpper = -1,
-                                         .fValueType = ValueType::Reference,
-                                         .fStorage = Storage::Computed,
-                                         .fComposite = false,
-                                         .fOrdered = false,
-                                         .fUnique = true,
-                                         .fDerived = true,
-                                         .fUnion = false,
-                                         .fReadOnly = true,
-                                         .fGivesNamespace = false,
-                                         .fGivesFeaturingClassifier = false,
-                                         .fGivesContext = false,
-                                         .fDefault = "",
-                                         .fSupersets = {},
-                                         .fSubsets = {},
-                                         .fNarrowings = {},
-                                         .fAllSupersets = {},
-                                         .fRedefined = {},
-                                         .fNamedOpposite = kNoFeature};
 
 void computeValues(Reading aElement, Feature const& aFeature, std::vector<Element*>& aOut) {
   if (&aFeature == &kAppliedStereotypeInstance) return;

@@ -28,9 +28,6 @@ struct Derivation {
 /// catalogue: a computed feature without one fails to link.
 extern Derivation const* const kDerivations[kFeatureCount];
 
-/// The kernel's feature for applied stereotypes, of which there are none yet. It stands in no table.
-extern Feature const kAppliedStereotypeInstance;
-
 void computeValues(Reading aElement, Feature const& aFeature, std::vector<Element*>& aOut);
 Kelm::Object computeValue(Reading aElement, Feature const& aFeature);
 void setComputed(Reading aElement, Feature const& aFeature, Kelm::Object const& aValue);

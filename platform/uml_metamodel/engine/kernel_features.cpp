@@ -12,7 +12,6 @@
 #include "engine/computed.h"
 #include "engine/engine.h"
 #include "engine/failures.h"
-#include "engine/ids.h"
 #include "engine/links.h"
 #include "engine/metaobjects.h"
 #include "kelm/ElementQueries.h"
@@ -129,7 +128,7 @@ void setKernelEntry(Element* aElement, Deviant const& aDeviant, unsigned aId, Ke
 Sequence* kernelSequence(Element const* aElement, Deviant const& aDeviant, unsigned aId) {
   checkReadable(*aElement, aDeviant, kSource);
   if (aId == ClassObjectIntf::ContaineeKelm)
-    return &FeatureSequence::of(const_cast<Element&>(*aElement), feature(ids::Element::OwnedElement));
+    return &FeatureSequence::of(const_cast<Element&>(*aElement), feature(kOwnedElements));
   if (aId == ClassObjectIntf::AppliedStereotypeInstance)
     return &FeatureSequence::of(const_cast<Element&>(*aElement), kAppliedStereotypeInstance);
   return nullptr;

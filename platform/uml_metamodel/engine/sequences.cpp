@@ -26,7 +26,7 @@ std::vector<Element*> withoutRepeats(std::vector<Element*> const& aValues) {
 class StoredSequence final : public FeatureSequence {
  public:
   StoredSequence(Element& aElement, Feature const& aFeature) noexcept
-      : FeatureSequence(aElement, aFeature), fRoot(feature(aFeature.fRoot)) {}
+      : FeatureSequence(aElement, aFeature), fRoot(rootOf(aFeature)) {}
 
   void assign(Deviant const&, std::vector<Element*> const& aValues) override {
     std::vector<Element*> const wanted = withoutRepeats(aValues);
@@ -163,8 +163,8 @@ FeatureSequence& computedSequence(Element& aElement, Feature const& aFeature) {
 
 FeatureSequence& FeatureSequence::of(Element& aElement, Feature const& aFeature) {
   if (aFeature.fStorage == Storage::Computed) return computedSequence(aElement, aFeature);
-  auto*& proxy = Change::list(aElement, feature(aFeature.fRoot)).fProxy;
-  if (proxy == nullptr) proxy = new StoredSequence(aElement, feature(aFeature.fRoot));
+  auto*& proxy = Change::list(aElement, rootOf(aFeature)).fProxy;
+  if (proxy == nullptr) proxy = new StoredSequence(aElement, rootOf(aFeature));
   return static_cast<FeatureSequence&>(*proxy);
 }
 

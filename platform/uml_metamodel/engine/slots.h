@@ -35,7 +35,7 @@ inline std::uint8_t slotOf(Element const& aElement, FeatureIndex aRoot) noexcept
 
 /// The word of a feature that an extension has added: what the element has beside its slots, or what the
 /// feature has on elements where it was never set.
-std::uint64_t addedWord(Element const& aElement, FeatureIndex aRoot) noexcept;
+[[gnu::cold]] std::uint64_t addedWord(Element const& aElement, FeatureIndex aRoot) noexcept;
 
 /// The pointer word of a string, reference or list.
 template <class T>
@@ -73,7 +73,10 @@ inline constexpr unsigned kEnumerationBits = 4;
 
 inline int metaclassOf(Element const& aElement) noexcept { return aElement.classTable()->fMetaclass; }
 inline bool isA(Element const& aElement, int aMetaclass) noexcept {
-  return conforms(metaclassOf(aElement), aMetaclass);
+  if (aMetaclass >= Kelm::ClassTable::kGeneralsLimit) [[unlikely]]
+    return conformsAdded(metaclassOf(aElement), aMetaclass);
+  auto const bit = static_cast<unsigned>(aMetaclass);
+  return (aElement.classTable()->fGenerals[bit / 64] >> (bit % 64) & 1) != 0;
 }
 /// Whether elements of the metaclass have the feature, and keep its value themselves.
 inline bool hasSlot(Element const& aElement, FeatureIndex aRoot) noexcept {

@@ -37,15 +37,6 @@ catalogue::Few few(std::string const& aName, std::vector<Item> const& aItems, au
   return found;
 }
 
-/// Which features all elements have whose owners they are; the far end of the union of owners.
-FeatureIndex ownedElements() {
-  for (FeatureIndex index = 0; index < engine::kFeatureCount; ++index)
-    if (engine::metaclass(engine::feature(index).fOwner).fSupers.empty() && engine::feature(index).fUnion &&
-        engine::feature(index).fComposite)
-      return index;
-  return engine::kNoFeature;
-}
-
 }  // namespace
 
 struct MetamodelExtension::Rows {
@@ -194,7 +185,8 @@ MetamodelExtension::Feature MetamodelExtension::addFeature(Metaclass aOwner, Fea
   if (int const owner = fRows->declaring(aOwner.fIndex, aRow.fName); owner >= 0 && row.fRedefines.empty())
     refuse(name + " has the name of a feature of " + fRows->nameOf(owner) +
            "; redefine that, or choose another");
-  if (row.fComposite && row.fSubsets.empty() && row.fRedefines.empty()) row.fSubsets.add(ownedElements());
+  if (row.fComposite && row.fSubsets.empty() && row.fRedefines.empty())
+    row.fSubsets.add(engine::kOwnedElements);
   kept.fFeatures.push_back({static_cast<std::uint16_t>(aOwner.fIndex), row});
   return Feature(static_cast<std::uint16_t>(number));
 }

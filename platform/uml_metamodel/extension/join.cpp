@@ -93,7 +93,8 @@ class Draft {
     for (Index index = 0; index < fRows.featureCount(); ++index) {
       fFeatures.push_back(catalogue::record(fRows, index));
       catalogue::setLists(fFeatures.back(), catalogue::listsOf(fRows, index, keep));
-      if (engine::isAdded(index)) fFeatures.back().fUnsetBits = unsetBits(fRows.row(index));
+      fFeatures.back().fRootRecord = &recordOf(fFeatures.back().fRoot);
+      if (engine::isAdded(index)) fFeatures.back().fUnsetBits = unsetBits(fRows.row(index)) & 31;
       // Accessors of added metaclasses know the features by their numbers among all added ones.
       if (fFeatures.back().fOwner >= kMetaclassCount)
         fFeatures.back().fId = static_cast<std::uint16_t>(index - kFeatureCount + 1);
@@ -125,6 +126,11 @@ class Draft {
   }
 
  private:
+  /// Where a record is going to stand.
+  engine::Feature const& recordOf(Index aIndex) const noexcept {
+    return engine::isAdded(aIndex) ? *fJoined.fFeaturesByIndex[aIndex - std::size_t{kFeatureCount}]
+                                   : records::sFeatures[aIndex];
+  }
   List kept(auto const& aItems) { return fLists->fIndices.emplace_back(aItems.begin(), aItems.end()); }
 
   void addMetaclass(Index aIndex) {

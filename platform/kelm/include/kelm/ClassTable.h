@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 
 #include "kelm/fwd.h"
@@ -27,6 +28,10 @@ struct ElementEngine {
 /// all threads read them without locks.
 struct ClassTable {
   static constexpr std::int16_t kNoInterface = INT16_MIN;
+
+  /// Bit by metaclass, as far as there is room: the elements' own and all above it.
+  std::array<std::uint64_t, 4> fGenerals;
+  static constexpr int kGeneralsLimit = 256;
 
   char const* fVeskName;           ///< "umlmm.Class"
   char const* fImmutableVeskName;  ///< "umlmm.ImmutableClass"
