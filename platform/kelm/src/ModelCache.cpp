@@ -35,6 +35,7 @@ std::u16string ModelCache::getNextAvailableModelUri(std::u16string const& aBase)
 void ModelCache::bindModel(std::u16string const& aUri, Model const& aModel) {
   if (aModel.isNull()) raiseNullReference("kelm/Kelm/Model_h");
   auto const own = guard();
+  std::u16string uri(aUri);
   auto const [entry, isNew] = fModels.try_emplace(aUri, aModel);
   if (!isNew) {
     if (entry->second.get() == aModel.get()) return;
@@ -43,10 +44,16 @@ void ModelCache::bindModel(std::u16string const& aUri, Model const& aModel) {
   }
   auto const known = fUris.find(aModel.get());
   if (known == fUris.end()) {
-    fUris.emplace(aModel.get(), aUri);
+    try {
+      fUris.emplace(aModel.get(), std::move(uri));
+    } catch (...) {
+      fModels.erase(entry);
+      throw;
+    }
     return;
   }
-  std::u16string const old = std::exchange(known->second, aUri);
+  // Nothing can fail from here on.
+  std::u16string const old = std::exchange(known->second, std::move(uri));
   fModels.erase(old);
   forgetNumber(old);
 }

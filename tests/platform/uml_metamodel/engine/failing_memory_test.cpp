@@ -343,4 +343,28 @@ TEST(FailingMemory, LeavesNothingOfARefusedExtension) {
   }
 }
 
+TEST(FailingMemory, LeavesTheCacheAsItWas) {
+  auto const model = Kelm::NSInterface::FactoryIntf::createNewModel();
+  auto& cache = Kelm::ModelCache::instance();
+  cache.unbindModel(model.object());
+  // A first uri, and another one.
+  for (std::u16string const uri :
+       {u"a uri that is too long for a text without memory of its own", u"another, long enough too"})
+    for (int failsAt = 1;; ++failsAt) {
+      bool const wasBound = cache.isBound(model.object());
+      sequence_suite::sAllocationFailsAt = failsAt;
+      try {
+        cache.bindModel(uri, model);
+      } catch (std::bad_alloc const&) {
+      }
+      bool const failed = sequence_suite::sAllocationFailsAt == 0;
+      sequence_suite::sAllocationFailsAt = 0;
+      EXPECT_EQ(cache.isBound(model.object()), wasBound || !failed) << failsAt;
+      EXPECT_EQ(cache.findModel(uri).isNull(), failed) << failsAt;
+      if (!failed) break;
+    }
+  model.object().close();
+  EXPECT_TRUE(cache.findModel(u"another, long enough too").isNull());
+}
+
 }  // namespace
