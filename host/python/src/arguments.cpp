@@ -17,7 +17,6 @@ namespace vesk::python {
 namespace {
 
 namespace cost = host::cost;
-using host::Carrier;
 using host::ClassRecord;
 
 [[noreturn]] void throwRange(PyObject* object, std::string const& accepted) {

@@ -103,7 +103,7 @@ class Consequences {
       fOwn[aOwner].add(features);
       fRows[features++] = &aRow;
     };
-    for (Index metaclass = 0; metaclass < aRows.size(); ++metaclass) {
+    for (Index metaclass = 0; metaclass < metaclassCount(); ++metaclass) {
       for (FeatureRow const& row : aRows[metaclass]->fFeatures) add(metaclass, row);
       visit(metaclass, fAncestors[metaclass]);
       if (isConcrete(metaclass))
@@ -118,7 +118,8 @@ class Consequences {
   constexpr Index ownerOf(Index aFeature) const { return fOwners[aFeature]; }
   /// The features that a metaclass declares, by id.
   constexpr Indices const& own(Index aMetaclass) const { return fOwn[aMetaclass]; }
-  constexpr std::size_t featureCount() const { return fFeatureCount; }
+  constexpr Index featureCount() const { return static_cast<Index>(fFeatureCount); }
+  constexpr Index metaclassCount() const { return static_cast<Index>(fMetaclasses.size()); }
   constexpr bool isMany(Index aFeature) const { return row(aFeature).fUpper != 1; }
   constexpr bool isReference(Index aFeature) const {
     return row(aFeature).fType.fKind == ValueType::Reference;
@@ -253,7 +254,7 @@ class Consequences {
     return false;
   }
   constexpr void noteRelations() {
-    for (Index feature = 0; feature < fFeatureCount; ++feature) {
+    for (Index feature = 0; feature < featureCount(); ++feature) {
       for (Index const wide : row(feature).fSubsets) fSubsettedBy[wide].add(feature);
       for (Index const hidden : row(feature).fRedefines) fRedefinedBy[hidden].add(feature);
       Index top = feature;
@@ -265,12 +266,12 @@ class Consequences {
       }
       if (row(feature).fRole != Role::None) fRoles[static_cast<std::size_t>(row(feature).fRole)] = feature;
     }
-    for (Index feature = 0; feature < fFeatureCount; ++feature) {
+    for (Index feature = 0; feature < featureCount(); ++feature) {
       fStorages[feature] = storageOf(feature);
       fSupersets[feature] = supersets(feature);
     }
-    for (Index feature = 0; feature < fFeatureCount; ++feature) fClosures[feature] = closureOf(feature);
-    for (Index feature = 0; feature < fFeatureCount; ++feature)
+    for (Index feature = 0; feature < featureCount(); ++feature) fClosures[feature] = closureOf(feature);
+    for (Index feature = 0; feature < featureCount(); ++feature)
       if (!row(feature).fUnion) addUnionsAbove(feature, fUnionsAbove[feature]);
   }
   constexpr Storage storageOf(Index aRoot) const {

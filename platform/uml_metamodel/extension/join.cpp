@@ -99,7 +99,7 @@ class Draft {
       if (fFeatures.back().fOwner >= kMetaclassCount)
         fFeatures.back().fId = static_cast<std::uint16_t>(index - kFeatureCount + 1);
     }
-    for (Index index = 0; index < fRows.metaclasses().size(); ++index) addMetaclass(index);
+    for (Index index = 0; index < fRows.metaclassCount(); ++index) addMetaclass(index);
   }
 
   /// Raises for a concrete metaclass from `aFirst` on that no class of C++ can stand for.
@@ -161,8 +161,8 @@ class Attempt {
       : fJoined(aJoined),
         fMetaclassCount(aJoined.fMetaclassRows.size()),
         fFeatureCount(aJoined.fFeatureRows.size()) {
-    for (Index index = 0; index < kFeatureCount + fFeatureCount; ++index)
-      fFeatures.push_back(engine::feature(index));
+    for (std::size_t index = 0; index < kFeatureCount + fFeatureCount; ++index)
+      fFeatures.push_back(engine::feature(static_cast<Index>(index)));
     for (int index = 0; index < engine::metaclassCount(); ++index)
       fMetaclasses.push_back(engine::metaclass(index));
     try {

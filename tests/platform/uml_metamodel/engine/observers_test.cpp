@@ -54,7 +54,9 @@ TEST_F(ObserversTest, ValuesLinksAndElements) {
   clazz.getOwnedAttribute().push_back(property);
   property.setType(clazz);
   property.setLower(umlmm::Integer(0));
-  EXPECT_EQ(told(), "new 2; in 1.ownedAttribute 2; in 2.type 1; new 3, in 2.lowerValue 3, set 3.value, set 2.lower; ");
+  EXPECT_EQ(
+      told(),
+      "new 2; in 1.ownedAttribute 2; in 2.type 1; new 3, in 2.lowerValue 3, set 3.value, set 2.lower; ");
   auto const body = make<umlmm::OpaqueExpression>();
   body.getBody().push_back(umlmm::String(std::u16string(u"a")));
   body.getBody().push_back(umlmm::String(std::u16string(u"b")));
