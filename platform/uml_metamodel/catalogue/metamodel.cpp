@@ -127,12 +127,14 @@ constexpr auto kUnions = [] {
 constexpr auto kSlots = kDraft.fSlots;
 
 constexpr auto features() {
-  auto features = kDraft.fFeatures;
-  for (std::size_t at = 0; at < features.size(); ++at) {
-    features[at].fRootRecord = &engine::records::sFeatures[features[at].fRoot];
+  engine::records::Features features{};
+  for (std::size_t at = 0; at < kFeatureCount; ++at) {
+    Feature& feature = features.fRecords[at];
+    feature = kDraft.fFeatures[at];
+    feature.fRootRecord = &engine::records::sFeatures.fRecords[feature.fRoot];
     FeatureLists<Run> const& lists = kDraft.fFeatureLists[at];
-    setLists(features[at], {listOf(lists.fSupersets), listOf(lists.fSubsets), listOf(lists.fNarrowings),
-                            listOf(lists.fAllSupersets), listOf(lists.fRedefined)});
+    setLists(feature, {listOf(lists.fSupersets), listOf(lists.fSubsets), listOf(lists.fNarrowings),
+                       listOf(lists.fAllSupersets), listOf(lists.fRedefined)});
   }
   return features;
 }
@@ -165,7 +167,7 @@ constexpr auto layouts() {
 
 namespace umlmm::engine {
 
-constinit std::array<Feature, kFeatureCount> records::sFeatures = catalogue::features();
+constinit records::Features records::sFeatures = catalogue::features();
 constinit std::array<Metaclass, kMetaclassCount + 1> records::sMetaclasses = catalogue::metaclasses();
 bool conformsAdded(int aMetaclass, int aGeneral) noexcept {
   auto const& ancestors = metaclass(aMetaclass).fAncestors;

@@ -135,7 +135,12 @@ extern Feature const kAppliedStereotypeInstance;
 
 /// Where the records are. An extension writes them, and nobody else; whoever asks calls the functions below.
 namespace records {
-extern std::array<Feature, kFeatureCount> sFeatures;
+/// Records point at records beside them, which a std::array could not do while it is made.
+struct Features {
+  Feature fRecords[kFeatureCount];
+  Feature& operator[](std::size_t aIndex) noexcept { return fRecords[aIndex]; }
+};
+extern Features sFeatures;
 /// With an empty one behind the last.
 extern std::array<Metaclass, kMetaclassCount + 1> sMetaclasses;
 extern std::span<Feature* const> sAddedFeatures;
