@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <exception>
 #include <memory>
+#include <new>
 #include <optional>
 #include <vector>
 
@@ -140,6 +141,12 @@ class ValueSequence final : public Proxy {
     return Proxy::splice(aDeviant, aFirst, aRemoved, aValues);
   }
 
+  /// Without a check, as the element has gone. Iterators go on with what they stand on where memory fails.
+  void forget() noexcept try {
+    if (!target().generic_empty(Deviant())) Proxy::generic_clear(Deviant());
+  } catch (std::bad_alloc const&) {
+  }
+
   void specialized_assign(SequenceIntf const* aOther, Deviant const& aDeviant, bool& aResult) override {
     assignValues(fElement, fRoot, aDeviant, aOther, aDeviant);
     aResult = true;
@@ -216,6 +223,8 @@ SequenceIntf& valueSequence(Element& aElement, Feature const& aRoot) {
     return made;
   });
 }
+
+void forgetValues(SequenceIntf& aSequence) noexcept { static_cast<ValueSequence&>(aSequence).forget(); }
 
 void assignValues(Element& aElement, Feature const& aRoot, Deviant const& aDeviant,
                   SequenceIntf const* aValues, Deviant const& aValuesDeviant) {

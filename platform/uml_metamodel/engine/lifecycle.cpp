@@ -7,6 +7,7 @@
 #include "engine/HeldElements.h"
 #include "engine/ModelIndex.h"
 #include "engine/Referrers.h"
+#include "engine/ValueSequence.h"
 #include "engine/classes.h"
 #include "engine/engine.h"
 #include "engine/kernel_features.h"
@@ -143,9 +144,16 @@ void emptySlots(Element& aElement) noexcept {
   forEachWord(aElement.classTable()->fListWords, [&](unsigned aWord) {
     if (auto* const list = static_cast<ElementList*>(wordAt(aElement, aWord))) list->clear();
   });
+  forEachWord(aElement.classTable()->fSequenceWords, [&](unsigned aWord) {
+    if (void* const values = wordAt(aElement, aWord))
+      forgetValues(*static_cast<Kelm::Generic::SequenceIntf*>(values));
+  });
   forEachAdded(aElement, [](Feature const& aAdded, std::uint64_t& aWord) {
     if (aAdded.fStorage == Storage::Reference) aWord = 0;
-    if (aAdded.fStorage == Storage::List && aWord != 0) reinterpret_cast<ElementList*>(aWord)->clear();
+    if (aWord == 0) return;
+    if (aAdded.fStorage == Storage::List) reinterpret_cast<ElementList*>(aWord)->clear();
+    if (aAdded.fStorage == Storage::PrimitiveList)
+      forgetValues(*reinterpret_cast<Kelm::Generic::SequenceIntf*>(aWord));
   });
 }
 

@@ -98,3 +98,15 @@ def test_an_iterator_of_a_list_does_not_stand_at_an_element_made_in_the_place_of
         package.packagedElement.append(umlmm.Class(model))
         with pytest.raises(Kelm.Error, match="out of bounds"):
             iterator.item()
+
+
+@pytest.mark.parametrize("make", [texts_of_a_feature, unique_texts_of_a_feature, parts])
+def test_an_iterator_of_a_destroyed_element_raises(model, make):
+    sequence, values, _ = make(model)
+    sequence.extend(values)
+    iterator = sequence.begin()
+    for element in list(model.allElements()):
+        if element.isvalid():
+            element.destroy()
+    with pytest.raises(Kelm.Error):
+        iterator.item()
