@@ -1,7 +1,7 @@
 #pragma once
 
 #include "frame/ElementClassInfo.h"
-#include "kelm_mi/sequences/rows.h"
+#include "kelm_mi/sequences/valueSequences.h"
 #include "vesk/factory/BindingRegistry.h"
 
 namespace Kelm::mi {

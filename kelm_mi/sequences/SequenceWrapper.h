@@ -2,7 +2,7 @@
 
 #include "frame/ElementClassInfo.h"
 #include "kelm/kernel/containers/sequence/SequenceCreator.h"
-#include "kelm_mi/sequences/rows.h"
+#include "kelm_mi/sequences/valueSequences.h"
 #include "vesk/factory/BindingRegistry.h"
 
 namespace Kelm::mi {

@@ -5,7 +5,7 @@
 
 #include "engine/Change.h"
 #include "kelm/Asserter.h"
-#include "reflection/meta.h"
+#include "reflection/reflection.h"
 
 namespace umlmm {
 

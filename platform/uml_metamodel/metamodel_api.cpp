@@ -1,10 +1,10 @@
 #include "engine/Change.h"
-#include "engine/access.h"
-#include "engine/classes.h"
+#include "engine/classTables.h"
 #include "engine/engine.h"
 #include "engine/failures.h"
+#include "engine/featureAccess.h"
 #include "engine/links.h"
-#include "reflection/meta.h"
+#include "reflection/reflection.h"
 #include "uml_metamodel/umlmm/detail/metamodel.h"
 
 namespace umlmm {

@@ -5,7 +5,7 @@
 #include <cstring>
 
 #include "classes.h"
-#include "failures.h"
+#include "errors.h"
 #include "instances.h"
 #include "lists.h"
 #include "names.h"

@@ -2,7 +2,7 @@
 
 #include "arguments.h"
 #include "classes.h"
-#include "failures.h"
+#include "errors.h"
 #include "instances.h"
 #include "names.h"
 #include "results.h"

@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "arguments.h"
-#include "failures.h"
+#include "errors.h"
 #include "instances.h"
 #include "lists.h"
 #include "members.h"

@@ -1,6 +1,6 @@
 #include <string>
 
-#include "failures.h"
+#include "errors.h"
 #include "names.h"
 #include "packages.h"
 #include "vesk/Detail.h"

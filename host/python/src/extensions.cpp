@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "classes.h"
-#include "failures.h"
+#include "errors.h"
 #include "instances.h"
 #include "names.h"
 #include "packages.h"

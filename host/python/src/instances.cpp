@@ -5,7 +5,7 @@
 #include <new>
 
 #include "classes.h"
-#include "failures.h"
+#include "errors.h"
 #include "members.h"
 #include "names.h"
 #include "results.h"

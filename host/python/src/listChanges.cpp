@@ -6,7 +6,7 @@
 #include "arguments.h"
 #include "calls.h"
 #include "classes.h"
-#include "failures.h"
+#include "errors.h"
 #include "instances.h"
 #include "listAccess.h"
 #include "lists.h"

@@ -3,7 +3,7 @@
 #include <vector>
 
 #include "classes.h"
-#include "failures.h"
+#include "errors.h"
 #include "instances.h"
 #include "listAccess.h"
 #include "lists.h"

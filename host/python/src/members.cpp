@@ -8,7 +8,7 @@
 #include "arguments.h"
 #include "calls.h"
 #include "classes.h"
-#include "failures.h"
+#include "errors.h"
 #include "instances.h"
 #include "lists.h"
 #include "names.h"

@@ -2,7 +2,7 @@
 
 #include "arguments.h"
 #include "classes.h"
-#include "failures.h"
+#include "errors.h"
 #include "instances.h"
 #include "lists.h"
 #include "members.h"

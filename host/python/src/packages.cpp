@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "classes.h"
-#include "failures.h"
+#include "errors.h"
 #include "members.h"
 #include "names.h"
 #include "vesk/VeskError.h"

@@ -3,7 +3,7 @@
 #include "derivations/derivations.h"
 #include "engine/Change.h"
 #include "engine/Referrers.h"
-#include "engine/access.h"
+#include "engine/featureAccess.h"
 #include "queries/queries.h"
 
 namespace umlmm::derivations {

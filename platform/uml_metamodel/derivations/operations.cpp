@@ -1,7 +1,7 @@
 #include "derivations/derivations.h"
-#include "engine/access.h"
 #include "engine/engine.h"
 #include "engine/failures.h"
+#include "engine/featureAccess.h"
 #include "engine/links.h"
 #include "queries/queries.h"
 #include "uml_metamodel/umlmm/ParameterDirectionKind.h"

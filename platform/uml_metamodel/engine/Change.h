@@ -17,7 +17,7 @@ inline constexpr std::uint32_t kAtEnd = UINT32_MAX;
 /// The gate through which everything changes that elements hold. Its steps are all there are: each is made as
 /// a whole or not at all, takes the model to its next revision and keeps the books of who refers to whom.
 /// Checks, and what follows from a step at far ends and in supersets, are the business of `links.h` and
-/// `access.h`.
+/// `featureAccess.h`.
 ///
 /// A change of several steps that may fail in the middle is a `Change` object: it notes what was there before
 /// each step, and takes all of them back when it ends without `commit`. One that is made while another is

@@ -5,8 +5,8 @@
 
 #include "engine/Change.h"
 #include "engine/ElementRef.h"
-#include "engine/access.h"
 #include "engine/failures.h"
+#include "engine/featureAccess.h"
 #include "kelm/kernel/containers/Ref.h"
 #include "kelm/kernel/containers/iterator/IteratorProxy.h"
 #include "kelm/kernel/containers/sources.h"

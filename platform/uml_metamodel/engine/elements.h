@@ -2,7 +2,7 @@
 
 #include <new>
 
-#include "engine/classes.h"
+#include "engine/classTables.h"
 #include "uml_metamodel/umlmm/detail/metamodel.h"
 
 /// The concrete classes of elements. All behaviour is in the kernel part and the engine, so that a class of

@@ -8,7 +8,7 @@
 #include "engine/FeatureSequence.h"
 #include "engine/ModelIndex.h"
 #include "engine/Referrers.h"
-#include "engine/classes.h"
+#include "engine/classTables.h"
 #include "engine/computed.h"
 #include "engine/engine.h"
 #include "engine/failures.h"

@@ -8,7 +8,7 @@
 #include "engine/ModelIndex.h"
 #include "engine/Referrers.h"
 #include "engine/ValueSequence.h"
-#include "engine/classes.h"
+#include "engine/classTables.h"
 #include "engine/engine.h"
 #include "engine/kernel_features.h"
 #include "engine/links.h"

@@ -6,8 +6,8 @@
 #include "engine/Change.h"
 
 /// References between elements: stored slots, their far ends, subsets and the one container of an element,
-/// all driven by the table of features. Nothing here asks for writability: see access.h. A `aRoot` is a
-/// feature with a slot or a container view, on the metaclass of the owner; owner and value are alive and of
+/// all driven by the table of features. Nothing here asks for writability: see featureAccess.h. A `aRoot` is
+/// a feature with a slot or a container view, on the metaclass of the owner; owner and value are alive and of
 /// one model.
 namespace umlmm::engine {
 

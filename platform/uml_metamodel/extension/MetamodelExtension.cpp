@@ -7,7 +7,7 @@
 #include "engine/failures.h"
 #include "extension/join.h"
 #include "metamodel/metamodel.h"
-#include "reflection/meta.h"
+#include "reflection/reflection.h"
 #include "uml_metamodel/umlmm/detail/metamodel.h"
 
 namespace umlmm {

@@ -5,11 +5,11 @@
 #include <vector>
 
 #include "catalogue/records.h"
-#include "engine/classes.h"
+#include "engine/classTables.h"
 #include "engine/failures.h"
 #include "metamodel/metamodel.h"
 #include "queries/UnionLeaves.h"
-#include "reflection/meta.h"
+#include "reflection/reflection.h"
 
 namespace umlmm::extension {
 

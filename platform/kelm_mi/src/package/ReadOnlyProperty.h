@@ -5,7 +5,7 @@
 #include "frame/Boxing.h"
 #include "frame/Unboxing.h"
 #include "kelm/Asserter.h"
-#include "results.h"
+#include "resultClasses.h"
 #include "vesk/VeskClass.h"
 #include "vesk/VeskPropInfo.h"
 

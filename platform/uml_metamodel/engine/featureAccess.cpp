@@ -1,4 +1,4 @@
-#include "engine/access.h"
+#include "engine/featureAccess.h"
 
 #include <cstring>
 

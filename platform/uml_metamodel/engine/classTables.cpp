@@ -1,4 +1,4 @@
-#include "engine/classes.h"
+#include "engine/classTables.h"
 
 #include <algorithm>
 #include <array>

@@ -1,4 +1,4 @@
-#include "failures.h"
+#include "errors.h"
 
 #include <map>
 #include <new>

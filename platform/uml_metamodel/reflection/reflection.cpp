@@ -1,4 +1,4 @@
-#include "reflection/meta.h"
+#include "reflection/reflection.h"
 
 #include <algorithm>
 #include <array>
