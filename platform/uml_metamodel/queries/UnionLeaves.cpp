@@ -51,9 +51,8 @@ std::span<FeatureIndex const> UnionLeaves::ofAdded(int aMetaclass) {
 
 void UnionLeaves::forgetAll() noexcept {
   added().fLeaves.clear();
-  // What was handed out may still be read.
   for (UnionLeaves* leaves = sFirst; leaves != nullptr; leaves = leaves->fNext)
-    for (auto& known : leaves->fLeaves) known = nullptr;
+    for (auto& known : leaves->fLeaves) delete known.exchange(nullptr);
 }
 
 std::vector<FeatureIndex> const& UnionLeaves::make(int aMetaclass) {

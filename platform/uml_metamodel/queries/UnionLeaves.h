@@ -23,7 +23,7 @@ class UnionLeaves {
     return leaves == nullptr ? make(aMetaclass) : *leaves;
   }
 
-  /// All are made again when asked: an extension has changed what unions list.
+  /// All are made again when asked: an extension has changed what unions list. Nobody reads one meanwhile.
   static void forgetAll() noexcept;
 
  private:
