@@ -125,15 +125,6 @@ void createAndDestroy(benchmark::State& aState) {
   TestModel const model;
   for (auto _ : aState) umlmm::Class::create(model).destroy();
 }
-/// Each thread fills models of its own.
-void createInOwnModels(benchmark::State& aState) {
-  constexpr int kCount = 10'000;
-  for (auto _ : aState) {
-    TestModel const model;
-    for (int at = 0; at < kCount; ++at) umlmm::Class::create(model);
-  }
-  aState.SetItemsProcessed(aState.iterations() * kCount);
-}
 void createAndDestroyPlain(benchmark::State& aState) {
   plain::Model model;
   for (auto _ : aState) {
@@ -193,7 +184,6 @@ BENCHMARK(castToClass);
 BENCHMARK(castToClassPlain);
 BENCHMARK(createAndDestroy);
 BENCHMARK(createAndDestroyPlain);
-BENCHMARK(createInOwnModels)->Threads(1)->Threads(2)->UseRealTime();
 BENCHMARK(readTextsOfClasses)->Arg(1)->Arg(60);
 
 }  // namespace
