@@ -110,6 +110,9 @@ bool isSimple(Feature const& aRoot, Feature const* aFar) noexcept {
   return aRoot.fSupersets.empty() && (aFar == nullptr || aFar->fSupersets.empty());
 }
 
+/// Whether no other feature holds what this one does.
+bool standsAlone(Feature const& aRoot) noexcept { return aRoot.fSupersets.empty() && aRoot.fSubsets.empty(); }
+
 /// Makes room at both ends, and at the top level for the parts that give way or move.
 void reserveLink(Element& aOwner, Feature const& aRoot, Feature const* aFar, Element& aValue) {
   if (ownsParts(aRoot)) aOwner.model()->reserveRoots(2);
@@ -239,6 +242,11 @@ void unlink(Element& aOwner, Feature const& aRoot, Element& aValue) {
   Feature const* const far = farEnd(aOwner, aRoot);
   // Room first: taking out can't fail from here on.
   if (mayRelease(aRoot, far, aOwner, aValue)) aOwner.model()->reserveRoots(1);
+  if (standsAlone(aRoot) && (far == nullptr || standsAlone(*far))) [[likely]] {
+    drop(aOwner, aRoot, aValue);
+    if (far != nullptr && !isView(*far)) drop(aValue, *far, aOwner);
+    return;
+  }
   bool hadSubsets = unlinkSubsets(aOwner, aRoot, aValue);
   if (far != nullptr) hadSubsets |= unlinkSubsets(aValue, *far, aOwner);
   if (hadSubsets && !holds(aOwner, aRoot, aValue)) return;  // a subset's removal took it along
