@@ -53,7 +53,7 @@ class UMLMM_API ChangeObserver {
 
  protected:
   /// Called in the thread that made the change, before the call that made it returns. It may change the
-  /// model, which is a change of its own.
+  /// model, which is a change of its own, and end itself or other observers, but not close the model.
   virtual void changed(ChangeSteps const& aSteps) noexcept = 0;
 
  private:

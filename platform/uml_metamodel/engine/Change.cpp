@@ -27,6 +27,8 @@ Change::~Change() {
   if (!fIsCommitted) fRecord.takeBack(fMark);
   fRecord.setMark(fOuterMark);
   if (!fOwn) return;
+  // Those who observed when the change began may have gone.
+  if (fIdle != nullptr && !fIdle->isIdle()) fIdle = nullptr;
   fModel.setRecord(fIdle);
   if (fIdle != nullptr && fRecord.size() != 0) fIdle->tell(fRecord);
   fRecord.finish();
@@ -42,9 +44,8 @@ StepListener::StepListener(Kelm::ModelObject& aModel) : fModel(&aModel) {
 StepListener::~StepListener() {
   if (fModel == nullptr) return;
   auto& observed = asidesOf(*fModel).observed();
-  if (observed->remove(*this)) return;
-  if (fModel->record() == observed.get()) fModel->setRecord(nullptr);
-  observed.reset();
+  // The record stays with the model: it may be telling, and changes that are open know it.
+  if (!observed->remove(*this) && fModel->record() == observed.get()) fModel->setRecord(nullptr);
 }
 
 void Change::noteFlags(Element& aElement, FeatureIndex aRoot, std::uint32_t aFlags) {

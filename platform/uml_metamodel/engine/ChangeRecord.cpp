@@ -20,9 +20,13 @@ bool Kelm::ChangeRecord::remove(Listener& aListener) noexcept {
 }
 
 void Kelm::ChangeRecord::tell(ChangeRecord const& aDone) const noexcept {
-  // Who is told may come and go meanwhile.
-  for (std::size_t at = 0; at < fListeners.size(); ++at)
-    fListeners[at]->changed({aDone.fSteps.data(), aDone.fSteps.size()});
+  for (std::size_t at = 0; at < fListeners.size();) {
+    Listener* const told = fListeners[at];
+    told->changed({aDone.fSteps.data(), aDone.fSteps.size()});
+    // Who is told may come and go meanwhile.
+    auto const found = std::find(fListeners.begin(), fListeners.end(), told);
+    if (found != fListeners.end()) at = static_cast<std::size_t>(found - fListeners.begin()) + 1;
+  }
 }
 
 void Kelm::ChangeRecord::takeBack(std::size_t aMark) noexcept {

@@ -52,13 +52,18 @@ struct MetamodelExtension::Rows {
     return *fKept;
   }
   MetaclassRow const* ownMetaclass(int aIndex) const {
-    return aIndex < fFirstMetaclass
-               ? nullptr
-               : &fKept->fMetaclasses[static_cast<std::size_t>(aIndex - fFirstMetaclass)];
+    return aIndex < fFirstMetaclass ? nullptr : &own(fKept->fMetaclasses, aIndex - fFirstMetaclass);
   }
   AddedFeature* ownFeature(FeatureIndex aIndex) {
-    return aIndex < fFirstFeature ? nullptr
-                                  : &fKept->fFeatures[static_cast<std::size_t>(aIndex - fFirstFeature)];
+    return aIndex < fFirstFeature ? nullptr : &own(fKept->fFeatures, aIndex - fFirstFeature);
+  }
+  template <class Row>
+  Row& own(std::vector<Row>& aRows, int aPlace) const {
+    auto const place = static_cast<std::size_t>(aPlace);
+    if (place >= aRows.size())
+      refuse(std::string("A row of ") + fKept->fName +
+             " names one of another extension, which has not joined");
+    return aRows[place];
   }
   char const* nameOf(int aMetaclass) const {
     auto const* const own = ownMetaclass(aMetaclass);
@@ -116,7 +121,10 @@ MetamodelExtension::Metaclass MetamodelExtension::addMetaclass(std::string_view 
   int const count = fRows->fFirstMetaclass + static_cast<int>(kept.fMetaclasses.size());
   for (int index = 0; index < count; ++index)
     if (name == fRows->nameOf(index)) refuse("There is a metaclass " + name + " already");
-  catalogue::Few const supers = few(name, aSupers, [](Metaclass const& aSuper) { return aSuper.fIndex; });
+  catalogue::Few const supers = few(name, aSupers, [&](Metaclass const& aSuper) {
+    fRows->ownMetaclass(aSuper.fIndex);  // raises for a stranger
+    return aSuper.fIndex;
+  });
   kept.fMetaclasses.push_back({.fName = kept.keep(name), .fAbstract = aIsAbstract, .fSupers = supers});
   return Metaclass(count);
 }
@@ -132,6 +140,10 @@ void MetamodelExtension::Rows::checkValue(std::string const& aName, catalogue::F
   bool const isReference = aRow.fType.fKind == ValueType::Reference;
   if (!isReference && (aRow.fComposite || aRow.fUnion || !aRow.fSubsets.empty()))
     refuse(aName + " holds values: only features of elements own, unite or subset");
+  bool const isListed =
+      isReference || aRow.fType.fKind == ValueType::String || aRow.fType.fKind == ValueType::Boolean;
+  if (aRow.fUpper != 1 && !isListed)
+    refuse(aName + " holds many values: these are elements, texts or Booleans");
   bool const isNumber =
       aRow.fType.fKind == ValueType::Integer || aRow.fType.fKind == ValueType::UnlimitedNatural;
   if (isNumber && aRow.fUpper == 1 && (aRow.fLower == 0 || *aRow.fDefault != '\0'))
@@ -163,6 +175,7 @@ MetamodelExtension::Feature MetamodelExtension::addFeature(Metaclass aOwner, Fea
   if (aRow.fName.empty()) refuse("A feature of " + name + " needs a name");
   auto const number = static_cast<std::size_t>(fRows->fFirstFeature) + kept.fFeatures.size();
   if (number >= engine::kNoFeature) refuse("The metamodel has no room for " + name);
+  if (aRow.fType.fDataType == nullptr) fRows->ownMetaclass(aRow.fType.fMetaclass);  // raises for a stranger
   fRows->checkBounds(name, aRow);
   auto const indexOf = [](Feature const& aFeature) { return aFeature.fIndex; };
   catalogue::FeatureRow row{.fName = kept.keep(aRow.fName), .fType = aRow.fType.fMetaclass};

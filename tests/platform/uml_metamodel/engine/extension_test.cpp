@@ -204,6 +204,7 @@ TEST_F(ExtensionTest, WrongRowsAreRefusedAndNothingJoins) {
            {{.fName = "d", .fType = dataType("VisibilityKind"), .fDefault = "secret"},
             "which its enumeration has not"},
            {{.fName = "e", .fType = dataType("Integer")}, "holds a number"},
+           {{.fName = "g", .fType = dataType("Integer"), .fUpper = 2}, "holds many values"},
            {{.fName = "f",
            .fType = clazz,
            .fSubsets = {Kelm::ImmutableProperty(&propertyOf(umlmm::ImmutableActor::MetaClass(), "name"),
@@ -219,7 +220,12 @@ TEST_F(ExtensionTest, WrongRowsAreRefusedAndNothingJoins) {
   extension.addMetaclass("Both", {clazz, umlmm::ImmutableComment::MetaClass()});
   EXPECT_NE(failureOf([&] { extension.commit(); }).find("Both specializes metaclasses"), std::string::npos);
   EXPECT_EQ(static_cast<int>(umlmm::ImmutableClass::MetaClass().get()->allProperties().size()), before);
+  auto const stranger = extension.addMetaclass("Stranger", {clazz});
   MetamodelExtension empty("empty");
+  EXPECT_NE(failureOf([&] {
+              empty.addFeature(clazz, {.fName = "h", .fType = stranger});
+            }).find("another extension"),
+            std::string::npos);
   EXPECT_EQ(empty.commit().get()->classes().size(), 0u);
   EXPECT_NE(failureOf([&] { empty.commit(); }).find("has joined already"), std::string::npos);
 }

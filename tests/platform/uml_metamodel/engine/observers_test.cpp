@@ -90,7 +90,10 @@ TEST_F(ObserversTest, AnObserverMayChangeTheModelAndEnd) {
     clazz.setIsActive(umlmm::Boolean(false));
     EXPECT_EQ(second.fText, told());
   }
-  fLog.reset();
+  // The last one, while it is told.
+  fLog->fThen = [&] { fLog.reset(); };
+  clazz.setIsActive(umlmm::Boolean(true));
+  EXPECT_FALSE(fLog);
   clazz.setIsActive(umlmm::Boolean(true));
   Log outlives(fModel);
   fModel.object().close();
