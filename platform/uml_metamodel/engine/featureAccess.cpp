@@ -33,9 +33,9 @@ PrimitiveKind primitiveKind(Feature const& aFeature) noexcept {
   }
 }
 
-[[gnu::always_inline]] inline Object readText(Element const& aElement, Feature const& aRoot) {
-  auto const* text = pointerSlot<StringObject>(aElement, indexOf(aRoot));
-  if (text == nullptr && aRoot.fLower > 0) text = StringObject::empty();
+[[gnu::always_inline]] inline Object readText(Element const& aElement, Feature const& aFeature) {
+  auto const* text = pointerSlot<StringObject>(aElement, aFeature.fRoot);
+  if (text == nullptr && rootOf(aFeature).fLower > 0) text = StringObject::empty();
   return Object(text, Deviant());
 }
 
@@ -133,26 +133,32 @@ namespace {
 [[gnu::always_inline]] inline Object readValue(Element const& aElement, Deviant const& aDeviant,
                                                Feature const& aFeature) {
   checkReadable(aElement, aDeviant, kSource);
-  Feature const& root = rootOf(aFeature);
-  switch (root.fStorage) {
+  // A redefinition has the storage of its root: what stands in its own record needs no look at that of the root.
+  switch (aFeature.fStorage) {
     case Storage::String:
-      return readText(aElement, root);
+      return readText(aElement, aFeature);
     case Storage::Flag:
     case Storage::Enumeration:
-      return readFlag(aElement, root);
+      return readFlag(aElement, rootOf(aFeature));
     case Storage::Integer:
-      return Kelm::makePrimitive(primitiveKind(root), integerSlot(aElement, indexOf(root)));
+      return Kelm::makePrimitive(primitiveKind(aFeature), integerSlot(aElement, aFeature.fRoot));
     case Storage::Reference:
     case Storage::Container:
-      return Object(single(aElement, root), aDeviant);
+      return Object(single(aElement, rootOf(aFeature)), aDeviant);
     case Storage::List:
-      return aFeature.isMany() ? Object() : Object(single(aElement, root), aDeviant);
+      return aFeature.isMany() ? Object() : Object(single(aElement, rootOf(aFeature)), aDeviant);
     case Storage::PrimitiveList:
       return Object();
     case Storage::Computed:
       return aFeature.isMany() ? Object() : computeValue({aElement, aDeviant}, aFeature);
   }
   return Object();
+}
+
+/// A feature of the catalogue as the compiler may see it: nothing of it was added.
+[[gnu::always_inline]] inline Feature const& published(Feature const& aFeature) {
+  if (isAdded(aFeature.fRoot) || aFeature.fOwner >= kMetaclassCount) __builtin_unreachable();
+  return aFeature;
 }
 
 /// A feature by the ids behind those of the catalogue. Metaclasses that extensions add share their accessors,
@@ -330,8 +336,19 @@ namespace accessors {
 
 using Base = Kelm::NSInterface::ClassObjectIntf;
 
+namespace {
+[[gnu::noinline]] Kelm::Object getAdded(Base const* aElement, Kelm::Deviant const& aDeviant, int aMetaclass,
+                                        unsigned aId) {
+  Feature const& wanted = addedFeature(aMetaclass, aId);
+  return readValue(elementWith(aElement, wanted), aDeviant, wanted);
+}
+}  // namespace
+
 Kelm::Object getEntry(Base const* aElement, Kelm::Deviant const& aDeviant, int aMetaclass, unsigned aId) {
-  Feature const& wanted = featureAt(aMetaclass, aId);
+  Metaclass const& owner = records::sMetaclasses[static_cast<std::size_t>(aMetaclass)];
+  if (aId - 1 >= owner.fFeatureCount) [[unlikely]]
+    return getAdded(aElement, aDeviant, aMetaclass, aId);
+  Feature const& wanted = published(records::sFeatures[owner.fFirstFeature + aId - 1]);
   return readValue(elementWith(aElement, wanted), aDeviant, wanted);
 }
 
