@@ -62,6 +62,16 @@ std::string_view element(std::string_view aText, std::size_t aName) {
   return aText.substr(start, at - start);
 }
 
+std::size_t prologEnd(std::string_view aText) {
+  std::size_t at = aText.find('<');
+  while (at < aText.size()) {
+    std::size_t const behind = skipOther(aText, at);
+    if (behind == at) return at;
+    at = aText.find('<', behind);
+  }
+  return aText.size();
+}
+
 std::string_view nameAt(std::string_view aText, std::size_t aName) {
   return aText.substr(aName, aText.find_first_of(" \t\r\n/>", aName) - aName);
 }
@@ -101,7 +111,8 @@ Attribute attribute(std::string_view aText, std::size_t aName) {
   std::size_t const end = aText.find_first_of(" \t\r\n=", aName);
   std::size_t const open = aText.find_first_of("\"'", end);
   std::size_t const close = aText.find(aText[open], open + 1);
-  return {aText.substr(aName, end - aName), aName, close + 1, aText.substr(open + 1, close - open - 1), aText[open]};
+  return {aText.substr(aName, end - aName), aName, close + 1, aText.substr(open + 1, close - open - 1),
+          aText[open]};
 }
 
 std::string Attribute::value() const {

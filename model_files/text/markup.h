@@ -33,9 +33,11 @@ struct Child {
   std::size_t fFrom;
   std::size_t fTo;
 };
-/// The children of the element whose name stands at the offset; `aEnd` becomes the offset of its end tag, or 0 for an
-/// element without one.
+/// The children of the element whose name stands at the offset; `aEnd` becomes the offset of its end tag, or
+/// 0 for an element without one.
 std::vector<Child> children(std::string_view aText, std::size_t aName, std::size_t& aEnd);
+/// Behind what comes before the first tag: declaration, comments, instructions.
+std::size_t prologEnd(std::string_view aText);
 /// The name at an offset.
 std::string_view nameAt(std::string_view aText, std::size_t aName);
 

@@ -5,18 +5,12 @@
 #include <vector>
 
 #include "model_files/ModelFiles.h"
+#include "model_files/dialect/values.h"
 
 namespace umlmm::files {
 
-/// Features of elements as both models of a comparison have them.
-Kelm::Object read(Element const& aElement, Feature const& aFeature, Kelm::Deviant const& aDeviant);
-/// The elements of a feature, of a single one as well.
-std::vector<Element*> elementsOf(Element const& aElement, Feature const& aFeature, Kelm::Deviant const& aDeviant);
-/// Values of a feature as texts.
-std::vector<std::string> textsOf(Element const& aElement, Feature const& aFeature, Kelm::Deviant const& aDeviant);
-Element* containerOf(Element const& aElement, Kelm::Deviant const& aDeviant);
-
-/// Whether files have the feature: what follows from others, and the owner's end of a containment, they have not.
+/// Whether files have the feature: what follows from others, and the owner's end of a containment, they have
+/// not.
 bool isWritten(Feature const& aFeature) noexcept;
 
 /// A model beside what its files hold, read into a second one.
@@ -36,8 +30,8 @@ class Comparison {
   Kelm::Deviant const& readDeviant() const noexcept { return fReadDeviant; }
   Kelm::Model const& readModel() const noexcept { return fRead; }
 
-  /// Whether a feature has the same values on both of a pair. Parts of both that nobody has paired become a pair
-  /// if they stand at the same place.
+  /// Whether a feature has the same values on both of a pair. Parts of both that nobody has paired become a
+  /// pair if they stand at the same place.
   bool isSame(Element& aModel, Element& aRead, Feature const& aFeature);
 
  private:

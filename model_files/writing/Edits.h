@@ -7,8 +7,8 @@
 
 namespace umlmm::files {
 
-/// Changes of a text, each in its place, and the text that they give. What is new in a place may itself hold pieces
-/// of the text with the changes in them: an element that has moved.
+/// Changes of a text, each in its place, and the text that they give. What is new in a place may itself hold
+/// pieces of the text with the changes in them: an element that has moved.
 class Edits {
  public:
   /// Writes what comes into a place.
@@ -19,7 +19,7 @@ class Edits {
   explicit Edits(std::string_view aText) noexcept : fText(aText) {}
 
   void insert(std::size_t aAt, std::string aText) { replace(aAt, aAt, std::move(aText)); }
-  void erase(std::size_t aFrom, std::size_t aTo) { replace(aFrom, aTo, {}); }
+  void erase(std::size_t aFrom, std::size_t aTo) { replace(aFrom, aTo, std::string()); }
   void replace(std::size_t aFrom, std::size_t aTo, std::string aText) {
     fEdits.push_back({aFrom, aTo, fEdits.size(), std::move(aText), {}});
   }
@@ -30,7 +30,8 @@ class Edits {
 
   /// What is changed first in a place comes first. To be called when all changes are there.
   void sort();
-  /// Appends a part of the text with the changes in it; those that would take the whole part away are left out.
+  /// Appends a part of the text with the changes in it; those that would take the whole part away are left
+  /// out.
   void write(std::size_t aFrom, std::size_t aTo, std::string& aOut, Copied const& aCopied) const;
 
  private:

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "model_files/dialect/older.h"
-#include "model_files/reading/values.h"
+#include "model_files/dialect/values.h"
 #include "model_files/text/markup.h"
 #include "uml_metamodel/umlmm/MetamodelExtension.h"
 
@@ -15,19 +15,14 @@ Metaclass const& metaclassOf(Element const& aElement) { return Metamodel::instan
 
 /// FNV-1a, which is the same everywhere.
 std::uint64_t hashOf(std::string_view aText, std::uint64_t aSeed) noexcept {
-  for (char const character : aText) aSeed = (aSeed ^ static_cast<unsigned char>(character)) * 0x100000001b3ULL;
+  for (char const character : aText)
+    aSeed = (aSeed ^ static_cast<unsigned char>(character)) * 0x100000001b3ULL;
   return aSeed;
 }
 
 bool isSubsetOf(Feature const& aSpecial, Feature const& aGeneral) {
-  return std::ranges::any_of(aSpecial.fProperty->subsetted(), [&](auto const* aProperty) {
-    return aProperty == aGeneral.fProperty;
-  });
-}
-
-std::string externalId(Element const& aElement, Kelm::Deviant const& aDeviant) {
-  Kelm::Object const id = aElement.getKernelEntry(aDeviant, Element::ExternalId);
-  return id.isNull() ? std::string() : Kelm::toUtf8(Kelm::asString(id)->text());
+  return std::ranges::any_of(aSpecial.fProperty->subsetted(),
+                             [&](auto const* aProperty) { return aProperty == aGeneral.fProperty; });
 }
 
 }  // namespace
@@ -71,9 +66,9 @@ bool Tags::writesEnd(Feature const& aFeature) const {
   return isRequired || !isOtherRequired;
 }
 
-void Tags::write(Element& aElement, std::string_view aTagName, Feature const* aFeature, std::string const& aIndent,
-                 std::string& aOut) {
-  if (aFeature != nullptr && fWriteKnown && fWriteKnown(aElement, aTagName, *aFeature, aOut)) return;
+void Tags::write(Element& aElement, std::string_view aTagName, Feature const* aFeature,
+                 std::string const& aIndent, std::string& aOut) {
+  if (fWriteKnown && fWriteKnown(aElement, aTagName, aFeature, aOut)) return;
   if (fOrder != nullptr) fOrder->push_back(&aElement);
   std::string attributes;
   std::vector<std::string> children;
@@ -86,7 +81,8 @@ void Tags::write(Element& aElement, std::string_view aTagName, Feature const* aF
     writeValues(aElement, *feature, attributes, children);
   }
   for (Feature const* const feature : metaclass.fOrder)
-    if (isWritten(*feature) && feature->fKind == Kind::Reference && !feature->fComposite && writesEnd(*feature))
+    if (isWritten(*feature) && feature->fKind == Kind::Reference && !feature->fComposite &&
+        writesEnd(*feature))
       writeReferences(aElement, *feature, attributes, children);
   ((aOut += '<') += aTagName) += attributes;
   bool hasParts = false;
@@ -159,7 +155,7 @@ std::string Tags::localId(Element& aElement) {
 std::string const& Tags::idOf(Element& aElement) {
   std::string& id = fIds[&aElement];
   if (!id.empty()) return id;
-  id = externalId(aElement, fDeviant);
+  id = externalIdOf(aElement, fDeviant);
   if (id.empty()) {
     id = newId(aElement);
     fNewIds[&aElement] = id;
@@ -195,7 +191,8 @@ Element& Tags::pristine(Metaclass const& aMetaclass) {
     static Metaclass const& sBehavior = *Metamodel::instance().metaclass("Behavior");
     if (fStyle.fReentrant && aMetaclass.isA(sBehavior)) {
       Feature const& reentrant = *aMetaclass.feature("isReentrant");
-      reentrant.fMethods->setEntry(element.get(), fReadModel.getDeviant(), reentrant.fId, valueOf(reentrant, "true"));
+      reentrant.fMethods->setEntry(element.get(), fReadModel.getDeviant(), reentrant.fId,
+                                   valueOf(reentrant, "true"));
     }
   }
   return *element;

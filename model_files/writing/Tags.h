@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "model_files/ModelFiles.h"
+#include "model_files/dialect/Style.h"
 #include "model_files/writing/Comparison.h"
-#include "model_files/writing/Style.h"
 
 namespace umlmm::files {
 
@@ -28,15 +28,15 @@ class Tags {
   /// Whether an element has a tag in this text, or gets one; others are named by file and id.
   std::function<std::string(Element&)> fForeignAddress;
   /// Writes an element that has a tag already; false for one that has none.
-  std::function<bool(Element&, std::string_view aTagName, Feature const&, std::string&)> fWriteKnown;
+  std::function<bool(Element&, std::string_view aTagName, Feature const*, std::string&)> fWriteKnown;
 
   void useId(std::string_view aId) { fUsedIds.emplace(aId); }
   void order(std::vector<Element*>& aOrder) noexcept { fOrder = &aOrder; }
 
-  /// An element as a part of a feature, or as a root: `aTagName` is "ownedAttribute" or "uml:Class". Without blanks
-  /// before and behind.
-  void write(Element& aElement, std::string_view aTagName, Feature const* aFeature, std::string const& aIndent,
-             std::string& aOut);
+  /// An element as a part of a feature, or as a root: `aTagName` is "ownedAttribute" or "uml:Class". Without
+  /// blanks before and behind.
+  void write(Element& aElement, std::string_view aTagName, Feature const* aFeature,
+             std::string const& aIndent, std::string& aOut);
   /// A reference as a tag of its own.
   void writeReference(std::string_view aName, Element& aValue, std::string& aOut);
   void attribute(std::string& aOut, std::string_view aName, std::string_view aValue) const;

@@ -20,10 +20,11 @@ struct Style {
   /// Elements whose type is the one that would be meant anyway, with and without it.
   std::size_t fTyped = 0;
   std::size_t fUntyped = 0;
+  // As written; empty where nothing told.
   std::string fTypeName;
   std::string fIdName;
   std::string fUmlPrefix;
-  char fQuote = '"';
+  char fQuote = 0;
   /// A behavior may be entered again unless the file says otherwise.
   bool fReentrant = false;
 
@@ -36,6 +37,13 @@ struct Style {
     auto const found = fReferences.find(&aFeature);
     Forms const& forms = found == fReferences.end() ? fAllReferences : found->second;
     return forms.fAttributes >= forms.fChildren;
+  }
+  /// What nothing told is as most files have it.
+  void complete() {
+    if (fTypeName.empty()) fTypeName = "xmi:type";
+    if (fIdName.empty()) fIdName = "xmi:id";
+    if (fUmlPrefix.empty()) fUmlPrefix = "uml";
+    if (fQuote == 0) fQuote = '"';
   }
   bool writesTypes() const noexcept { return fTyped > fUntyped; }
 };
