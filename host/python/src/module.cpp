@@ -5,6 +5,7 @@
 #include "errors.h"
 #include "instances.h"
 #include "lists.h"
+#include "lock.h"
 #include "members.h"
 #include "names.h"
 #include "packages.h"
@@ -119,6 +120,7 @@ int execute(PyObject*) {
     prepareListTypes();
     preparePackageType();
     prepareAttributeAccess();
+    prepareLock();
     host::setInstanceMaker(&makePyInstance);
     Py_AtExit(terminateHost);
     return 0;
