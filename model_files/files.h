@@ -14,9 +14,9 @@
 #include "kelm/Model.h"
 #include "lum/visibility.h"
 
-/// Model files: XMI as the tools of the field write it (OMG XMI 2.0 to 2.5.1, UML 2.0 to 2.5.1). Texts are UTF-8
-/// whatever a file's encoding. A model that came from files is used as any other; what belongs to its files lives
-/// and ends with it. Threads: as for models.
+/// Model files: XMI as the tools of the field write it (OMG XMI 2.0 to 2.5.1, UML 2.0 to 2.5.1). Texts are
+/// UTF-8 whatever a file's encoding. A model that came from files is used as any other; what belongs to its
+/// files lives and ends with it. Threads: as for models.
 namespace umlmm::files {
 
 /// Where something stands in a file. Lines and columns (in bytes of the text as UTF-8) count from 1; 0 for
@@ -27,8 +27,8 @@ struct Place {
   std::size_t fColumn = 0;
 };
 
-/// A file can't be opened, read or written. The message is one sentence that names the file, what is wrong and
-/// what can be done.
+/// A file can't be opened, read or written. The message is one sentence that names the file, what is wrong
+/// and what can be done.
 class UMLMM_API Error : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
@@ -42,7 +42,8 @@ class UMLMM_API NotUml : public Error {
   ~NotUml() override;
 };
 
-/// A finding of a strict reading, or a text that is no XML: where, and in which element (names from the root on).
+/// A finding of a strict reading, or a text that is no XML: where, and in which element (names from the root
+/// on).
 class UMLMM_API ReadError : public Error {
  public:
   ReadError(std::string const& aMessage, Place aPlace, std::string aPath);
@@ -78,8 +79,8 @@ struct Unresolved {
   Place fPlace;
 };
 
-/// Something beside the metaclasses that stood with an element: an element of XML with all that is in it, or one
-/// attribute (then without attributes and children).
+/// Something beside the metaclasses that stood with an element: an element of XML with all that is in it, or
+/// one attribute (then without attributes and children).
 struct Unknown {
   /// As written: "xmi:Extension", "eAnnotations".
   std::string fTag;
@@ -142,8 +143,8 @@ struct Input {
   std::optional<std::string> fBytes;
 };
 
-/// A reading under way, step by step, so that others may do something between. One that ends before it is done
-/// leaves nothing behind. May be used in one thread after the other.
+/// A reading under way, step by step, so that others may do something between. One that ends before it is
+/// done leaves nothing behind. May be used in one thread after the other.
 class UMLMM_API Loading {
  public:
   explicit Loading(std::vector<Input> aInputs, LoadOptions aOptions = {});
@@ -171,9 +172,10 @@ UMLMM_API bool isLoaded(Kelm::Model const& aModel);
 UMLMM_API Report const& report(Kelm::Model const& aModel);
 /// References that lead nowhere, of all elements that are still there.
 UMLMM_API std::vector<Unresolved> unresolved(Kelm::Model const& aModel);
-/// The element with an id of the files, of one of them if its path is given; null if there is none. Takes the same
-/// time whatever the size of the model.
-UMLMM_API Kelm::ClassObject byId(Kelm::Model const& aModel, std::string_view aId, std::string_view aFile = {});
+/// The element with an id of the files, of one of them if its path is given; null if there is none. Takes the
+/// same time whatever the size of the model.
+UMLMM_API Kelm::ClassObject byId(Kelm::Model const& aModel, std::string_view aId,
+                                 std::string_view aFile = {});
 /// What stood with the element beside what the metaclasses cover.
 UMLMM_API std::vector<Unknown> unknown(Kelm::ClassObject const& aElement);
 UMLMM_API std::vector<StereotypeApplication> stereotypes(Kelm::ClassObject const& aElement);
@@ -187,12 +189,12 @@ struct SaveOptions {
   bool fForce = false;
 };
 
-/// The text of a model's file (of the first, if no path is given): the original one with the changes in it. Bytes
-/// in the file's own encoding.
+/// The text of a model's file (of the first, if no path is given): the original one with the changes in it.
+/// Bytes in the file's own encoding.
 UMLMM_API std::string textOf(Kelm::Model const& aModel, SaveOptions const& aOptions = {},
                              std::string_view aFile = {});
-/// Writes every changed file of the model; or to a path, all of the model in one file. The old file stays whole
-/// when writing fails.
+/// Writes every changed file of the model; or to a path, all of the model in one file. The old file stays
+/// whole when writing fails.
 UMLMM_API void save(Kelm::Model const& aModel, SaveOptions const& aOptions = {});
 UMLMM_API void save(Kelm::Model const& aModel, std::string const& aPath, SaveOptions const& aOptions = {});
 

@@ -8,8 +8,8 @@
 
 namespace umlmm::files {
 
-/// The text of a file. Everything works on it as UTF-8, and offsets count in that; it goes back to the file's own
-/// encoding byte for byte.
+/// The text of a file. Everything works on it as UTF-8, and offsets count in that; it goes back to the file's
+/// own encoding byte for byte.
 class SourceText {
  public:
   /// Reads a file. Raises Error for what can't be read: no such file, a folder, no right to.
@@ -24,8 +24,8 @@ class SourceText {
   std::string const& encoding() const noexcept { return fEncoding; }
   /// Bytes of the file.
   std::size_t bytes() const noexcept { return fBytes; }
-  /// A text, with the changes in it, in the file's encoding and with its byte-order mark: the original bytes if it
-  /// is `utf8()`. A character that the encoding lacks becomes a character reference ("&#8364;").
+  /// A text, with the changes in it, in the file's encoding and with its byte-order mark: the original bytes
+  /// if it is `utf8()`. A character that the encoding lacks becomes a character reference ("&#8364;").
   std::string encoded(std::string_view aText) const;
 
   /// Line and column of an offset.
@@ -39,9 +39,9 @@ class SourceText {
   std::size_t fBytes = 0;
 };
 
-/// What a text is that is no UML 2 in XMI: one sentence with the file's name, what it is, and what can be done.
-/// Asked when nothing of UML 2 was found in it, of its first bytes and, if it is XML, of its first tags; it never
-/// answers an empty text.
+/// What a text is that is no UML 2 in XMI: one sentence with the file's name, what it is, and what can be
+/// done. Asked when nothing of UML 2 was found in it, of its first bytes and, if it is XML, of its first
+/// tags; it never answers an empty text.
 std::string whatItIs(SourceText const& aText);
 /// Whether bytes are something that no XML starts with (an archive, a database, JSON, nothing at all, ...).
 bool isNoXml(std::string_view aBytes) noexcept;

@@ -1,6 +1,7 @@
 #include "engine/Change.h"
 #include "engine/classTables.h"
 #include "engine/engine.h"
+#include "engine/enumerations.h"
 #include "engine/failures.h"
 #include "engine/featureAccess.h"
 #include "engine/links.h"
@@ -31,6 +32,12 @@ Kelm::NSInterface::ModelElementIntf* createElement(int aMetaclass, Kelm::Model c
 
 Kelm::ImmutableClass metaClass(int aMetaclass) {
   return Kelm::ImmutableClass(reflection::metaClass(aMetaclass), Kelm::metaDeviant());
+}
+
+Kelm::EnumerationType const* enumerationType(Kelm::NSInterface::DataTypeIntf const& aType) {
+  engine::ValueType kind = engine::ValueType::String;
+  int const index = reflection::dataTypeIndex(aType, kind);
+  return index >= 0 && kind == engine::ValueType::Enumeration ? &engine::enumeration(index) : nullptr;
 }
 
 }  // namespace detail

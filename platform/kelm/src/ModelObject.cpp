@@ -83,6 +83,7 @@ void ModelObject::close() {
   ElementList::destroy(std::exchange(fRoots, nullptr));
   setCompanion(nullptr);
   fNotes.reset();
+  fAttachments.clear();
   noteChange();
   decRef();
 }
@@ -107,6 +108,18 @@ void ModelObject::restoreRoot(NSInterface::ModelElementIntf* aPrevious,
 
 void ModelObject::setCompanion(ModelCompanion* aCompanion) noexcept {
   delete std::exchange(fCompanion, aCompanion);
+}
+
+ModelCompanion* ModelObject::attachment(void const* aKey) const noexcept {
+  for (auto const& [key, kept] : fAttachments)
+    if (key == aKey) return kept.get();
+  return nullptr;
+}
+
+void ModelObject::attach(void const* aKey, std::unique_ptr<ModelCompanion> aAttachment) {
+  for (auto& [key, kept] : fAttachments)
+    if (key == aKey) return kept.swap(aAttachment);
+  fAttachments.emplace_back(aKey, std::move(aAttachment));
 }
 
 void ModelObject::assertExists(Deviant const& aDeviant) const {

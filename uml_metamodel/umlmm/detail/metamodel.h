@@ -5,6 +5,7 @@
 #include "kelm/ClassObject.h"
 #include "kelm/Model.h"
 #include "kelm/meta.h"
+#include "kelm/values.h"
 #include "lum/visibility.h"
 
 /// What the generated reference classes call in the metamodel's implementation. Metaclasses are named by
@@ -29,6 +30,9 @@ UMLMM_API Kelm::NSInterface::ModelElementIntf* createElement(int aMetaclass, Kel
 
 /// The class object of a metaclass; immortal.
 UMLMM_API Kelm::ImmutableClass metaClass(int aMetaclass);
+
+/// The literals of an enumeration, as objects; null for a primitive type and for a type of another metamodel.
+UMLMM_API Kelm::EnumerationType const* enumerationType(Kelm::NSInterface::DataTypeIntf const& aType);
 
 /// A reference to a metaclass interface as a reference to any object, in the same variant.
 template <class Intf>

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <memory>
 #include <utility>
+#include <vector>
 
 #include "kelm/ElementList.h"
 #include "kelm/Model.h"
@@ -105,6 +106,11 @@ class UMLMM_API ModelObject final : public NSInterface::ModelIntf {
   /// A second companion, which goes after all elements are dropped.
   ModelCompanion* notes() const noexcept { return fNotes.get(); }
   void setNotes(std::unique_ptr<ModelCompanion> aNotes) noexcept { fNotes = std::move(aNotes); }
+  /// What a floor above keeps with the model, by a key of its own; null for nothing. It goes when the model is
+  /// closed, after all elements are dropped.
+  ModelCompanion* attachment(void const* aKey) const noexcept;
+  /// Takes the place of what the key had.
+  void attach(void const* aKey, std::unique_ptr<ModelCompanion> aAttachment);
   /// A chain for the metamodel's use.
   ModelLink*& links() noexcept { return fLinks; }
 
@@ -123,6 +129,7 @@ class UMLMM_API ModelObject final : public NSInterface::ModelIntf {
   Blocks::Owner fBlocks = Blocks::make();
   ModelCompanion* fCompanion = nullptr;
   std::unique_ptr<ModelCompanion> fNotes;
+  std::vector<std::pair<void const*, std::unique_ptr<ModelCompanion>>> fAttachments;
   ModelLink* fLinks = nullptr;
   String fUri;
 };

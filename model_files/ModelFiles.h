@@ -1,0 +1,96 @@
+#pragma once
+
+#include <boost/smart_ptr/intrusive_ptr.hpp>
+#include <cstdint>
+#include <deque>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "kelm/ClassObject.h"
+#include "kelm/ModelObject.h"
+#include "model_files/dialect/Metamodel.h"
+#include "model_files/files.h"
+#include "model_files/text/SourceText.h"
+
+namespace Kelm::NSInterface {
+inline void intrusive_ptr_add_ref(ClassObjectIntf const* aElement) { aElement->incRef(); }
+inline void intrusive_ptr_release(ClassObjectIntf const* aElement) { aElement->decRef(); }
+}  // namespace Kelm::NSInterface
+
+namespace umlmm::files {
+
+using Element = Kelm::NSInterface::ClassObjectIntf;
+using ElementPtr = boost::intrusive_ptr<Element>;
+
+/// Where something stands: a file of the model by number, and the offset of its name in the file's text.
+struct Spot {
+  std::uint32_t fFile = 0;
+  std::uint64_t fOffset = 0;
+};
+
+/// An element and the tag that it was made from. Those of a file stand in the order of its text.
+struct Made {
+  ElementPtr fElement;
+  std::uint64_t fOffset;
+};
+
+/// Something beside the metaclasses, and the element with which it stood; null at the top of a file.
+struct Kept {
+  ElementPtr fElement;
+  Spot fSpot;
+  bool fIsAttribute;
+};
+
+/// A reference that leads nowhere.
+struct Dangling {
+  ElementPtr fElement;
+  Feature const* fFeature;
+  std::string fAddress;
+  Spot fSpot;
+};
+
+/// A stereotype applied to an element; the name is that of the tag.
+struct Application {
+  ElementPtr fElement;
+  std::string_view fName;
+  Spot fSpot;
+};
+
+/// One file of a model.
+struct ModelFile {
+  SourceText fText;
+  std::vector<Made> fMade;
+  /// Ids as written; the first of equal ones.
+  std::unordered_map<std::string_view, Element*> fIds;
+  /// Ids that do not stand in the text as they are.
+  std::deque<std::string> fDecoded;
+};
+
+/// What belongs to the files that a model came from; it is kept with the model.
+class ModelFiles final : public Kelm::ModelCompanion {
+ public:
+  ModelFiles() noexcept;
+  ~ModelFiles() override;
+
+  /// Of a model that came from files; null for another one.
+  static ModelFiles* find(Kelm::Model const& aModel);
+  /// The same; raises Error for another one.
+  static ModelFiles& of(Kelm::Model const& aModel);
+  static void attach(Kelm::Model const& aModel, std::unique_ptr<ModelFiles> aFiles);
+
+  Place place(Spot aSpot) const { return fFiles[aSpot.fFile].fText.placeOf(aSpot.fOffset); }
+
+  std::deque<ModelFile> fFiles;
+  Report fReport;
+  std::vector<Kept> fKept;
+  std::vector<Dangling> fDangling;
+  std::vector<Application> fApplications;
+  /// The model's own PrimitiveType elements that stand for those of the standard, by name.
+  std::unordered_map<std::string_view, ElementPtr> fPrimitives;
+  /// The model's revision when all was read.
+  std::uint64_t fRevision = 0;
+};
+
+}  // namespace umlmm::files

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string_view>
+
+#include "model_files/dialect/Metamodel.h"
+
+/// What other versions of UML, and tools, write in another way than the metamodel has it.
+namespace umlmm::files {
+
+/// The feature that a file means by a name; null if the metaclass has none.
+Feature const* featureCalled(Metaclass const& aMetaclass, std::string_view aName);
+/// The metaclass that a file means by a name, also one that another version has, or written with a small
+/// first letter; null for none.
+Metaclass const* metaclassCalled(std::string_view aName);
+/// The metaclass of a value whose type is left out: the feature's own, or what tools mean where that is
+/// abstract. Null if it has to be said.
+Metaclass const* impliedType(Feature const& aFeature);
+
+/// "String" of any of the addresses under which the primitive types are known, such as
+/// "pathmap://UML_LIBRARIES/UMLPrimitiveTypes.library.uml#String"; empty for another address.
+std::string_view primitiveAt(std::string_view aAddress);
+
+}  // namespace umlmm::files

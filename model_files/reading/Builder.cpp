@@ -1,0 +1,402 @@
+#include "model_files/reading/Builder.h"
+
+#include "kelm/kernel/containers/Ref.h"
+#include "model_files/dialect/older.h"
+#include "model_files/reading/values.h"
+#include "uml_metamodel/umlmm/MetamodelExtension.h"
+
+namespace umlmm::files {
+
+namespace {
+
+constexpr std::string_view kKept = "kept as written";
+constexpr std::string_view kAtTop = "stands at the top level of the model";
+
+/// All text of a tag, also where it stands in pieces.
+std::string_view contentOf(pugi::xml_node aNode, std::string& aScratch) {
+  pugi::xml_text const text = aNode.text();
+  if (!text) return {};
+  std::string_view const first = text.get();
+  bool const isEmbedded = text.data() == aNode;
+  pugi::xml_node const next = isEmbedded ? aNode.first_child() : text.data().next_sibling();
+  if (!next) return first;
+  aScratch.assign(first);
+  for (pugi::xml_node more = next; more; more = more.next_sibling())
+    if (more.type() == pugi::node_pcdata || more.type() == pugi::node_cdata) aScratch += more.value();
+  return aScratch;
+}
+
+bool isDeclaration(std::string_view aName) noexcept {
+  return aName.starts_with("xmlns") && (aName.size() == 5 || aName[5] == ':');
+}
+
+/// "base_Class".
+bool isBase(std::string_view aName) noexcept {
+  return aName.starts_with("base_") || aName.starts_with("base-");
+}
+
+/// From UML 2.3 on a behavior may be entered again unless a file says otherwise.
+bool isReentrantByDefault(std::string_view aAddress) noexcept {
+  if (isEclipse(aAddress)) return true;
+  std::string_view const version = versionOf(aAddress);
+  return version >= "2.3" || (version.size() == 8 && version >= "20090901");
+}
+
+}  // namespace
+
+Builder::Builder(ModelFiles& aFiles, std::uint32_t aFile, Kelm::Model const& aModel, Findings& aFindings,
+                 References& aReferences, char const* aText)
+    : fFiles(aFiles),
+      fOwn(aFiles.fFiles[aFile]),
+      fFile(aFile),
+      fModel(aModel),
+      fDeviant(aModel.getDeviant()),
+      fFindings(aFindings),
+      fReferences(aReferences),
+      fText(aText) {}
+
+void Builder::start(pugi::xml_document const& aDocument) {
+  fFrames.push_back({aDocument.first_child(), nullptr, nullptr, 0, false});
+}
+
+bool Builder::step(std::size_t aCount) {
+  while (!fFrames.empty()) {
+    if (aCount-- == 0) return false;
+    Frame& frame = fFrames.back();
+    pugi::xml_node const node = frame.fNext;
+    if (!node) {
+      fPrefixes.close(frame.fOpen);
+      fFrames.pop_back();
+      continue;
+    }
+    frame.fNext = node.next_sibling();
+    if (node.type() == pugi::node_element) handle(node);
+  }
+  return true;
+}
+
+void Builder::declarePrefixes(pugi::xml_node aNode) {
+  for (pugi::xml_attribute const attribute : aNode.attributes()) {
+    std::string_view const name = attribute.name();
+    if (!isDeclaration(name)) continue;
+    std::string_view const prefix = name.size() > 6 ? name.substr(6) : std::string_view();
+    fPrefixes.declare(prefix, attribute.value());
+    Space const space = fPrefixes.all().back().fSpace;
+    if (space == Space::Uml && fUmlAddress.empty()) fUmlAddress = attribute.value();
+    if (space == Space::Xmi && fXmiAddress.empty()) fXmiAddress = attribute.value();
+  }
+}
+
+Builder::Head Builder::headOf(pugi::xml_node aNode) const {
+  Head head;
+  for (pugi::xml_attribute const attribute : aNode.attributes()) {
+    std::string_view const text = attribute.name();
+    if (text == "href") head.fHref = attribute.value();
+    if (text.find(':') == std::string_view::npos) continue;
+    QualifiedName const name(text);
+    Space const space = name.fPrefix == "xmi" ? Space::Xmi : fPrefixes.find(name.fPrefix);
+    if (space != Space::Xmi && space != Space::Xsi) continue;
+    if (name.fName == "type") head.fType = attribute.value();
+    if (name.fName == "id") head.fId = attribute.value();
+    if (name.fName == "idref") head.fIdref = attribute.value();
+    if (name.fName == "nil") head.fIsNil = attribute.as_bool();
+  }
+  if (!head.fType.empty()) {
+    QualifiedName const type(head.fType);
+    head.fTypeSpace = type.fPrefix.empty() ? Space::Uml : fPrefixes.find(type.fPrefix);
+  }
+  return head;
+}
+
+void Builder::handle(pugi::xml_node aNode) {
+  fOffset = offsetOf(aNode.name());
+  std::size_t const open = fPrefixes.open();
+  std::size_t const depth = fFrames.size();
+  declarePrefixes(aNode);
+  QualifiedName const name(aNode.name());
+  Head const head = headOf(aNode);
+  Frame const frame = fFrames.back();
+  if (frame.fIsUncovered)
+    handleUncovered(aNode, head);
+  else if (frame.fElement == nullptr)
+    handleTop(aNode, name, head);
+  else
+    handleInside(frame, aNode, name, head);
+  // What the tag declares holds as long as its children are being handled.
+  if (fFrames.size() > depth)
+    fFrames.back().fOpen = open;
+  else
+    fPrefixes.close(open);
+}
+
+void Builder::enter(pugi::xml_node aNode, Element* aElement, Metaclass const* aMetaclass, bool aIsUncovered) {
+  fFrames.push_back({aNode.first_child(), aElement, aMetaclass, fPrefixes.open(), aIsUncovered});
+}
+
+void Builder::handleTop(pugi::xml_node aNode, QualifiedName aName, Head const& aHead) {
+  Space const space = fPrefixes.find(aName.fPrefix);
+  if (space == Space::Xmi && aName.fName == "XMI") return enter(aNode, nullptr, nullptr);
+  if (aName.fPrefix.empty() && aName.fName == "XMI") return enter(aNode, nullptr, nullptr);
+  if (space == Space::Uml || aHead.fTypeSpace == Space::Uml) {
+    ++fFound;
+    std::string_view const type =
+        aHead.fTypeSpace == Space::Uml ? QualifiedName(aHead.fType).fName : aName.fName;
+    Metaclass const* const metaclass = metaclassCalled(type);
+    if (metaclass != nullptr && !metaclass->fAbstract) {
+      Element& element = make(*metaclass, aNode, aHead);
+      return enter(aNode, &element, metaclass);
+    }
+    fault("metaclass", type, kKept, spotOf(aNode));
+    keep(nullptr, spotOf(aNode));
+    return enter(aNode, nullptr, nullptr, true);
+  }
+  handlePrefixed({{}, nullptr, nullptr, 0, false}, aNode, aName, aHead);
+}
+
+void Builder::handleInside(Frame const& aFrame, pugi::xml_node aNode, QualifiedName aName,
+                           Head const& aHead) {
+  if (!aName.fPrefix.empty()) return handlePrefixed(aFrame, aNode, aName, aHead);
+  Feature const* const feature = featureCalled(*aFrame.fMetaclass, aName.fName);
+  if (feature != nullptr) {
+    if (aHead.fIsNil) return;
+    if (feature->fKind == Kind::Reference) return handleReference(aFrame, *feature, aNode, aHead);
+    return handleValue(aFrame, *feature, aNode, aHead);
+  }
+  keep(aFrame.fElement, spotOf(aNode));
+  if (aName.fName == "eAnnotations") return note("annotation", "eAnnotations", kKept, spotOf(aNode));
+  fault("feature", in(*aFrame.fMetaclass, aName.fName), kKept, spotOf(aNode));
+  handleUncovered(aNode, aHead);
+}
+
+void Builder::handleUncovered(pugi::xml_node aNode, Head const& aHead) {
+  if (aHead.fTypeSpace == Space::Uml) {
+    Metaclass const* const metaclass = metaclassCalled(QualifiedName(aHead.fType).fName);
+    if (metaclass != nullptr && !metaclass->fAbstract && aHead.fHref.empty() && aHead.fIdref.empty()) {
+      note("element of an owner that is not covered", metaclass->fName, kAtTop, spotOf(aNode));
+      Element& element = make(*metaclass, aNode, aHead);
+      return enter(aNode, &element, metaclass);
+    }
+  }
+  if (std::string_view(aNode.name()) == "eAnnotations") return;
+  Space const space = fPrefixes.find(QualifiedName(aNode.name()).fPrefix);
+  if (space != Space::Xmi && space != Space::Other && aNode.first_child())
+    enter(aNode, nullptr, nullptr, true);
+}
+
+void Builder::handleValue(Frame const& aFrame, Feature const& aFeature, pugi::xml_node aNode,
+                          Head const& aHead) {
+  Spot const spot = spotOf(aNode);
+  if (!aHead.fHref.empty() || !aHead.fIdref.empty() ||
+      !setValue(*aFrame.fElement, aFeature, contentOf(aNode, fScratch), spot))
+    keep(aFrame.fElement, spot);
+}
+
+void Builder::handleReference(Frame const& aFrame, Feature const& aFeature, pugi::xml_node aNode,
+                              Head const& aHead) {
+  Spot const spot = spotOf(aNode);
+  std::string_view const address = aHead.fIdref.empty() ? aHead.fHref : aHead.fIdref;
+  if (!address.empty()) return fReferences.add(*aFrame.fElement, aFeature, address, spot);
+  if (aHead.fType.empty() && !aFeature.fComposite && !aNode.first_attribute()) {
+    // An id as the text of a tag.
+    pugi::xml_text const text = aNode.text();
+    if (text)
+      forEachWord(text.get(), [&](auto aWord) { fReferences.add(*aFrame.fElement, aFeature, aWord, spot); });
+    return;
+  }
+  bool const isUml = aHead.fType.empty() || aHead.fTypeSpace == Space::Uml;
+  if (!isUml) {
+    keep(aFrame.fElement, spot);
+    return note("namespace", aHead.fType, kKept, spot);
+  }
+  Metaclass const* const metaclass =
+      aHead.fType.empty() ? impliedType(aFeature) : metaclassCalled(QualifiedName(aHead.fType).fName);
+  if (metaclass == nullptr || metaclass->fAbstract) {
+    keep(aFrame.fElement, spot);
+    if (aHead.fType.empty())
+      fault("type left out", in(*aFrame.fMetaclass, aFeature.fName), kKept, spot);
+    else
+      fault("metaclass", QualifiedName(aHead.fType).fName, kKept, spot);
+    ++fFound;
+    return enter(aNode, nullptr, nullptr, true);
+  }
+  Element& part = make(*metaclass, aNode, aHead);
+  own(*aFrame.fElement, aFeature, part, aNode);
+  enter(aNode, &part, metaclass);
+}
+
+void Builder::handlePrefixed(Frame const& aFrame, pugi::xml_node aNode, QualifiedName aName,
+                             Head const& aHead) {
+  Spot const spot = spotOf(aNode);
+  switch (fPrefixes.find(aName.fPrefix)) {
+    case Space::Xmi:
+    case Space::Xsi:
+      keep(aFrame.fElement, spot);
+      if (aName.fName == "Documentation") return noteTool(aNode);
+      note("extension", aNode.name(), kKept, spot);
+      // One tool keeps parts of the element itself there.
+      if (pugi::xml_node const more = aNode.child("modelExtension"); more && aFrame.fElement != nullptr)
+        enter(more, aFrame.fElement, aFrame.fMetaclass);
+      return;
+    case Space::Uml: {
+      Metaclass const* const metaclass = metaclassCalled(aName.fName);
+      if (aFrame.fElement == nullptr || metaclass == nullptr || metaclass->fAbstract) break;
+      Feature const* const place = aFrame.fMetaclass->feature("packagedElement");
+      fault("element without a feature", aNode.name(), place != nullptr ? "taken as packagedElement" : kAtTop,
+            spot);
+      Element& part = make(*metaclass, aNode, aHead);
+      if (place != nullptr) own(*aFrame.fElement, *place, part, aNode);
+      return enter(aNode, &part, metaclass);
+    }
+    default:
+      if (handleApplication(aNode, aName)) return;
+      break;
+  }
+  keep(aFrame.fElement, spot);
+  note("namespace", aNode.name(), kKept, spot);
+}
+
+void Builder::noteTool(pugi::xml_node aNode) {
+  Report::File& file = fFiles.fReport.fFiles[fFile];
+  auto const read = [&](std::string_view aName, std::string& aOut) {
+    for (pugi::xml_attribute const attribute : aNode.attributes())
+      if (QualifiedName(attribute.name()).fName == aName) aOut = attribute.value();
+    for (pugi::xml_node const child : aNode.children())
+      if (QualifiedName(child.name()).fName == aName) aOut = child.text().get();
+  };
+  read("exporter", file.fTool);
+  read("exporterVersion", file.fToolVersion);
+}
+
+bool Builder::handleApplication(pugi::xml_node aNode, QualifiedName aName) {
+  bool isApplication = false;
+  auto const add = [&](std::string_view aAddress) {
+    isApplication = true;
+    forEachWord(aAddress, [&](auto aWord) { fReferences.addApplication(aName.fName, aWord, spotOf(aNode)); });
+  };
+  for (pugi::xml_attribute const attribute : aNode.attributes())
+    if (isBase(attribute.name())) add(attribute.value());
+  for (pugi::xml_node const child : aNode.children()) {
+    if (!isBase(child.name())) continue;
+    Head const head = headOf(child);
+    add(!head.fIdref.empty() ? head.fIdref : !head.fHref.empty() ? head.fHref : child.text().get());
+  }
+  if (isApplication) ++fFiles.fReport.fStereotypeCount;
+  return isApplication;
+}
+
+Element& Builder::make(Metaclass const& aMetaclass, pugi::xml_node aNode, Head const& aHead) {
+  ++fFound;
+  Kelm::ClassObject const made =
+      createElement(fModel, Kelm::ImmutableClass(aMetaclass.fClass, Kelm::metaDeviant()));
+  Element& element = *made.get();
+  fOwn.fMade.push_back({ElementPtr(&element), offsetOf(aNode.name())});
+  ++fFiles.fReport.fElements[std::string(aMetaclass.fName)];
+  ++fFiles.fReport.fElementCount;
+  if (!aHead.fId.empty()) {
+    // Ids live in the file's text, unless they stand there in another form.
+    std::string_view const text = fOwn.fText.utf8();
+    std::string_view id = text.substr(offsetOf(aHead.fId.data()), aHead.fId.size());
+    if (id != aHead.fId) id = fOwn.fDecoded.emplace_back(aHead.fId);
+    if (!fOwn.fIds.try_emplace(id, &element).second)
+      fFiles.fReport.fDuplicateIds.emplace_back(id, fFiles.place(spotOf(aNode)));
+
+    element.setKernelEntry(fDeviant, Element::ExternalId, textObject(id));
+  }
+  readAttributes(element, aMetaclass, aNode);
+  static Metaclass const& sBehavior = *Metamodel::instance().metaclass("Behavior");
+  if (aMetaclass.isA(sBehavior) && isReentrantByDefault(fUmlAddress) && !aNode.attribute("isReentrant"))
+    setValue(element, *aMetaclass.feature("isReentrant"), "true", spotOf(aNode));
+  return element;
+}
+
+void Builder::own(Element& aOwner, Feature const& aFeature, Element& aPart, pugi::xml_node aNode) {
+  try {
+    Kelm::ClassObject const part(&aPart, fDeviant);
+    if (aFeature.fMany)
+      aFeature.fMethods->getSequenceEntry(&aOwner, fDeviant, aFeature.fId)
+          ->generic_push_back(fDeviant, Kelm::Generic::RefAccess<Kelm::ClassObject>::make(part));
+    else
+      aFeature.fMethods->setEntry(&aOwner, fDeviant, aFeature.fId, Kelm::Object(&aPart, fDeviant));
+  } catch (Kelm::Exception const& refusal) {
+    fault("value refused", std::string(aFeature.fName) + ": " + refusal.what(), kAtTop, spotOf(aNode));
+  }
+}
+
+void Builder::readAttributes(Element& aElement, Metaclass const& aMetaclass, pugi::xml_node aNode) {
+  for (pugi::xml_attribute const attribute : aNode.attributes())
+    readAttribute(aElement, aMetaclass, attribute);
+}
+
+void Builder::readAttribute(Element& aElement, Metaclass const& aMetaclass, pugi::xml_attribute aAttribute) {
+  std::string_view const name = aAttribute.name();
+  if (name.find(':') != std::string_view::npos || name == "xmlns") {
+    if (isDeclaration(name)) return;
+    Space const space = fPrefixes.find(QualifiedName(name).fPrefix);
+    if (space == Space::Xmi || space == Space::Xsi) return;
+    return keep(&aElement, spotOf(aAttribute.name()), true);
+  }
+  Spot const spot = spotOf(aAttribute.name());
+  Feature const* const feature = featureCalled(aMetaclass, name);
+  if (feature == nullptr) {
+    fault("feature", in(aMetaclass, name), kKept, spot);
+    return keep(&aElement, spot, true);
+  }
+  if (feature->fKind == Kind::Reference)
+    return forEachWord(aAttribute.value(),
+                       [&](auto aWord) { fReferences.add(aElement, *feature, aWord, spot); });
+  if (!setValue(aElement, *feature, aAttribute.value(), spot)) keep(&aElement, spot, true);
+}
+
+bool Builder::setValue(Element& aElement, Feature const& aFeature, std::string_view aText, Spot aSpot) {
+  Kelm::Object const value = valueOf(aFeature, aText);
+  auto const what = [&] { return std::string(aFeature.fName) + " \"" + std::string(aText) + '"'; };
+  if (value.isNull()) {
+    fault("value", what(), kKept, aSpot);
+    return false;
+  }
+  try {
+    if (!aFeature.fMany) {
+      aFeature.fMethods->setEntry(&aElement, fDeviant, aFeature.fId, value);
+      return true;
+    }
+    auto& values = *aFeature.fMethods->getSequenceEntry(&aElement, fDeviant, aFeature.fId);
+    if (!appendValue(values, aFeature, value, fDeviant)) fault("value", what(), kKept, aSpot);
+    return true;
+  } catch (Kelm::Exception const& refusal) {
+    if (!aFeature.fDerived)
+      fault("value refused", what() + ": " + refusal.what(), kKept, aSpot);
+    else
+      note("derived feature", aFeature.fName, "follows from others", aSpot);
+    return false;
+  }
+}
+
+void Builder::note(std::string_view aKind, std::string_view aWhat, std::string_view aOutcome, Spot aSpot) {
+  fFindings.add(Findings::Weight::Note, aKind, aWhat, aOutcome, aSpot, [] { return std::string(); });
+}
+
+void Builder::fault(std::string_view aKind, std::string_view aWhat, std::string_view aOutcome, Spot aSpot) {
+  fFindings.add(Findings::Weight::Fault, aKind, aWhat, aOutcome, aSpot, [this] { return path(); });
+}
+
+std::string Builder::path() const {
+  std::string path;
+  for (Frame const& frame : fFrames) {
+    if (frame.fElement == nullptr) continue;
+    if (!path.empty()) path += "::";
+    Feature const* const name = frame.fMetaclass->feature("name");
+    Kelm::Object const value =
+        name == nullptr ? Kelm::Object() : name->fMethods->getEntry(frame.fElement, fDeviant, name->fId);
+    path += value.isNull() ? std::string(frame.fMetaclass->fName) : files::textOf(*name, value);
+  }
+  return path;
+}
+
+std::string_view Builder::in(Metaclass const& aMetaclass, std::string_view aName) {
+  fScratch.assign(aMetaclass.fName);
+  fScratch += '.';
+  fScratch += aName;
+  return fScratch;
+}
+
+}  // namespace umlmm::files

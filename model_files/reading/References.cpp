@@ -1,0 +1,224 @@
+#include "model_files/reading/References.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <functional>
+
+#include "kelm/kernel/containers/Ref.h"
+#include "model_files/dialect/older.h"
+#include "model_files/reading/values.h"
+#include "uml_metamodel/umlmm/MetamodelExtension.h"
+
+namespace umlmm::files {
+
+namespace {
+
+/// "%20" as the character that it stands for.
+std::string decoded(std::string_view aText) {
+  std::string text;
+  for (std::size_t at = 0; at < aText.size(); ++at) {
+    unsigned code = 0;
+    bool const isEscape = aText[at] == '%' && at + 2 < aText.size() &&
+                          std::sscanf(std::string(aText.substr(at + 1, 2)).c_str(), "%2x", &code) == 1;
+    text += isEscape ? static_cast<char>(code) : aText[at];
+    if (isEscape) at += 2;
+  }
+  return text;
+}
+
+Kelm::Object read(Element const& aElement, Feature const& aFeature, Kelm::Deviant const& aDeviant) {
+  return aFeature.fMethods->getEntry(&aElement, aDeviant, aFeature.fId);
+}
+
+/// The values of a list.
+std::vector<Element*> valuesOf(Element const& aElement, Feature const& aFeature,
+                               Kelm::Deviant const& aDeviant) {
+  auto const& list = *aFeature.fMethods->getSequenceEntry(&aElement, aDeviant, aFeature.fId);
+  std::vector<Kelm::Generic::Loan> loans(static_cast<std::size_t>(list.generic_size(aDeviant)));
+  list.readBlock(aDeviant, 0, static_cast<int>(loans.size()), loans.data());
+  std::vector<Element*> values;
+  values.reserve(loans.size());
+  for (auto const& loan : loans)
+    values.push_back(Kelm::Generic::RefAccess<Kelm::ClassObject>::get(loan).get());
+  return values;
+}
+
+}  // namespace
+
+References::References(ModelFiles& aFiles, Kelm::Model const& aModel, Findings& aFindings)
+    : fFiles(aFiles), fModel(aModel), fDeviant(aModel.getDeviant()), fFindings(aFindings) {}
+
+bool References::step(std::size_t aCount) {
+  for (; fNext < fPending.size() && aCount > 0; --aCount) resolve(fPending[fNext++]);
+  return fNext == fPending.size();
+}
+
+void References::finish() {
+  order();
+  resolveApplications();
+  fFiles.fReport.fUnresolvedCount = fFiles.fDangling.size();
+}
+
+void References::resolve(Pending const& aReference) {
+  auto const noPath = [] { return std::string(); };
+  Feature const& feature = *aReference.fFeature;
+  if (feature.fDerived && !feature.fComposite)
+    return fFindings.add(Findings::Weight::Note, "derived feature", feature.fName, "follows from others",
+                         aReference.fSpot, noPath);
+  if (Element* const value = find(aReference.fAddress, aReference.fSpot.fFile))
+    return link(aReference, *value);
+  fFindings.add(Findings::Weight::Fault, "unresolved reference", feature.fName, "kept as written",
+                aReference.fSpot, noPath);
+  fFiles.fDangling.push_back(
+      {ElementPtr(aReference.fElement), &feature, std::string(aReference.fAddress), aReference.fSpot});
+}
+
+void References::link(Pending const& aReference, Element& aValue) {
+  Feature const& feature = *aReference.fFeature;
+  try {
+    if (!feature.fMany)
+      return feature.fMethods->setEntry(aReference.fElement, fDeviant, feature.fId,
+                                        Kelm::Object(&aValue, fDeviant));
+    feature.fMethods->getSequenceEntry(aReference.fElement, fDeviant, feature.fId)
+        ->generic_push_back(fDeviant, Kelm::Generic::RefAccess<Kelm::ClassObject>::make(
+                                          Kelm::ClassObject(&aValue, fDeviant)));
+    fLinked.push_back({aReference.fElement, &feature, &aValue});
+  } catch (Kelm::Exception const& refusal) {
+    fFindings.add(Findings::Weight::Fault, "value refused",
+                  std::string(feature.fName) + ": " + refusal.what(), "kept as written", aReference.fSpot,
+                  [] { return std::string(); });
+    fFiles.fDangling.push_back(
+        {ElementPtr(aReference.fElement), &feature, std::string(aReference.fAddress), aReference.fSpot});
+  }
+}
+
+Element* References::find(std::string_view aAddress, std::uint32_t aFile) {
+  ModelFile& own = fFiles.fFiles[aFile];
+  if (auto const found = own.fIds.find(aAddress); found != own.fIds.end()) return found->second;
+  std::size_t const hash = aAddress.find('#');
+  if (hash == std::string_view::npos) return aAddress.starts_with('/') ? walk(own, aAddress) : nullptr;
+  std::string_view const fragment = aAddress.substr(hash + 1);
+  if (hash == 0) return findInFile(own, fragment);
+  if (ModelFile* const file = fileAt(aAddress.substr(0, hash), aFile)) return findInFile(*file, fragment);
+  std::string_view const name = primitiveAt(aAddress);
+  return name.empty() ? nullptr : primitive(name);
+}
+
+Element* References::findInFile(ModelFile& aFile, std::string_view aFragment) {
+  for (std::string_view const id : {aFragment, aFragment.substr(0, aFragment.find('?'))})
+    if (auto const found = aFile.fIds.find(id); found != aFile.fIds.end()) return found->second;
+  std::string const plain = decoded(aFragment);
+  if (auto const found = aFile.fIds.find(plain); found != aFile.fIds.end()) return found->second;
+  return plain.empty() || plain.starts_with('/') ? walk(aFile, plain) : nullptr;
+}
+
+Element* References::walk(ModelFile& aFile, std::string_view aPath) {
+  if (aFile.fMade.empty()) return nullptr;
+  Element* at = aFile.fMade.front().fElement.get();
+  Metamodel const& metamodel = Metamodel::instance();
+  // "//shop/@packagedElement.2": the root by its number, which is left out, then names and positions.
+  std::size_t from = aPath.find('/', aPath.starts_with('/') ? 1 : 0);
+  while (at != nullptr && from != std::string_view::npos && from + 1 < aPath.size()) {
+    std::size_t const end = std::min(aPath.find('/', from + 1), aPath.size());
+    std::string_view const piece = aPath.substr(from + 1, end - from - 1);
+    from = end == aPath.size() ? std::string_view::npos : end;
+    Metaclass const& metaclass = metamodel.metaclassOf(*at);
+    Element* next = nullptr;
+    if (piece.starts_with('@')) {
+      std::size_t const dot = std::min(piece.rfind('.'), piece.size());
+      Feature const* const feature = featureCalled(metaclass, piece.substr(1, dot - 1));
+      if (feature == nullptr || feature->fKind != Kind::Reference) return nullptr;
+      auto const position =
+          dot == piece.size() ? 0 : std::strtoul(std::string(piece.substr(dot + 1)).c_str(), nullptr, 10);
+      if (!feature->fMany) {
+        Kelm::ClassObject const value =
+            Kelm::queryHandle<Kelm::ClassObject, Kelm::VisitationDomain>(read(*at, *feature, fDeviant));
+        next = value.get();
+      } else if (auto const values = valuesOf(*at, *feature, fDeviant); position < values.size()) {
+        next = values[position];
+      }
+    } else {
+      for (Element* const part : valuesOf(*at, *metaclass.feature("ownedElement"), fDeviant)) {
+        Feature const* const name = metamodel.metaclassOf(*part).feature("name");
+        if (name == nullptr) continue;
+        Kelm::Object const value = read(*part, *name, fDeviant);
+        if (!value.isNull() && textOf(*name, value) == piece) {
+          next = part;
+          break;
+        }
+      }
+    }
+    at = next;
+  }
+  return at;
+}
+
+ModelFile* References::fileAt(std::string_view aFile, std::uint32_t aFrom) {
+  namespace fs = std::filesystem;
+  fs::path const wanted = decoded(aFile);
+  fs::path const beside = fs::path(fFiles.fFiles[aFrom].fText.name()).parent_path() / wanted;
+  for (ModelFile& file : fFiles.fFiles) {
+    fs::path const path = file.fText.name();
+    if (path.lexically_normal() == beside.lexically_normal() || path == wanted) return &file;
+  }
+  return nullptr;
+}
+
+Element* References::primitive(std::string_view aName) {
+  auto const known = fFiles.fPrimitives.find(aName);
+  if (known != fFiles.fPrimitives.end()) return known->second.get();
+  Metaclass const& metaclass = *Metamodel::instance().metaclass("PrimitiveType");
+  Kelm::ClassObject const made =
+      createElement(fModel, Kelm::ImmutableClass(metaclass.fClass, Kelm::metaDeviant()));
+  Feature const& name = *metaclass.feature("name");
+  name.fMethods->setEntry(made.get(), fDeviant, name.fId, valueOf(name, aName));
+  fFiles.fPrimitives.emplace(aName, ElementPtr(made.get()));
+  return made.get();
+}
+
+void References::resolveApplications() {
+  for (PendingApplication const& application : fApplications) {
+    Element* const base = find(application.fAddress, application.fSpot.fFile);
+    if (base != nullptr) {
+      fFiles.fApplications.push_back({ElementPtr(base), application.fName, application.fSpot});
+      continue;
+    }
+    fFindings.add(Findings::Weight::Fault, "stereotype on an unknown element", application.fName,
+                  "kept as written", application.fSpot, [] { return std::string(); });
+  }
+}
+
+void References::order() {
+  auto const key = [](Linked const& aLink) { return std::pair(aLink.fElement, aLink.fFeature); };
+  std::ranges::stable_sort(fLinked, std::less<>(), key);
+  std::vector<Element*> values;
+  for (std::size_t from = 0; from < fLinked.size();) {
+    std::size_t to = from;
+    values.clear();
+    for (; to < fLinked.size() && key(fLinked[to]) == key(fLinked[from]); ++to)
+      values.push_back(fLinked[to].fValue);
+    if (values.size() > 1) order(*fLinked[from].fElement, *fLinked[from].fFeature, values);
+    from = to;
+  }
+  fLinked = {};
+}
+
+void References::order(Element& aElement, Feature const& aFeature, std::span<Element* const> aValues) {
+  auto const current = valuesOf(aElement, aFeature, fDeviant);
+  std::unordered_map<Element const*, int> places;
+  for (std::size_t at = 0; at < current.size(); ++at) places.emplace(current[at], static_cast<int>(at));
+  std::vector<int> from;
+  for (Element const* const value : aValues) {
+    auto const found = places.find(value);
+    if (found == places.end()) continue;
+    from.push_back(found->second);
+    places.erase(found);
+  }
+  std::vector<int> to = from;
+  std::ranges::sort(to);
+  if (to == from) return;
+  aFeature.fMethods->getSequenceEntry(&aElement, fDeviant, aFeature.fId)
+      ->generic_rearrange(fDeviant, from, to);
+}
+
+}  // namespace umlmm::files

@@ -1,0 +1,76 @@
+#pragma once
+
+#include <span>
+#include <string_view>
+#include <vector>
+
+#include "model_files/ModelFiles.h"
+#include "model_files/reading/Findings.h"
+
+namespace umlmm::files {
+
+/// References wait here until all elements are made; then each finds what it names.
+class References {
+ public:
+  explicit References(ModelFiles& aFiles, Kelm::Model const& aModel, Findings& aFindings);
+
+  /// `aAddress` is an id, or an address with a file or a path: "a.uml#x", "#//shop/Order". The text lives
+  /// until all is resolved.
+  void add(Element& aElement, Feature const& aFeature, std::string_view aAddress, Spot aSpot) {
+    fPending.push_back({&aElement, &aFeature, aAddress, aSpot});
+  }
+  /// A stereotype's reference to what it extends.
+  void addApplication(std::string_view aName, std::string_view aAddress, Spot aSpot) {
+    fApplications.push_back({aName, aAddress, aSpot});
+  }
+
+  /// Resolves some more; true when none is left.
+  bool step(std::size_t aCount);
+  /// What comes when all are resolved.
+  void finish();
+  std::size_t count() const noexcept { return fPending.size(); }
+  std::size_t done() const noexcept { return fNext; }
+
+ private:
+  struct Pending {
+    Element* fElement;
+    Feature const* fFeature;
+    std::string_view fAddress;
+    Spot fSpot;
+  };
+  struct PendingApplication {
+    std::string_view fName;
+    std::string_view fAddress;
+    Spot fSpot;
+  };
+
+  Element* find(std::string_view aAddress, std::uint32_t aFile);
+  Element* findInFile(ModelFile& aFile, std::string_view aFragment);
+  Element* walk(ModelFile& aFile, std::string_view aPath);
+  ModelFile* fileAt(std::string_view aFile, std::uint32_t aFrom);
+  Element* primitive(std::string_view aName);
+  void resolve(Pending const& aReference);
+  void resolveApplications();
+  void link(Pending const& aReference, Element& aValue);
+  /// Puts lists into the order in which the files name their values: links came as their other ends were
+  /// read.
+  void order();
+  void order(Element& aElement, Feature const& aFeature, std::span<Element* const> aValues);
+
+  ModelFiles& fFiles;
+  Kelm::Model fModel;
+  Kelm::Deviant fDeviant;
+  Findings& fFindings;
+  std::vector<Pending> fPending;
+  std::vector<PendingApplication> fApplications;
+  /// Of lists.
+  struct Linked {
+    Element* fElement;
+    Feature const* fFeature;
+    Element* fValue;
+  };
+  std::vector<Linked> fLinked;
+  std::size_t fNext = 0;
+};
+
+}  // namespace umlmm::files

@@ -1,0 +1,137 @@
+#include "model_files/reading/values.h"
+
+#include <charconv>
+#include <optional>
+
+#include "kelm/String.h"
+#include "kelm/kernel/containers/Ref.h"
+#include "uml_metamodel/umlmm/Boolean.h"
+#include "uml_metamodel/umlmm/String.h"
+
+namespace umlmm::files {
+
+namespace {
+
+using Kelm::makePrimitive;
+using Kelm::PrimitiveKind;
+
+std::string_view trimmed(std::string_view aText) noexcept {
+  constexpr std::string_view kBlanks = " \t\r\n";
+  std::size_t const from = aText.find_first_not_of(kBlanks);
+  if (from == std::string_view::npos) return {};
+  return aText.substr(from, aText.find_last_not_of(kBlanks) - from + 1);
+}
+
+template <class Number>
+std::optional<Number> number(std::string_view aText) noexcept {
+  Number value = 0;
+  auto const [end, error] = std::from_chars(aText.data(), aText.data() + aText.size(), value);
+  if (error != std::errc() || end != aText.data() + aText.size()) return std::nullopt;
+  return value;
+}
+
+Kelm::Object boolean(std::string_view aText) {
+  if (aText == "true" || aText == "1") return makePrimitive(PrimitiveKind::Boolean, 1);
+  if (aText == "false" || aText == "0") return makePrimitive(PrimitiveKind::Boolean, 0);
+  return {};
+}
+
+Kelm::Object integer(std::string_view aText) {
+  auto const value = number<std::int32_t>(aText);
+  return value ? makePrimitive(PrimitiveKind::Integer, static_cast<std::uint32_t>(*value)) : Kelm::Object();
+}
+
+Kelm::Object unlimitedNatural(std::string_view aText) {
+  if (aText == "*" || aText == "-1" || aText == "n")
+    return makePrimitive(PrimitiveKind::UnlimitedNatural, UINT32_MAX);
+  auto const value = number<std::uint32_t>(aText);
+  return value ? makePrimitive(PrimitiveKind::UnlimitedNatural, *value) : Kelm::Object();
+}
+
+/// Literals are written with a small first letter: "inout", "private", "sequential".
+bool isSpelling(std::string_view aText, std::string_view aLiteral) noexcept {
+  return aText.size() == aLiteral.size() && aText.substr(1) == aLiteral.substr(1) &&
+         (aText.front() | 0x20) == (aLiteral.front() | 0x20);
+}
+
+Kelm::Object literal(Kelm::EnumerationType const& aType, std::string_view aText) {
+  auto const literals = aType.literals();
+  for (std::size_t at = 0; !aText.empty() && at < literals.size(); ++at)
+    if (isSpelling(aText, literals[at]))
+      return Kelm::Object(aType.object(static_cast<int>(at)), Kelm::Deviant());
+  return {};
+}
+
+}  // namespace
+
+Kelm::Object textObject(std::string_view aText) {
+  thread_local constinit char16_t sWide[256];
+  bool isAscii = aText.size() <= std::size(sWide);
+  for (std::size_t at = 0; isAscii && at < aText.size(); ++at) {
+    isAscii = static_cast<signed char>(aText[at]) >= 0;
+    sWide[at] = static_cast<unsigned char>(aText[at]);
+  }
+  Kelm::StringObject* const record = isAscii ? Kelm::StringObject::make({sWide, aText.size()})
+                                             : Kelm::StringObject::make(Kelm::toUtf16(aText));
+  Kelm::Object const object(record, Kelm::Deviant());
+  record->decRef();
+  return object;
+}
+
+Kelm::Object valueOf(Feature const& aFeature, std::string_view aText) {
+  switch (aFeature.fKind) {
+    case Kind::Boolean:
+      return boolean(trimmed(aText));
+    case Kind::Integer:
+      return integer(trimmed(aText));
+    case Kind::UnlimitedNatural:
+      return unlimitedNatural(trimmed(aText));
+    case Kind::Enumeration:
+      return literal(*aFeature.fEnumeration, trimmed(aText));
+    case Kind::String:
+      return textObject(aText);
+    case Kind::Reference:
+      break;
+  }
+  return {};
+}
+
+bool appendValue(Kelm::Generic::SequenceIntf& aList, Feature const& aFeature, Kelm::Object const& aValue,
+                 Kelm::Deviant const& aDeviant) {
+  using Kelm::Generic::RefAccess;
+  switch (aFeature.fKind) {
+    case Kind::String:
+      aList.generic_push_back(aDeviant, RefAccess<String>::make(String(aValue)));
+      return true;
+    case Kind::Boolean:
+      aList.generic_push_back(aDeviant, RefAccess<Boolean>::make(Boolean(aValue)));
+      return true;
+    default:
+      return false;
+  }
+}
+
+std::string textOf(Feature const& aFeature, Kelm::Object const& aValue) {
+  std::uint32_t const bits = aValue.getDeviant().value();
+  switch (aFeature.fKind) {
+    case Kind::Boolean:
+      return bits != 0 ? "true" : "false";
+    case Kind::Integer:
+      return std::to_string(static_cast<std::int32_t>(bits));
+    case Kind::UnlimitedNatural:
+      return bits == UINT32_MAX ? "*" : std::to_string(bits);
+    case Kind::Enumeration: {
+      std::string text = aFeature.fEnumeration->text(Kelm::literalNumber(aValue, *aFeature.fEnumeration));
+      if (!text.empty() && text.front() >= 'A' && text.front() <= 'Z')
+        text.front() = static_cast<char>(text.front() | 0x20);
+      return text;
+    }
+    case Kind::String:
+      return Kelm::toUtf8(Kelm::asString(aValue)->text());
+    case Kind::Reference:
+      break;
+  }
+  return {};
+}
+
+}  // namespace umlmm::files

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <string_view>
+
+#include "model_files/ModelFiles.h"
+
+namespace umlmm::files {
+
+/// A text as a value.
+Kelm::Object textObject(std::string_view aText);
+/// A value of a feature from its text in a file; null if the text is no such value.
+Kelm::Object valueOf(Feature const& aFeature, std::string_view aText);
+/// Adds to a list of values; false for a kind of value that no list of the metamodel holds.
+bool appendValue(Kelm::Generic::SequenceIntf& aList, Feature const& aFeature, Kelm::Object const& aValue,
+                 Kelm::Deviant const& aDeviant);
+/// The text of a value, as files have it: "true", "*", "public".
+std::string textOf(Feature const& aFeature, Kelm::Object const& aValue);
+
+/// Calls `aVisit` with each of the words between blanks.
+template <class Visit>
+void forEachWord(std::string_view aText, Visit aVisit) {
+  constexpr std::string_view kBlanks = " \t\r\n";
+  for (std::size_t at = aText.find_first_not_of(kBlanks); at != std::string_view::npos;) {
+    std::size_t const end = std::min(aText.find_first_of(kBlanks, at), aText.size());
+    aVisit(aText.substr(at, end - at));
+    at = aText.find_first_not_of(kBlanks, end);
+  }
+}
+
+}  // namespace umlmm::files

@@ -1,0 +1,145 @@
+#include "model_files/text/markup.h"
+
+#include <pugixml.hpp>
+
+namespace umlmm::files::markup {
+
+namespace {
+
+constexpr std::string_view kBlanks = " \t\r\n";
+
+/// Behind what starts with "<" here and is no element: a comment, an instruction, a section of characters.
+std::size_t skipOther(std::string_view aText, std::size_t aAt) {
+  struct Kind {
+    std::string_view fStart;
+    std::string_view fEnd;
+  };
+  static constexpr Kind kKinds[] = {{"<!--", "-->"}, {"<![CDATA[", "]]>"}, {"<?", "?>"}, {"<!", ">"}};
+  for (auto const& [start, end] : kKinds)
+    if (aText.substr(aAt).starts_with(start)) {
+      std::size_t const found = aText.find(end, aAt + start.size());
+      return found == std::string_view::npos ? aText.size() : found + end.size();
+    }
+  return aAt;
+}
+
+}  // namespace
+
+std::size_t endOfStart(std::string_view aText, std::size_t aName, bool& aIsEmpty) {
+  char quote = 0;
+  for (std::size_t at = aName; at < aText.size(); ++at) {
+    char const character = aText[at];
+    if (quote != 0) {
+      if (character == quote) quote = 0;
+    } else if (character == '"' || character == '\'') {
+      quote = character;
+    } else if (character == '>') {
+      aIsEmpty = aText[at - 1] == '/';
+      return at + 1;
+    }
+  }
+  aIsEmpty = true;
+  return aText.size();
+}
+
+std::string_view element(std::string_view aText, std::size_t aName) {
+  std::size_t const start = aName - 1;
+  bool isEmpty = false;
+  std::size_t at = endOfStart(aText, aName, isEmpty);
+  for (int depth = isEmpty ? 0 : 1; depth > 0;) {
+    at = aText.find('<', at);
+    if (at == std::string_view::npos || at + 1 >= aText.size()) return aText.substr(start);
+    if (aText[at + 1] == '/') {
+      --depth;
+      at = std::min(aText.find('>', at), aText.size() - 1) + 1;
+    } else if (std::size_t const behind = skipOther(aText, at); behind != at) {
+      at = behind;
+    } else {
+      at = endOfStart(aText, at + 1, isEmpty);
+      if (!isEmpty) ++depth;
+    }
+  }
+  return aText.substr(start, at - start);
+}
+
+Attribute attribute(std::string_view aText, std::size_t aName) {
+  std::size_t const end = aText.find_first_of(" \t\r\n=", aName);
+  std::size_t const open = aText.find_first_of("\"'", end);
+  std::size_t const close = aText.find(aText[open], open + 1);
+  return {aText.substr(aName, end - aName), aText.substr(open + 1, close - open - 1), aText[open]};
+}
+
+std::string Attribute::value() const {
+  pugi::xml_document document;
+  std::string text = "<a b=";
+  ((text += fQuote) += fRaw) += fQuote;
+  text += "/>";
+  document.load_buffer(text.data(), text.size(), pugi::parse_default, pugi::encoding_utf8);
+  return document.first_child().first_attribute().value();
+}
+
+std::string declaration(std::string_view aText, std::size_t aOffset, std::string_view aPrefix) {
+  std::string const name = "xmlns:" + std::string(aPrefix);
+  bool isEmpty = false;
+  std::string_view const before = aText.substr(0, endOfStart(aText, aOffset, isEmpty));
+  for (std::size_t at = before.rfind(name); at != std::string_view::npos && at > 0;
+       at = before.rfind(name, at - 1)) {
+    char const behind = before[at + name.size()];
+    if (kBlanks.find(before[at - 1]) != std::string_view::npos &&
+        (behind == '=' || kBlanks.find(behind) != std::string_view::npos))
+      return attribute(before, at).value();
+  }
+  return {};
+}
+
+std::string escaped(std::string_view aText, char aQuote) {
+  std::string text;
+  for (char const character : aText) {
+    switch (character) {
+      case '&':
+        text += "&amp;";
+        break;
+      case '<':
+        text += "&lt;";
+        break;
+      case '"':
+      case '\'':
+        if (character == aQuote)
+          text += aQuote == '"' ? "&quot;" : "&apos;";
+        else
+          text += character;
+        break;
+      case '\n':
+        text += "&#xA;";
+        break;
+      case '\r':
+        text += "&#xD;";
+        break;
+      case '\t':
+        text += "&#x9;";
+        break;
+      default:
+        text += character;
+    }
+  }
+  return text;
+}
+
+std::string escapedText(std::string_view aText) {
+  std::string text;
+  for (char const character : aText) {
+    if (character == '&')
+      text += "&amp;";
+    else if (character == '<')
+      text += "&lt;";
+    else if (character == '>')
+      text += "&gt;";
+    else if (character == '\r')
+      text += "&#xD;";
+    else
+      text += character;
+  }
+  return text;
+}
+
+}  // namespace umlmm::files::markup

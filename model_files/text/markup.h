@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+/// Pieces of an XML text that is known to be well-formed, found by their places: a parser tells where names
+/// stand, not where what they name ends.
+namespace umlmm::files::markup {
+
+/// The whole element whose name stands at the offset, from its "<" to behind its end tag.
+std::string_view element(std::string_view aText, std::size_t aName);
+/// The offset behind the start tag whose name stands at the offset; `aIsEmpty` tells whether it ends in "/>".
+std::size_t endOfStart(std::string_view aText, std::size_t aName, bool& aIsEmpty);
+
+struct Attribute {
+  std::string_view fName;
+  /// Between the quotes, as written.
+  std::string_view fRaw;
+  char fQuote;
+  /// With references replaced.
+  std::string value() const;
+};
+/// The attribute whose name stands at the offset.
+Attribute attribute(std::string_view aText, std::size_t aName);
+
+/// The namespace of a prefix at an offset: of the declarations before it, the one that stands last.
+std::string declaration(std::string_view aText, std::size_t aOffset, std::string_view aPrefix);
+
+/// A text as it is written between quotes or between tags; those of its characters that can't stand there
+/// become references.
+std::string escaped(std::string_view aText, char aQuote);
+std::string escapedText(std::string_view aText);
+
+}  // namespace umlmm::files::markup
