@@ -84,6 +84,7 @@ void ModelObject::close() {
   setCompanion(nullptr);
   fNotes.reset();
   noteChange();
+  fHostPlace.clear();  // may run code of scripts
   decRef();
 }
 

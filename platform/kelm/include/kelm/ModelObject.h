@@ -7,6 +7,7 @@
 #include "kelm/ElementList.h"
 #include "kelm/Model.h"
 #include "kelm/blocks.h"
+#include "lum/host_word.h"
 
 namespace Kelm {
 
@@ -107,6 +108,8 @@ class UMLMM_API ModelObject final : public NSInterface::ModelIntf {
   void setNotes(std::unique_ptr<ModelCompanion> aNotes) noexcept { fNotes = std::move(aNotes); }
   /// A chain for the metamodel's use.
   ModelLink*& links() noexcept { return fLinks; }
+  /// For the host, as long as the model is open; cleared at the end of `close`.
+  lum::HostPlace& hostPlace() noexcept { return fHostPlace; }
 
  private:
   ~ModelObject() override;
@@ -124,6 +127,7 @@ class UMLMM_API ModelObject final : public NSInterface::ModelIntf {
   ModelCompanion* fCompanion = nullptr;
   std::unique_ptr<ModelCompanion> fNotes;
   ModelLink* fLinks = nullptr;
+  lum::HostPlace fHostPlace;
   String fUri;
 };
 
