@@ -1,6 +1,7 @@
 # The few commands of daily work; the build itself is CMake's (see CMakePresets.json).
 #
 #   make run [SCRIPT=file.py] [ARGS="..."]   builds the product alone, and runs a script in the host
+#   make umlmm ARGS="info some.uml"          builds the product alone, and runs a command on model files
 #   make test                                builds the rest, and runs all tests
 #   make bench                               measures, against limits taken in the same run
 #   make bench-smoke                         runs every benchmark once, for a moment, without a look at the times
@@ -27,11 +28,14 @@ CONFIGURE = @tools/configure
 # Targets share a build tree.
 .NOTPARALLEL:
 
-.PHONY: run test bench bench-smoke describe reference install asan tsan debug lint format \
+.PHONY: run umlmm test bench bench-smoke describe reference install asan tsan debug lint format \
   product python generate packages test-packages
 
 run: product
 	@$(HOST) "$(SCRIPT)" $(ARGS)
+
+umlmm: product
+	@$(HOST) -m umlmm $(ARGS)
 
 test: test-packages
 	$(CONFIGURE) release $(FIRST) -DUMLMM_TESTS=ON

@@ -112,6 +112,23 @@ TEST_F(Published, theWholeSurfaceHoldsTogether) {
   EXPECT_EQ(methods, 995u + 966u + 203u + 10u + 8u * 13u + 38u);
 }
 
+/// What classes tell before they are filled, they have afterwards, and nothing else.
+TEST_F(Published, memberNamesAreToldWithoutFilling) {
+  std::size_t classesThatTell = 0;
+  for (std::string const& name : sPackage->names()) {
+    std::set<std::string> told, found;
+    if (!sPackage->find(name)->visitMemberNames([&](char const* member) { told.emplace(member); })) continue;
+    auto const cls = filled(name);
+    for (auto const& property : cls->fProperties) found.emplace(property->getName());
+    for (auto const& method : cls->fMethods)
+      if (name != method->getName()) found.emplace(method->getName());
+    EXPECT_EQ(told, found) << name;
+    classesThatTell++;
+  }
+  // Three classes and four sequences of each metaclass.
+  EXPECT_EQ(classesThatTell, 166u * 7u);
+}
+
 TEST_F(Published, extensionsRunBehindThePropertiesUnderTheChangeableName) {
   static std::size_t propertiesThen, methodsThen;
   Kelm::mi::VeskExtensionsRegistry::instance().addNonConstCallback(

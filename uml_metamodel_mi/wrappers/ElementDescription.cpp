@@ -30,11 +30,13 @@ Kelm::ImmutableType getMetaType(Kelm::ImmutableObject const& aObject) {
 }
 Kelm::ImmutableType getMutableMetaType(Kelm::Object const& aObject) { return getMetaType(aObject); }
 
-/// Adds the methods of one of the two classes of elements.
+/// Adds the methods of one of the two classes of elements, or tells somebody their names instead.
 class Filler {
  public:
-  Filler(vesk::VeskClass* aClass, ElementDescription const& aDescription, bool aMutable)
+  Filler(vesk::VeskClass* aClass, ElementDescription const& aDescription, bool aMutable,
+         NameVisitor const* aVisit = nullptr)
       : fClass(aClass),
+        fVisit(aVisit),
         fDescription(aDescription),
         fMutable(aMutable),
         fMutableName(aDescription.family().reference(Access::Changeable).c_str()),
@@ -134,12 +136,18 @@ class Filler {
   }
 
  private:
-  void add(Kelm::mi::MethodRow const& aRow) const { addTypedMethod(fClass, aRow); }
+  void add(Kelm::mi::MethodRow const& aRow) const {
+    if (fVisit == nullptr)
+      addTypedMethod(fClass, aRow);
+    else if (aRow.fForm != Form::Constructor)
+      (*fVisit)(aRow.fName);
+  }
   Bind pick(BindPair const& aPair) const { return fMutable ? aPair.fOnMutable : aPair.fOnImmutable; }
   /// The changeable class replaces what it inherits from its read-only twin.
   std::uint32_t overriding() const { return fMutable ? std::uint32_t{MethodOverridesAllSignatures} : 0; }
 
   vesk::VeskClass* fClass;
+  NameVisitor const* fVisit;
   ElementDescription const& fDescription;
   bool fMutable;
   char const* fMutableName;
@@ -149,49 +157,83 @@ class Filler {
 
 }  // namespace
 
+namespace {
+
+void addMutableMembers(Filler const& aFiller, ElementDescription const& aDescription) {
+  bool const redeclares = aDescription.fRedeclared != nullptr;
+  aFiller.constructors();
+  if (redeclares) aFiller.isValid();
+  aFiller.metaClass();
+  if (redeclares) {
+    aFiller.destroy();
+    aFiller.asDeviant();
+  }
+  aFiller.operations();
+  aFiller.metaType();
+  aFiller.cast("Kelm.Object", "Kelm.Object", aDescription.fCommon->fCast);
+  if (redeclares) aFiller.asImmutable();
+}
+
+/// `aAddProperties` comes where the properties stand among the methods.
+template <class AddProperties>
+void addImmutableMembers(Filler const& aFiller, ElementDescription const& aDescription,
+                         AddProperties aAddProperties) {
+  bool const redeclares = aDescription.fRedeclared != nullptr;
+  if (redeclares) aFiller.isValid();
+  aFiller.metaClass();
+  aFiller.operations();
+  aFiller.metaType();
+  aAddProperties();
+  if (redeclares) {
+    aFiller.asDeviant();
+    aFiller.asImmutable();
+    aFiller.asMutable();
+  }
+  CommonMethods const& common = *aDescription.fCommon;
+  aFiller.cast("Kelm.ImmutableObject", "Kelm.ImmutableObject", common.fCastImmutable);
+  aFiller.cast("Kelm.Object", "Kelm.ImmutableObject", common.fCastToImmutable);
+}
+
+}  // namespace
+
 void fillMutableClass(vesk::VeskClass* aClass, ElementDescription const& aDescription) {
   Filler const filler(aClass, aDescription, true);
-  bool const redeclares = aDescription.fRedeclared != nullptr;
   filler.superclasses();
   vesk::factory::detail::initStringDataTypes();
-  filler.constructors();
-  if (redeclares) filler.isValid();
-  filler.metaClass();
-  if (redeclares) {
-    filler.destroy();
-    filler.asDeviant();
-  }
-  filler.operations();
-  filler.metaType();
-  filler.cast("Kelm.Object", "Kelm.Object", aDescription.fCommon->fCast);
-  if (redeclares) filler.asImmutable();
+  addMutableMembers(filler, aDescription);
 }
 
 void fillImmutableClass(vesk::VeskClass* aClass, vesk::VeskClient const* aClient,
                         ElementDescription const& aDescription) {
   Filler const filler(aClass, aDescription, false);
-  bool const redeclares = aDescription.fRedeclared != nullptr;
   filler.superclasses();
   vesk::factory::detail::initStringDataTypes();
-  if (redeclares) filler.isValid();
-  filler.metaClass();
-  filler.operations();
-  filler.metaType();
+  addImmutableMembers(filler, aDescription, [&] {
+    Kelm::mi::KelmmiPropertyFactory const factory{aClass, filler.immutableName(), aDescription.fMethods};
+    for (PropertyRow const& row : aDescription.fProperties) row.fAdd(factory, row);
+    // Extensions know a metaclass by its changeable class, and find the properties in place.
+    Kelm::mi::VeskExtensionsRegistry::instance().executeNonConstCallbacks(filler.mutableName(), aClass,
+                                                                          aClient);
+  });
+}
 
-  Kelm::mi::KelmmiPropertyFactory const factory{aClass, filler.immutableName(), aDescription.fMethods};
-  for (PropertyRow const& row : aDescription.fProperties) row.fAdd(factory, row);
-  // Extensions know a metaclass by its changeable class, and find the properties in place.
-  Kelm::mi::VeskExtensionsRegistry::instance().executeNonConstCallbacks(filler.mutableName(), aClass,
-                                                                        aClient);
+bool visitMutableNames(NameVisitor const& aVisit, ElementDescription const& aDescription) {
+  addMutableMembers(Filler(nullptr, aDescription, true, &aVisit), aDescription);
+  return true;
+}
 
-  if (redeclares) {
-    filler.asDeviant();
-    filler.asImmutable();
-    filler.asMutable();
-  }
-  CommonMethods const& common = *aDescription.fCommon;
-  filler.cast("Kelm.ImmutableObject", "Kelm.ImmutableObject", common.fCastImmutable);
-  filler.cast("Kelm.Object", "Kelm.ImmutableObject", common.fCastToImmutable);
+bool visitImmutableNames(NameVisitor const& aVisit, ElementDescription const& aDescription) {
+  Filler const filler(nullptr, aDescription, false, &aVisit);
+  if (Kelm::mi::VeskExtensionsRegistry::instance().hasCallbacks(filler.mutableName())) return false;
+  addImmutableMembers(filler, aDescription, [&] {
+    for (PropertyRow const& row : aDescription.fProperties) aVisit(row.fName);
+  });
+  return true;
+}
+
+bool visitMetaPropertyNames(NameVisitor const& aVisit, ElementDescription const& aDescription) {
+  for (MetaPropertyRow const& row : aDescription.fMetaProperties) aVisit(row.fName);
+  return true;
 }
 
 void fillMetaPropertyClass(vesk::VeskClass* aClass, ElementDescription const& aDescription) {

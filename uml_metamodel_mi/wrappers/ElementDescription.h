@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <functional>
 #include <span>
 
 #include "frame/addTypedMethod.h"
@@ -96,5 +97,12 @@ void fillMutableClass(vesk::VeskClass* aClass, ElementDescription const& aDescri
 void fillImmutableClass(vesk::VeskClass* aClass, vesk::VeskClient const* aClient,
                         ElementDescription const& aDescription);
 void fillMetaPropertyClass(vesk::VeskClass* aClass, ElementDescription const& aDescription);
+
+/// The names of all members that the fillings add. False, with nothing visited, if other libraries add some
+/// that can't be told before.
+using NameVisitor = std::function<void(char const*)>;
+bool visitMutableNames(NameVisitor const& aVisit, ElementDescription const& aDescription);
+bool visitImmutableNames(NameVisitor const& aVisit, ElementDescription const& aDescription);
+bool visitMetaPropertyNames(NameVisitor const& aVisit, ElementDescription const& aDescription);
 
 }  // namespace umlmm::mi

@@ -5,6 +5,7 @@
 #include <set>
 #include <string_view>
 
+#include "additions.h"
 #include "arguments.h"
 #include "errors.h"
 #include "instances.h"
@@ -48,10 +49,16 @@ bool isLiteral(MethodRecord const& method) noexcept {
          method.fSignature->result() == method.fOwner->fName;
 }
 
-Ref makeBases(ClassRecord& record, bool isChangeableList) {
+/// The front's own base of a class.
+PyTypeObject* baseOf(ClassRecord& record) {
+  if (record.info().getSequenceHook())
+    return record.findMember(internal::interned<"append">()) ? &gChangeableListType : &gListType;
+  return hasLiterals(record) ? &gEnumerationType : &gInstanceType;
+}
+
+Ref makeBases(ClassRecord& record) {
   auto const supers = record.superclasses();
-  bool const isList = record.info().getSequenceHook() != nullptr;
-  PyTypeObject* own = isChangeableList ? &gChangeableListType : isList ? &gListType : &gInstanceType;
+  PyTypeObject* own = baseOf(record);
   std::vector<PyObject*> bases;
   bool isCovered = false;
   for (ClassRecord* super : supers) {
@@ -96,6 +103,7 @@ Ref makeDictionary(ClassFront& front) {
   for (host::PropertyRecord const& property : record.properties())
     addMember(dict, property.fName, makeProperty(property).get());
   addMethods(dict, front);
+  putAdditions(record, dict);
   return dictionary;
 }
 
@@ -111,16 +119,32 @@ void findSpecialMembers(ClassFront& front) {
   front.fToText = comparison(*front.fRecord, "toString");
 }
 
+/// Calls what was added to make objects; throws if there is nothing.
+PyObject* makeAsAdded(PyObject* type, PyObject* const* arguments, int count, PyObject* keywords) {
+  Ref const maker = Ref::shared(makerWithKeywords(reinterpret_cast<PyTypeObject*>(type)));
+  if (!maker) checkNoKeywords(keywords, frontOfType(type).fRecord->fName.c_str());
+  Ref const positional = Ref::checked(PyTuple_New(count));
+  for (int i = 0; i < count; ++i) PyTuple_SET_ITEM(positional.get(), i, Py_NewRef(arguments[i]));
+  Ref const named = Ref::checked(PyDict_New());
+  for (Py_ssize_t i = 0; keywords && i < PyTuple_GET_SIZE(keywords); ++i)
+    checkedInt(PyDict_SetItem(named.get(), PyTuple_GET_ITEM(keywords, i), arguments[count + i]));
+  return PyObject_CallFunctionObjArgs(maker.get(), type, positional.get(), named.get(), nullptr);
+}
+
 PyObject* construct(PyObject* type, PyObject* const* arguments, std::size_t flaggedCount,
                     PyObject* keywords) {
   return guarded<PyObject*>(nullptr, [=] {
     ClassFront& front = frontOfType(type);
-    checkNoKeywords(keywords, front.fRecord->fName.c_str());
     int const count = static_cast<int>(PyVectorcall_NARGS(flaggedCount));
+    if (keywords && PyTuple_GET_SIZE(keywords) > 0) [[unlikely]]
+      return makeAsAdded(type, arguments, count, keywords);
     Arguments source(arguments);
     MethodRecord const* constructor =
         front.fConstruction.find(nullptr, host::CallForm::Constructor, arguments, count);
     if (!constructor) {
+      // Enumerations have no constructor of their own.
+      if (!front.fLiterals.empty() && makerWithKeywords(front.fType))
+        return makeAsAdded(type, arguments, count, nullptr);
       constructor = &host::resolveConstructor(*front.fRecord, source, count);
       front.fConstruction.store(nullptr, host::CallForm::Constructor, arguments, count, *constructor);
     }
@@ -193,6 +217,15 @@ int setClassAttribute(PyObject* type, PyObject* name, PyObject*) {
   });
 }
 
+PyObject* iterateClass(PyObject* type) {
+  return guarded<PyObject*>(nullptr, [=]() -> PyObject* {
+    static PyObject* const sName = checked(PyUnicode_InternFromString("__class_iter__"));
+    Ref const iterate = Ref::shared(_PyType_Lookup(reinterpret_cast<PyTypeObject*>(type), sName));
+    if (iterate) return PyObject_CallOneArg(iterate.get(), type);
+    raise(PyExc_TypeError, std::string("'") + Py_TYPE(type)->tp_name + "' object is not iterable");
+  });
+}
+
 PyObject* classDoc(PyObject*, PyObject* object, PyObject* type) {
   return guarded<PyObject*>(nullptr, [=]() -> PyObject* {
     PyObject* cls = type ? type : reinterpret_cast<PyObject*>(Py_TYPE(object));
@@ -215,12 +248,12 @@ PyObject* classDoc(PyObject*, PyObject* object, PyObject* type) {
 ClassFront& frontOf(ClassRecord& record) {
   if (record.fFront) [[likely]]
     return *static_cast<ClassFront*>(record.fFront);
+  runBeforeFirstClass();
   record.ensureFilled();
   auto front = std::make_unique<ClassFront>();
   front->fRecord = &record;
   front->fSequence = record.info().getSequenceHook();
-  bool const isChangeableList = front->fSequence && record.findMember(internal::interned<"append">());
-  Ref const bases = makeBases(record, isChangeableList);
+  Ref const bases = makeBases(record);
   Ref const dictionary = makeDictionary(*front);
   Ref const name = pythonText(shortNameOf(record));
   Ref const arguments = Ref::checked(PyTuple_Pack(3, name.get(), bases.get(), dictionary.get()));
@@ -231,6 +264,11 @@ ClassFront& frontOf(ClassRecord& record) {
   finishType(*front, reinterpret_cast<PyTypeObject*>(type.release()));
   record.fFront = front.get();
   return *front.release();
+}
+
+bool hasLiterals(ClassRecord& record) {
+  return std::ranges::any_of(record.methods(), isLiteral) &&
+         record.findMember(internal::interned<"fromString">());
 }
 
 bool isEnumeration(ClassRecord& record) {
@@ -258,10 +296,13 @@ std::vector<std::string> memberNames(PyTypeObject* type) {
   return {names.begin(), names.end()};
 }
 
-void addToType(ClassRecord& record, PyObject* name, PyObject* function) {
-  PyTypeObject* type = frontOf(record).fType;
-  checkedInt(PyDict_SetItem(type->tp_dict, name, function));
-  PyType_Modified(type);
+void setInType(PyTypeObject* type, PyObject* name, PyObject* member) {
+  // What stood there goes when the class is closed again: its end may run code of scripts.
+  Ref const old = Ref::shared(PyDict_GetItemWithError(type->tp_dict, name));
+  type->tp_flags &= ~Py_TPFLAGS_IMMUTABLETYPE;
+  int const result = PyType_Type.tp_setattro(reinterpret_cast<PyObject*>(type), name, member);
+  type->tp_flags |= Py_TPFLAGS_IMMUTABLETYPE;
+  checkedInt(result);
 }
 
 void prepareMetaType() {
@@ -286,6 +327,7 @@ void prepareMetaType() {
   type.tp_new = refuseSubclass;
   type.tp_getattro = getClassAttribute;
   type.tp_setattro = setClassAttribute;
+  type.tp_iter = iterateClass;
   checkedInt(PyType_Ready(&type));
 }
 

@@ -45,6 +45,8 @@ void prepareMetaType();  // the type is gMetaType of instances.h
   return *static_cast<ClassFront*>(instance.classRecord().fFront);
 }
 
+/// Whether a class is filled as one with literals that are read from text.
+[[nodiscard]] bool hasLiterals(host::ClassRecord& record);
 /// Whether a class has literals and reads them from text, so that a literal's name stands for the literal.
 [[nodiscard]] bool isEnumeration(host::ClassRecord& record);
 /// The literals' names, such as "None, Shared, Composite".
@@ -53,7 +55,7 @@ void prepareMetaType();  // the type is gMetaType of instances.h
 /// Public names of all members of a class, inherited ones included.
 [[nodiscard]] std::vector<std::string> memberNames(PyTypeObject* type);
 
-/// Puts a method with a Python body into a class that is already made.
-void addToType(host::ClassRecord& record, PyObject* name, PyObject* function);
+/// Puts a member into a class that is made, and into the slots of its type and of all below it.
+void setInType(PyTypeObject* type, PyObject* name, PyObject* member);
 
 }  // namespace vesk::python

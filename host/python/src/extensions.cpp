@@ -5,6 +5,7 @@
 #include <utility>
 #include <vector>
 
+#include "additions.h"
 #include "classes.h"
 #include "errors.h"
 #include "instances.h"
@@ -28,7 +29,8 @@ std::set<std::pair<ClassRecord const*, std::string>>& extensions() {
 
 std::string quoted(std::string_view text) { return "'" + std::string(text) + "'"; }
 
-/// The class of a full name; throws a VeskError that names the nearest one.
+}  // namespace
+
 ClassRecord& classToExtend(PyObject* className) {
   std::string const name = utf8(className);
   if (ClassRecord* cls = host::findClass(internedName(className))) return *cls;
@@ -41,6 +43,25 @@ ClassRecord& classToExtend(PyObject* className) {
   throw VeskError("Class " + quoted(name) + " is not defined" + didYouMean(meant, names),
                   VeskError::Kind::Name);
 }
+
+void raisePublished(std::string const& name, ClassRecord const& cls) {
+  raise(PyExc_TypeError,
+        quoted(name) + " of class " + quoted(cls.fName.view()) +
+            " cannot be replaced: published members are fixed; give the member another name");
+}
+
+bool canBeFilled(ClassRecord& cls) {
+  try {
+    cls.ensureFilled();
+    return true;
+  } catch (std::bad_alloc const&) {
+    throw;
+  } catch (...) {
+    return false;  // whoever uses the class is told why
+  }
+}
+
+namespace {
 
 void checkIsMethodName(PyObject* name) {
   std::string const text = utf8(name);
@@ -60,28 +81,11 @@ void checkIsBody(PyObject* function) {
     raise(PyExc_TypeError, "The function takes no argument for the object that it is called on");
 }
 
-[[noreturn]] void raisePublished(std::string const& name, ClassRecord const& cls) {
-  raise(PyExc_TypeError,
-        quoted(name) + " of class " + quoted(cls.fName.view()) +
-            " cannot be replaced: published members are fixed; give the method another name");
-}
-
 /// The class that declares what a published name means on a class; null for a name that means nothing.
 ClassRecord const* publisherOf(ClassRecord& cls, VeskInterned name) {
   host::Member const* member = cls.findMember(name);
   if (!member) return nullptr;
   return member->fProperty ? member->fProperty->fOwner : member->fMethods.front()->fOwner;
-}
-
-bool canBeFilled(ClassRecord& cls) {
-  try {
-    cls.ensureFilled();
-    return true;
-  } catch (std::bad_alloc const&) {
-    throw;
-  } catch (...) {
-    return false;  // whoever uses the class is told why
-  }
 }
 
 /// Throws if a method of this name would stand before a published member, on `named`, which an extension of
@@ -97,7 +101,7 @@ void checkIsFree(ClassRecord& named, ClassRecord& receiver, PyObject* name) {
     if (checkedInt(PyDict_Contains(base->tp_dict, name)) == 0) continue;
     bool const isClass = Py_IS_TYPE(reinterpret_cast<PyObject*>(base), &gMetaType);
     ClassRecord const* owner = isClass ? reinterpret_cast<ClassObject*>(base)->fFront->fRecord : nullptr;
-    if (!extensions().contains({owner, text})) raisePublished(text, named);
+    if (!extensions().contains({owner, text}) && !hasAddition(base, name)) raisePublished(text, named);
   }
   // Several branches meet in some classes below: what one of them publishes may stand behind the receiver.
   VeskInterned const token = internedName(name);
@@ -130,7 +134,7 @@ void extendClass(PyObject* className, PyObject* name, PyObject* function) {
   Ref const body =
       Py_TYPE(function)->tp_descr_get ? Ref::shared(function) : Ref::checked(PyInstanceMethod_New(function));
   extensions().emplace(receiver, utf8(name));
-  addToType(*receiver, name, body.get());
+  setInType(frontOf(*receiver).fType, name, body.get());
 }
 
 }  // namespace vesk::python

@@ -4,6 +4,7 @@
 
 #include <new>
 
+#include "additions.h"
 #include "classes.h"
 #include "errors.h"
 #include "members.h"
@@ -14,6 +15,7 @@
 namespace vesk::python {
 
 PyTypeObject gInstanceType{};
+PyTypeObject gEnumerationType{};
 
 namespace {
 
@@ -101,6 +103,10 @@ int setAttribute(PyObject* self, PyObject* name, PyObject* value) {
       return 0;
     }
     if (!member && PyUnicode_Check(name)) raiseUnknown(self, name);
+    if (member && isAddition(member)) {
+      Ref const held = Ref::shared(member);
+      return checkedInt(Py_TYPE(member)->tp_descr_set(member, self, value));
+    }
     raise(PyExc_AttributeError, "'" + className(instanceOf(self)) + "' object attribute " + shortRepr(name) +
                                     " cannot be set: it is no property");
   });
@@ -190,6 +196,22 @@ void prepareInstanceType() {
   type.tp_repr = represent;
   type.tp_str = toText;
   checkedInt(PyType_Ready(&type));
+
+  // With room for the slots of what is added.
+  static PyNumberMethods sNumber{};
+  static PySequenceMethods sSequence{};
+  static PyMappingMethods sMapping{};
+  PyTypeObject& enumeration = gEnumerationType;
+  Py_SET_REFCNT(reinterpret_cast<PyObject*>(&enumeration), 1);
+  enumeration.tp_name = "umlmm._host.Enumeration";
+  enumeration.tp_doc = "What the literals of all published enumerations have in common.";
+  enumeration.tp_base = &gInstanceType;
+  enumeration.tp_basicsize = type.tp_basicsize;
+  enumeration.tp_flags = Py_TPFLAGS_DEFAULT | Py_TPFLAGS_BASETYPE | Py_TPFLAGS_DISALLOW_INSTANTIATION;
+  enumeration.tp_as_number = &sNumber;
+  enumeration.tp_as_sequence = &sSequence;
+  enumeration.tp_as_mapping = &sMapping;
+  checkedInt(PyType_Ready(&enumeration));
 }
 
 }  // namespace vesk::python

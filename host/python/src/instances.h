@@ -30,6 +30,8 @@ inline PyObject* PyInstance::object() noexcept {
 /// The common base of all published classes, and the class of these classes.
 extern PyTypeObject gInstanceType;
 extern PyTypeObject gMetaType;
+/// The base of the published enumerations.
+extern PyTypeObject gEnumerationType;
 void prepareInstanceType();
 
 /// Whether an object is one of a published class: only these have the class of classes, and scripts can't

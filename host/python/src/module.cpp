@@ -1,10 +1,12 @@
 #include <string>
 
+#include "additions.h"
 #include "arguments.h"
 #include "classes.h"
 #include "errors.h"
 #include "instances.h"
 #include "lists.h"
+#include "lock.h"
 #include "members.h"
 #include "names.h"
 #include "packages.h"
@@ -51,6 +53,36 @@ PyObject* extend(PyObject*, PyObject* arguments) {
   });
 }
 
+PyObject* add(PyObject*, PyObject* arguments) {
+  return guarded<PyObject*>(nullptr, [=] {
+    PyObject *kind = nullptr, *members = nullptr;
+    if (!PyArg_ParseTuple(arguments, "UO!:add", &kind, &PyDict_Type, &members)) throw PythonError();
+    addMembers(kind, members);
+    return Py_NewRef(Py_None);
+  });
+}
+
+PyObject* additions(PyObject*, PyObject*) {
+  return guarded<PyObject*>(nullptr, [] { return allAdditions().release(); });
+}
+
+PyObject* beforeFirstClass(PyObject*, PyObject* function) {
+  callBeforeFirstClass(function);
+  Py_RETURN_NONE;
+}
+
+PyObject* state(PyObject*, PyObject* model) {
+  return guarded<PyObject*>(nullptr, [=] { return stateOfModel(model).release(); });
+}
+
+PyObject* copy(PyObject*, PyObject* arguments) {
+  return guarded<PyObject*>(nullptr, [=] {
+    PyObject *object = nullptr, *place = Py_None;
+    if (!PyArg_ParseTuple(arguments, "O|O:copy", &object, &place)) throw PythonError();
+    return copyOf(object, place).release();
+  });
+}
+
 host::PackageRecord& packageOf(PyObject* name) {
   host::PackageRecord* package = host::findPackage(utf8(name));
   if (!package) raise(PyExc_ValueError, "Package " + shortRepr(name) + " is not loaded");
@@ -91,6 +123,14 @@ PyMethodDef sFunctions[] = {
      "must "
      "be\n"
      "free: published members are not replaced. A method that was added before is."},
+    {"add", add, METH_VARARGS, "add(kind, members): adds members to a kind of objects; see umlmm._front"},
+    {"additions", additions, METH_NOARGS, "additions() -> the members added so far, by kind"},
+    {"before_first_class", beforeFirstClass, METH_O,
+     "before_first_class(function): to be called once, before the first class is made"},
+    {"state", state, METH_O,
+     "state(object) -> a dictionary of a model or an element's model, which lives until it is closed"},
+    {"copy", copy, METH_VARARGS,
+     "copy(object, place=None) -> a copy of all that it owns, or place, filled with it"},
     {"class_names", classNames, METH_O, "class_names(package) -> full names in the order of announcement"},
     {"describe_class", describe, METH_O, "describe_class(name) -> what the filled class tells of itself"},
     {"describe_functions", describePackageFunctions, METH_O,
@@ -119,6 +159,7 @@ int execute(PyObject*) {
     prepareListTypes();
     preparePackageType();
     prepareAttributeAccess();
+    prepareLock();
     host::setInstanceMaker(&makePyInstance);
     Py_AtExit(terminateHost);
     return 0;

@@ -8,10 +8,10 @@
 
 namespace vesk::python {
 
-// Everything in the front runs with the interpreter's lock held, and never gives it up inside a call. A `Ref`
-// is a reference that is owned; a plain `PyObject*` is borrowed, as an argument for the length of the call.
-// What throws has set a Python error or throws what the host and its libraries throw; `guarded` turns that
-// into one.
+// Everything in the front runs with the interpreter's lock held. What is long may give it up inside a call,
+// far from all objects (lock.h). A `Ref` is a reference that is owned; a plain `PyObject*` is borrowed, as an
+// argument for the length of the call. What throws has set a Python error or throws what the host and its
+// libraries throw; `guarded` turns that into one.
 
 /// Thrown where Python has set an error: it travels to the nearest C function and is left as it stands.
 struct PythonError {};

@@ -6,6 +6,8 @@
     package = umlmm.Package(model)
     package.name = "shop"
 
+or `model = umlmm.load("shop.uml")` for one that other tools have made (`umlmm.files`).
+
 The classes of the metamodel are members of this package, those of the kernel below it members of
 `umlmm.Kelm`. A class is made when it is first touched.
 
@@ -36,3 +38,12 @@ _host.load("uml_metamodel_mi")
 Kelm = _show("umlmm.Kelm", "Kelm")
 Kelm.extend = _host.extend
 _show(__name__, "umlmm")
+
+
+def __getattr__(name):
+    """Model files are brought in when they are first asked for."""
+    if name in ("files", "load", "load_all"):
+        import importlib
+        files = importlib.import_module("umlmm.files")
+        return globals().setdefault(name, getattr(files, name, files))
+    raise AttributeError(name)

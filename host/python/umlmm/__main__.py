@@ -1,23 +1,33 @@
-"""Command line: `python -m umlmm describe`, `stubs` and `reference` tell of the published classes.
-
-Each reads them back from the filled classes.
+"""Command line: `python -m umlmm info`, `tree`, `convert` and `check` work on model files, `describe`, `stubs` and
+`reference` tell of the published classes, which they read back from the filled ones.
 """
 
 import argparse
 import json
+import os
 import pathlib
 import sys
 
+from umlmm import _commands
+
 
 def main(arguments=None):
-    """Runs one command, by default that of the command line; a wrong one ends the process with its usage."""
+    """Runs one command, by default that of the command line, and answers its exit code; a wrong one ends the process
+    with its usage."""
     options = _parser().parse_args(arguments)
-    options.run(options)
+    try:
+        return options.run(options)
+    except KeyboardInterrupt:
+        return 130
+    except BrokenPipeError:  # the reader of a pipe has seen enough; nothing more is written as Python ends
+        os.dup2(os.open(os.devnull, os.O_WRONLY), sys.stdout.fileno())
+        return 0
 
 
 def _parser():
     parser = argparse.ArgumentParser(prog="python -m umlmm")
     commands = parser.add_subparsers(required=True)
+    _commands.add_parsers(commands)
 
     describe = commands.add_parser("describe", help="print all classes of a package as JSON")
     describe.add_argument("package", nargs="?", default="umlmm", choices=("umlmm", "Kelm"),
@@ -54,4 +64,4 @@ def _reference(options):
 
 
 if __name__ == "__main__":
-    main()
+    sys.exit(main())

@@ -2,6 +2,8 @@
 
 import pathlib
 
+from umlmm import _front, _host
+from umlmm._added import stub_lines
 from umlmm._classes import Packages, python_name
 from umlmm._types import Types
 
@@ -17,8 +19,6 @@ Written by `python -m umlmm stubs` from the filled classes. A feature that must 
 from collections.abc import Callable as _Callable, Iterable as _Iterable, Sequence as _Sequence
 from typing import Any as _Any, ClassVar as _ClassVar, NoReturn as _NoReturn, overload as _overload
 
-from typing_extensions import Self as _Self
-
 '''
 
 
@@ -28,22 +28,40 @@ def write_stubs(folder):
     folder = pathlib.Path(folder)
     folder.mkdir(parents=True, exist_ok=True)
     packages = Packages()
-    files = {"py.typed": "", "_typing.pyi": pathlib.Path(__file__).with_name("_typing.pyi").read_text("utf-8")}
+    added = {kind: stub_lines(members) for kind, members in _host.additions().items()}
+    files = {"py.typed": "", "_typing.pyi": pathlib.Path(__file__).with_name("_typing.pyi").read_text("utf-8"),
+             "_kinds.pyi": _kinds(added)}
     for package in packages.packages:
         name = "__init__.pyi" if package.name == "umlmm" else f"{package.name}.pyi"
-        files[name] = _PackageStub(packages, package).text()
+        files[name] = _PackageStub(packages, package, added).text()
     for name, text in files.items():
         (folder / name).write_text(text, "utf-8")
 
 
+def _imports(text):
+    """Imports of the modules that annotations of added members name."""
+    return "".join(f"import {module}\n" for module in ("collections.abc", "typing", "umlmm") if f"{module}." in text)
+
+
+def _kinds(added):
+    """What is added to all lists and to all enumerations: bases of theirs."""
+    body = ""
+    for kind in (_front.LISTS, _front.ENUMERATIONS):
+        body += f"\nclass {kind}:\n" + "".join(f"    {line}\n" for line in added.get(kind) or ["..."])
+    return f"{_HEAD.format(title='What is added to kinds of classes.')}{_imports(body)}from umlmm import _typing\n{body}"
+
+
 class _PackageStub:
-    def __init__(self, packages, package):
+    def __init__(self, packages, package, added):
         self._packages = packages
         self._package = package
+        self._added = added
         self._types = Types(packages, package.name)
 
     def text(self):
-        lines = [_HEAD.format(title=f"The package `{self._package.module.__name__}`."), "from umlmm import _typing"]
+        added = [line for cls in self._package.classes for line in self._added.get(cls, [])]
+        lines = [_HEAD.format(title=f"The package `{self._package.module.__name__}`.") + _imports("".join(added)),
+                 "from umlmm import _typing"]
         if self._package.name == "umlmm":
             lines += ["from umlmm import Kelm as Kelm", "", "__version__: str"]
         lines += [""]
@@ -71,16 +89,17 @@ class _PackageStub:
             kind = "ChangeableList" if cls.is_changeable_list else "List"
             lines += [f"class _{cls.short}(_typing.{kind}[{self._types.read(cls.item)}]): ..."]
             bases.insert(0, f"_{cls.short}")
-        lines += [f"class {cls.short}({', '.join(bases or ['_typing.Instance'])}):"]
+        root = "_typing.Enumeration" if cls.literals else "_typing.Instance"
+        lines += [f"class {cls.short}({', '.join(bases or [root])}):"]
         body = [f'"""{cls.description}"""'] if cls.description else []
         body += self._constructors(cls)
         body += self._properties(cls)
         names = dict.fromkeys(method.name for method in cls.methods if not method.is_constructor)
         body += [f"{python_name(name)}: _ClassVar[{cls.short}]" for name in cls.literals]
-        body += ["def __call__(self) -> _Self: ..."] if cls.literals else []
         for name in names:
             if name not in cls.literals:
                 body += self._method(cls, name)
+        body += self._added.get(cls.name, [])
         return lines + ["    " + line for line in body or ["..."]] + [""]
 
     def _constructors(self, cls):

@@ -5,6 +5,8 @@ from typing import Any, ClassVar, Generic, NoReturn, SupportsIndex, TypeVar, ove
 
 from typing_extensions import Self
 
+from umlmm import _kinds
+
 _Read = TypeVar("_Read", covariant=True)
 _Write = TypeVar("_Write", contravariant=True)
 _Item = TypeVar("_Item")
@@ -24,7 +26,12 @@ class Property(ReadOnlyProperty[_Read], Generic[_Read, _Write]):
 class Instance:
     def __init__(self, has_no_constructor: NoReturn, /) -> None: ...
 
-class List(Instance, Sequence[_Item]):
+class Enumeration(_kinds.Enumeration, Instance):
+    """A literal may be called as the method that it is published as."""
+
+    def __call__(self) -> Self: ...
+
+class List(_kinds.List, Instance, Sequence[_Item]):
     """A list counts from 0 in Python's own ways, and from 1 in the published methods."""
 
     __hash__: ClassVar[None]  # type: ignore[assignment]

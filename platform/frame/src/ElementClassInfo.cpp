@@ -1,8 +1,32 @@
 #include "frame/ElementClassInfo.h"
 
+#include "frame/Boxing.h"
+#include "kelm/Asserter.h"
 #include "kelm/DeviantRegistry.h"
+#include "kelm/ElementQueries.h"
+#include "kelm/ModelElementIntf.h"
+#include "kelm/failureWords.h"
 
 namespace Kelm::mi {
+
+namespace {
+
+constexpr char kSource[] = "frame/ElementClassInfo";
+
+/// The open model of an id; null for what is none.
+ModelObject* modelOf(void const* aId) {
+  auto const [object, deviant] = DeviantRegistry::getVariantInfo(aId);
+  auto* const model = dynamic_cast<ModelObject*>(object);
+  return model != nullptr && model->isOpen() ? model : nullptr;
+}
+
+/// What changes through an id is refused for one that is read-only.
+void checkChangeable(void const* aId, Deviant const& aDeviant) {
+  if (DeviantRegistry::isImmutable(aId) || aDeviant.variant()->fReadOnly)
+    raiseFailure(words::kReadOnlyVariant, kSource);
+}
+
+}  // namespace
 
 void releaseBoundObject(void* aId) {
   ReferenceCountingIntf* const object = DeviantRegistry::getVariantInfo(aId).first;
@@ -14,6 +38,31 @@ vesk::Identity identifyBoundObject(void const* aId) {
   auto const [object, deviant] = DeviantRegistry::getVariantInfo(aId);
   if (object == nullptr) return {aId, 0};
   return {object, deviant.word()};
+}
+
+lum::HostPlace* hostPlaceOfModel(void const* aId) {
+  auto const [object, deviant] = DeviantRegistry::getVariantInfo(aId);
+  auto const* const element = dynamic_cast<NSInterface::ModelElementIntf*>(object);
+  ModelObject* const model = element != nullptr ? element->model() : modelOf(aId);
+  return model == nullptr ? nullptr : &model->hostPlace();
+}
+
+vesk::VeskValue copyBoundObject(void const* aId, void const* aPlace) {
+  auto const [object, deviant] = DeviantRegistry::getVariantInfo(aId);
+  if (auto* const element = dynamic_cast<NSInterface::ModelElementIntf*>(object)) {
+    if (!element->existsIn(deviant)) raiseFailure(words::kNotInVariant, kSource);
+    checkChangeable(aId, deviant);
+    auto* const copy = elementCopying().clone(*element, deviant);
+    return ReferenceBoxer::boxObject(copy, deviant, false, ScriptClass<ClassObject>::name());
+  }
+  if (dynamic_cast<ModelObject*>(object) == nullptr) return {};
+  ModelObject* const from = modelOf(aId);
+  ModelObject* const to = modelOf(aPlace);
+  if (from == nullptr || to == nullptr) raiseFailure(words::kNotInVariant, kSource);
+  Deviant const place = DeviantRegistry::getVariantInfo(aPlace).second;
+  checkChangeable(aPlace, place);
+  elementCopying().copyInto(*from, *to);
+  return ReferenceBoxer::boxObject(to, place, false, ScriptClass<Model>::name());
 }
 
 }  // namespace Kelm::mi

@@ -85,6 +85,7 @@ void ModelObject::close() {
   fNotes.reset();
   fAttachments.clear();
   noteChange();
+  fHostPlace.clear();  // may run code of scripts
   decRef();
 }
 

@@ -84,16 +84,26 @@ class RefSequenceInfo final : public ClassMetaData {
   void initializeClass(vesk::VeskClass* aClass, vesk::VeskClient const*) override {
     vesk::factory::detail::initStringDataTypes();
     addSuperclasses(aClass);
-    ContainerNames const names{fClass.fName.c_str(), fClass.fElement.c_str(), fClass.fIterator.c_str()};
-    if (fClass.fAccess == Access::ReadOnly)
-      addRefMethods(aClass, readingMethods<RefSequences>(names), fClass);
-    else
-      addRefMethods(aClass, changingMethods<RefSequences>(names), fClass);
+    withMethods([&](std::span<MethodRow const> aRows) { addRefMethods(aClass, aRows, fClass); });
+  }
+  bool visitMemberNames(std::function<void(char const*)> const& aVisit) const override {
+    withMethods([&](std::span<MethodRow const> aRows) {
+      for (MethodRow const& row : aRows) aVisit(row.fName);
+    });
+    return true;
   }
   vesk::SequenceHook const* getSequenceHook() const override { return &fHook; }
   vesk::ClassFamily const* family() const override { return &fClass.fFamily; }
 
  private:
+  template <class Use>
+  void withMethods(Use aUse) const {
+    ContainerNames const names{fClass.fName.c_str(), fClass.fElement.c_str(), fClass.fIterator.c_str()};
+    if (fClass.fAccess == Access::ReadOnly)
+      aUse(readingMethods<RefSequences>(names));
+    else
+      aUse(changingMethods<RefSequences>(names));
+  }
   /// The read-only form of what can be changed, sequence before elements, then the same form of the sequences
   /// of the element's superclasses.
   void addSuperclasses(vesk::VeskClass* aClass) const {

@@ -26,6 +26,11 @@ vesk::VeskClass* VeskExtensionsRegistryImpl::executedOn(std::string const& aClas
   return found == fEntries.end() ? nullptr : found->second.fClass;
 }
 
+bool VeskExtensionsRegistryImpl::hasCallbacks(std::string const& aClassName) const {
+  auto const found = fEntries.find(aClassName);
+  return found != fEntries.end() && !found->second.fCallbacks.empty();
+}
+
 VeskExtensionsRegistry& VeskExtensionsRegistry::instance() {
   // Never destroyed: classes may be filled until the process ends.
   static auto* const sInstance = new VeskExtensionsRegistry;

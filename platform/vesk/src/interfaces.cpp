@@ -52,6 +52,9 @@ void VeskClassInfo::instanceLoaded(VeskInterfacePtr, VeskLoadInfo const*) {}
 bool VeskClassInfo::customSave(VeskInterfacePtr, VeskValue&, VeskDataTypePtr&) { return false; }
 bool VeskClassInfo::customLoad(VeskInterfacePtr&, VeskValue, VeskDataTypePtr) { return false; }
 std::vector<VeskInterfacePtr> VeskClassInfo::getChildrenOfInstance(VeskInterface*) { return {}; }
+bool VeskClassInfo::visitMemberNames(std::function<void(char const*)> const&) const { return false; }
+lum::HostPlace* VeskClassInfo::hostPlace(void const*) const { return nullptr; }
+VeskValue VeskClassInfo::copy(void const*, void const*) const { return {}; }
 
 VeskMethodInfo::~VeskMethodInfo() = default;
 ExtendedAccess VeskMethodInfo::getExtendedAccess() const { return {getMemberAccess(), {}, {}}; }

@@ -10,6 +10,11 @@ namespace Kelm::mi {
 void releaseBoundObject(void* aId);
 /// The object of an id and its variant, which the read-only and the changeable view share.
 [[nodiscard]] vesk::Identity identifyBoundObject(void const* aId);
+/// The host's place with the open model that an id stands for or whose element it stands for; null for what
+/// is neither.
+[[nodiscard]] lum::HostPlace* hostPlaceOfModel(void const* aId);
+/// A copy of the element of an id, or of the elements of a model in the model of `aPlace`.
+[[nodiscard]] vesk::VeskValue copyBoundObject(void const* aId, void const* aPlace);
 
 /// Base of all class infos whose instances are bound to counted objects: references, sequences, iterators and
 /// enumeration literals.
@@ -18,6 +23,10 @@ class ClassMetaData : public vesk::factory::HandleClassInfo<ReferenceCountingInt
   using HandleClassInfo::HandleClassInfo;
   void releaseInstance(vesk::VeskClient const*, void* aId) override { releaseBoundObject(aId); }
   vesk::Identity identify(void const* aId) const override { return identifyBoundObject(aId); }
+  lum::HostPlace* hostPlace(void const* aId) const override { return hostPlaceOfModel(aId); }
+  vesk::VeskValue copy(void const* aId, void const* aPlace) const override {
+    return copyBoundObject(aId, aPlace);
+  }
 };
 
 /// Base of the class infos of meta-property classes, whose instances are bound to stateless markers and own

@@ -22,4 +22,18 @@ UMLMM_API ElementQueries const& elementQueries() noexcept;
 /// Called by the metamodel when it comes up.
 UMLMM_API void setElementQueries(ElementQueries const& aQueries) noexcept;
 
+/// Copies of elements, which only the metamodel can make; all or nothing. Null entries: no metamodel is
+/// loaded.
+struct ElementCopying {
+  /// A copy of an element with all that it owns, at the top level of its model.
+  NSInterface::ModelElementIntf* (*clone)(NSInterface::ModelElementIntf& aElement,
+                                          Deviant const& aDeviant) = nullptr;
+  /// Copies all elements of a model into another one.
+  void (*copyInto)(ModelObject const& aFrom, ModelObject& aTo) = nullptr;
+};
+
+UMLMM_API ElementCopying const& elementCopying() noexcept;
+/// Called by the metamodel when it comes up.
+UMLMM_API void setElementCopying(ElementCopying const& aCopying) noexcept;
+
 }  // namespace Kelm

@@ -8,6 +8,7 @@
 #include "kelm/ElementList.h"
 #include "kelm/Model.h"
 #include "kelm/blocks.h"
+#include "lum/host_word.h"
 
 namespace Kelm {
 
@@ -113,6 +114,8 @@ class UMLMM_API ModelObject final : public NSInterface::ModelIntf {
   void attach(void const* aKey, std::unique_ptr<ModelCompanion> aAttachment);
   /// A chain for the metamodel's use.
   ModelLink*& links() noexcept { return fLinks; }
+  /// For the host, as long as the model is open; cleared at the end of `close`.
+  lum::HostPlace& hostPlace() noexcept { return fHostPlace; }
 
  private:
   ~ModelObject() override;
@@ -131,6 +134,7 @@ class UMLMM_API ModelObject final : public NSInterface::ModelIntf {
   std::unique_ptr<ModelCompanion> fNotes;
   std::vector<std::pair<void const*, std::unique_ptr<ModelCompanion>>> fAttachments;
   ModelLink* fLinks = nullptr;
+  lum::HostPlace fHostPlace;
   String fUri;
 };
 

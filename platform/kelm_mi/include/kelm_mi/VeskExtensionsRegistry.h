@@ -24,6 +24,7 @@ class UMLMM_API VeskExtensionsRegistryImpl {
                                 vesk::VeskClient const* aClient);
   /// The class on which the callbacks have run; null if they have not.
   [[nodiscard]] vesk::VeskClass* executedOn(std::string const& aClassName) const;
+  [[nodiscard]] bool hasCallbacks(std::string const& aClassName) const;
 
  private:
   struct Entry {

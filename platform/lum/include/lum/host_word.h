@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <utility>
 
 namespace lum {
 
@@ -9,6 +10,17 @@ namespace lum {
 /// to learn whether the record is still in use.
 struct HostWord {
   void* fHost = nullptr;
+};
+
+/// Where the host keeps something of its own with an object of a library, such as what scripts have attached
+/// to it. The object's owner calls `clear`, outside of any change, when the object's life ends.
+struct HostPlace {
+  void* fWhat = nullptr;
+  void (*fDrop)(void* what) noexcept = nullptr;
+
+  void clear() noexcept {
+    if (void* const what = std::exchange(fWhat, nullptr)) fDrop(what);
+  }
 };
 
 /// An id made from a record has the lowest bit set, which no ordinary object address has. Whoever follows one

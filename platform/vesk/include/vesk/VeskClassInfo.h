@@ -2,9 +2,11 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <vector>
 
+#include "lum/host_word.h"
 #include "vesk/ClassFamily.h"
 #include "vesk/VeskInterface.h"
 #include "vesk/VeskValue.h"
@@ -140,6 +142,18 @@ class UMLMM_API VeskClassInfo {
   virtual Identity identify(void const* id) const { return {id, 0}; }
   /// The classes about the same kind of thing; null for a class without others. Lives as long as the class.
   virtual ClassFamily const* family() const { return nullptr; }
+  /// Calls `visit` with the name of each method and property that the class declares itself, constructors
+  /// left out, and answers true: for a host that wants to know what names are taken before any class is
+  /// filled. The names live as long as the class. False, with nothing visited, for a class that has to be
+  /// filled first.
+  virtual bool visitMemberNames(std::function<void(char const*)> const& visit) const;
+  /// Where the host may keep something as long as the model is open that `id` stands for, or that what it
+  /// stands for belongs to: one place for a model. Null for what belongs to none, or to none any more.
+  virtual lum::HostPlace* hostPlace(void const* id) const;
+  /// Copies what `id` stands for, with all that it owns: beside it, or into what `place` stands for if that
+  /// is not null. Answers the copy, or `place`, as a method would return it; all or nothing. A null value for
+  /// what can't be copied so.
+  virtual VeskValue copy(void const* id, void const* place) const;
 };
 
 }  // namespace vesk

@@ -1,0 +1,8 @@
+#pragma once
+
+namespace vesk::python {
+
+/// Lets libraries give up the interpreter's lock (vesk/host/Lock.h).
+void prepareLock();
+
+}  // namespace vesk::python

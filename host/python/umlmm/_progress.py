@@ -1,0 +1,65 @@
+"""How far a reading has come, shown to people or told to a script."""
+
+import time
+
+
+def is_terminal(stream):
+    try:
+        return stream.isatty()
+    except (AttributeError, ValueError):  # there is none, or it is closed
+        return False
+
+
+class Callback:
+    """Tells a function, at most 20 times a second."""
+
+    def __init__(self, function):
+        self._function = function
+        self._next = 0
+
+    def __enter__(self):
+        return self.tell
+
+    def __exit__(self, *failure):
+        pass
+
+    def tell(self, share):
+        now = time.monotonic()
+        if share >= 1 or now >= self._next:
+            self._function(share)
+            self._next = now + 0.05
+
+
+class Bar:
+    """A line that is drawn over and over, once `after` seconds have passed, and gone in the end."""
+
+    _WIDTH = 30
+
+    def __init__(self, stream, title, after):
+        self._stream = stream
+        self._title = title
+        self._start = time.monotonic() + after
+        self._shown = ""
+
+    def __enter__(self):
+        return self.tell
+
+    def __exit__(self, *failure):
+        if self._shown:
+            self._write("\r" + " " * len(self._shown) + "\r")
+
+    def tell(self, share):
+        if time.monotonic() < self._start:
+            return
+        done = round(share * self._WIDTH)
+        line = f"{self._title} [{'#' * done}{'.' * (self._WIDTH - done)}] {share:4.0%}"
+        if line != self._shown:
+            self._shown = line
+            self._write("\r" + line)
+
+    def _write(self, text):
+        try:
+            self._stream.write(text)
+            self._stream.flush()
+        except (OSError, ValueError):  # nobody looks any more
+            pass

@@ -1,0 +1,68 @@
+"""Saving from scripts."""
+
+import io
+import os
+
+import pytest
+
+import umlmm
+from sample_models import DIALECTS, ECLIPSE, WINDOWS
+from umlmm import files
+
+
+@pytest.mark.parametrize("name", DIALECTS)
+def test_a_changed_name_changes_its_attribute_alone(tmp_path, name):
+    path = tmp_path / "shop.xmi"
+    path.write_bytes(DIALECTS[name])
+    model = umlmm.load(path)
+    model.save()
+    assert path.read_bytes() == DIALECTS[name]
+    model.by_id("_o").name = "Bill"
+    model.save()
+    assert path.read_bytes() == DIALECTS[name].replace(b"Order", b"Bill")
+    model.by_id("_o").name = "Order"
+    model.save()
+    assert path.read_bytes() == DIALECTS[name] and os.listdir(tmp_path) == ["shop.xmi"]
+
+
+def test_what_somebody_else_has_changed_is_kept(tmp_path):
+    path = tmp_path / "shop.uml"
+    path.write_bytes(ECLIPSE)
+    model = umlmm.load(path)
+    path.write_bytes(ECLIPSE.replace(b"Order", b"Theirs"))
+    model.by_id("_o").name = "Ours"
+    with pytest.raises(files.Error, match="force"):
+        model.save()
+    assert b"Theirs" in path.read_bytes()
+    model.save(force=True)
+    assert b"Ours" in path.read_bytes()
+
+
+def test_where_a_model_can_be_saved_to(tmp_path, monkeypatch):
+    (tmp_path / "shop.uml").write_bytes(ECLIPSE)
+    monkeypatch.chdir(tmp_path)
+    model = umlmm.load("shop.uml")
+    model.by_id("_o").name = "Bill"
+    (tmp_path / "elsewhere").mkdir()
+    monkeypatch.chdir(tmp_path / "elsewhere")
+    model.save("copy.uml")
+    stream = io.BytesIO()
+    model.save(stream)
+    assert (tmp_path / "elsewhere" / "copy.uml").read_bytes() == stream.getvalue() == ECLIPSE.replace(b"Order", b"Bill")
+    model.save()
+    assert (tmp_path / "shop.uml").read_bytes() == stream.getvalue()
+    with pytest.raises(files.Error, match="nowhere"):
+        model.save(tmp_path / "nowhere" / "shop.uml")
+    with pytest.raises(files.Error, match="omg-2.5.1"):
+        model.save("other.xmi", dialect="latin")
+    assert os.listdir(".") == ["copy.uml"]
+
+
+@pytest.mark.parametrize("dialect", ["omg-2.5.1", "eclipse"])
+def test_converted_models_are_equal(dialect):
+    model = umlmm.load(WINDOWS)
+    again = umlmm.load(files.text(model, dialect=dialect))
+    assert [(type(element), element.getPropertyText("name") if hasattr(element, "name") else element.body)
+            for element in again.allElements()] == [
+        (type(element), element.getPropertyText("name") if hasattr(element, "name") else element.body)
+        for element in model.allElements()]
