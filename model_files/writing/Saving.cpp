@@ -53,13 +53,15 @@ class Saving {
     return texts;
   }
 
-  /// Reads the new texts and holds them against the model; raises Error for one that would not be read as it is.
+  /// Reads the new texts and holds them against the model; raises Error for one that would not be read as it
+  /// is.
   void check(std::vector<std::string> const& aTexts) {
     if (fOrders.empty()) return;
     fRead = readAgain(inputs([&](std::size_t aFile) { return std::string_view(aTexts[aFile]); }));
     ModelFiles& readFiles = ModelFiles::of(fRead);
     Comparison comparison(fModel, fRead);
-    for (std::size_t file = 0; file < aTexts.size(); ++file) pairOrder(comparison, file, readFiles.fFiles[file]);
+    for (std::size_t file = 0; file < aTexts.size(); ++file)
+      pairOrder(comparison, file, readFiles.fFiles[file]);
     pairStandIns(comparison, fFiles, readFiles);
     verify(comparison);
     // What stood with elements of the new reading stands with those of the model.
