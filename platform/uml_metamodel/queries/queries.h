@@ -93,8 +93,6 @@ bool isCompatibleWith(Reading aMultiplicity, Reading aOther) noexcept;
 
 // Redefinition.
 
-/// None if the metaclass of the element has no such union.
-Elements redefinedElements(Reading aElement);
 bool isRedefinitionContextValid(Reading aElement, Reading aRedefined);
 bool isConsistentWith(Reading aElement, Reading aRedefinee);
 
