@@ -2,15 +2,13 @@
 // includes this, and so does every class that asks something before it hands on. That is told by functions of
 // the class, bound when it is compiled, so that they cost nothing where they do nothing:
 //
-//   reading(deviant), changing(deviant), adding(deviant)  refuse by raising, and give what leads to the
-//   sequence
-//                                                         behind by `->`; it lives until the operation is
-//                                                         over
-//   target()                                              the sequence behind, for what needs no question
-//   owned(iterator)                                       the iterator with a count on this sequence
+// - `reading(deviant)`, `changing(deviant)`, `adding(deviant)` raise to refuse, and answer what leads to the
+//   sequence behind by `->` and lives until the operation is over;
+// - `target()` is the sequence behind, for what needs no question;
+// - `owned(iterator)` is the iterator with a count on this sequence.
 //
-// Not here are `splice`, `specialized_equal` and `specialized_assign`. Each member is marked for export, as a
-// mark on the class does not reach inline members.
+// Not here are `splice`, `specialized_equal` and `specialized_assign`. Published members are marked for
+// export, as a mark on the class does not reach inline members.
 
 UMLMM_API Generic::Ref generic_at(Deviant const& aDeviant, int aIndex) const override {
   return reading(aDeviant)->generic_at(aDeviant, aIndex);
