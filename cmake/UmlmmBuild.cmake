@@ -122,7 +122,8 @@ endfunction()
 # umlmm_enter_floor(target folder): what compiles a folder's sources, for the test of include paths.
 function(umlmm_enter_floor target folder)
   file(RELATIVE_PATH folder ${PROJECT_SOURCE_DIR} ${folder})
-  set_property(GLOBAL APPEND PROPERTY UMLMM_FLOORS "${folder}|$<JOIN:$<TARGET_PROPERTY:${target},INCLUDE_DIRECTORIES>,|>")
+  set(roots $<TARGET_PROPERTY:${target},INCLUDE_DIRECTORIES>)
+  set_property(GLOBAL APPEND PROPERTY UMLMM_FLOORS "${folder}|$<JOIN:${roots},|>")
 endfunction()
 
 # Tells the test of include paths, in a file, a floor a line: its folder and where it finds what it includes.
@@ -136,8 +137,9 @@ endfunction()
 #   [INCLUDE root | FOLDERS folder...] [HEADERS folder...])
 #
 # A shared library of the house: hidden symbols but for what its headers export, found beside the others at run time. It
-# is made of sources, which then are a floor by themselves, and of the objects of floors. Its headers stand in an include
-# root of its own or in folders of the project, as those of umlmm_floor; they are installed, as are those of HEADERS.
+# is made of sources, which then are a floor by themselves, and of the objects of floors. Its headers stand in an
+# include root of its own or in folders of the project, as those of umlmm_floor; they are installed, as are those of
+# HEADERS.
 function(umlmm_library name)
   cmake_parse_arguments(ARG "" "INCLUDE" "SOURCES;FLOORS;PUBLIC;PRIVATE;FOLDERS;HEADERS" ${ARGN})
   add_library(${name} SHARED ${ARG_SOURCES})

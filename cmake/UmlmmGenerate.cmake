@@ -2,10 +2,10 @@
 
 # umlmm_generated(SET OUTVAR)
 #
-# Sets OUTVAR to the full paths of the files of a set (see catalogue/tables/outputs.txt). The target
-# umlmm_generate_SET makes them in a folder of UMLMM_GENERATED_DIR; a target that compiles or includes them depends on it
-# by add_dependencies, as umlmm_floor does, and umlmm_generate makes all sets. Files whose text stays the same are left untouched, so nothing is
-# compiled anew for them.
+# Sets OUTVAR to the full paths of the files of a set (see catalogue/tables/outputs.txt). The target umlmm_generate_SET
+# makes them in a folder of UMLMM_GENERATED_DIR that has the set's name; a target that compiles or includes them depends
+# on it by add_dependencies, as umlmm_floor does, and umlmm_generate makes all sets. Files whose text stays the same are
+# left untouched, so nothing is compiled anew for them.
 function(umlmm_generated set out)
   if(NOT TARGET umlmm_generate_${set})
     umlmm_add_generated_set(${set})
