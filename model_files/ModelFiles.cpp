@@ -1,5 +1,7 @@
 #include "model_files/ModelFiles.h"
 
+#include "model_files/dialect/values.h"
+
 namespace umlmm::files {
 
 namespace {
@@ -20,6 +22,24 @@ ModelFiles& ModelFiles::of(Kelm::Model const& aModel) {
 
 void ModelFiles::attach(Kelm::Model const& aModel, std::unique_ptr<ModelFiles> aFiles) {
   aModel.object().attach(&kKey, std::move(aFiles));
+}
+
+void ModelFiles::indexTags() {
+  fTags.clear();
+  for (std::uint32_t file = 0; file < fFiles.size(); ++file)
+    for (Made const& made : fFiles[file].fMade) fTags.emplace(made.fElement.get(), file);
+}
+
+int ModelFiles::fileOf(Element const& aElement, Kelm::Deviant const& aDeviant) const {
+  for (Element const* at = &aElement; at != nullptr; at = containerOf(*at, aDeviant))
+    if (auto const found = fTags.find(at); found != fTags.end()) return static_cast<int>(found->second);
+  return standIn(aElement) != nullptr ? -1 : 0;
+}
+
+StandIn const* ModelFiles::standIn(Element const& aElement) const {
+  for (auto const& [name, standIn] : fStandIns)
+    if (standIn.fElement.get() == &aElement) return &standIn;
+  return nullptr;
 }
 
 }  // namespace umlmm::files

@@ -11,8 +11,11 @@
 #include "kelm/ClassObject.h"
 #include "kelm/ModelObject.h"
 #include "model_files/dialect/Metamodel.h"
+#include "model_files/dialect/Style.h"
+#include "model_files/dialect/values.h"
 #include "model_files/files.h"
 #include "model_files/text/SourceText.h"
+#include "model_files/text/writeFile.h"
 
 namespace Kelm::NSInterface {
 inline void intrusive_ptr_add_ref(ClassObjectIntf const* aElement) { aElement->incRef(); }
@@ -21,7 +24,6 @@ inline void intrusive_ptr_release(ClassObjectIntf const* aElement) { aElement->d
 
 namespace umlmm::files {
 
-using Element = Kelm::NSInterface::ClassObjectIntf;
 using ElementPtr = boost::intrusive_ptr<Element>;
 
 /// Where something stands: a file of the model by number, and the offset of its name in the file's text.
@@ -66,6 +68,16 @@ struct ModelFile {
   std::unordered_map<std::string_view, Element*> fIds;
   /// Ids that do not stand in the text as they are.
   std::deque<std::string> fDecoded;
+  /// Noted when the file is read to be written.
+  Style fStyle;
+  FileStamp fStamp;
+};
+
+/// An element of the model that stands for a primitive type of the standard, and the address under which a
+/// file named it first.
+struct StandIn {
+  ElementPtr fElement;
+  std::string fAddress;
 };
 
 /// What belongs to the files that a model came from; it is kept with the model.
@@ -80,6 +92,15 @@ class ModelFiles final : public Kelm::ModelCompanion {
   static ModelFiles& of(Kelm::Model const& aModel);
   static void attach(Kelm::Model const& aModel, std::unique_ptr<ModelFiles> aFiles);
 
+  /// The number of the file that has a tag for the element, or gets one as its owner has; -1 for what has
+  /// none in any file.
+  int fileOf(Element const& aElement, Kelm::Deviant const& aDeviant) const;
+  /// Whether some file has a tag for the element.
+  bool hasTag(Element const& aElement) const { return fTags.contains(&aElement); }
+  /// Looks at all tags anew; to be called before the questions above.
+  void indexTags();
+  StandIn const* standIn(Element const& aElement) const;
+
   Place place(Spot aSpot) const { return fFiles[aSpot.fFile].fText.placeOf(aSpot.fOffset); }
 
   std::deque<ModelFile> fFiles;
@@ -88,9 +109,13 @@ class ModelFiles final : public Kelm::ModelCompanion {
   std::vector<Dangling> fDangling;
   std::vector<Application> fApplications;
   /// The model's own PrimitiveType elements that stand for those of the standard, by name.
-  std::unordered_map<std::string_view, ElementPtr> fPrimitives;
+  std::unordered_map<std::string_view, StandIn> fStandIns;
   /// The model's revision when all was read.
   std::uint64_t fRevision = 0;
+
+ private:
+  /// Files by element.
+  std::unordered_map<Element const*, std::uint32_t> fTags;
 };
 
 }  // namespace umlmm::files

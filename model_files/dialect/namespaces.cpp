@@ -61,6 +61,12 @@ Space spaceOf(std::string_view aAddress) noexcept { return read(aAddress).fSpace
 std::string_view versionOf(std::string_view aAddress) noexcept { return read(aAddress).fVersion; }
 bool isEclipse(std::string_view aAddress) noexcept { return read(aAddress).fEclipse; }
 
+bool isReentrantByDefault(std::string_view aAddress) noexcept {
+  if (isEclipse(aAddress)) return true;
+  std::string_view const version = versionOf(aAddress);
+  return version >= "2.3" || (version.size() == 8 && version >= "20090901");
+}
+
 void Prefixes::declare(std::string_view aPrefix, std::string_view aAddress) {
   fDeclared.push_back({aPrefix, aAddress, spaceOf(aAddress)});
 }

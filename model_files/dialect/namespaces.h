@@ -20,6 +20,9 @@ Space spaceOf(std::string_view aAddress) noexcept;
 /// "2.4.1" or "20131001" of ".../spec/UML/20131001", "5.0.0" of ".../uml2/5.0.0/UML"; empty for none.
 std::string_view versionOf(std::string_view aAddress) noexcept;
 bool isEclipse(std::string_view aAddress) noexcept;
+/// Whether a behavior may be entered again unless a file says otherwise: from UML 2.3 on, and in Eclipse's
+/// files.
+bool isReentrantByDefault(std::string_view aAddress) noexcept;
 
 /// The prefixes that are declared around a place in a file. All texts live as long as the file's.
 class Prefixes {

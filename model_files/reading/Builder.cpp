@@ -2,7 +2,7 @@
 
 #include "kelm/kernel/containers/Ref.h"
 #include "model_files/dialect/older.h"
-#include "model_files/reading/values.h"
+#include "model_files/dialect/values.h"
 #include "uml_metamodel/umlmm/MetamodelExtension.h"
 
 namespace umlmm::files {
@@ -35,17 +35,10 @@ bool isBase(std::string_view aName) noexcept {
   return aName.starts_with("base_") || aName.starts_with("base-");
 }
 
-/// From UML 2.3 on a behavior may be entered again unless a file says otherwise.
-bool isReentrantByDefault(std::string_view aAddress) noexcept {
-  if (isEclipse(aAddress)) return true;
-  std::string_view const version = versionOf(aAddress);
-  return version >= "2.3" || (version.size() == 8 && version >= "20090901");
-}
-
 }  // namespace
 
 Builder::Builder(ModelFiles& aFiles, std::uint32_t aFile, Kelm::Model const& aModel, Findings& aFindings,
-                 References& aReferences, char const* aText)
+                 References& aReferences, char const* aText, bool aIsAgain)
     : fFiles(aFiles),
       fOwn(aFiles.fFiles[aFile]),
       fFile(aFile),
@@ -53,7 +46,8 @@ Builder::Builder(ModelFiles& aFiles, std::uint32_t aFile, Kelm::Model const& aMo
       fDeviant(aModel.getDeviant()),
       fFindings(aFindings),
       fReferences(aReferences),
-      fText(aText) {}
+      fText(aText),
+      fIsAgain(aIsAgain) {}
 
 void Builder::start(pugi::xml_document const& aDocument) {
   fFrames.push_back({aDocument.first_child(), nullptr, nullptr, 0, false});
@@ -143,6 +137,7 @@ void Builder::handleTop(pugi::xml_node aNode, QualifiedName aName, Head const& a
         aHead.fTypeSpace == Space::Uml ? QualifiedName(aHead.fType).fName : aName.fName;
     Metaclass const* const metaclass = metaclassCalled(type);
     if (metaclass != nullptr && !metaclass->fAbstract) {
+      if (fIsAgain) noteStyle(aNode, nullptr, *metaclass);
       Element& element = make(*metaclass, aNode, aHead);
       return enter(aNode, &element, metaclass);
     }
@@ -195,6 +190,7 @@ void Builder::handleReference(Frame const& aFrame, Feature const& aFeature, pugi
                               Head const& aHead) {
   Spot const spot = spotOf(aNode);
   std::string_view const address = aHead.fIdref.empty() ? aHead.fHref : aHead.fIdref;
+  if (!address.empty() && fIsAgain) fOwn.fStyle.note(aFeature, false);
   if (!address.empty()) return fReferences.add(*aFrame.fElement, aFeature, address, spot);
   if (aHead.fType.empty() && !aFeature.fComposite && !aNode.first_attribute()) {
     // An id as the text of a tag.
@@ -219,6 +215,7 @@ void Builder::handleReference(Frame const& aFrame, Feature const& aFeature, pugi
     ++fFound;
     return enter(aNode, nullptr, nullptr, true);
   }
+  if (fIsAgain) noteStyle(aNode, &aFeature, *metaclass);
   Element& part = make(*metaclass, aNode, aHead);
   own(*aFrame.fElement, aFeature, part, aNode);
   enter(aNode, &part, metaclass);
@@ -284,6 +281,27 @@ bool Builder::handleApplication(pugi::xml_node aNode, QualifiedName aName) {
   return isApplication;
 }
 
+void Builder::noteStyle(pugi::xml_node aNode, Feature const* aFeature, Metaclass const& aMetaclass) {
+  Style& style = fOwn.fStyle;
+  bool isTyped = false;
+  for (pugi::xml_attribute const attribute : aNode.attributes()) {
+    QualifiedName const name(attribute.name());
+    Space const space = name.fPrefix.empty() ? Space::None : fPrefixes.find(name.fPrefix);
+    if (style.fQuote == 0) style.fQuote = fOwn.fText.utf8()[offsetOf(attribute.value()) - 1];
+    if (space != Space::Xmi && space != Space::Xsi) continue;
+    if (name.fName == "id" && style.fIdName.empty()) style.fIdName = attribute.name();
+    if (name.fName != "type") continue;
+    isTyped = true;
+    if (style.fTypeName.empty()) style.fTypeName = attribute.name();
+    if (style.fUmlPrefix.empty()) style.fUmlPrefix = QualifiedName(attribute.value()).fPrefix;
+  }
+  if (aFeature == nullptr) {
+    if (style.fUmlPrefix.empty()) style.fUmlPrefix = QualifiedName(aNode.name()).fPrefix;
+  } else if (impliedType(*aFeature) == &aMetaclass) {
+    ++(isTyped ? style.fTyped : style.fUntyped);
+  }
+}
+
 Element& Builder::make(Metaclass const& aMetaclass, pugi::xml_node aNode, Head const& aHead) {
   ++fFound;
   Kelm::ClassObject const made =
@@ -341,6 +359,7 @@ void Builder::readAttribute(Element& aElement, Metaclass const& aMetaclass, pugi
     fault("feature", in(aMetaclass, name), kKept, spot);
     return keep(&aElement, spot, true);
   }
+  if (feature->fKind == Kind::Reference && fIsAgain) fOwn.fStyle.note(*feature, true);
   if (feature->fKind == Kind::Reference)
     return forEachWord(aAttribute.value(),
                        [&](auto aWord) { fReferences.add(aElement, *feature, aWord, spot); });

@@ -15,9 +15,10 @@ namespace umlmm::files {
 /// Makes elements from the tags of one file, each with its values; references wait in `References`.
 class Builder {
  public:
-  /// `aText` is where the parser has put the file's text: offsets count from its start.
+  /// `aText` is where the parser has put the file's text: offsets count from its start. `aIsAgain`: for
+  /// writing, with a look at how the file writes things.
   Builder(ModelFiles& aFiles, std::uint32_t aFile, Kelm::Model const& aModel, Findings& aFindings,
-          References& aReferences, char const* aText);
+          References& aReferences, char const* aText, bool aIsAgain);
 
   void start(pugi::xml_document const& aDocument);
   /// Handles some more tags; true when none is left.
@@ -68,6 +69,7 @@ class Builder {
   void noteTool(pugi::xml_node aNode);
   bool handleApplication(pugi::xml_node aNode, QualifiedName aName);
 
+  void noteStyle(pugi::xml_node aNode, Feature const* aFeature, Metaclass const& aMetaclass);
   Element& make(Metaclass const& aMetaclass, pugi::xml_node aNode, Head const& aHead);
   void own(Element& aOwner, Feature const& aFeature, Element& aPart, pugi::xml_node aNode);
   void readAttributes(Element& aElement, Metaclass const& aMetaclass, pugi::xml_node aNode);
@@ -99,6 +101,7 @@ class Builder {
   std::string_view fUmlAddress;
   std::string_view fXmiAddress;
   std::string fScratch;
+  bool fIsAgain;
 };
 
 }  // namespace umlmm::files

@@ -6,7 +6,7 @@
 
 #include "kelm/kernel/containers/Ref.h"
 #include "model_files/dialect/older.h"
-#include "model_files/reading/values.h"
+#include "model_files/dialect/values.h"
 #include "uml_metamodel/umlmm/MetamodelExtension.h"
 
 namespace umlmm::files {
@@ -24,23 +24,6 @@ std::string decoded(std::string_view aText) {
     if (isEscape) at += 2;
   }
   return text;
-}
-
-Kelm::Object read(Element const& aElement, Feature const& aFeature, Kelm::Deviant const& aDeviant) {
-  return aFeature.fMethods->getEntry(&aElement, aDeviant, aFeature.fId);
-}
-
-/// The values of a list.
-std::vector<Element*> valuesOf(Element const& aElement, Feature const& aFeature,
-                               Kelm::Deviant const& aDeviant) {
-  auto const& list = *aFeature.fMethods->getSequenceEntry(&aElement, aDeviant, aFeature.fId);
-  std::vector<Kelm::Generic::Loan> loans(static_cast<std::size_t>(list.generic_size(aDeviant)));
-  list.readBlock(aDeviant, 0, static_cast<int>(loans.size()), loans.data());
-  std::vector<Element*> values;
-  values.reserve(loans.size());
-  for (auto const& loan : loans)
-    values.push_back(Kelm::Generic::RefAccess<Kelm::ClassObject>::get(loan).get());
-  return values;
 }
 
 }  // namespace
@@ -101,7 +84,7 @@ Element* References::find(std::string_view aAddress, std::uint32_t aFile) {
   if (hash == 0) return findInFile(own, fragment);
   if (ModelFile* const file = fileAt(aAddress.substr(0, hash), aFile)) return findInFile(*file, fragment);
   std::string_view const name = primitiveAt(aAddress);
-  return name.empty() ? nullptr : primitive(name);
+  return name.empty() ? nullptr : primitive(name, aAddress);
 }
 
 Element* References::findInFile(ModelFile& aFile, std::string_view aFragment) {
@@ -134,11 +117,11 @@ Element* References::walk(ModelFile& aFile, std::string_view aPath) {
         Kelm::ClassObject const value =
             Kelm::queryHandle<Kelm::ClassObject, Kelm::VisitationDomain>(read(*at, *feature, fDeviant));
         next = value.get();
-      } else if (auto const values = valuesOf(*at, *feature, fDeviant); position < values.size()) {
+      } else if (auto const values = elementsOf(*at, *feature, fDeviant); position < values.size()) {
         next = values[position];
       }
     } else {
-      for (Element* const part : valuesOf(*at, *metaclass.feature("ownedElement"), fDeviant)) {
+      for (Element* const part : elementsOf(*at, *metaclass.feature("ownedElement"), fDeviant)) {
         Feature const* const name = metamodel.metaclassOf(*part).feature("name");
         if (name == nullptr) continue;
         Kelm::Object const value = read(*part, *name, fDeviant);
@@ -164,15 +147,15 @@ ModelFile* References::fileAt(std::string_view aFile, std::uint32_t aFrom) {
   return nullptr;
 }
 
-Element* References::primitive(std::string_view aName) {
-  auto const known = fFiles.fPrimitives.find(aName);
-  if (known != fFiles.fPrimitives.end()) return known->second.get();
+Element* References::primitive(std::string_view aName, std::string_view aAddress) {
+  auto const known = fFiles.fStandIns.find(aName);
+  if (known != fFiles.fStandIns.end()) return known->second.fElement.get();
   Metaclass const& metaclass = *Metamodel::instance().metaclass("PrimitiveType");
   Kelm::ClassObject const made =
       createElement(fModel, Kelm::ImmutableClass(metaclass.fClass, Kelm::metaDeviant()));
   Feature const& name = *metaclass.feature("name");
   name.fMethods->setEntry(made.get(), fDeviant, name.fId, valueOf(name, aName));
-  fFiles.fPrimitives.emplace(aName, ElementPtr(made.get()));
+  fFiles.fStandIns.emplace(aName, StandIn{ElementPtr(made.get()), std::string(aAddress)});
   return made.get();
 }
 
@@ -204,7 +187,7 @@ void References::order() {
 }
 
 void References::order(Element& aElement, Feature const& aFeature, std::span<Element* const> aValues) {
-  auto const current = valuesOf(aElement, aFeature, fDeviant);
+  auto const current = elementsOf(aElement, aFeature, fDeviant);
   std::unordered_map<Element const*, int> places;
   for (std::size_t at = 0; at < current.size(); ++at) places.emplace(current[at], static_cast<int>(at));
   std::vector<int> from;

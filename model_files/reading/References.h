@@ -48,7 +48,7 @@ class References {
   Element* findInFile(ModelFile& aFile, std::string_view aFragment);
   Element* walk(ModelFile& aFile, std::string_view aPath);
   ModelFile* fileAt(std::string_view aFile, std::uint32_t aFrom);
-  Element* primitive(std::string_view aName);
+  Element* primitive(std::string_view aName, std::string_view aAddress);
   void resolve(Pending const& aReference);
   void resolveApplications();
   void link(Pending const& aReference, Element& aValue);

@@ -62,11 +62,57 @@ std::string_view element(std::string_view aText, std::size_t aName) {
   return aText.substr(start, at - start);
 }
 
+std::size_t prologEnd(std::string_view aText) {
+  std::size_t at = aText.find('<');
+  while (at < aText.size()) {
+    std::size_t const behind = skipOther(aText, at);
+    if (behind == at) return at;
+    at = aText.find('<', behind);
+  }
+  return aText.size();
+}
+
+std::string_view nameAt(std::string_view aText, std::size_t aName) {
+  return aText.substr(aName, aText.find_first_of(" \t\r\n/>", aName) - aName);
+}
+
+std::vector<Attribute> attributes(std::string_view aText, std::size_t aName) {
+  std::vector<Attribute> all;
+  std::size_t at = aName + nameAt(aText, aName).size();
+  while ((at = aText.find_first_not_of(kBlanks, at)) < aText.size() && aText[at] != '/' && aText[at] != '>') {
+    all.push_back(attribute(aText, at));
+    at = all.back().fTo;
+  }
+  return all;
+}
+
+std::vector<Child> children(std::string_view aText, std::size_t aName, std::size_t& aEnd) {
+  std::vector<Child> all;
+  bool isEmpty = false;
+  std::size_t at = endOfStart(aText, aName, isEmpty);
+  aEnd = 0;
+  while (!isEmpty && (at = aText.find('<', at)) < aText.size()) {
+    if (aText[at + 1] == '/') {
+      aEnd = at;
+      break;
+    }
+    std::size_t const behind = skipOther(aText, at);
+    if (behind == at) {
+      all.push_back({at + 1, at, at + element(aText, at + 1).size()});
+      at = all.back().fTo;
+    } else {
+      at = behind;
+    }
+  }
+  return all;
+}
+
 Attribute attribute(std::string_view aText, std::size_t aName) {
   std::size_t const end = aText.find_first_of(" \t\r\n=", aName);
   std::size_t const open = aText.find_first_of("\"'", end);
   std::size_t const close = aText.find(aText[open], open + 1);
-  return {aText.substr(aName, end - aName), aText.substr(open + 1, close - open - 1), aText[open]};
+  return {aText.substr(aName, end - aName), aName, close + 1, aText.substr(open + 1, close - open - 1),
+          aText[open]};
 }
 
 std::string Attribute::value() const {

@@ -1,4 +1,4 @@
-#include "model_files/reading/values.h"
+#include "model_files/dialect/values.h"
 
 #include <charconv>
 #include <optional>
@@ -132,6 +132,66 @@ std::string textOf(Feature const& aFeature, Kelm::Object const& aValue) {
       break;
   }
   return {};
+}
+
+namespace {
+
+std::vector<Kelm::Generic::Loan> loansOf(Kelm::Generic::SequenceIntf const& aList,
+                                         Kelm::Deviant const& aDeviant) {
+  std::vector<Kelm::Generic::Loan> loans(static_cast<std::size_t>(aList.generic_size(aDeviant)));
+  aList.readBlock(aDeviant, 0, static_cast<int>(loans.size()), loans.data());
+  return loans;
+}
+
+Kelm::Generic::SequenceIntf const& listOf(Element const& aElement, Feature const& aFeature,
+                                          Kelm::Deviant const& aDeviant) {
+  return *aFeature.fMethods->getSequenceEntry(&aElement, aDeviant, aFeature.fId);
+}
+
+Element* asElement(Kelm::Object const& aObject) {
+  return Kelm::queryHandle<Kelm::ClassObject, Kelm::VisitationDomain>(aObject).get();
+}
+
+}  // namespace
+
+Kelm::Object read(Element const& aElement, Feature const& aFeature, Kelm::Deviant const& aDeviant) {
+  return aFeature.fMethods->getEntry(&aElement, aDeviant, aFeature.fId);
+}
+
+std::vector<Element*> elementsOf(Element const& aElement, Feature const& aFeature,
+                                 Kelm::Deviant const& aDeviant) {
+  std::vector<Element*> elements;
+  if (!aFeature.fMany) {
+    if (Element* const element = asElement(read(aElement, aFeature, aDeviant))) elements.push_back(element);
+    return elements;
+  }
+  for (auto const& loan : loansOf(listOf(aElement, aFeature, aDeviant), aDeviant))
+    elements.push_back(Kelm::Generic::RefAccess<Kelm::ClassObject>::get(loan).get());
+  return elements;
+}
+
+std::vector<std::string> textsOf(Element const& aElement, Feature const& aFeature,
+                                 Kelm::Deviant const& aDeviant) {
+  std::vector<std::string> texts;
+  if (!aFeature.fMany) {
+    Kelm::Object const value = read(aElement, aFeature, aDeviant);
+    if (!value.isNull()) texts.push_back(textOf(aFeature, value));
+    return texts;
+  }
+  for (auto const& loan : loansOf(listOf(aElement, aFeature, aDeviant), aDeviant))
+    texts.push_back(aFeature.fKind == Kind::Boolean
+                        ? (Kelm::Generic::RefAccess<Boolean>::get(loan).value() ? "true" : "false")
+                        : Kelm::toUtf8(Kelm::Generic::RefAccess<String>::get(loan).text()));
+  return texts;
+}
+
+std::string externalIdOf(Element const& aElement, Kelm::Deviant const& aDeviant) {
+  Kelm::Object const id = aElement.getKernelEntry(aDeviant, Element::ExternalId);
+  return id.isNull() ? std::string() : Kelm::toUtf8(Kelm::asString(id)->text());
+}
+
+Element* containerOf(Element const& aElement, Kelm::Deviant const& aDeviant) {
+  return asElement(aElement.getKernelEntry(aDeviant, Element::ContainerKelm));
 }
 
 }  // namespace umlmm::files

@@ -1,10 +1,16 @@
 #pragma once
 
+#include <string>
 #include <string_view>
+#include <vector>
 
-#include "model_files/ModelFiles.h"
+#include "kelm/ClassObject.h"
+#include "kelm/Generic.h"
+#include "model_files/dialect/Metamodel.h"
 
 namespace umlmm::files {
+
+using Element = Kelm::NSInterface::ClassObjectIntf;
 
 /// A text as a value.
 Kelm::Object textObject(std::string_view aText);
@@ -15,6 +21,19 @@ bool appendValue(Kelm::Generic::SequenceIntf& aList, Feature const& aFeature, Ke
                  Kelm::Deviant const& aDeviant);
 /// The text of a value, as files have it: "true", "*", "public".
 std::string textOf(Feature const& aFeature, Kelm::Object const& aValue);
+
+/// The value of a feature of one value.
+Kelm::Object read(Element const& aElement, Feature const& aFeature, Kelm::Deviant const& aDeviant);
+/// The elements of a feature, of a single one as well.
+std::vector<Element*> elementsOf(Element const& aElement, Feature const& aFeature,
+                                 Kelm::Deviant const& aDeviant);
+/// Values of a feature as texts.
+std::vector<std::string> textsOf(Element const& aElement, Feature const& aFeature,
+                                 Kelm::Deviant const& aDeviant);
+Element* containerOf(Element const& aElement, Kelm::Deviant const& aDeviant);
+
+/// The id that an element has in its file; empty for none.
+std::string externalIdOf(Element const& aElement, Kelm::Deviant const& aDeviant);
 
 /// Calls `aVisit` with each of the words between blanks.
 template <class Visit>

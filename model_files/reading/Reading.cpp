@@ -1,0 +1,137 @@
+#include "model_files/reading/Reading.h"
+
+#include "model_files/dialect/namespaces.h"
+#include "uml_metamodel/umlmm/models.h"
+
+namespace umlmm::files {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+/// Tags or references between two looks at the clock.
+constexpr std::size_t kChunk = 512;
+/// What of the progress is due to tags; the rest to references.
+constexpr double kTags = 0.8;
+
+double since(Clock::time_point aStart) {
+  return std::chrono::duration<double>(Clock::now() - aStart).count();
+}
+
+/// "Eclipse UML 5.0.0, XMI 20131001".
+std::string dialectOf(Builder const& aBuilder) {
+  std::string_view const uml = aBuilder.umlAddress();
+  std::string text = isEclipse(uml) ? "Eclipse UML " : "UML ";
+  text += versionOf(uml);
+  std::string_view const xmi = versionOf(aBuilder.xmiAddress());
+  text += ", XMI";
+  if (!xmi.empty()) (text += ' ') += xmi;
+  return text;
+}
+
+bool mentionsUml(std::string_view aText) noexcept {
+  return aText.find("/spec/UML/") != std::string_view::npos || aText.find("/uml2/") != std::string_view::npos;
+}
+
+}  // namespace
+
+Reading::Reading(std::vector<Input> aInputs, LoadOptions aOptions, bool aIsAgain)
+    : fInputs(std::move(aInputs)),
+      fOptions(std::move(aOptions)),
+      fIsAgain(aIsAgain),
+      fModel(createNewModel()),
+      fFindings(*fFiles, fOptions.fStrict),
+      fReferences(*fFiles, fModel, fFindings) {}
+
+bool Reading::step(std::chrono::milliseconds aTime) {
+  auto const start = Clock::now();
+  while (!fIsDone && !advance())
+    if (Clock::now() >= start + aTime) break;
+  fTime += since(start);
+  if (fIsDone && fFiles != nullptr) finish();
+  return fIsDone;
+}
+
+double Reading::progress() const noexcept {
+  if (fIsDone) return 1;
+  auto const files = static_cast<double>(fInputs.size());
+  double part = static_cast<double>(fAt) / files;
+  if (fBuilder)
+    part += static_cast<double>(fBuilder->offset()) / static_cast<double>(fBuffer.size() + 1) / files;
+  double const references = fReferences.count() == 0 ? 0
+                                                     : static_cast<double>(fReferences.done()) /
+                                                           static_cast<double>(fReferences.count());
+  return kTags * part + (1 - kTags) * references;
+}
+
+bool Reading::advance() {
+  if (fBuilder) {
+    if (!fBuilder->step(kChunk)) return false;
+    endFile();
+    return false;
+  }
+  if (fAt < fInputs.size()) {
+    startFile();
+    return false;
+  }
+  fIsDone = fReferences.step(kChunk);
+  return fIsDone;
+}
+
+void Reading::startFile() {
+  Input& input = fInputs[fAt];
+  bool const isGiven = input.fBytes.has_value();
+  auto const number = static_cast<std::uint32_t>(fFiles->fFiles.size());
+  ModelFile& file =
+      fFiles->fFiles.emplace_back(input.fBytes ? SourceText::fromBytes(std::move(*input.fBytes), input.fPath)
+                                               : SourceText::fromFile(input.fPath));
+  std::string_view const text = file.fText.utf8();
+  if (!isGiven) file.fStamp = stampOf(input.fPath);
+  fFiles->fReport.fFiles.push_back(
+      {file.fText.name(), "", "", "", file.fText.encoding(), file.fText.bytes()});
+  if (isNoXml(text)) throw NotUml(whatItIs(file.fText));
+  // The parser writes into its text.
+  auto const start = Clock::now();
+  fBuffer.assign(text);
+  constexpr unsigned kFlags = pugi::parse_cdata | pugi::parse_escapes | pugi::parse_wconv_attribute |
+                              pugi::parse_eol | pugi::parse_embed_pcdata;
+  pugi::xml_parse_result const result =
+      fDocument.load_buffer_inplace(fBuffer.data(), fBuffer.size(), kFlags, pugi::encoding_utf8);
+  fFiles->fReport.fParseTime += since(start);
+  if (!result) refuse(file, result);
+  fBuilder.emplace(*fFiles, number, fModel, fFindings, fReferences, fBuffer.data(), fIsAgain);
+  fBuilder->start(fDocument);
+}
+
+void Reading::refuse(ModelFile const& aFile, pugi::xml_parse_result const& aResult) {
+  if (!mentionsUml(aFile.fText.utf8())) throw NotUml(whatItIs(aFile.fText));
+  auto const offset = static_cast<std::size_t>(std::max<std::ptrdiff_t>(aResult.offset, 0));
+  throw ReadError("not well-formed XML (" + std::string(aResult.description()) +
+                      "); the file is damaged or was cut off, get a whole copy of it",
+                  aFile.fText.placeOf(offset), {});
+}
+
+void Reading::endFile() {
+  ModelFile const& file = fFiles->fFiles.back();
+  if (fBuilder->found() == 0) throw NotUml(whatItIs(file.fText));
+  fFiles->fReport.fFiles.back().fDialect = dialectOf(*fBuilder);
+  Style& style = fFiles->fFiles.back().fStyle;
+  style.fReentrant = isReentrantByDefault(fBuilder->umlAddress());
+  style.complete();
+  fBuilder.reset();
+  fParsed.push_back({std::move(fBuffer), std::move(fDocument)});
+  fDocument = pugi::xml_document();
+  fBuffer = {};
+  ++fAt;
+}
+
+void Reading::finish() {
+  auto const start = Clock::now();
+  fReferences.finish();
+  fParsed.clear();
+  fFiles->fRevision = fModel.object().revision();
+  fFiles->fReport.fBuildTime = fTime + since(start) - fFiles->fReport.fParseTime;
+  ModelFiles::attach(fModel, std::move(fFiles));
+}
+
+}  // namespace umlmm::files

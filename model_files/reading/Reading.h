@@ -1,0 +1,58 @@
+#pragma once
+
+#include <chrono>
+#include <memory>
+#include <optional>
+#include <pugixml.hpp>
+#include <string>
+#include <vector>
+
+#include "model_files/ModelFiles.h"
+#include "model_files/reading/Builder.h"
+#include "model_files/reading/Findings.h"
+#include "model_files/reading/References.h"
+
+namespace umlmm::files {
+
+/// Reads texts into a new model, piece by piece.
+class Reading {
+ public:
+  /// `aIsAgain`: for writing, with a look at how the files write things.
+  Reading(std::vector<Input> aInputs, LoadOptions aOptions, bool aIsAgain = false);
+
+  /// Works for about so long; true when all is done, and then the model has its `ModelFiles`.
+  bool step(std::chrono::milliseconds aTime);
+  double progress() const noexcept;
+  Kelm::Model model() const { return fIsDone ? fModel : Kelm::Model(); }
+
+ private:
+  struct Parsed {
+    std::string fBuffer;
+    pugi::xml_document fDocument;
+  };
+
+  bool advance();
+  void startFile();
+  [[noreturn]] void refuse(ModelFile const& aFile, pugi::xml_parse_result const& aResult);
+  void endFile();
+  void finish();
+
+  std::vector<Input> fInputs;
+  LoadOptions fOptions;
+  bool fIsAgain;
+  Kelm::Model fModel;
+  std::unique_ptr<ModelFiles> fFiles = std::make_unique<ModelFiles>();
+  Findings fFindings;
+  References fReferences;
+  /// Seconds of all steps.
+  double fTime = 0;
+  std::string fBuffer;
+  pugi::xml_document fDocument;
+  std::optional<Builder> fBuilder;
+  /// Addresses of references lie in the parser's texts, which stay until they are resolved.
+  std::vector<Parsed> fParsed;
+  std::size_t fAt = 0;
+  bool fIsDone = false;
+};
+
+}  // namespace umlmm::files

@@ -1,0 +1,111 @@
+#include "model_files/text/SourceText.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <system_error>
+#include <utility>
+
+#include "model_files/text/Encoding.h"
+#include "model_files/text/Handle.h"
+
+namespace umlmm::files {
+
+namespace {
+
+constexpr std::string_view kMark = "\xEF\xBB\xBF";
+constexpr std::size_t kBlock = 8192;
+
+[[noreturn]] void cannotRead(std::string const& aPath, int aReason) {
+  std::string const advice = aReason == ENOENT || aReason == ENOTDIR ? "check the path"
+                             : aReason == EACCES || aReason == EPERM
+                                 ? "ask for the right to read it"
+                                 : "check the disk, or take a copy of the file";
+  throw Error('"' + aPath + "\" can't be read: " + std::generic_category().message(aReason) + "; " + advice);
+}
+
+std::string readAll(int aHandle, std::size_t aExpected, std::string const& aPath) {
+  std::string bytes;
+  std::size_t size = 0;
+  for (;;) {
+    // One byte more than there should be shows the end without a further room.
+    if (size == bytes.size())
+      bytes.resize(size == 0 ? aExpected + 1 : size + std::max<std::size_t>(size, 65536));
+    ssize_t const count = ::read(aHandle, bytes.data() + size, bytes.size() - size);
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) cannotRead(aPath, errno);
+    if (count == 0) break;
+    size += static_cast<std::size_t>(count);
+  }
+  bytes.resize(size);
+  return bytes;
+}
+
+}  // namespace
+
+SourceText SourceText::fromFile(std::string const& aPath) {
+  // A path of C ends there, and would name another file.
+  if (aPath.empty() || aPath.find('\0') != std::string::npos) cannotRead(aPath.c_str(), ENOENT);
+  Handle const file(::open(aPath.c_str(), O_RDONLY | O_CLOEXEC));
+  if (!file.isValid()) cannotRead(aPath, errno);
+  struct stat status {};
+  if (::fstat(file.get(), &status) != 0) cannotRead(aPath, errno);
+  if (S_ISDIR(status.st_mode)) {
+    throw NotUml('"' + aPath +
+                 "\" is a folder, not a UML 2 model in XMI; name the file in it that holds the model");
+  }
+  auto const expected = S_ISREG(status.st_mode) ? static_cast<std::size_t>(status.st_size) : 0;
+  return fromBytes(readAll(file.get(), expected, aPath), aPath);
+}
+
+SourceText SourceText::fromBytes(std::string aBytes, std::string aName) {
+  SourceText text;
+  text.fName = std::move(aName);
+  text.fBytes = aBytes.size();
+  text.fEncoding = encodingOf(aBytes);
+  text.fCodec = Encoding::named(text.fEncoding);
+  std::string const advice = "; convert the file to UTF-8 and say so in its first line";
+  if (text.fCodec == nullptr) {
+    throw Error('"' + text.name() + "\" says that its encoding is \"" + text.fEncoding +
+                "\", which is not known here" + advice);
+  }
+  auto decoded = text.fCodec->decoded(std::move(aBytes));
+  if (!decoded) {
+    throw Error('"' + text.name() + "\" is not quite in the encoding \"" + text.fEncoding +
+                "\" that it names, and could not be saved again without loss" + advice);
+  }
+  text.fText = *std::move(decoded);
+  if (std::string_view(text.fText).starts_with(kMark)) text.fMark = kMark;
+  return text;
+}
+
+std::string SourceText::encoded(std::string_view aText) const {
+  if (fMark.empty()) return fCodec->encoded(aText);
+  return fCodec->encoded(fMark + std::string(aText));
+}
+
+Place SourceText::placeOf(std::size_t aOffset) const {
+  std::string_view const text = utf8();
+  std::size_t const offset = std::min(aOffset, text.size());
+  if (fBlocks.empty()) fBlocks.push_back({1, 0});
+  auto const scan = [text](Block aBlock, std::size_t aFrom, std::size_t aTo) {
+    for (std::size_t i = aFrom; i < aTo; ++i) {
+      if (text[i] > '\r') continue;
+      bool const isLast =
+          text[i] == '\n' || (text[i] == '\r' && (i + 1 == text.size() || text[i + 1] != '\n'));
+      if (isLast) aBlock = {aBlock.fLine + 1, i + 1};
+    }
+    return aBlock;
+  };
+  while (fBlocks.size() <= offset / kBlock) {
+    fBlocks.push_back(scan(fBlocks.back(), (fBlocks.size() - 1) * kBlock, fBlocks.size() * kBlock));
+  }
+  std::size_t const block = offset / kBlock;
+  Block const found = scan(fBlocks[block], block * kBlock, offset);
+  return {fName, found.fLine, offset - found.fLineStart + 1};
+}
+
+}  // namespace umlmm::files

@@ -1,0 +1,221 @@
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <vector>
+
+#include "model_files/text/SourceText.h"
+#include "model_files/text/byteKinds.h"
+#include "model_files/text/encodings.h"
+#include "model_files/text/firstTags.h"
+
+namespace umlmm::files {
+
+namespace {
+
+constexpr auto kNone = std::string_view::npos;
+/// XMI 1 names its metamodel behind a header, and dumps of tables their tables behind a description.
+constexpr std::size_t kMostTags = 200;
+
+struct XmlKind {
+  /// What the namespace contains; empty for any.
+  std::string_view fNamespace;
+  /// The tag without its prefix; empty for any.
+  std::string_view fTag;
+  std::string_view fWhat;
+  std::string_view fAdvice;
+};
+
+constexpr std::string_view kBeside = "the model is in the .uml file beside it; open that one";
+constexpr std::string_view kFromEcore = "convert it to a UML model in Eclipse, and open that file";
+constexpr std::string_view kOpenModel = "open the file of a model";
+constexpr std::string_view kAnotherLanguage = "it is another language than UML; open the file of a UML model";
+constexpr std::string_view kDownload = "if a server gave it in place of a model, download that file again";
+
+/// The first that fits.
+constexpr std::array kXml{
+    XmlKind{"eclipse.org/emf/2002/Ecore", "", "an Ecore metamodel", kFromEcore},
+    XmlKind{"eclipse.org/emf/2002/GenModel", "", "a generator model for an Ecore metamodel", kFromEcore},
+    XmlKind{"eclipse.org/gmf/runtime", "", "a file with diagrams of Eclipse (.notation)", kBeside},
+    XmlKind{"eclipse.org/papyrus", "", "a file about the diagrams of a Papyrus model (.di)", kBeside},
+    XmlKind{"eclipse.org/sirius", "", "a file with diagrams of Sirius (.aird)", kBeside},
+    XmlKind{"polarsys.org/capella", "", "a Capella model", kExport},
+    XmlKind{"gaphor", "", "a Gaphor model", kExport},
+    XmlKind{"", "gaphor", "a Gaphor model", kExport},
+    XmlKind{"staruml.com", "", "a project of StarUML 1", kExport},
+    XmlKind{"", "argo", "a project of ArgoUML", kExport},
+    XmlKind{"", "MDG.Technology", "an MDG technology of Enterprise Architect", kExport},
+    XmlKind{"schemas.microsoft.com/dsltools", "", "a model of Visual Studio", kExport},
+    XmlKind{"", "ClassDiagram", "a class diagram of Visual Studio (.cd)", kOpenModel},
+    XmlKind{"", "Diagram", "a diagram of a development environment", kOpenModel},
+    XmlKind{"", "mxfile", "a drawing of draw.io", kExport},
+    XmlKind{"", "mxGraphModel", "a drawing of draw.io", kExport},
+    XmlKind{"lysator.liu.se", "", "a drawing of Dia", kExport},
+    XmlKind{"graphml", "", "a graph (GraphML)", kExport},
+    XmlKind{"", "graphml", "a graph (GraphML)", kExport},
+    XmlKind{"", "gxl", "a graph (GXL)", kExport},
+    XmlKind{"", "gexf", "a graph (GEXF)", kExport},
+    XmlKind{"/BPMN/", "", "a BPMN model", kAnotherLanguage},
+    XmlKind{"wfmc.org", "", "an XPDL model", kAnotherLanguage},
+    XmlKind{"/DMN/", "", "a DMN model", kAnotherLanguage},
+    XmlKind{"/CMMN/", "", "a CMMN model", kAnotherLanguage},
+    XmlKind{"/ReqIF/", "", "a ReqIF file with requirements", kAnotherLanguage},
+    XmlKind{"/SysML/2", "", "a SysML 2 model", kAnotherLanguage},
+    XmlKind{"/KerML/", "", "a SysML 2 model", kAnotherLanguage},
+    XmlKind{"archimate", "", "an ArchiMate model", kAnotherLanguage},
+    XmlKind{"autosar.org", "", "an AUTOSAR model", kAnotherLanguage},
+    XmlKind{"/scxml", "", "a state chart (SCXML)", kAnotherLanguage},
+    XmlKind{"/spec/CWM", "", "a CWM model", kAnotherLanguage},
+    XmlKind{"cmof", "", "a MOF metamodel (CMOF)", kAnotherLanguage},
+    XmlKind{"emof", "", "a MOF metamodel (EMOF)", kAnotherLanguage},
+    XmlKind{"22-rdf-syntax-ns", "", "RDF", kAnotherLanguage},
+    XmlKind{"/2002/07/owl", "", "an OWL ontology", kAnotherLanguage},
+    XmlKind{"/XSL/Transform", "", "an XSLT stylesheet", kOpenModel},
+    XmlKind{"w3.org/2001/XMLSchema", "schema", "an XML Schema", kOpenModel},
+    XmlKind{"schemas.xmlsoap.org/wsdl", "", "a WSDL description", kOpenModel},
+    XmlKind{"/xhtml", "", "a web page (HTML)", kDownload},
+    XmlKind{"", "html", "a web page (HTML)", kDownload},
+    XmlKind{"", "HTML", "a web page (HTML)", kDownload},
+    XmlKind{"/2000/svg", "", "a picture (SVG)", kOpenModel},
+    XmlKind{"", "svg", "a picture (SVG)", kOpenModel},
+    XmlKind{"/2005/Atom", "", "a news feed (Atom)", kDownload},
+    XmlKind{"", "rss", "a news feed (RSS)", kDownload},
+    XmlKind{"", "plist", "a property list", kOpenModel},
+    XmlKind{"maven.apache.org/POM", "", "a project of Maven", kOpenModel},
+    XmlKind{"developer/msbuild", "", "a project of MSBuild", kOpenModel},
+    XmlKind{"", "projectDescription", "the description of an Eclipse project (.project)", kOpenModel},
+    XmlKind{"opendocument", "", "an OpenDocument file", kOpenModel},
+    XmlKind{"schemas.microsoft.com/office", "", "an Office document", kOpenModel},
+    XmlKind{"schemas.openxmlformats.org", "", "an Office document", kOpenModel},
+    XmlKind{"docbook", "", "a DocBook document", kOpenModel},
+};
+
+/// Tags of dumps of databases; two of them are enough where no namespace says what it is.
+constexpr std::array<std::string_view, 10> kTableTags{"table",  "row",        "column",          "record",
+                                                      "field",  "table_data", "table_structure", "dataroot",
+                                                      "rowset", "resultset"};
+
+std::string lowerCase(std::string_view aText) {
+  std::string text(aText);
+  std::transform(text.begin(), text.end(), text.begin(), [](char aByte) {
+    return aByte >= 'A' && aByte <= 'Z' ? static_cast<char>(aByte + 32) : aByte;
+  });
+  return text;
+}
+
+std::string quoted(std::string_view aText) { return '"' + std::string(aText) + '"'; }
+
+XmlKind const* rowOf(Tag const& aTag) {
+  auto const row = std::find_if(kXml.begin(), kXml.end(), [&aTag](XmlKind const& aRow) {
+    return aTag.fNamespace.find(aRow.fNamespace) != kNone && (aRow.fTag.empty() || aRow.fTag == aTag.local());
+  });
+  return row == kXml.end() ? nullptr : &*row;
+}
+
+/// XMI up to 1.3, which knows UML up to 1.5 and other metamodels of its time.
+bool isXmi1(FirstTags const& aFirst) {
+  return aFirst.fTags.front().local() == "XMI" && (aFirst.fTags.front().has("xmi.version") ||
+                                                   (aFirst.fDoctype == "XMI" && aFirst.fNamespaces.empty()));
+}
+
+Kind kindOfXmi1(FirstTags const& aFirst) {
+  std::string metamodel = "UML 1";
+  for (Tag const& tag : aFirst.fTags) {
+    if (tag.fName != "XMI.metamodel") continue;
+    std::string_view const name = tag.attribute("xmi.name");
+    std::string_view const version = tag.attribute("xmi.version");
+    metamodel =
+        std::string(name.empty() ? "UML" : name) + (version.empty() ? "" : " ") + std::string(version);
+    break;
+  }
+  std::string_view const version = aFirst.fTags.front().attribute("xmi.version");
+  return {
+      metamodel + " in XMI " + std::string(version.empty() ? "1" : version) + ", which is another metamodel",
+      "open it in a tool that reads it, and export it from there as UML 2 in XMI 2.1 or later"};
+}
+
+bool isTables(FirstTags const& aFirst) {
+  std::vector<std::string> found;
+  for (Tag const& tag : aFirst.fTags) {
+    std::string const name = lowerCase(tag.local());
+    bool const isOne =
+        tag.fNamespace.empty() && std::find(kTableTags.begin(), kTableTags.end(), name) != kTableTags.end();
+    if (isOne && std::find(found.begin(), found.end(), name) == found.end()) found.push_back(name);
+  }
+  return found.size() > 1;
+}
+
+bool isUml2(std::string_view aNamespace) {
+  return aNamespace.find("/spec/UML/2") != kNone || aNamespace.find("eclipse.org/uml2/") != kNone;
+}
+
+Kind kindOfRoot(FirstTags const& aFirst) {
+  Tag const& root = aFirst.fTags.front();
+  bool const hasUml = std::any_of(aFirst.fNamespaces.begin(), aFirst.fNamespaces.end(), isUml2);
+  if (root.local() == "XMI" || root.fNamespace.find("XMI") != kNone) {
+    auto const child = std::find_if(aFirst.fTags.begin(), aFirst.fTags.end(), [](Tag const& aTag) {
+      return aTag.fDepth == 1 && aTag.local() != "Documentation" && aTag.local() != "Extension";
+    });
+    if (hasUml || child == aFirst.fTags.end())
+      return {"XMI without any element of UML in it", std::string(kExport)};
+    return {"XMI of another metamodel (it holds <" + std::string(child->fName) + "> of " +
+                quoted(child->fNamespace) + ")",
+            std::string(kAnotherLanguage)};
+  }
+  std::string what = "XML of another kind (its root is <" + std::string(root.fName) + ">";
+  what += root.fNamespace.empty() ? " without a namespace)" : " of " + quoted(root.fNamespace) + ")";
+  return {what, std::string(kExport)};
+}
+
+Kind kindOfXml(std::string_view aText) {
+  std::string const again = "get the whole file: copy or export it again";
+  FirstTags const first = firstTags(aText, kMostTags);
+  if (first.fTags.empty()) return {"XML that breaks off before its first tag ends", again};
+  Tag const& root = first.fTags.front();
+  if (isXmi1(first)) return kindOfXmi1(first);
+  for (Tag const& tag : first.fTags) {
+    if (tag.fDepth > (root.local() == "XMI" ? 1U : 0U)) continue;
+    if (auto const* row = rowOf(tag)) return {std::string(row->fWhat), std::string(row->fAdvice)};
+  }
+  if (isTables(first)) {
+    return {"XML with tables of a database",
+            "open the project in its tool and export the model as XMI 2.1 or later"};
+  }
+  std::string const end = "</" + std::string(root.fName);
+  bool const isOneTag = first.fTags.size() == 1 && aText.find("/>") != kNone;
+  if (!isOneTag && aText.rfind(end) == kNone) return {"XML that breaks off before " + end + '>', again};
+  return kindOfRoot(first);
+}
+
+/// The first two characters that are not blank, of a text in any encoding in which XML may be.
+std::array<char, 2> firstCharacters(std::string_view aBytes) noexcept {
+  std::string_view const wide = wideUnitsOf(aBytes);
+  std::size_t const unit = wide.empty() ? 1 : wide.starts_with("utf-16") ? 2 : 4;
+  std::size_t const low = wide.ends_with("be") ? unit - 1 : 0;
+  std::array<char, 2> found{};
+  std::size_t count = 0;
+  std::size_t place = 0;
+  if (aBytes.starts_with("\xEF\xBB\xBF")) place = 3;
+  if (!wide.empty() && (aBytes[low] & '\x80') != 0) place = unit;
+  for (; place < aBytes.size() && aBytes.size() - place >= unit && count < found.size(); place += unit) {
+    if (count > 0 || !isBlank(aBytes[place + low])) found[count++] = aBytes[place + low];
+  }
+  return found;
+}
+
+}  // namespace
+
+bool isNoXml(std::string_view aBytes) noexcept {
+  if (isEbcdicXml(aBytes)) return false;
+  auto const [first, second] = firstCharacters(aBytes);
+  auto const next = static_cast<unsigned char>(second);
+  bool const beginsName = next >= 0x80 || (next >= 'a' && next <= 'z') || (next >= 'A' && next <= 'Z');
+  return first != '<' || !(beginsName || second == '_' || second == ':' || second == '!' || second == '?');
+}
+
+std::string whatItIs(SourceText const& aText) {
+  std::string_view const text = aText.utf8();
+  Kind const kind = isNoXml(text) ? kindOfBytes(text) : kindOfXml(text);
+  return quoted(aText.name()) + " is " + kind.fWhat + ", not a UML 2 model in XMI; " + kind.fAdvice;
+}
+
+}  // namespace umlmm::files

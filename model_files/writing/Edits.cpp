@@ -1,0 +1,32 @@
+#include "model_files/writing/Edits.h"
+
+#include <algorithm>
+#include <tuple>
+
+namespace umlmm::files {
+
+void Edits::sort() {
+  std::ranges::sort(fEdits, {}, [](Edit const& aEdit) { return std::tuple(aEdit.fFrom, aEdit.fNumber); });
+}
+
+void Edits::write(std::size_t aFrom, std::size_t aTo, std::string& aOut, Copied const& aCopied) const {
+  std::size_t at = aFrom;
+  auto const copy = [&](std::size_t aEnd) {
+    aCopied(at, aEnd);
+    aOut += fText.substr(at, aEnd - at);
+  };
+  auto edit = std::ranges::lower_bound(fEdits, aFrom, {}, &Edit::fFrom);
+  for (; edit != fEdits.end() && edit->fFrom < aTo; ++edit) {
+    if (edit->fFrom < at || edit->fTo > aTo) continue;
+    if (edit->fFrom <= aFrom && edit->fTo >= aTo) continue;
+    copy(edit->fFrom);
+    if (edit->fWrite)
+      edit->fWrite(aOut);
+    else
+      aOut += edit->fText;
+    at = edit->fTo;
+  }
+  copy(aTo);
+}
+
+}  // namespace umlmm::files

@@ -1,0 +1,175 @@
+#include <chrono>
+
+#include "model_files/ModelFiles.h"
+#include "model_files/reading/Reading.h"
+#include "model_files/text/writeFile.h"
+#include "model_files/writing/Comparison.h"
+#include "model_files/writing/Patcher.h"
+#include "uml_metamodel/umlmm/models.h"
+
+namespace umlmm::files {
+
+namespace {
+
+/// Texts, by file, read into a model of its own.
+Kelm::Model readAgain(std::vector<Input> aTexts) {
+  Reading reading(std::move(aTexts), {}, true);
+  while (!reading.step(std::chrono::hours(1))) {
+  }
+  return reading.model();
+}
+
+void pairStandIns(Comparison& aComparison, ModelFiles const& aFiles, ModelFiles const& aRead) {
+  for (auto const& [name, standIn] : aFiles.fStandIns)
+    if (auto const found = aRead.fStandIns.find(name); found != aRead.fStandIns.end())
+      aComparison.pair(*standIn.fElement, *found->second.fElement);
+}
+
+/// One saving: what files hold now, what they shall hold, and the model's knowledge of them afterwards.
+class Saving {
+ public:
+  explicit Saving(Kelm::Model const& aModel) : fModel(aModel), fFiles(ModelFiles::of(aModel)) {}
+
+  /// The new texts, by file.
+  std::vector<std::string> texts() {
+    std::vector<std::string> texts;
+    if (fModel.object().revision() == fFiles.fRevision) {
+      for (ModelFile const& file : fFiles.fFiles) texts.emplace_back(file.fText.utf8());
+      return texts;
+    }
+    fFiles.indexTags();
+    Kelm::Model const read =
+        readAgain(inputs([&](std::size_t aFile) { return fFiles.fFiles[aFile].fText.utf8(); }));
+    ModelFiles const& readFiles = ModelFiles::of(read);
+    Comparison comparison(fModel, read);
+    for (std::size_t file = 0; file < fFiles.fFiles.size(); ++file)
+      pairMade(comparison, fFiles.fFiles[file].fMade, readFiles.fFiles[file].fMade);
+    pairStandIns(comparison, fFiles, readFiles);
+    for (std::uint32_t file = 0; file < fFiles.fFiles.size(); ++file) {
+      Patcher patcher(fModel, fFiles, file, readFiles, comparison);
+      texts.push_back(patcher.write(fOrders.emplace_back()));
+      for (auto const& [element, id] : patcher.newIds()) fNewIds.emplace(element, id);
+    }
+    return texts;
+  }
+
+  /// Reads the new texts and holds them against the model; raises Error for one that would not be read as it is.
+  void check(std::vector<std::string> const& aTexts) {
+    if (fOrders.empty()) return;
+    fRead = readAgain(inputs([&](std::size_t aFile) { return std::string_view(aTexts[aFile]); }));
+    ModelFiles& readFiles = ModelFiles::of(fRead);
+    Comparison comparison(fModel, fRead);
+    for (std::size_t file = 0; file < aTexts.size(); ++file) pairOrder(comparison, file, readFiles.fFiles[file]);
+    pairStandIns(comparison, fFiles, readFiles);
+    verify(comparison);
+    // What stood with elements of the new reading stands with those of the model.
+    auto const toModel = [&](ElementPtr& aElement) {
+      if (aElement != nullptr) aElement.reset(comparison.toModel(aElement.get()));
+    };
+    for (ModelFile& file : readFiles.fFiles) {
+      for (Made& made : file.fMade) toModel(made.fElement);
+      for (auto& [id, element] : file.fIds) element = comparison.toModel(element);
+    }
+    for (Kept& kept : readFiles.fKept) toModel(kept.fElement);
+    for (Dangling& dangling : readFiles.fDangling) toModel(dangling.fElement);
+    for (Application& application : readFiles.fApplications) toModel(application.fElement);
+  }
+
+  /// The new texts, which were checked, are the model's files from now on.
+  void adopt() {
+    if (fOrders.empty()) return;
+    ModelFiles& readFiles = ModelFiles::of(fRead);
+    fFiles.fFiles = std::move(readFiles.fFiles);
+    fFiles.fKept = std::move(readFiles.fKept);
+    fFiles.fDangling = std::move(readFiles.fDangling);
+    fFiles.fApplications = std::move(readFiles.fApplications);
+    for (auto const& [element, id] : fNewIds)
+      const_cast<Element*>(element)->setKernelEntry(fModel.getDeviant(), Element::ExternalId, textObject(id));
+    fFiles.fRevision = fModel.object().revision();
+  }
+
+ private:
+  template <class TextOf>
+  std::vector<Input> inputs(TextOf aTextOf) const {
+    std::vector<Input> inputs;
+    for (std::size_t file = 0; file < fFiles.fFiles.size(); ++file) {
+      SourceText const& text = fFiles.fFiles[file].fText;
+      inputs.push_back({text.name(), text.encoded(aTextOf(file))});
+    }
+    return inputs;
+  }
+
+  static void pairMade(Comparison& aComparison, std::vector<Made> const& aMade,
+                       std::vector<Made> const& aRead) {
+    for (std::size_t at = 0; at < aMade.size() && at < aRead.size(); ++at)
+      aComparison.pair(*aMade[at].fElement, *aRead[at].fElement);
+  }
+
+  void pairOrder(Comparison& aComparison, std::size_t aFile, ModelFile const& aRead) const {
+    std::vector<Element*> const& order = fOrders[aFile];
+    if (order.size() != aRead.fMade.size())
+      throw Error(aRead.fText.name() + " was not saved: its new text has " +
+                  std::to_string(aRead.fMade.size()) + " elements where the model has " +
+                  std::to_string(order.size()));
+    for (std::size_t at = 0; at < order.size(); ++at) aComparison.pair(*order[at], *aRead.fMade[at].fElement);
+  }
+
+  /// A text that would not be read as the model is must not be written.
+  void verify(Comparison& aComparison) const {
+    Metamodel const& metamodel = Metamodel::instance();
+    for (auto const& order : fOrders)
+      for (Element* const element : order) {
+        Metaclass const& metaclass = metamodel.metaclassOf(*element);
+        for (Feature const* const feature : metaclass.fOrder) {
+          if (!isWritten(*feature) || aComparison.isSame(*element, *aComparison.toRead(element), *feature))
+            continue;
+          throw Error("The model was not saved: " + std::string(metaclass.fName) + " " +
+                      externalIdOf(*element, fModel.getDeviant()) + " can't be written with its " +
+                      std::string(feature->fName));
+        }
+      }
+  }
+
+  Kelm::Model fModel;
+  ModelFiles& fFiles;
+  /// The model of the new texts.
+  Kelm::Model fRead;
+  /// Elements of each file in the order of their tags.
+  std::vector<std::vector<Element*>> fOrders;
+  std::unordered_map<Element const*, std::string> fNewIds;
+};
+
+}  // namespace
+
+std::string textOf(Kelm::Model const& aModel, SaveOptions const&, std::string_view aFile) {
+  ModelFiles const& files = ModelFiles::of(aModel);
+  auto const texts = Saving(aModel).texts();
+  for (std::size_t at = 0; at < texts.size(); ++at)
+    if (aFile.empty() || files.fFiles[at].fText.name() == aFile)
+      return files.fFiles[at].fText.encoded(texts[at]);
+  throw Error("The model has no file " + std::string(aFile));
+}
+
+void save(Kelm::Model const& aModel, SaveOptions const& aOptions) {
+  ModelFiles& files = ModelFiles::of(aModel);
+  Saving saving(aModel);
+  auto const texts = saving.texts();
+  std::vector<std::string> bytes;
+  for (std::size_t at = 0; at < texts.size(); ++at) {
+    SourceText const& text = files.fFiles[at].fText;
+    bytes.push_back(texts[at] == text.utf8() ? std::string() : text.encoded(texts[at]));
+    if (!bytes.back().empty() && !aOptions.fForce && stampOf(text.name()) != files.fFiles[at].fStamp)
+      throw Error(text.name() + " has changed on disk since it was read; save with force to write over it");
+  }
+  saving.check(texts);
+  for (std::size_t at = 0; at < texts.size(); ++at)
+    if (!bytes[at].empty()) writeFile(files.fFiles[at].fText.name(), bytes[at]);
+  saving.adopt();
+  for (ModelFile& file : files.fFiles) file.fStamp = stampOf(file.fText.name());
+}
+
+void save(Kelm::Model const& aModel, std::string const& aPath, SaveOptions const& aOptions) {
+  writeFile(aPath, textOf(aModel, aOptions));
+}
+
+}  // namespace umlmm::files

@@ -1,0 +1,79 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+#include "model_files/ModelFiles.h"
+#include "model_files/dialect/Style.h"
+#include "model_files/writing/Comparison.h"
+
+namespace umlmm::files {
+
+/// Writes elements as new tags, in a style.
+class Tags {
+ public:
+  /// How lines end and what a level of depth adds; both empty for a text without lines.
+  struct Layout {
+    std::string fLineEnd;
+    std::string fUnit;
+  };
+
+  /// `aRead` is a model in which fresh elements show what need not be written.
+  Tags(Kelm::Model const& aModel, Kelm::Model const& aRead, Style const& aStyle, Layout aLayout);
+
+  /// Whether an element has a tag in this text, or gets one; others are named by file and id.
+  std::function<std::string(Element&)> fForeignAddress;
+  /// Writes an element that has a tag already; false for one that has none.
+  std::function<bool(Element&, std::string_view aTagName, Feature const*, std::string&)> fWriteKnown;
+
+  void useId(std::string_view aId) { fUsedIds.emplace(aId); }
+  void order(std::vector<Element*>& aOrder) noexcept { fOrder = &aOrder; }
+
+  /// An element as a part of a feature, or as a root: `aTagName` is "ownedAttribute" or "uml:Class". Without
+  /// blanks before and behind.
+  void write(Element& aElement, std::string_view aTagName, Feature const* aFeature,
+             std::string const& aIndent, std::string& aOut);
+  /// A reference as a tag of its own.
+  void writeReference(std::string_view aName, Element& aValue, std::string& aOut);
+  void attribute(std::string& aOut, std::string_view aName, std::string_view aValue) const;
+  std::string typeOf(Element const& aElement) const;
+  /// Whether the type has to be written beside a tag of the feature.
+  bool needsType(Element const& aElement, Feature const* aFeature) const;
+  /// Whether this end of a link is written, and not only the other one.
+  bool writesEnd(Feature const& aFeature) const;
+
+  /// The id by which this text names an element; empty for one that other texts hold.
+  std::string localId(Element& aElement);
+  std::string const& idOf(Element& aElement);
+  std::string const& idName() const noexcept { return fStyle.fIdName; }
+  Layout const& layout() const noexcept { return fLayout; }
+  Style const& style() const noexcept { return fStyle; }
+  std::unordered_map<Element const*, std::string> const& newIds() const noexcept { return fNewIds; }
+
+ private:
+  void writeValues(Element& aElement, Feature const& aFeature, std::string& aAttributes,
+                   std::vector<std::string>& aChildren);
+  void writeReferences(Element& aElement, Feature const& aFeature, std::string& aAttributes,
+                       std::vector<std::string>& aChildren);
+  Element& pristine(Metaclass const& aMetaclass);
+  std::string newId(Element& aElement);
+
+  Kelm::Deviant fDeviant;
+  Kelm::Model fReadModel;
+  Style const& fStyle;
+  Layout fLayout;
+  std::unordered_set<std::string> fUsedIds;
+  std::unordered_map<Element const*, std::string> fIds;
+  std::unordered_map<Element const*, std::string> fNewIds;
+  std::unordered_map<Metaclass const*, ElementPtr> fPristine;
+  std::vector<Element*>* fOrder = nullptr;
+};
+
+/// The feature of its owner under which a part is written: of those that hold it the most special.
+Feature const* featureOf(Element const& aOwner, Element const& aPart, Kelm::Deviant const& aDeviant);
+
+}  // namespace umlmm::files
