@@ -70,6 +70,8 @@ struct ModelFile {
   std::deque<std::string> fDecoded;
   /// Noted when the file is read to be written.
   Style fStyle;
+  /// Where the file lies, from the root of the system on; empty for bytes that were given.
+  std::string fPath;
   FileStamp fStamp;
 };
 

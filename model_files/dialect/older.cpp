@@ -45,11 +45,13 @@ constexpr std::string_view kPrimitives[] = {"Boolean", "Integer", "Real", "Strin
 }  // namespace
 
 Feature const* featureCalled(Metaclass const& aMetaclass, std::string_view aName) {
-  if (Feature const* const feature = aMetaclass.feature(aName)) return feature;
+  // What was stored once may follow from others today.
+  Feature const* const known = aMetaclass.feature(aName);
+  if (known != nullptr && !known->fDerived) return known;
   for (Renamed const& row : kFeatures)
     if (row.fWritten == aName && aMetaclass.isA(*Metamodel::instance().metaclass(row.fOwner)))
       return aMetaclass.feature(row.fName);
-  return nullptr;
+  return known;
 }
 
 Metaclass const* metaclassCalled(std::string_view aName) {

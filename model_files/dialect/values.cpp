@@ -185,6 +185,18 @@ std::vector<std::string> textsOf(Element const& aElement, Feature const& aFeatur
   return texts;
 }
 
+std::string pathOf(Element const& aElement, Kelm::Deviant const& aDeviant) {
+  std::string path;
+  for (Element const* element = &aElement; element != nullptr; element = containerOf(*element, aDeviant)) {
+    Metaclass const& metaclass = Metamodel::instance().metaclassOf(*element);
+    Feature const* const feature = metaclass.feature("name");
+    Kelm::Object const name = feature == nullptr ? Kelm::Object() : read(*element, *feature, aDeviant);
+    std::string const shown = name.isNull() ? std::string(metaclass.fName) : textOf(*feature, name);
+    path = path.empty() ? shown : shown + "::" + path;
+  }
+  return path;
+}
+
 std::string externalIdOf(Element const& aElement, Kelm::Deviant const& aDeviant) {
   Kelm::Object const id = aElement.getKernelEntry(aDeviant, Element::ExternalId);
   return id.isNull() ? std::string() : Kelm::toUtf8(Kelm::asString(id)->text());

@@ -32,6 +32,8 @@ std::vector<std::string> textsOf(Element const& aElement, Feature const& aFeatur
                                  Kelm::Deviant const& aDeviant);
 Element* containerOf(Element const& aElement, Kelm::Deviant const& aDeviant);
 
+/// The names of an element and of all that own it, from the outermost on; metaclasses where there are none.
+std::string pathOf(Element const& aElement, Kelm::Deviant const& aDeviant);
 /// The id that an element has in its file; empty for none.
 std::string externalIdOf(Element const& aElement, Kelm::Deviant const& aDeviant);
 

@@ -1,5 +1,7 @@
 #include "model_files/reading/Reading.h"
 
+#include <filesystem>
+
 #include "model_files/dialect/namespaces.h"
 #include "uml_metamodel/umlmm/models.h"
 
@@ -81,12 +83,17 @@ bool Reading::advance() {
 void Reading::startFile() {
   Input& input = fInputs[fAt];
   bool const isGiven = input.fBytes.has_value();
+  std::string const path =
+      isGiven || input.fPath.empty() ? std::string() : std::filesystem::absolute(input.fPath).string();
+  // Of the time before it is read: who changes it meanwhile is noticed at saving.
+  FileStamp const stamp = path.empty() ? FileStamp() : stampOf(path);
   auto const number = static_cast<std::uint32_t>(fFiles->fFiles.size());
   ModelFile& file =
       fFiles->fFiles.emplace_back(input.fBytes ? SourceText::fromBytes(std::move(*input.fBytes), input.fPath)
                                                : SourceText::fromFile(input.fPath));
   std::string_view const text = file.fText.utf8();
-  if (!isGiven) file.fStamp = stampOf(input.fPath);
+  file.fPath = path;
+  file.fStamp = stamp;
   fFiles->fReport.fFiles.push_back(
       {file.fText.name(), "", "", "", file.fText.encoding(), file.fText.bytes()});
   if (isNoXml(text)) throw NotUml(whatItIs(file.fText));

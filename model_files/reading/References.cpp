@@ -43,15 +43,15 @@ void References::finish() {
 }
 
 void References::resolve(Pending const& aReference) {
-  auto const noPath = [] { return std::string(); };
+  auto const path = [&] { return pathOf(*aReference.fElement, fDeviant); };
   Feature const& feature = *aReference.fFeature;
   if (feature.fDerived && !feature.fComposite)
     return fFindings.add(Findings::Weight::Note, "derived feature", feature.fName, "follows from others",
-                         aReference.fSpot, noPath);
+                         aReference.fSpot, path);
   if (Element* const value = find(aReference.fAddress, aReference.fSpot.fFile))
     return link(aReference, *value);
   fFindings.add(Findings::Weight::Fault, "unresolved reference", feature.fName, "kept as written",
-                aReference.fSpot, noPath);
+                aReference.fSpot, path);
   fFiles.fDangling.push_back(
       {ElementPtr(aReference.fElement), &feature, std::string(aReference.fAddress), aReference.fSpot});
 }
@@ -69,7 +69,7 @@ void References::link(Pending const& aReference, Element& aValue) {
   } catch (Kelm::Exception const& refusal) {
     fFindings.add(Findings::Weight::Fault, "value refused",
                   std::string(feature.fName) + ": " + refusal.what(), "kept as written", aReference.fSpot,
-                  [] { return std::string(); });
+                  [&] { return pathOf(*aReference.fElement, fDeviant); });
     fFiles.fDangling.push_back(
         {ElementPtr(aReference.fElement), &feature, std::string(aReference.fAddress), aReference.fSpot});
   }

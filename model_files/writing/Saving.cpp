@@ -158,16 +158,26 @@ void save(Kelm::Model const& aModel, SaveOptions const& aOptions) {
   auto const texts = saving.texts();
   std::vector<std::string> bytes;
   for (std::size_t at = 0; at < texts.size(); ++at) {
-    SourceText const& text = files.fFiles[at].fText;
+    ModelFile const& file = files.fFiles[at];
+    SourceText const& text = file.fText;
     bytes.push_back(texts[at] == text.utf8() ? std::string() : text.encoded(texts[at]));
-    if (!bytes.back().empty() && !aOptions.fForce && stampOf(text.name()) != files.fFiles[at].fStamp)
+    if (bytes.back().empty()) continue;
+    if (file.fPath.empty())
+      throw Error(text.name() + " was given as bytes, and lies nowhere; save to a path");
+    if (!aOptions.fForce && stampOf(file.fPath) != file.fStamp)
       throw Error(text.name() + " has changed on disk since it was read; save with force to write over it");
   }
   saving.check(texts);
   for (std::size_t at = 0; at < texts.size(); ++at)
-    if (!bytes[at].empty()) writeFile(files.fFiles[at].fText.name(), bytes[at]);
+    if (!bytes[at].empty()) writeFile(files.fFiles[at].fPath, bytes[at]);
+  std::vector<std::string> paths;
+  for (ModelFile& file : files.fFiles) paths.push_back(std::move(file.fPath));
   saving.adopt();
-  for (ModelFile& file : files.fFiles) file.fStamp = stampOf(file.fText.name());
+  for (std::size_t at = 0; at < paths.size(); ++at) {
+    ModelFile& file = files.fFiles[at];
+    file.fPath = std::move(paths[at]);
+    if (!file.fPath.empty()) file.fStamp = stampOf(file.fPath);
+  }
 }
 
 void save(Kelm::Model const& aModel, std::string const& aPath, SaveOptions const& aOptions) {

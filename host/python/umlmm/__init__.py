@@ -40,6 +40,14 @@ Kelm.extend = _host.extend
 _show(__name__, "umlmm")
 
 
+def _add_members():
+    """What this package's own Python code adds to the published classes."""
+    from umlmm import _file_members  # noqa: F401 -- bringing it in does it
+
+
+_host.before_first_class(_add_members)
+
+
 def __getattr__(name):
     """Model files are brought in when they are first asked for."""
     if name in ("files", "load", "load_all"):

@@ -92,13 +92,24 @@ class Finding(_Record):
     """One kind of thing that was not understood, or not as it was written: how often, where first, what became of
     it."""
 
-    __slots__ = ("kind", "what", "outcome", "count", "file", "line")
+    __slots__ = ("kind", "what", "outcome", "count", "file", "line", "column")
     kind: str
     what: str
     outcome: str
     count: int
     file: str
     line: int
+    column: int
+
+
+class DuplicateId(_Record):
+    """An id that is declared again, and the place of the second declaration. The first is meant."""
+
+    __slots__ = ("id", "file", "line", "column")
+    id: str
+    file: str
+    line: int
+    column: int
 
 
 class Report:
@@ -108,16 +119,20 @@ class Report:
     elements: dict[str, int]
     element_count: int
     findings: list[Finding]
-    duplicate_ids: list[tuple[str, str, int]]
+    duplicate_ids: list[DuplicateId]
     unresolved_count: int
     stereotype_count: int
     parse_time: float
     build_time: float
 
+    _RECORDS = {"files": ReportFile, "findings": Finding, "duplicate_ids": DuplicateId}
+
     def __init__(self, text, page):
         self._json = text
         self._page = page
-        self.__dict__.update(_report_attributes(decoded(text)))
+        for name, value in decoded(text).items():
+            kind = self._RECORDS.get(name)
+            setattr(self, name, [kind(*(row[key] for key in kind.__slots__)) for row in value] if kind else value)
 
     def json(self) -> str:
         return self._json
@@ -127,7 +142,3 @@ class Report:
 
     def __repr__(self):
         return f"<report on {', '.join(file.path for file in self.files)}: {self.element_count} elements>"
-
-
-def _report_attributes(told):
-    return told

@@ -5,8 +5,8 @@ from umlmm import files
 
 def findings(model):
     """What is wrong with a model that was read, a line each."""
-    for id, place in _duplicates(files.report(model)):
-        yield f"{place}: the id '{id}' is declared again"
+    for duplicate in files.report(model).duplicate_ids:
+        yield f"{duplicate.file}:{duplicate.line}: the id '{duplicate.id}' is declared again"
     dangling = set()
     for reference in files.unresolved(model):
         dangling.add((reference.element, reference.feature.rpartition(".")[2]))
@@ -31,8 +31,9 @@ def shown(element):
     return f"{metaclass.name} {name}" if name else metaclass.name
 
 
-def _duplicates(report):
-    return ((id, f"{file}:{line}") for id, file, line in report.duplicate_ids)
+def is_standard(element):
+    """Whether an element is one of the standard's primitive types, which a reading adds for those that name them."""
+    return element.MetaClass().name == "PrimitiveType" and element.owner is None and not element.externalId
 
 
 def _is_local(address):
@@ -46,7 +47,7 @@ def _wrong_owners(model):
     while open_elements:
         element = open_elements.pop()
         reached += 1
-        if element.containerKelm is None and element.mustBeOwned():
+        if element.containerKelm is None and element.mustBeOwned() and not is_standard(element):
             yield f"{shown(element)} has no owner, and needs one"
         for part in element.containeeKelm:
             if part.containerKelm != element:
@@ -74,7 +75,7 @@ class _Features:
 
 
 def _qualified(feature):
-    return f"{feature.owner.name}.{feature.name}"
+    return f"{feature.owner().name}.{feature.name}"
 
 
 class _Feature:

@@ -49,7 +49,8 @@ def _tree(options):
 
 
 def _print_tree(model, depth):
-    open_elements = [(element, 0) for element in reversed(model.rootElements())]
+    from umlmm import _check
+    open_elements = [(element, 0) for element in reversed(model.rootElements()) if not _check.is_standard(element)]
     while open_elements:
         element, level = open_elements.pop()
         if depth is not None and level >= depth:

@@ -18,7 +18,7 @@ import typing
 
 import umlmm
 from umlmm import _host
-from umlmm._answers import Finding, Report, ReportFile, Stereotype, Unknown, Unresolved, decoded
+from umlmm._answers import DuplicateId, Finding, Report, ReportFile, Stereotype, Unknown, Unresolved, decoded
 
 if typing.TYPE_CHECKING:
     from collections.abc import Callable, Iterable, Mapping
@@ -26,12 +26,14 @@ if typing.TYPE_CHECKING:
 
     from umlmm import Kelm
 
-    Source = Union[str, os.PathLike[str], bytes, bytearray, memoryview, BinaryIO]
+    Path = Union[str, os.PathLike[str]]
+    Source = Union[Path, bytes, bytearray, memoryview, BinaryIO]
+    Target = Union[Path, BinaryIO]
     Progress = Union[None, bool, Callable[[float], object]]
 
-__all__ = ["Error", "Finding", "MissingFile", "NotUml", "ReadError", "Report", "ReportFile", "Stereotype", "Unknown",
-           "Unresolved", "by_id", "load", "load_all", "report", "save", "stereotyped", "stereotypes", "text",
-           "unknown", "unresolved"]
+__all__ = ["DuplicateId", "Error", "Finding", "MissingFile", "NotUml", "ReadError", "Report", "ReportFile", "Stereotype",
+           "Unknown", "Unresolved", "by_id", "is_loaded", "load", "load_all", "report", "save", "stereotyped",
+           "stereotypes", "text", "unknown", "unresolved"]
 
 _host.load("uml_model_files_mi")
 _native = umlmm._show("umlmm._files", "umlmm_files")
@@ -68,7 +70,7 @@ class MissingFile(Error, FileNotFoundError):
 # --- reading
 
 def load(path: Source, *, strict: bool = False, progress: Progress = None,
-         paths: Mapping[str, str | os.PathLike[str]] = {}) -> Kelm.Model:
+         paths: Mapping[str, Path] = {}) -> Kelm.Model:
     """Reads a file into a new model.
 
     `path` is a path, bytes, or a file that is open for reading bytes. What is not understood is kept as written and
@@ -86,7 +88,7 @@ def load(path: Source, *, strict: bool = False, progress: Progress = None,
 
 
 def load_all(paths_: Iterable[Source], *, strict: bool = False, progress: Progress = None,
-             paths: Mapping[str, str | os.PathLike[str]] = {}) -> Kelm.Model:
+             paths: Mapping[str, Path] = {}) -> Kelm.Model:
     """Reads files that refer to each other into one new model, in whatever order; `load` tells of the rest."""
     sources = [paths_] if isinstance(paths_, (str, os.PathLike, bytes)) or hasattr(paths_, "read") else list(paths_)
     if not sources:
@@ -168,7 +170,7 @@ def _shown(progress, names):
 
 # --- writing
 
-def save(model: Kelm.Model, path: str | os.PathLike[str] | BinaryIO | None = None, *, dialect: str | None = None,
+def save(model: Kelm.Model, path: Target | None = None, *, dialect: str | None = None,
          force: bool = False) -> None:
     """Writes every changed file of a model, or all of the model to a path or a file that is open for writing bytes.
 
@@ -184,7 +186,7 @@ def save(model: Kelm.Model, path: str | os.PathLike[str] | BinaryIO | None = Non
         _call("saveTo", model, os.fsdecode(os.fspath(path)), dialect or "", bool(force))
 
 
-def text(model: Kelm.Model, file: str | os.PathLike[str] | None = None, *, dialect: str | None = None) -> bytes:
+def text(model: Kelm.Model, file: Path | None = None, *, dialect: str | None = None) -> bytes:
     """What `save` would write: the bytes of a model's file, of the first one if none is named."""
     with _passage() as passage:
         _call("text", model, "" if file is None else os.fspath(file), dialect or "", passage.fileno())
@@ -204,14 +206,18 @@ def report(model: Kelm.ImmutableModel) -> Report:
     return Report(_call("report", model), _call("reportPage", model))
 
 
-def by_id(model: Kelm.Model, id: str, file: str | os.PathLike[str] | None = None) -> Kelm.ClassObject | None:
+def by_id(model: Kelm.Model, id: str, file: Path | None = None) -> Kelm.ClassObject | None:
     """The element with an id of the files, or of one of them; None if there is none. An element keeps its id in
     `externalId`."""
+    if not is_loaded(model):
+        return None
     return _call("byId", model, id, "" if file is None else os.fspath(file))
 
 
 def unresolved(model: Kelm.Model) -> list[Unresolved]:
     """References that lead nowhere, of the elements that are still there. They are written back as they stand."""
+    if not is_loaded(model):
+        return []
     answers = decoded(_call("unresolved", model))
     return [Unresolved(element, *answer)
             for element, answer in zip(_call("unresolvedElements", model), answers, strict=True)]
@@ -229,7 +235,7 @@ def stereotypes(element: Kelm.ImmutableClassObject) -> list[Stereotype]:
 
 def stereotyped(model: Kelm.Model, name: str) -> list[Kelm.ClassObject]:
     """The elements to which a stereotype of this name is applied, in document order."""
-    return list(_call("stereotyped", model, name))
+    return list(_call("stereotyped", model, name)) if is_loaded(model) else []
 
 
 # --- failures

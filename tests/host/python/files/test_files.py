@@ -52,18 +52,17 @@ def test_what_can_be_opened(tmp_path):
     (b"", files.NotUml, "empty"),
     (b'{"_type": "Project"}', files.NotUml, "JSON"),
     (b"PK\3\4\0\0", files.NotUml, "zip"),
-    (b'<XMI xmi.version="1.2"/>', files.NotUml, "1.x"),
+    (b'<XMI xmi.version="1.2"/>', files.NotUml, "UML 1 "),
     (ECLIPSE[:300], files.ReadError, ""),
     ("", files.Error, ""),
     (io.StringIO("<a/>"), TypeError, "opened with mode 'rb'"),
     (["a.uml"], TypeError, "load_all"),
     (3, TypeError, "int"),
 ])
-def test_what_is_refused_and_how(source, error, words):
+def test_what_is_refused_and_how(settled, source, error, words):
     before = _host.live_counts()
     with pytest.raises(error, match=words):
         umlmm.load(source)
-    gc.collect()
     assert _host.live_counts() == before
 
 
@@ -76,7 +75,7 @@ def test_failures_tell_where(tmp_path):
     with pytest.raises(files.ReadError) as caught:
         umlmm.load(path, strict=True)
     error = caught.value
-    assert error.file == str(path) and 5 < error.line < 17 and error.column > 0 and "shop" in error.path
+    assert error.file == str(path) and 4 < error.line < 17 and error.column > 0 and "shop" in error.path
     assert isinstance(files.NotUml(), ValueError)
 
 
@@ -95,7 +94,7 @@ def test_what_the_metamodel_has_no_place_for():
         ("_t", "type", "_gone"),
         ("_p", "importedPackage", "pathmap://UML_LIBRARIES/UMLPrimitiveTypes.library.uml#_0")}
     report = model.report
-    assert [id for id, file, line in report.duplicate_ids] == ["_o"]
+    assert [duplicate.id for duplicate in report.duplicate_ids] == ["_o"]
     assert report.unresolved_count == 2 and report.stereotype_count == 1
     assert any(finding.what == "eAnnotations" and finding.count == 1 for finding in report.findings)
     assert "shop" not in report.elements and '"' in report.json() and "Class" in str(report)
