@@ -13,7 +13,8 @@ namespace umlmm::files {
 class Encoding;
 
 /// The text of a file. Everything works on it as UTF-8, and offsets count in that; it goes back to the file's
-/// own encoding byte for byte. Used in one thread at a time.
+/// own encoding byte for byte. Views of it hold as long as it
+/// lives and isn't moved. Used in one thread at a time.
 class SourceText {
  public:
   /// Reads a file, or what comes through a pipe. Raises Error for what can't be read: no such file, no right

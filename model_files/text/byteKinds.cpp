@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdio>
+#include <utility>
 
 #include "model_files/text/encodings.h"
 #include "model_files/text/utf8.h"
@@ -81,6 +82,17 @@ constexpr std::array kTexts{
     ByteKind{0, "#!", "a script", kOpenModel},
     ByteKind{0, "diff --git", "a patch", kOpenModel},
 };
+
+/// Whose bytes have nothing that others lack.
+constexpr std::array<std::pair<std::string_view, std::string_view>, 7> kSuffixes{{
+    {".feap", "a Firebird database (Enterprise Architect keeps projects so)"},
+    {".asta", "a project of astah"},
+    {".jude", "a project of astah"},
+    {".sysml", "SysML 2 as text"},
+    {".kerml", "KerML as text"},
+    {".mmd", "Mermaid"},
+    {".ump", "Umple"},
+}};
 
 constexpr std::size_t kLooked = 4096;
 
@@ -168,11 +180,14 @@ Kind kindOfDatabase(std::string_view aBytes) {
 
 }  // namespace
 
-Kind kindOfBytes(std::string_view aText) {
+Kind kindOfBytes(std::string_view aText, std::string_view aName) {
   if (aText.empty()) return {"empty", std::string(kExport)};
   if (aText.starts_with("PK\3\4") || aText.starts_with("PK\5\6")) return kindOfZip(aText);
   if (aText.starts_with("SQLite format 3")) return kindOfDatabase(aText);
   if (auto const* row = rowOf(kBinaries, aText)) return {std::string(row->fWhat), std::string(row->fAdvice)};
+  for (auto const& [suffix, what] : kSuffixes) {
+    if (aName.ends_with(suffix)) return {std::string(what), std::string(kExport)};
+  }
   if (isBinary(aText)) return {"binary data (" + firstBytes(aText) + ")", std::string(kExport)};
   std::size_t const start = aText.find_first_not_of(" \t\r\n");
   if (start == std::string_view::npos) return {"a text of nothing but blanks", std::string(kExport)};

@@ -117,16 +117,26 @@ bool isXmi1(FirstTags const& aFirst) {
                                                    (aFirst.fDoctype == "XMI" && aFirst.fNamespaces.empty()));
 }
 
-Kind kindOfXmi1(FirstTags const& aFirst) {
+std::string metamodelOfXmi1(FirstTags const& aFirst) {
   std::string metamodel = "UML 1";
   for (Tag const& tag : aFirst.fTags) {
     if (tag.fName != "XMI.metamodel") continue;
     std::string_view const name = tag.attribute("xmi.name");
     std::string_view const version = tag.attribute("xmi.version");
-    metamodel =
-        std::string(name.empty() ? "UML" : name) + (version.empty() ? "" : " ") + std::string(version);
-    break;
+    if (!name.empty()) metamodel = lowerCase(name) == "uml" ? "UML" : std::string(name);
+    if (!version.empty()) metamodel = metamodel.substr(0, metamodel.find(' ')) + ' ' + std::string(version);
+    return metamodel;
   }
+  // "omg.org/UML1.3", "href://org.omg/UML/1.4".
+  for (std::string_view const space : aFirst.fNamespaces) {
+    std::size_t const version = space.find("UML") == kNone ? kNone : space.find("1.", space.find("UML"));
+    if (version != kNone) return "UML " + std::string(space.substr(version));
+  }
+  return metamodel;
+}
+
+Kind kindOfXmi1(FirstTags const& aFirst) {
+  std::string const metamodel = metamodelOfXmi1(aFirst);
   std::string_view const version = aFirst.fTags.front().attribute("xmi.version");
   return {
       metamodel + " in XMI " + std::string(version.empty() ? "1" : version) + ", which is another metamodel",
@@ -161,7 +171,8 @@ Kind kindOfRoot(FirstTags const& aFirst) {
                 quoted(child->fNamespace) + ")",
             std::string(kAnotherLanguage)};
   }
-  std::string what = "XML of another kind (its root is <" + std::string(root.fName) + ">";
+  std::string what = root.has("xmi:version") ? "XMI of another metamodel" : "XML of another kind";
+  what += " (its root is <" + std::string(root.fName) + ">";
   what += root.fNamespace.empty() ? " without a namespace)" : " of " + quoted(root.fNamespace) + ")";
   return {what, std::string(kExport)};
 }
@@ -181,8 +192,7 @@ Kind kindOfXml(std::string_view aText) {
             "open the project in its tool and export the model as XMI 2.1 or later"};
   }
   std::string const end = "</" + std::string(root.fName);
-  bool const isOneTag = first.fTags.size() == 1 && aText.find("/>") != kNone;
-  if (!isOneTag && aText.rfind(end) == kNone) return {"XML that breaks off before " + end + '>', again};
+  if (!root.fIsEmpty && aText.rfind(end) == kNone) return {"XML that breaks off before " + end + '>', again};
   return kindOfRoot(first);
 }
 
@@ -194,7 +204,8 @@ std::array<char, 2> firstCharacters(std::string_view aBytes) noexcept {
   std::array<char, 2> found{};
   std::size_t count = 0;
   std::size_t place = 0;
-  if (aBytes.starts_with("\xEF\xBB\xBF")) place = 3;
+  // Files that were put together may have several.
+  while (aBytes.substr(place).starts_with("\xEF\xBB\xBF")) place += 3;
   if (!wide.empty() && (aBytes[low] & '\x80') != 0) place = unit;
   for (; place < aBytes.size() && aBytes.size() - place >= unit && count < found.size(); place += unit) {
     if (count > 0 || !isBlank(aBytes[place + low])) found[count++] = aBytes[place + low];
@@ -214,7 +225,7 @@ bool isNoXml(std::string_view aBytes) noexcept {
 
 std::string whatItIs(SourceText const& aText) {
   std::string_view const text = aText.utf8();
-  Kind const kind = isNoXml(text) ? kindOfBytes(text) : kindOfXml(text);
+  Kind const kind = isNoXml(text) ? kindOfBytes(text, aText.name()) : kindOfXml(text);
   return quoted(aText.name()) + " is " + kind.fWhat + ", not a UML 2 model in XMI; " + kind.fAdvice;
 }
 

@@ -96,7 +96,8 @@ class Replacement {
     takeAttributesOf(aTarget);
     mode_t mode = aStatus.st_mode & (isOwned ? 07777U : 0777U);
     if (!isGroups) mode &= ~static_cast<mode_t>(S_IRWXG);
-    return ::fchmod(fFile.get(), mode) == 0 ? 0 : errno;
+    // Where even the owner may not, the file system keeps no rights of files.
+    return ::fchmod(fFile.get(), mode) == 0 || errno == EPERM ? 0 : errno;
   }
 
   int write(std::string_view aBytes) {
@@ -116,13 +117,15 @@ class Replacement {
   int reason() const noexcept { return fReason; }
 
  private:
-  /// Lists of access rights among them; what the file system doesn't take is left.
+  /// Lists of access rights, and what users have noted; what the file system doesn't take is left.
   void takeAttributesOf(std::string const& aTarget) const {
     std::array<char, 16384> names;
     ssize_t const length = ::listxattr(aTarget.c_str(), names.data(), names.size());
     for (ssize_t i = 0; i < length;
          i += static_cast<ssize_t>(std::strlen(&names[static_cast<std::size_t>(i)])) + 1) {
       char const* const name = &names[static_cast<std::size_t>(i)];
+      if (std::string_view(name) != "system.posix_acl_access" && std::strncmp(name, "user.", 5) != 0)
+        continue;
       std::vector<char> value(65536);
       ssize_t const size = ::getxattr(aTarget.c_str(), name, value.data(), value.size());
       if (size >= 0) ::fsetxattr(fFile.get(), name, value.data(), static_cast<std::size_t>(size), 0);

@@ -53,6 +53,7 @@ TEST(SourceText, TellsAndDecodesEncodings) {
            {"\xFF\xFE\0\0"s + wide("<a/>", 0, 3), "utf-32le", "<a/>"},
            {wide("<a/>", 3, 0), "utf-32be", "<a/>"},
            {prolog("UTF-16"), "utf-8", prolog("UTF-16")},
+           {"<?xml-stylesheet encoding='latin1'?>", "utf-8", "<?xml-stylesheet encoding='latin1'?>"},
            {"\x4C\x6F\xA7\x94\x93\x6F\x6E", "ibm037", "<?xml?>"},
        }) {
     SCOPED_TRACE(row.fBytes);

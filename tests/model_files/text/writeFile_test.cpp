@@ -102,8 +102,13 @@ TEST_F(WriteFile, WhatFailsLeavesAllAsItWas) {
 }
 
 /// Root may write anywhere, so it gives its rights away for a while.
-TEST_F(WriteFile, RightsAreKeptTo) {
+TEST_F(WriteFile, ProtectedFilesAndOwnersStay) {
+  writeFile(fPath, "one");
+  bool const isGiven = ::chown(fPath.c_str(), 65534, 65534) == 0;
   writeFile(fPath, "old");
+  struct stat status {};
+  ASSERT_EQ(::stat(fPath.c_str(), &status), 0);
+  EXPECT_EQ(status.st_uid, isGiven ? 65534 : ::getuid());
   ASSERT_EQ(::chmod(fPath.c_str(), 0444), 0);
   ASSERT_EQ(::chmod(fFolder.c_str(), 0777), 0);
   uid_t const user = ::geteuid();
