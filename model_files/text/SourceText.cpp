@@ -11,6 +11,7 @@
 
 #include "model_files/text/Encoding.h"
 #include "model_files/text/Handle.h"
+#include "model_files/text/messages.h"
 
 namespace umlmm::files {
 
@@ -24,7 +25,7 @@ constexpr std::size_t kBlock = 8192;
                              : aReason == EACCES || aReason == EPERM
                                  ? "ask for the right to read it"
                                  : "check the disk, or take a copy of the file";
-  throw Error('"' + aPath + "\" can't be read: " + std::generic_category().message(aReason) + "; " + advice);
+  throw Error(quoted(aPath) + " can't be read: " + std::generic_category().message(aReason) + "; " + advice);
 }
 
 std::string readAll(int aHandle, std::size_t aExpected, std::string const& aPath) {
@@ -47,15 +48,15 @@ std::string readAll(int aHandle, std::size_t aExpected, std::string const& aPath
 }  // namespace
 
 SourceText SourceText::fromFile(std::string const& aPath) {
-  // A path of C ends there, and would name another file.
-  if (aPath.empty() || aPath.find('\0') != std::string::npos) cannotRead(aPath.c_str(), ENOENT);
+  // For the system a path ends at a zero, and would name another file.
+  if (aPath.empty() || aPath.find('\0') != std::string::npos) cannotRead(aPath, ENOENT);
   Handle const file(::open(aPath.c_str(), O_RDONLY | O_CLOEXEC));
   if (!file.isValid()) cannotRead(aPath, errno);
   struct stat status {};
   if (::fstat(file.get(), &status) != 0) cannotRead(aPath, errno);
   if (S_ISDIR(status.st_mode)) {
-    throw NotUml('"' + aPath +
-                 "\" is a folder, not a UML 2 model in XMI; name the file in it that holds the model");
+    throw NotUml(quoted(aPath) +
+                 " is a folder, not a UML 2 model in XMI; name the file in it that holds the model");
   }
   auto const expected = S_ISREG(status.st_mode) ? static_cast<std::size_t>(status.st_size) : 0;
   return fromBytes(readAll(file.get(), expected, aPath), aPath);
@@ -69,12 +70,12 @@ SourceText SourceText::fromBytes(std::string aBytes, std::string aName) {
   text.fCodec = Encoding::named(text.fEncoding);
   std::string const advice = "; convert the file to UTF-8 and say so in its first line";
   if (text.fCodec == nullptr) {
-    throw Error('"' + text.name() + "\" says that its encoding is \"" + text.fEncoding +
-                "\", which is not known here" + advice);
+    throw Error(quoted(text.name()) + " says that its encoding is " + quoted(shown(text.fEncoding)) +
+                ", which is not known here" + advice);
   }
   auto decoded = text.fCodec->decoded(std::move(aBytes));
   if (!decoded) {
-    throw Error('"' + text.name() + "\" is not quite in the encoding \"" + text.fEncoding +
+    throw Error(quoted(text.name()) + " is not quite in the encoding \"" + text.fEncoding +
                 "\" that it names, and could not be saved again without loss" + advice);
   }
   text.fText = *std::move(decoded);

@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "model_files/text/encodings.h"
-#include "model_files/text/utf8.h"
+#include "model_files/text/messages.h"
 
 namespace umlmm::files {
 
@@ -124,24 +124,6 @@ std::string firstBytes(std::string_view aBytes) {
   return text;
 }
 
-/// Of the first line, as many words as help to recognise it.
-std::string firstWords(std::string_view aText) {
-  constexpr std::size_t kMost = 40;
-  std::string_view const line = aText.substr(0, aText.find_first_of("\r\n"));
-  std::string words;
-  for (std::size_t place = 0; place < line.size();) {
-    auto const [code, length] = utf8::at(line, place);
-    if (words.size() + length > kMost) return words + "...";
-    if (code == utf8::kMalformed || code < ' ') {
-      words += '?';
-    } else {
-      words += line.substr(place, length);
-    }
-    place += length;
-  }
-  return words;
-}
-
 Kind kindOfJson(std::string_view aText) {
   std::string_view const head = aText.substr(0, kLooked);
   auto const has = [head](std::string_view aPart) { return head.find(aPart) != std::string_view::npos; };
@@ -200,7 +182,9 @@ Kind kindOfBytes(std::string_view aText, std::string_view aName) {
     return {"SysML 2 as text", std::string(kExport)};
   }
   if (isYaml(text)) return {"a text that looks like YAML", std::string(kExport)};
-  return {"a text without any XML (it begins with \"" + firstWords(text) + "\")", std::string(kExport)};
+  return {"a text without any XML (it begins with \"" +
+              shown(text.substr(0, text.find_first_of("\r\n")), 40) + "\")",
+          std::string(kExport)};
 }
 
 }  // namespace umlmm::files

@@ -7,6 +7,7 @@
 #include "model_files/text/byteKinds.h"
 #include "model_files/text/encodings.h"
 #include "model_files/text/firstTags.h"
+#include "model_files/text/messages.h"
 
 namespace umlmm::files {
 
@@ -102,7 +103,11 @@ std::string lowerCase(std::string_view aText) {
   return text;
 }
 
-std::string quoted(std::string_view aText) { return '"' + std::string(aText) + '"'; }
+/// "<a> of "http://b""
+std::string tagWithNamespace(Tag const& aTag) {
+  return '<' + shown(aTag.fName) + '>' +
+         (aTag.fNamespace.empty() ? " without a namespace" : " of " + quoted(shown(aTag.fNamespace)));
+}
 
 XmlKind const* rowOf(Tag const& aTag) {
   auto const row = std::find_if(kXml.begin(), kXml.end(), [&aTag](XmlKind const& aRow) {
@@ -123,14 +128,14 @@ std::string metamodelOfXmi1(FirstTags const& aFirst) {
     if (tag.fName != "XMI.metamodel") continue;
     std::string_view const name = tag.attribute("xmi.name");
     std::string_view const version = tag.attribute("xmi.version");
-    if (!name.empty()) metamodel = lowerCase(name) == "uml" ? "UML" : std::string(name);
-    if (!version.empty()) metamodel = metamodel.substr(0, metamodel.find(' ')) + ' ' + std::string(version);
+    if (!name.empty()) metamodel = lowerCase(name) == "uml" ? "UML" : shown(name);
+    if (!version.empty()) metamodel = metamodel.substr(0, metamodel.find(' ')) + ' ' + shown(version);
     return metamodel;
   }
   // "omg.org/UML1.3", "href://org.omg/UML/1.4".
   for (std::string_view const space : aFirst.fNamespaces) {
     std::size_t const version = space.find("UML") == kNone ? kNone : space.find("1.", space.find("UML"));
-    if (version != kNone) return "UML " + std::string(space.substr(version));
+    if (version != kNone) return "UML " + shown(space.substr(version));
   }
   return metamodel;
 }
@@ -138,9 +143,8 @@ std::string metamodelOfXmi1(FirstTags const& aFirst) {
 Kind kindOfXmi1(FirstTags const& aFirst) {
   std::string const metamodel = metamodelOfXmi1(aFirst);
   std::string_view const version = aFirst.fTags.front().attribute("xmi.version");
-  return {
-      metamodel + " in XMI " + std::string(version.empty() ? "1" : version) + ", which is another metamodel",
-      "open it in a tool that reads it, and export it from there as UML 2 in XMI 2.1 or later"};
+  return {metamodel + " in XMI " + shown(version.empty() ? "1" : version) + ", which is another metamodel",
+          "open it in a tool that reads it, and export it from there as UML 2 in XMI 2.1 or later"};
 }
 
 bool isTables(FirstTags const& aFirst) {
@@ -161,20 +165,20 @@ bool isUml2(std::string_view aNamespace) {
 Kind kindOfRoot(FirstTags const& aFirst) {
   Tag const& root = aFirst.fTags.front();
   bool const hasUml = std::any_of(aFirst.fNamespaces.begin(), aFirst.fNamespaces.end(), isUml2);
+  Kind const withoutUml{"XMI without any element of UML in it", std::string(kExport)};
   if (root.local() == "XMI" || root.fNamespace.find("XMI") != kNone) {
     auto const child = std::find_if(aFirst.fTags.begin(), aFirst.fTags.end(), [](Tag const& aTag) {
       return aTag.fDepth == 1 && aTag.local() != "Documentation" && aTag.local() != "Extension";
     });
-    if (hasUml || child == aFirst.fTags.end())
-      return {"XMI without any element of UML in it", std::string(kExport)};
-    return {"XMI of another metamodel (it holds <" + std::string(child->fName) + "> of " +
-                quoted(child->fNamespace) + ")",
+    if (hasUml || child == aFirst.fTags.end()) return withoutUml;
+    return {"XMI of another metamodel (it holds " + tagWithNamespace(*child) + ")",
             std::string(kAnotherLanguage)};
   }
-  std::string what = root.has("xmi:version") ? "XMI of another metamodel" : "XML of another kind";
-  what += " (its root is <" + std::string(root.fName) + ">";
-  what += root.fNamespace.empty() ? " without a namespace)" : " of " + quoted(root.fNamespace) + ")";
-  return {what, std::string(kExport)};
+  if (isUml2(root.fNamespace)) return withoutUml;
+  bool const isXmi = root.has("xmi:version");
+  return {std::string(isXmi ? "XMI of another metamodel" : "XML of another kind") + " (its root is " +
+              tagWithNamespace(root) + ")",
+          std::string(isXmi ? kAnotherLanguage : kExport)};
 }
 
 Kind kindOfXml(std::string_view aText) {
@@ -192,7 +196,8 @@ Kind kindOfXml(std::string_view aText) {
             "open the project in its tool and export the model as XMI 2.1 or later"};
   }
   std::string const end = "</" + std::string(root.fName);
-  if (!root.fIsEmpty && aText.rfind(end) == kNone) return {"XML that breaks off before " + end + '>', again};
+  if (!root.fIsEmpty && aText.rfind(end) == kNone)
+    return {"XML that breaks off before " + shown(end) + '>', again};
   return kindOfRoot(first);
 }
 

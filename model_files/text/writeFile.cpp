@@ -18,6 +18,7 @@
 
 #include "model_files/files.h"
 #include "model_files/text/Handle.h"
+#include "model_files/text/messages.h"
 
 namespace umlmm::files {
 
@@ -35,7 +36,7 @@ constexpr int kMostNames = 1000;
                  ? "ask for the right to write in its folder, or save elsewhere"
                  : "check the disk, or save elsewhere";
   }
-  throw Error('"' + aPath + "\" can't be written, and is as it was: " +
+  throw Error(quoted(aPath) + " can't be written, and is as it was: " +
               std::generic_category().message(aReason) + "; " + advice);
 }
 
@@ -71,9 +72,11 @@ class Replacement {
     for (int i = 0; i < kMostNames && !fFile.isValid(); ++i) {
       timespec now{};
       ::clock_gettime(CLOCK_REALTIME, &now);
-      fPath = folderOf(aTarget) + ".saving-" + std::to_string(::getpid()) + '-' +
-              std::to_string(now.tv_nsec) + '-' +
-              std::to_string(sCount.fetch_add(1, std::memory_order_relaxed));
+      fPath = folderOf(aTarget).append(".saving");
+      for (long const part :
+           {long{::getpid()}, now.tv_nsec, long{sCount.fetch_add(1, std::memory_order_relaxed)}}) {
+        fPath.append("-").append(std::to_string(part));
+      }
       fFile = Handle(::open(fPath.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, aMode));
       if (!fFile.isValid() && errno != EEXIST) break;
     }
@@ -148,14 +151,14 @@ void writeThrough(std::string const& aPath, std::string_view aBytes) {
   Handle file(::open(aPath.c_str(), O_WRONLY | O_CLOEXEC));
   int const reason = file.isValid() ? writeAll(file.get(), aBytes) : errno;
   if (reason != 0)
-    throw Error('"' + aPath + "\" can't be written: " + std::generic_category().message(reason));
+    throw Error(quoted(aPath) + " can't be written: " + std::generic_category().message(reason));
 }
 
 }  // namespace
 
 void writeFile(std::string const& aPath, std::string_view aBytes) {
   if (aPath.empty() || aPath.find('\0') != std::string::npos) {
-    cannotWrite(aPath.c_str(), ENOENT, "give the path of a file");
+    cannotWrite(aPath, ENOENT, "give the path of a file");
   }
   std::string const target = targetOf(aPath);
   struct stat status {};

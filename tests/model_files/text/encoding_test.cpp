@@ -125,10 +125,12 @@ std::string failureOf(std::string const& aBytes) {
 }
 
 TEST(SourceText, RefusesEncodingsThatItCannotGiveBack) {
-  for (char const* name : {"klingon", "latin1//TRANSLIT", "../x", "-"}) {
+  for (char const* name : {"klingon", "latin1//TRANSLIT", "../x", "-", "utf\xE4"}) {
     EXPECT_EQ(failureOf(prolog(name)),
               "\"a.uml\" says that its encoding is \""s +
-                  (name == "latin1//TRANSLIT"s ? "latin1//translit" : name) +
+                  (name == "latin1//TRANSLIT"s ? "latin1//translit"
+                   : name == "utf\xE4"s        ? "utf?"
+                                               : name) +
                   "\", which is not known here; convert the file to UTF-8 and say so in its "
                   "first line");
   }
