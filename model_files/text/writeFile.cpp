@@ -50,7 +50,7 @@ std::string targetOf(std::string const& aPath) {
     ssize_t const length = ::readlink(path.c_str(), buffer.data(), buffer.size());
     if (length < 0) return path;
     std::string const target(buffer.data(), static_cast<std::size_t>(length));
-    path = target.starts_with('/') ? target : folderOf(path) + target;
+    path = target.starts_with('/') ? target : folderOf(path).append(target);
   }
   cannotWrite(aPath, ELOOP, "mend the links that lead in a circle");
 }
