@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "model_files/files.h"
+#include "model_files/text/writeFile.h"
 
 namespace umlmm::files {
 
@@ -29,6 +30,8 @@ class SourceText {
   std::string_view utf8() const noexcept { return std::string_view(fText).substr(fMark.size()); }
   /// As declared, in lower case, or found by the first bytes: "utf-8", "windows-1252", "utf-16le".
   std::string const& encoding() const noexcept { return fEncoding; }
+  /// Of the file before it was read; empty for bytes.
+  FileStamp const& stamp() const noexcept { return fStamp; }
   /// Bytes of the file.
   std::size_t bytes() const noexcept { return fBytes; }
   /// A text, with the changes in it, in the file's encoding and with its byte-order mark: the original bytes
@@ -53,6 +56,7 @@ class SourceText {
   std::string fMark;
   std::string fText;
   std::size_t fBytes = 0;
+  FileStamp fStamp;
   mutable std::vector<Block> fBlocks;
 };
 

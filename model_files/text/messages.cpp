@@ -19,6 +19,6 @@ std::string shown(std::string_view aText, std::size_t aMost) {
   return text;
 }
 
-std::string quoted(std::string_view aName) { return '"' + shown(aName, aName.size()) + '"'; }
+std::string inQuotes(std::string_view aName) { return '"' + shown(aName, aName.size()) + '"'; }
 
 }  // namespace umlmm::files

@@ -10,6 +10,6 @@ namespace umlmm::files {
 /// Well-formed UTF-8 in one line, whatever was given; with dots behind it if it is cut.
 std::string shown(std::string_view aText, std::size_t aMost = 200);
 /// A name of any length.
-std::string quoted(std::string_view aName);
+std::string inQuotes(std::string_view aName);
 
 }  // namespace umlmm::files

@@ -106,7 +106,7 @@ std::string lowerCase(std::string_view aText) {
 /// "<a> of "http://b""
 std::string tagWithNamespace(Tag const& aTag) {
   return '<' + shown(aTag.fName) + '>' +
-         (aTag.fNamespace.empty() ? " without a namespace" : " of " + quoted(shown(aTag.fNamespace)));
+         (aTag.fNamespace.empty() ? " without a namespace" : " of " + inQuotes(shown(aTag.fNamespace)));
 }
 
 XmlKind const* rowOf(Tag const& aTag) {
@@ -231,7 +231,7 @@ bool isNoXml(std::string_view aBytes) noexcept {
 std::string whatItIs(SourceText const& aText) {
   std::string_view const text = aText.utf8();
   Kind const kind = isNoXml(text) ? kindOfBytes(text, aText.name()) : kindOfXml(text);
-  return quoted(aText.name()) + " is " + kind.fWhat + ", not a UML 2 model in XMI; " + kind.fAdvice;
+  return inQuotes(aText.name()) + " is " + kind.fWhat + ", not a UML 2 model in XMI; " + kind.fAdvice;
 }
 
 }  // namespace umlmm::files

@@ -1,7 +1,6 @@
 #include "model_files/text/writeFile.h"
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 
@@ -36,7 +35,7 @@ constexpr int kMostNames = 1000;
                  ? "ask for the right to write in its folder, or save elsewhere"
                  : "check the disk, or save elsewhere";
   }
-  throw Error(quoted(aPath) + " can't be written, and is as it was: " +
+  throw Error(inQuotes(aPath) + " can't be written, and is as it was: " +
               std::generic_category().message(aReason) + "; " + advice);
 }
 
@@ -151,7 +150,7 @@ void writeThrough(std::string const& aPath, std::string_view aBytes) {
   Handle file(::open(aPath.c_str(), O_WRONLY | O_CLOEXEC));
   int const reason = file.isValid() ? writeAll(file.get(), aBytes) : errno;
   if (reason != 0)
-    throw Error(quoted(aPath) + " can't be written: " + std::generic_category().message(reason));
+    throw Error(inQuotes(aPath) + " can't be written: " + std::generic_category().message(reason));
 }
 
 }  // namespace
@@ -181,9 +180,13 @@ void writeFile(std::string const& aPath, std::string_view aBytes) {
 
 FileStamp stampOf(std::string const& aPath) {
   struct stat status {};
-  if (::stat(aPath.c_str(), &status) != 0) return {};
-  return {status.st_dev, status.st_ino, static_cast<std::uint64_t>(status.st_size),
-          static_cast<std::int64_t>(status.st_mtim.tv_sec) * 1'000'000'000 + status.st_mtim.tv_nsec};
+  return ::stat(aPath.c_str(), &status) == 0 ? stampOf(status) : FileStamp();
+}
+
+FileStamp stampOf(struct stat const& aStatus) noexcept {
+  constexpr std::int64_t kNanoseconds = 1'000'000'000;
+  return {aStatus.st_dev, aStatus.st_ino, static_cast<std::uint64_t>(aStatus.st_size),
+          aStatus.st_mtim.tv_sec * kNanoseconds + aStatus.st_mtim.tv_nsec};
 }
 
 }  // namespace umlmm::files

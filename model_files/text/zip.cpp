@@ -81,7 +81,7 @@ Kind kindOfZip(std::string_view aBytes) {
     auto const model =
         std::find_if(names.begin(), names.end(), [suffix](auto aName) { return aName.ends_with(suffix); });
     if (model == names.end()) continue;
-    kind.fAdvice = "unpack it and open " + quoted(*model) + " in it";
+    kind.fAdvice = "unpack it and open " + inQuotes(*model) + " in it";
     break;
   }
   return kind;

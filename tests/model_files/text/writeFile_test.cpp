@@ -136,13 +136,21 @@ TEST_F(WriteFile, StampsTellAWrittenFile) {
   writeFile(fPath, "one");
   auto const first = stampOf(fPath);
   EXPECT_EQ(first, stampOf(fPath));
+  EXPECT_EQ(first, SourceText::fromFile(fPath).stamp());
   EXPECT_NE(first, missing);
   writeFile(fPath, "two");
   EXPECT_NE(first, stampOf(fPath));
 }
 
 TEST_F(WriteFile, WhatCannotBeReadIsTold) {
-  EXPECT_THROW(SourceText::fromFile(fFolder.string()), NotUml);
+  writeFile((fFolder / "z.uml").string(), "");
+  writeFile((fFolder / "b.uml").string(), "");
+  try {
+    SourceText::fromFile(fFolder.string());
+    ADD_FAILURE();
+  } catch (NotUml const& failure) {
+    EXPECT_TRUE(std::string_view(failure.what()).ends_with("b.uml\"")) << failure.what();
+  }
   for (std::string const& path : {fPath, std::string(), std::string("a\0b", 3), fPath + "/b"}) {
     EXPECT_THROW(SourceText::fromFile(path), Error) << path;
   }
