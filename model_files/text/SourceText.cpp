@@ -75,7 +75,7 @@ SourceText SourceText::fromFile(std::string const& aPath) {
   if (S_ISDIR(status.st_mode)) {
     std::string const model = modelIn(aPath);
     throw NotUml(inQuotes(aPath) + " is a folder, not a UML 2 model in XMI; " +
-                 (model.empty() ? "open the file of a model" : "open " + inQuotes(model)));
+                 (model.empty() ? "open the file of a UML model" : "open " + inQuotes(model)));
   }
   auto const expected = S_ISREG(status.st_mode) ? static_cast<std::size_t>(status.st_size) : 0;
   SourceText text = fromBytes(readAll(file.get(), expected, aPath), aPath);

@@ -22,7 +22,7 @@ struct ByteKind {
   std::string_view fAdvice;
 };
 
-constexpr std::string_view kOpenModel = "open the file of a model";
+constexpr std::string_view kOpenModel = "open the file of a UML model";
 constexpr std::string_view kFetch = "fetch the file itself with \"git lfs pull\", and open it then";
 constexpr std::string_view kFromDatabase =
     "open the project in its tool and export the model as XMI 2.1 or later";
@@ -84,7 +84,7 @@ constexpr std::array kTexts{
 };
 
 /// Whose bytes have nothing that others lack.
-constexpr std::array<std::pair<std::string_view, std::string_view>, 7> kSuffixes{{
+constexpr std::array<std::pair<std::string_view, std::string_view>, 10> kSuffixes{{
     {".feap", "a Firebird database (Enterprise Architect keeps projects so)"},
     {".asta", "a project of astah"},
     {".jude", "a project of astah"},
@@ -92,6 +92,9 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 7> kSuffixes
     {".kerml", "KerML as text"},
     {".mmd", "Mermaid"},
     {".ump", "Umple"},
+    {".puml", "PlantUML"},
+    {".yaml", "YAML"},
+    {".yml", "YAML"},
 }};
 
 constexpr std::size_t kLooked = 4096;

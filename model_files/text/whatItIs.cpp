@@ -28,7 +28,7 @@ struct XmlKind {
 
 constexpr std::string_view kBeside = "the model is in the .uml file beside it; open that one";
 constexpr std::string_view kFromEcore = "convert it to a UML model in Eclipse, and open that file";
-constexpr std::string_view kOpenModel = "open the file of a model";
+constexpr std::string_view kOpenModel = "open the file of a UML model";
 constexpr std::string_view kAnotherLanguage = "it is another language than UML; open the file of a UML model";
 constexpr std::string_view kDownload = "if a server gave it in place of a model, download that file again";
 
@@ -91,9 +91,9 @@ constexpr std::array kXml{
 };
 
 /// Tags of dumps of databases; two of them are enough where no namespace says what it is.
-constexpr std::array<std::string_view, 10> kTableTags{"table",  "row",        "column",          "record",
-                                                      "field",  "table_data", "table_structure", "dataroot",
-                                                      "rowset", "resultset"};
+constexpr std::array<std::string_view, 12> kTableTags{
+    "column", "data",   "database", "dataroot",   "field",           "record",
+    "row",    "rowset", "table",    "table_data", "table_structure", "resultset"};
 
 std::string lowerCase(std::string_view aText) {
   std::string text(aText);
@@ -151,8 +151,9 @@ bool isTables(FirstTags const& aFirst) {
   std::vector<std::string> found;
   for (Tag const& tag : aFirst.fTags) {
     std::string const name = lowerCase(tag.local());
-    bool const isOne =
-        tag.fNamespace.empty() && std::find(kTableTags.begin(), kTableTags.end(), name) != kTableTags.end();
+    // Tables of a tool's own go by such names as "t_object".
+    bool const isKnown = std::find(kTableTags.begin(), kTableTags.end(), name) != kTableTags.end();
+    bool const isOne = tag.fNamespace.empty() && (isKnown || name.starts_with("t_"));
     if (isOne && std::find(found.begin(), found.end(), name) == found.end()) found.push_back(name);
   }
   return found.size() > 1;

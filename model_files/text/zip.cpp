@@ -19,7 +19,7 @@ struct MemberKind {
   std::string_view fAdvice;
 };
 
-constexpr std::string_view kDocument = "open the file of a model";
+constexpr std::string_view kDocument = "open the file of a UML model";
 
 /// By names of members that tell what an archive is.
 constexpr std::array kMembers{

@@ -117,9 +117,17 @@ TEST(WhatItIs, Xml) {
        {"<XPD:PROJECT xmlns:XPD='http://www.staruml.com' version='1'/>", {"StarUML"}},
        {"<Package name='M'><Table name='t_package'><Row><Column name='a'/></Row></Table></Package>",
         {"tables"}},
+       {"<dataroot><t_object><a/></t_object></dataroot>", {"tables"}},
        {"<a b=c d e='f'><h/></a>", {"root is <a> without a namespace"}},
        {"\xFE\xFF\0<\0p\0l\0i\0s\0t\0/\0>"s, {"property list"}}},
       true);
+}
+
+TEST(WhatItIs, NamesOfFilesTellWhatBytesDont) {
+  for (auto const& [name, word] :
+       {std::pair{"a.feap", "Firebird"}, {"a.sysml", "SysML 2"}, {"a.txt", "without any XML"}}) {
+    EXPECT_NE(whatItIs(SourceText::fromBytes("package P;", name)).find(word), std::string::npos) << name;
+  }
 }
 
 /// A text that breaks off anywhere gets a sentence.
