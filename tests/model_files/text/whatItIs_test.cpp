@@ -105,6 +105,8 @@ TEST(WhatItIs, Xml) {
        {xmi + "http://www.eclipse.org/gmf/runtime/1.0.2/notation'><e:Diagram/>", {".notation", "beside"}},
        {xmi + "http://x.org/y'><e:Thing/></xmi:XMI>",
         {"XMI of another metamodel", "<e:Thing>", "http://x.org/y"}},
+       {xmi + "http://x'><b xmlns:e='http://www.w3.org/2002/07/owl#'/><e:A/></xmi:XMI>",
+        {"<b> without a namespace"}},
        {xmi + "http://schema.omg.org/spec/UML/2.1'><a/></xmi:XMI>", {"XMI without any element of UML"}},
        {xmi + "http://www.eclipse.org/uml2/5.0.0/UML'><e:Mod",
         {"breaks off before </xmi:XMI>", "whole file"}},
