@@ -13,7 +13,7 @@ set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 
-# Where generated headers and sources go; "#include "uml_metamodel/umlmm/Class.h"" is found here.
+# Where generated headers and sources go, each set into a folder of its name that is an include root of its floor.
 set(UMLMM_GENERATED_DIR ${CMAKE_BINARY_DIR}/generated)
 
 # The host runs in Debian's own Python, whatever other Python stands first on PATH.
@@ -57,36 +57,129 @@ if(UMLMM_SANITIZE)
   add_link_options(-fsanitize=${UMLMM_SANITIZE})
 endif()
 
-# umlmm_library(name SOURCES file... [DEPENDS target...] [INCLUDE root... [HEADERS folder...]])
+# Floors: folders that see their own headers, those of the floors that they stand on, and what these show in their own
+# headers. An include of any other folder finds no file. Below, PUBLIC are the floors and libraries that a floor's
+# headers show, PRIVATE those that its sources alone include.
+
+# umlmm_header_root(OUTVAR name from folder...)
 #
-# A shared library of the house: hidden symbols but for what its headers export, found beside the
-# others at run time. INCLUDE and HEADERS are those of umlmm_publish.
-function(umlmm_library name)
-  cmake_parse_arguments(ARG "" "" "SOURCES;DEPENDS;INCLUDE;HEADERS" ${ARGN})
-  add_library(${name} SHARED ${ARG_SOURCES})
-  target_compile_features(${name} PUBLIC cxx_std_20)
-  target_link_libraries(${name} PUBLIC ${ARG_DEPENDS} PRIVATE umlmm_settings)
-  set_target_properties(${name} PROPERTIES
-    VERSION ${PROJECT_VERSION} SOVERSION ${UMLMM_SOVERSION}
-    BUILD_WITH_INSTALL_RPATH ON INSTALL_RPATH "$ORIGIN")
-  umlmm_publish(${name} PUBLIC INCLUDE ${ARG_INCLUDE} HEADERS ${ARG_HEADERS})
+# Makes an include root of floor NAME, which holds the headers of some folders and of none around or inside them, by
+# links. FROM is the folder where the paths in includes begin; the others are paths from there.
+function(umlmm_header_root out name from)
+  set(root ${CMAKE_CURRENT_BINARY_DIR}/floors/${name})
+  file(REMOVE_RECURSE ${root})
+  foreach(folder IN LISTS ARGN)
+    file(MAKE_DIRECTORY ${root}/${folder})
+    file(GLOB headers RELATIVE ${from} CONFIGURE_DEPENDS ${from}/${folder}/*.h)
+    foreach(header IN LISTS headers)
+      file(CREATE_LINK ${from}/${header} ${root}/${header} SYMBOLIC)
+    endforeach()
+  endforeach()
+  set(${out} ${root} PARENT_SCOPE)
 endfunction()
 
-# umlmm_publish(target PUBLIC|INTERFACE INCLUDE root... [HEADERS folder...])
+# umlmm_floor(name FOLDERS folder... [FROM root] [SOURCES file...] [GENERATED set...] [PUBLIC target...]
+#   [PRIVATE target...])
 #
-# Makes a library part of the installed package, as umlmm::target. INCLUDE lists its include roots; their headers
-# are installed under one root: all, or those in the HEADERS folders of each.
-function(umlmm_publish target scope)
-  cmake_parse_arguments(ARG "" "" "INCLUDE;HEADERS" ${ARGN})
-  foreach(root IN LISTS ARG_INCLUDE)
-    target_include_directories(${target} ${scope} $<BUILD_INTERFACE:${root}>)
-    set(folders ${root}/)
-    if(ARG_HEADERS)
-      set(folders ${ARG_HEADERS})
-      list(TRANSFORM folders PREPEND ${root}/)
+# Folders of a library as a floor: target NAME is its headers, for whoever stands on it, and NAME_objects is compiled,
+# for the library that has it among its FLOORS. FOLDERS are paths from the project's folder, or from FROM, as includes
+# have them. The files of GENERATED belong to it as well. If it has no sources, a unit that includes its headers is
+# compiled, so that they too are held to what they may see.
+function(umlmm_floor name)
+  cmake_parse_arguments(ARG "" "FROM" "FOLDERS;SOURCES;GENERATED;PUBLIC;PRIVATE" ${ARGN})
+  if(NOT ARG_FROM)
+    set(ARG_FROM ${PROJECT_SOURCE_DIR})
+  endif()
+  file(RELATIVE_PATH below ${PROJECT_SOURCE_DIR} ${ARG_FROM})
+  add_library(${name} INTERFACE)
+  umlmm_header_root(roots ${name} ${ARG_FROM} ${ARG_FOLDERS})
+  foreach(set IN LISTS ARG_GENERATED)
+    umlmm_generated(${set} files)
+    add_dependencies(${name} umlmm_generate_${set})
+    set(sources ${files})
+    list(FILTER sources INCLUDE REGEX "\\.cpp$")
+    list(APPEND ARG_SOURCES ${sources})
+    if(NOT files STREQUAL sources)
+      list(APPEND roots ${UMLMM_GENERATED_DIR}/${set}/${below})
     endif()
-    install(DIRECTORY ${folders} DESTINATION ${UMLMM_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h")
   endforeach()
+  if(NOT ARG_SOURCES)
+    file(GLOB_RECURSE headers RELATIVE ${roots} FOLLOW_SYMLINKS ${roots}/*.h)
+    list(TRANSFORM headers REPLACE "(.+)" "#include \"\\1\"\n")
+    list(JOIN headers "" text)
+    set(ARG_SOURCES ${CMAKE_CURRENT_BINARY_DIR}/floors/${name}.cpp)
+    file(CONFIGURE OUTPUT ${ARG_SOURCES} CONTENT "${text}" @ONLY)
+  endif()
+  target_include_directories(${name} INTERFACE ${roots})
+  target_link_libraries(${name} INTERFACE ${ARG_PUBLIC})
+  add_library(${name}_objects OBJECT ${ARG_SOURCES})
+  target_compile_features(${name}_objects PRIVATE cxx_std_20)
+  target_link_libraries(${name}_objects PRIVATE ${name} ${ARG_PRIVATE} umlmm_settings)
+  list(GET ARG_FOLDERS 0 folder)
+  umlmm_enter_floor(${name}_objects ${ARG_FROM}/${folder})
+endfunction()
+
+# umlmm_enter_floor(target folder): what compiles a folder's sources, for the test of include paths.
+function(umlmm_enter_floor target folder)
+  file(RELATIVE_PATH folder ${PROJECT_SOURCE_DIR} ${folder})
+  set(roots $<TARGET_PROPERTY:${target},INCLUDE_DIRECTORIES>)
+  set_property(GLOBAL APPEND PROPERTY UMLMM_FLOORS "${folder}|$<JOIN:${roots},|>")
+endfunction()
+
+# Tells the test of include paths, in a file, a floor a line: its folder and where it finds what it includes.
+function(umlmm_write_floors)
+  get_property(floors GLOBAL PROPERTY UMLMM_FLOORS)
+  list(JOIN floors "\n" text)
+  file(GENERATE OUTPUT ${CMAKE_BINARY_DIR}/floors.txt CONTENT "${text}\n")
+endfunction()
+
+# umlmm_library(name [SOURCES file...] [FLOORS floor...] [PUBLIC target...] [PRIVATE target...]
+#   [INCLUDE root | FOLDERS folder...] [HEADERS folder...])
+#
+# A shared library of the house: hidden symbols but for what its headers export, found beside the others at run time. It
+# is made of sources, which then are a floor by themselves, and of the objects of floors. Its headers stand in an
+# include root of its own or in folders of the project, as those of umlmm_floor; they are installed, as are those of
+# HEADERS.
+function(umlmm_library name)
+  cmake_parse_arguments(ARG "" "INCLUDE" "SOURCES;FLOORS;PUBLIC;PRIVATE;FOLDERS;HEADERS" ${ARGN})
+  add_library(${name} SHARED ${ARG_SOURCES})
+  target_compile_features(${name} PUBLIC cxx_std_20)
+  target_link_libraries(${name} PUBLIC ${ARG_PUBLIC} PRIVATE ${ARG_PRIVATE} umlmm_settings)
+  foreach(floor IN LISTS ARG_FLOORS)
+    get_target_property(links ${floor}_objects LINK_LIBRARIES)
+    target_sources(${name} PRIVATE $<TARGET_OBJECTS:${floor}_objects>)
+    target_link_libraries(${name} PRIVATE ${links})
+  endforeach()
+  set_target_properties(${name} PROPERTIES
+    VERSION ${PROJECT_VERSION} SOVERSION ${UMLMM_SOVERSION} LINKER_LANGUAGE CXX
+    BUILD_WITH_INSTALL_RPATH ON INSTALL_RPATH "$ORIGIN")
+  if(ARG_SOURCES)
+    umlmm_enter_floor(${name} ${CMAKE_CURRENT_SOURCE_DIR})
+  endif()
+  if(ARG_FOLDERS)
+    umlmm_header_root(ARG_INCLUDE ${name} ${PROJECT_SOURCE_DIR} ${ARG_FOLDERS})
+    foreach(folder IN LISTS ARG_FOLDERS)
+      install(DIRECTORY ${PROJECT_SOURCE_DIR}/${folder}/ DESTINATION ${UMLMM_INSTALL_INCLUDEDIR}/${folder}
+        FILES_MATCHING PATTERN "*.h")
+    endforeach()
+  elseif(ARG_INCLUDE)
+    list(APPEND ARG_HEADERS ${ARG_INCLUDE}/)
+  endif()
+  if(ARG_INCLUDE)
+    target_include_directories(${name} PUBLIC $<BUILD_INTERFACE:${ARG_INCLUDE}>)
+  endif()
+  umlmm_publish(${name} HEADERS ${ARG_HEADERS})
+endfunction()
+
+# umlmm_publish(target [HEADERS folder...])
+#
+# Makes a library part of the installed package, as umlmm::target, with the headers in some folders. A folder that ends
+# in a slash is an include root.
+function(umlmm_publish target)
+  cmake_parse_arguments(ARG "" "" "HEADERS" ${ARGN})
+  if(ARG_HEADERS)
+    install(DIRECTORY ${ARG_HEADERS} DESTINATION ${UMLMM_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h")
+  endif()
   install(TARGETS ${target} EXPORT umlmm INCLUDES DESTINATION ${UMLMM_INSTALL_INCLUDEDIR})
 endfunction()
 

@@ -2,10 +2,10 @@
 
 # umlmm_generated(SET OUTVAR)
 #
-# Sets OUTVAR to the full paths of the files of a set (see catalogue/tables/outputs.txt). The target
-# umlmm_generate_SET makes them in UMLMM_GENERATED_DIR; a target that compiles or includes them depends on it by
-# add_dependencies, and umlmm_generate makes all sets. Files whose text stays the same are left untouched, so nothing is
-# compiled anew for them.
+# Sets OUTVAR to the full paths of the files of a set (see catalogue/tables/outputs.txt). The target umlmm_generate_SET
+# makes them in a folder of UMLMM_GENERATED_DIR that has the set's name; a target that compiles or includes them depends
+# on it by add_dependencies, as umlmm_floor does, and umlmm_generate makes all sets. Files whose text stays the same are
+# left untouched, so nothing is compiled anew for them.
 function(umlmm_generated set out)
   if(NOT TARGET umlmm_generate_${set})
     umlmm_add_generated_set(${set})
@@ -30,10 +30,10 @@ function(umlmm_add_generated_set set)
     message(FATAL_ERROR "The catalogue's tables are refused. ${reason}")
   endif()
   string(REPLACE "\n" ";" paths "${paths}")
-  list(TRANSFORM paths PREPEND ${UMLMM_GENERATED_DIR}/ OUTPUT_VARIABLE files)
+  list(TRANSFORM paths PREPEND ${UMLMM_GENERATED_DIR}/${set}/ OUTPUT_VARIABLE files)
   set(stamp ${UMLMM_GENERATED_DIR}/${set}.stamp)
   add_custom_command(OUTPUT ${stamp} BYPRODUCTS ${files}
-    COMMAND ${generate} --set ${set} --output ${UMLMM_GENERATED_DIR}
+    COMMAND ${generate} --set ${set} --output ${UMLMM_GENERATED_DIR}/${set}
     COMMAND ${CMAKE_COMMAND} -E touch ${stamp}
     DEPENDS ${inputs} ${templates}
     COMMENT "Making the ${set} of the metamodel from its tables" VERBATIM)

@@ -1,11 +1,15 @@
-"""Holds every include of the product against `floors.table`: floors look down alone."""
+"""Holds every include of the product against `floors.table`, and what the build lets each floor find: floors look down
+alone."""
 
+import os
 import pathlib
 import re
+import subprocess
+
+import pytest
 
 ROOT = pathlib.Path(__file__).parent.parent
 CATALOGUE = ROOT / "uml_metamodel_mi" / "catalogue"
-TOPS = ("platform", "kelm", "kelm_mi", "uml_metamodel", "uml_metamodel_mi", "host")
 INCLUDE = re.compile(r'\s*#\s*include\s*["<]([^">]+)[">]')
 HOLE = re.compile(r"\{\{.*?\}\}|\{\w+\}")
 
@@ -29,6 +33,7 @@ FLOORS, UNCALLED = tables()
 NAMES = [name for (name,), *_ in FLOORS]
 FLOOR_OF = {path: name for (name,), paths, _ in FLOORS for path in paths}
 MAY = {name: {name, *below} for (name,), _, below in FLOORS}
+BUILD = os.environ.get("UMLMM_FLOORS")
 
 
 def floor_of(path):
@@ -41,7 +46,7 @@ def floor_of(path):
 
 def product():
     """All sources: path in the house, where to look it up, text. A generated file has * for what varies."""
-    for top in TOPS:
+    for top in sorted({path.partition("/")[0] for path in FLOOR_OF}):
         for path in sorted((ROOT / top).rglob("*")):
             if path.suffix in (".h", ".cpp"):
                 yield path.relative_to(ROOT).as_posix(), path.relative_to(ROOT).as_posix(), path.read_text()
@@ -115,3 +120,71 @@ def test_nothing_goes_past_the_way_there_is():
         faults += [f"{place}: {found[1]}; use {' '.join(instead)}" for path, place, line in lines()
                    if floor_of(path) in floors and (found := call.search(line))]
     assert not faults, "\n" + "\n".join(faults)
+
+
+def is_public(path):
+    return path.endswith(".h") and "/src/" not in path
+
+
+def shown():
+    """For each floor all that its headers bring along: whoever may include them finds these as well."""
+    shows = {name: {name} for name in NAMES}
+    for path, _, to in includes():
+        if is_public(path):
+            shows[floor_of(path)].add(floor_of(to))
+    for name in NAMES:
+        shows[name].update(*(shows[other] for other in shows[name]))
+    return shows
+
+
+@pytest.fixture
+def include_paths():
+    """What the build has for each floor; a floor may be compiled into more than one library."""
+    if not BUILD:
+        pytest.skip("ctest tells which build to look at")
+    rows = [line.split("|") for line in pathlib.Path(BUILD).read_text().splitlines()]
+    assert not [folder for folder, *_ in rows if not floor_of(folder)], "a folder without a row in tests/floors.table"
+    return [(floor_of(folder), [f"-I{root}" for root in roots]) for folder, *roots in rows]
+
+
+def compiler(tmp_path, text, *flags):
+    command = [os.environ.get("CXX", "c++"), "-std=c++20", "-x", "c++", *flags, "-"]
+    return subprocess.run(command, input=text, cwd=tmp_path, capture_output=True, text=True)
+
+
+def test_each_floor_finds_what_it_may_include_and_no_more(include_paths, tmp_path):
+    headers = [path for path in FILES if is_public(path) and "*" not in path]
+    ask = ""
+    for number, path in enumerate(headers):
+        root = max((root for root in ROOTS if path.startswith(root)), key=len)
+        ask += f'#if __has_include("{path.removeprefix(root)}")\n{number}\n#endif\n'
+    found = {name: set() for name in NAMES}
+    for floor, flags in include_paths:
+        found[floor] |= {headers[int(number)] for number in compiler(tmp_path, ask, "-E", "-P", *flags).stdout.split()}
+    shows = shown()
+    for floor, paths in found.items():
+        may = set().union(*(shows[other] for other in MAY[floor]))
+        expected = {path for path in headers if floor_of(path) in may}
+        assert not paths - expected, f"{floor} finds more than its row: link it to less, or PRIVATE what it links to"
+        assert not expected - paths, f"{floor} finds less than its row: link it to what is missing"
+
+
+@pytest.mark.parametrize("floor, header, is_found", [
+    ("kelm", "lum/lum.h", True),
+    ("kelm", "vesk/VeskClass.h", False),
+    ("cow", "kelm/kernel/containers/Ref.h", False),
+    ("umlmm", "engine/Change.h", False),
+    ("queries", "metamodel/metamodel.h", False),
+    ("frame", "uml_metamodel/umlmm/Class.h", False),
+    ("kelm_mi", "uml_metamodel_mi/datatypes/conversions.h", False),
+    ("datatypes", "kelm_mi/marshal/PropHelper.h", False),
+    ("marshal", "uml_metamodel_mi/wrappers/elementClasses.h", False),
+    ("marshal", "uml_metamodel_mi/datatypes/conversions.h", True),
+    ("wrappers", "uml_metamodel_mi/package.h", False),
+    ("host_python", "kelm/Model.h", False),
+])
+def test_a_wrong_include_does_not_compile(include_paths, tmp_path, floor, header, is_found):
+    flags = dict(include_paths)[floor]
+    done = compiler(tmp_path, f'#include "{header}"\n', "-fsyntax-only", *flags)
+    assert (done.returncode == 0) == is_found
+    assert is_found or f"{header}: No such file" in done.stderr or f"'{header}' file not found" in done.stderr

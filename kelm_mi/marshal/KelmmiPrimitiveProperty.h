@@ -6,7 +6,8 @@
 
 namespace Kelm::mi {
 
-/// A Boolean or Integer that every element has. Its value travels raw, without an array.
+/// A Boolean or Integer that every element has (bounds 1..1): an unset one reads as its default, and scripts
+/// can't unset it by a value. It travels raw, without an array.
 template <class T>
 class UMLMM_API KelmmiPrimitiveProperty final : public KelmmiProperty {
  public:

@@ -5,8 +5,8 @@
 
 namespace Kelm::mi {
 
-/// A text. An absent one reads as an empty text; setting an empty text removes an optional one and is stored
-/// in a required one.
+/// A text of UTF-16 code units, read up to the first zero. An absent one reads as an empty text; setting an
+/// empty text removes an optional one and is stored in a required one.
 template <class T>
 class UMLMM_API KelmmiStringProperty final : public KelmmiProperty {
  public:

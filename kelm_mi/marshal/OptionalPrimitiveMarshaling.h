@@ -10,7 +10,8 @@ namespace Kelm::mi {
 /// How a Boolean or Integer that may be absent crosses: as an array, empty for an absent value.
 template <class T>
 struct OptionalPrimitiveMarshaling {
-  /// The value in an array of the right class; raises for two or more elements.
+  /// The value in an array of class `kArrayClass`, which is not checked and stays the caller's; raises for
+  /// two or more elements.
   static std::optional<T> unbox(tarnArray const* aArray) {
     std::size_t const count = tarn::numberOfElements(aArray);
     if (count == 0) return std::nullopt;

@@ -21,6 +21,7 @@ inline vesk::VeskValue box(umlmm::UnlimitedNatural aValue, char const*) {
 template <class T>
 PropHelper<T>::~PropHelper() = default;
 
+// Raises the incorrect-type failure for an object that is no T, null included.
 template <class T>
 vesk::VeskValue PropHelper<T>::unboxAndReturn(Object aValue, char const* aTypeName) {
   return detail::box(T(aValue), aTypeName);

@@ -6,7 +6,8 @@
 /// What the marshalling of Boolean and Integer differs in.
 namespace Kelm::mi::detail {
 
-/// `valueType()` is the host's name of one value; `Element` what an array holds, of class `kArrayClass`.
+/// `valueType()` is the host's name of one value; `Element` what an array holds, of class `kArrayClass`. Any
+/// element but 0 is a true one.
 template <class T>
 struct Primitive;
 

@@ -7,7 +7,8 @@
 namespace Kelm::mi {
 
 /// The read-only face of sequences of values T: "umlmm.ImmutableSequenceOfString". It has no method that
-/// writes.
+/// writes; what it shows may change all the same, by those who have the other face or, where it is a
+/// feature's, by changes of the element.
 template <class T>
 class ImmutableSequenceWrapper final : public ClassMetaData {
  public:

@@ -6,7 +6,9 @@
 
 namespace Kelm::mi {
 
-/// The class of iterators over sequences of values T that can be changed: "umlmm.StringIterator".
+/// The class of iterators over sequences of values T that can be changed: "umlmm.StringIterator". An instance
+/// has a position of its own and keeps the sequence alive; what moves it, and what ends it, stands with
+/// Kelm::Generic::IteratorIntf.
 template <class T>
 class IteratorWrapper final : public ClassMetaData {
  public:
@@ -31,7 +33,8 @@ class IteratorWrapper final : public ClassMetaData {
   vesk::ClassFamily const* family() const override { return &FamilyOf<T>::get(); }
 };
 
-/// The class of iterators over read-only sequences of values T: "umlmm.StringImmutableIterator".
+/// The class of iterators over read-only sequences of values T: "umlmm.StringImmutableIterator". The other
+/// one is one of these.
 template <class T>
 class ImmutableIteratorWrapper final : public ClassMetaData {
  public:

@@ -7,8 +7,9 @@
 
 namespace Kelm::mi {
 
-/// The class of sequences of values T that can be changed: "umlmm.SequenceOfString". Scripts count indices
-/// from 1.
+/// The class of sequences of values T that can be changed: "umlmm.SequenceOfString". Instances are bound to
+/// free-standing sequences, which scripts make here, and to the live ones of features. The functions raise
+/// what Kelm::Generic::SequenceIntf tells, by indices that scripts count from 1.
 template <class T>
 class SequenceWrapper final : public ClassMetaData {
  public:
@@ -28,7 +29,8 @@ class SequenceWrapper final : public ClassMetaData {
   UMLMM_API static void replace(Sequence<T>* aSequence, int aIndex, T const& aValue) {
     aSequence->replace(kernelIndex(aIndex), aValue);
   }
-  /// New sequences belong to no model: they take the deviant of the given one alone, which may be null.
+  /// New, empty and counted by the host's instance. They belong to no model: they take the deviant of the
+  /// given one alone, which may be null, and outlive it.
   UMLMM_API static Sequence<T> makeWithModel(Model const& aModel) { return make(aModel.getDeviant(), false); }
   UMLMM_API static Sequence<T> makeWithImmutableModel(ImmutableModel const& aModel) {
     return make(aModel.getDeviant(), false);

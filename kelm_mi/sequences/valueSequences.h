@@ -9,7 +9,8 @@
 /// What the classes of value sequences and iterators share.
 namespace Kelm::mi {
 
-/// The names in the signatures of a class of handles H on values T.
+/// The names in the signatures of a class of handles H on values T, and iterators I over them. They live as
+/// long as the process.
 template <class H, class T>
 ContainerNames valueContainerNames() {
   return {ScriptClass<H>::name().c_str(), ValueType<T>::element()};
@@ -42,7 +43,7 @@ struct ValueElements {
   }
 };
 
-/// Lets the host walk and search a sequence of values.
+/// Lets the host walk and search a sequence of values; one for all sequences of T.
 template <class T>
 vesk::SequenceHook const* valueSequenceHook() {
   static SequenceHookOf<ValueElements<T>> const sHook{{}};

@@ -41,6 +41,8 @@ Metamodel::Metamodel() {
   }
   for (Metaclass& metaclass : fMetaclasses)
     for (PropertyIntf const* const property : metaclass.fClass->allProperties()) {
+      // The kernel has some of its own, which are no features of UML.
+      if (!fByClass.contains(&property->getOwner())) continue;
       Feature const& feature = featureOf(*property);
       metaclass.fFeatures.emplace(feature.fName, &feature);
       metaclass.fOrder.push_back(&feature);

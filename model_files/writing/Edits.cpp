@@ -6,7 +6,10 @@
 namespace umlmm::files {
 
 void Edits::sort() {
-  std::ranges::sort(fEdits, {}, [](Edit const& aEdit) { return std::tuple(aEdit.fFrom, aEdit.fNumber); });
+  // What comes in before something that goes stays.
+  std::ranges::sort(fEdits, {}, [](Edit const& aEdit) {
+    return std::tuple(aEdit.fFrom, aEdit.fTo != aEdit.fFrom, aEdit.fNumber);
+  });
 }
 
 void Edits::write(std::size_t aFrom, std::size_t aTo, std::string& aOut, Copied const& aCopied) const {

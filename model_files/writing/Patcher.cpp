@@ -185,13 +185,15 @@ void Patcher::patchReferences(Element& aElement, Tag const& aTag, Feature const&
     else
       kept.insert(dangling.fSpot.fOffset);
   }
-  bool const asAttribute = attribute != nullptr || (children.empty() && fTags.style().asAttribute(aFeature));
+  // An attribute has ids alone, and tags of the same name would not keep the order with it.
+  bool const asAttribute =
+      (attribute != nullptr || (children.empty() && fTags.style().asAttribute(aFeature))) &&
+      std::ranges::all_of(values, [&](Element* aValue) { return addressOf(*aValue).empty(); });
   std::vector<Write> written;
   std::string resolved;
   for (Element* const value : values) {
-    std::string const id = asAttribute ? fTags.localId(*value) : std::string();
-    if (!id.empty()) {
-      (resolved += resolved.empty() ? "" : " ") += id;
+    if (asAttribute) {
+      (resolved += resolved.empty() ? "" : " ") += fTags.idOf(*value);
       continue;
     }
     std::string const name(children.empty() ? aFeature.fName : markup::nameAt(fText, children.front().fName));

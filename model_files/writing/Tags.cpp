@@ -124,14 +124,16 @@ void Tags::writeValues(Element& aElement, Feature const& aFeature, std::string& 
 void Tags::writeReferences(Element& aElement, Feature const& aFeature, std::string& aAttributes,
                            std::vector<std::string>& aChildren) {
   auto const values = elementsOf(aElement, aFeature, fDeviant);
+  // An attribute has ids alone, and tags of the same name would not keep the order with it.
+  bool const asAttribute = fStyle.asAttribute(aFeature) && std::ranges::all_of(values, [&](Element* aValue) {
+                             return !localId(*aValue).empty();
+                           });
   std::string ids;
   for (Element* const value : values) {
-    std::string const id = fStyle.asAttribute(aFeature) ? localId(*value) : std::string();
-    if (id.empty()) {
+    if (asAttribute)
+      (ids += ids.empty() ? "" : " ") += localId(*value);
+    else
       writeReference(aFeature.fName, *value, aChildren.emplace_back());
-    } else {
-      (ids += ids.empty() ? "" : " ") += id;
-    }
   }
   if (!ids.empty()) attribute(aAttributes, aFeature.fName, ids);
 }

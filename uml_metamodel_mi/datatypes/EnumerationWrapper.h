@@ -19,7 +19,9 @@ Kelm::ImmutableType literalMetaType(Kelm::Object const& aLiteral);
 template <class E>
 struct EnumerationMethods {
   static E fromString(std::string const& aName) { return E::fromString(aName); }
+  /// Prints where the process prints (lumPrintf).
   static void disp(E aValue) { lumPrintf("%s\n", aValue.toString().to_string().c_str()); }
+  // By the order in which the metamodel lists the literals.
   static bool eq(E aLeft, E aRight) { return aLeft.number() == aRight.number(); }
   static bool ne(E aLeft, E aRight) { return aLeft.number() != aRight.number(); }
   static bool gt(E aLeft, E aRight) { return aLeft.number() > aRight.number(); }
@@ -48,8 +50,9 @@ void addLiterals(vesk::VeskClass* aClass, char const* aSelf, std::integer_sequen
 
 }  // namespace detail
 
-/// Fills the class of an enumeration. An instance stands for a literal and holds no number; a literal is
-/// reached by the static method of its name.
+/// Fills the class of an enumeration (UML 2.5.1, clause 10.2). An instance stands for a literal and holds no
+/// number; a literal is reached by the static method of its name, and has one instance as long as a script
+/// holds it. E is an enumeration's class of C++, as the catalogue makes it.
 template <class E>
 void fillEnumerationClass(vesk::VeskClass* aClass) {
   using Methods = detail::EnumerationMethods<E>;

@@ -14,7 +14,11 @@
 #include "uml_metamodel/umlmm/UnlimitedNatural.h"
 
 /// How values of the metamodel's data types, and sequences of them and of element references, cross the
-/// boundary.
+/// boundary; what boxers and unboxers promise stands in frame/Boxing.h and frame/Unboxing.h.
+///
+/// A Boolean or Integer that must be there travels raw. A text and a natural number travel as char arrays,
+/// whose emptiness tells that there is none; a literal, a sequence and an iterator as the instance bound to
+/// the object, and with an empty array for none.
 namespace Kelm::mi {
 
 /// One of the metamodel's enumerations.
@@ -24,7 +28,8 @@ concept EnumerationType = requires {
   typename T::Value;
 };
 
-/// Names of a value type: `name()` is its own, `element()` that of a value in a signature.
+/// Names of a value type: `name()` is its own, `element()` that of a value in a signature. Both live as long
+/// as the process.
 template <class T>
 struct ValueType;
 
@@ -60,25 +65,28 @@ struct ScriptClass<E> {
   }
 };
 
-/// The value that the object behind the instance of a literal has; without an instance the first literal.
+/// The value that the object behind the instance of a literal has; without an instance the first literal, and
+/// `fHasValue` false. Raises the incorrect-type failure for an instance that stands for anything else.
 template <EnumerationType E>
 UnboxedArgument<E> unboxEnumeration(vesk::VeskValue aValue) {
   UnboxedArgument<Object> const object = ArgumentUnboxer<Object>::unbox(aValue);
   if (!object.fHasValue) return {E(0), false};
   return {E(object.fValue), true};
 }
-/// The instance of class `aTypeName` that is bound to the literal's object.
+/// The instance that is bound to the literal's object, or a new one of class `aTypeName`.
 vesk::VeskValue boxLiteral(Object const& aLiteral, vesk::VeskInterned aTypeName);
 template <EnumerationType E>
 vesk::VeskValue boxEnumeration(E aValue, vesk::VeskInterned aTypeName) {
   return boxLiteral(aValue, aTypeName);
 }
 
-/// A natural number from its text, which must not be empty; raises the incorrect-type failure for others.
+/// A natural number from its text, digits or "*", which must not be empty; raises the incorrect-type failure
+/// for others.
 umlmm::UnlimitedNatural unboxUnlimitedNatural(tarnArray const* aText);
+/// The array is the caller's.
 vesk::VeskValue boxUnlimitedNatural(umlmm::UnlimitedNatural aValue);
 
-/// A name as narrow text.
+/// A name as narrow text, in UTF-8.
 template <>
 struct ArgumentUnboxer<std::string> {
   static UnboxedArgument<std::string> unbox(vesk::VeskValue aValue);
@@ -109,6 +117,7 @@ template <>
 struct Boxer<umlmm::Integer> {
   static vesk::VeskValue box(umlmm::Integer aValue) { return vesk::VeskValue::ofInt32(aValue.value()); }
 };
+/// Code units as they come, lone surrogates among them.
 template <>
 struct ArgumentUnboxer<umlmm::String> {
   static UnboxedArgument<umlmm::String> unbox(vesk::VeskValue aValue);
@@ -171,6 +180,8 @@ concept SequenceHandle = std::derived_from<T, SequenceRef>;
 template <class T>
 concept IteratorHandle = std::derived_from<T, IteratorRef>;
 
+/// A null handle for none, and for an instance that is bound to no sequence. The type of the values is not
+/// looked at: the host gives instances of the declared class alone.
 template <SequenceHandle T>
 struct ArgumentUnboxer<T> {
   static UnboxedArgument<T> unbox(vesk::VeskValue aValue) {
@@ -195,6 +206,7 @@ struct ArgumentUnboxer<T> {
     return {T(static_cast<Generic::IteratorIntf*>(found.fInterface), found.fDeviant), found.fHasValue};
   }
 };
+/// A position of its own: the value may go on.
 template <IteratorHandle T>
 struct Boxer<T> {
   static vesk::VeskValue box(T const& aIterator) {

@@ -14,6 +14,8 @@ UnboxedInterface unboxInterface(tarnArray const* aArray, vesk::VeskInterned aCla
                                 CooperativeVisitor::internal::ClassInfo const& aTags) {
   if (tarn::numberOfElements(aArray) == 0) return {};
   vesk::VeskInterfacePtr const instance = omGetArrayElement(aArray, 0);
+  if (instance == nullptr) [[unlikely]]
+    return {};
   return unboxInstance(*instance, aClass, aTags);
 }
 

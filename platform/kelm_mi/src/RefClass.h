@@ -24,7 +24,7 @@ enum class Elements : std::uint8_t {
 struct RefClass {
   vesk::VeskInterned fName;
   vesk::VeskInterned fElement;
-  /// Null for an iterator class.
+  /// Under which positions are shown; of an iterator class its own name.
   vesk::VeskInterned fIterator;
   vesk::ClassFamily const& fFamily;
   /// Those of the superclasses of the elements.
@@ -37,7 +37,7 @@ struct RefClass {
     return fElements == Elements::Changeable ? Access::Changeable : Access::ReadOnly;
   }
 
-  /// The value of an element in a variant.
+  /// The value of an element in a variant; of null a null reference, or the empty text.
   vesk::VeskValue box(NSInterface::ObjectIntf const* aObject, Deviant aDeviant) const;
   /// The element in an argument. Raises the incorrect-type failure unless it is an instance of the element
   /// class.
@@ -45,6 +45,7 @@ struct RefClass {
   /// The object in an argument, whatever it is; null for an empty one.
   Object unboxObject(vesk::VeskValue aValue) const;
 
+  /// By the metaclass of the object, whatever class shows it; false for null and for what is no element.
   bool isElement(Object const& aObject) const;
 
   /// The class of the elements, once an instance of it was seen.

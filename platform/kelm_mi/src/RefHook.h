@@ -19,8 +19,10 @@ class RefElements {
     return fClass->box(aObject.get(), aObject.getDeviant());
   }
   Object unbox(vesk::VeskValue aValue) const { return fClass->unboxElement(aValue); }
-  /// What scripts mostly meet: all objects have an instance already.
+  /// What scripts mostly meet: all objects have an instance already. Runs no code of anybody, so it needs no
+  /// counts.
   bool boxAtOnce(Generic::Loan const* aLoans, std::size_t aCount, vesk::VeskValue* aValues) const;
+  /// An element is found in its own variant alone, whatever the view of it.
   int find(Generic::SequenceIntf const& aSequence, Deviant const& aDeviant, vesk::VeskValue aValue,
            int aFirst) const;
 

@@ -9,7 +9,8 @@
 
 namespace Kelm::mi {
 
-/// The invoker of a method that knows its class, on which depends how elements cross.
+/// The invoker of a method that knows its class, on which depends how elements cross. `aClass` must outlive
+/// it.
 class RefInvoker final : public Invoker {
  public:
   explicit RefInvoker(RefClass const& aClass) noexcept : fClass(aClass) {}
@@ -24,7 +25,8 @@ struct SoughtObject {
   Object fObject;
 };
 
-/// How the values of a method of a class of sequences or iterators of objects cross.
+/// How the values of a method of a class of sequences or iterators of objects cross. An element that is given
+/// must be one of the receiver's own class: anything else raises the incorrect-type failure before the call.
 class RefMarshal {
  public:
   RefMarshal(Invoker const& aInvoker, vesk::VeskValue const* aArguments) noexcept

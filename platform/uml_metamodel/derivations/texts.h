@@ -4,7 +4,7 @@
 
 namespace umlmm::derivations {
 
-/// A value that takes over a new text's count.
+/// A value that takes over a new text's count. `aText` must not be null.
 inline Kelm::Object adopt(Kelm::StringObject const* aText) {
   Kelm::Object const object(aText, Kelm::Deviant());
   aText->decRef();

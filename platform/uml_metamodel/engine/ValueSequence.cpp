@@ -19,9 +19,9 @@ namespace {
 
 constexpr char kSource[] = "uml_metamodel/engine/ValueSequence";
 
-using Kelm::Generic::Ref;
-using Kelm::Generic::SequenceIntf;
-using Proxy = Kelm::GenericReferenceCountingSequenceProxy;
+namespace Generic = Kelm::Generic;
+using Generic::Ref;
+using Generic::SequenceIntf;
 
 /// A unique feature refuses what it holds, silently: the implementation does.
 template <class T>
@@ -37,113 +37,33 @@ std::unique_ptr<SequenceIntf> makeValues(Feature const& aRoot) {
 }
 
 /// The values of a feature with all that its element demands of whoever reads or changes them.
-class ValueSequence final : public Proxy {
-  using Ref = Kelm::Generic::Ref;
-  using IteratorIntf = Kelm::Generic::IteratorIntf;
-  using IteratorPtr = Kelm::Generic::IteratorPtr;
-
+class ValueSequence final : public SequenceIntf {
  public:
-  ValueSequence(Element& aElement, Feature const& aRoot, SequenceIntf* aValues) noexcept
-      : Proxy(aValues), fElement(aElement), fRoot(aRoot) {}
+  ValueSequence(Element& aElement, Feature const& aRoot, std::unique_ptr<SequenceIntf> aValues) noexcept
+      : fElement(aElement), fRoot(aRoot), fValues(std::move(aValues)) {}
 
   int incRef() const override { return fElement.incRef(); }
   int decRef() const override { return fElement.decRef(); }
   int numRef() const override { return fElement.numRef(); }
 
-  Ref generic_at(Deviant const& aDeviant, int aIndex) const override {
-    return read(aDeviant).generic_at(aDeviant, aIndex);
-  }
-  Ref generic_front(Deviant const& aDeviant) const override { return read(aDeviant).generic_front(aDeviant); }
-  Ref generic_back(Deviant const& aDeviant) const override { return read(aDeviant).generic_back(aDeviant); }
-  IteratorPtr generic_begin(Deviant const& aDeviant) const override {
-    return owned(read(aDeviant).generic_begin(aDeviant));
-  }
-  IteratorPtr generic_end(Deviant const& aDeviant) const override {
-    return owned(read(aDeviant).generic_end(aDeviant));
-  }
-  int generic_size(Deviant const& aDeviant) const override { return read(aDeviant).generic_size(aDeviant); }
-  bool generic_contains(Deviant const& aDeviant, Ref aValue) const override {
-    return read(aDeviant).generic_contains(aDeviant, std::move(aValue));
-  }
-  std::uint64_t stamp(Deviant const& aDeviant) const override { return read(aDeviant).stamp(aDeviant); }
-  int readBlock(Deviant const& aDeviant, int aIndex, int aCount, Kelm::Generic::Loan* aOut) const override {
-    return read(aDeviant).readBlock(aDeviant, aIndex, aCount, aOut);
-  }
-  int indexOf(Deviant const& aDeviant, Ref const& aValue, int aFrom) const override {
-    return read(aDeviant).indexOf(aDeviant, aValue, aFrom);
-  }
-
-  void generic_clear(Deviant const& aDeviant) override {
-    Changing const changing(*this, aDeviant);
-    Proxy::generic_clear(aDeviant);
-  }
-  void generic_insert(Deviant const& aDeviant, int aIndex, Ref aValue) override {
-    Changing const changing(*this, aDeviant);
-    checkRoom();
-    Proxy::generic_insert(aDeviant, aIndex, std::move(aValue));
-  }
-  IteratorPtr generic_insert(Deviant const& aDeviant, IteratorIntf const* aPosition, Ref aValue) override {
-    Changing const changing(*this, aDeviant);
-    checkRoom();
-    return Proxy::generic_insert(aDeviant, aPosition, std::move(aValue));
-  }
-  IteratorPtr generic_erase(Deviant const& aDeviant, IteratorIntf const* aPosition) override {
-    Changing const changing(*this, aDeviant);
-    return Proxy::generic_erase(aDeviant, aPosition);
-  }
-  IteratorPtr generic_erase(Deviant const& aDeviant, IteratorIntf const* aFirst,
-                            IteratorIntf const* aLast) override {
-    Changing const changing(*this, aDeviant);
-    return Proxy::generic_erase(aDeviant, aFirst, aLast);
-  }
-  void generic_erase(Deviant const& aDeviant, int aIndex) override {
-    Changing const changing(*this, aDeviant);
-    Proxy::generic_erase(aDeviant, aIndex);
-  }
-  void generic_pop_back(Deviant const& aDeviant) override {
-    Changing const changing(*this, aDeviant);
-    Proxy::generic_pop_back(aDeviant);
-  }
-  void generic_pop_front(Deviant const& aDeviant) override {
-    Changing const changing(*this, aDeviant);
-    Proxy::generic_pop_front(aDeviant);
-  }
-  void generic_push_back(Deviant const& aDeviant, Ref aValue) override {
-    Changing const changing(*this, aDeviant);
-    checkRoom();
-    Proxy::generic_push_back(aDeviant, std::move(aValue));
-  }
-  void generic_push_front(Deviant const& aDeviant, Ref aValue) override {
-    Changing const changing(*this, aDeviant);
-    checkRoom();
-    Proxy::generic_push_front(aDeviant, std::move(aValue));
-  }
-  void generic_replace(Deviant const& aDeviant, int aIndex, Ref aValue) override {
-    Changing const changing(*this, aDeviant);
-    Proxy::generic_replace(aDeviant, aIndex, std::move(aValue));
-  }
-  void generic_rearrange(Deviant const& aDeviant, std::span<int const> aFrom,
-                         std::span<int const> aTo) override {
-    Changing const changing(*this, aDeviant);
-    Proxy::generic_rearrange(aDeviant, aFrom, aTo);
-  }
-  bool isLive() const override { return true; }
-  int generic_removeAll(Deviant const& aDeviant, Ref aValue) override {
-    Changing const changing(*this, aDeviant);
-    return Proxy::generic_removeAll(aDeviant, std::move(aValue));
-  }
+  // Marks for export mean nothing in an unnamed namespace.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wattributes"
+#include "kelm/kernel/containers/sequence/handedOn.h"
+#pragma GCC diagnostic pop
   bool splice(Deviant const& aDeviant, int aFirst, int aRemoved, std::vector<Ref> const& aValues) override {
-    Changing const changing(*this, aDeviant);
-    auto const size = static_cast<std::size_t>(target().generic_size(aDeviant));
+    Changing const changing(*this, aDeviant, Adds::Nothing);
+    auto const size = static_cast<std::size_t>(fValues->generic_size(aDeviant));
     auto const going = std::min(static_cast<std::size_t>(aRemoved), size);
     if (fRoot.fUpper > 0 && size - going + aValues.size() > static_cast<std::size_t>(fRoot.fUpper))
       failures::raiseTooMany(kSource, fRoot);
-    return Proxy::splice(aDeviant, aFirst, aRemoved, aValues);
+    return fValues->splice(aDeviant, aFirst, aRemoved, aValues);
   }
+  bool isLive() const override { return true; }
 
   /// Without a check, as the element has gone. Iterators go on with what they stand on where memory fails.
   void forget() noexcept try {
-    if (!target().generic_empty(Deviant())) Proxy::generic_clear(Deviant());
+    if (!fValues->generic_empty(Deviant())) fValues->generic_clear(Deviant());
   } catch (std::bad_alloc const&) {
   }
 
@@ -153,40 +73,39 @@ class ValueSequence final : public Proxy {
   }
 
  private:
-  SequenceIntf const& read(Deviant const& aDeviant,
-                           int aLine = std::source_location::current().line()) const {
-    checkReadable(fElement, aDeviant, {kSource, aLine});
-    return target();
-  }
   /// A copy of the values, which changes places with them.
   class Kept final : public KeptValues {
    public:
-    explicit Kept(ValueSequence const& aSequence)
-        : fSequence(aSequence), fValues(makeValues(aSequence.fRoot)) {
-      SequenceIntf const& now = aSequence.target();
+    explicit Kept(ValueSequence const& aSequence) : fSequence(aSequence), fKept(makeValues(aSequence.fRoot)) {
+      SequenceIntf const& now = *aSequence.fValues;
       std::vector<Ref> values;
       for (int i = 0; i < now.generic_size(Deviant()); ++i) values.push_back(now.generic_at(Deviant(), i));
-      fValues->splice(Deviant(), 0, 0, values);
+      fKept->splice(Deviant(), 0, 0, values);
     }
-    void restore() noexcept override { const_cast<ValueSequence&>(fSequence).swapTarget(fValues); }
+    void restore() noexcept override { const_cast<ValueSequence&>(fSequence).fValues.swap(fKept); }
 
    private:
     ValueSequence const& fSequence;
-    std::unique_ptr<SequenceIntf> fValues;
+    std::unique_ptr<SequenceIntf> fKept;
   };
 
-  /// A change of the values from its checks to its end.
+  enum class Adds { Nothing, Value };
+  /// A change of the values from its checks to its end. Features with a bound take a value as often as it is
+  /// given.
   class Changing {
    public:
-    Changing(ValueSequence const& aSequence, Deviant const& aDeviant,
-             int aLine = std::source_location::current().line()) {
+    Changing(ValueSequence const& aSequence, Deviant const& aDeviant, Adds aAdds)
+        : fValues(*aSequence.fValues) {
       Element& element = aSequence.fElement;
-      checkWritable(element, aDeviant, {kSource, aLine});
+      Feature const& root = aSequence.fRoot;
+      checkWritable(element, aDeviant, kSource);
+      if (aAdds == Adds::Value && root.fUpper > 0 && fValues.generic_size(Deviant()) >= root.fUpper)
+        failures::raiseNoRoom(kSource, root);
       if (Change::isObserved(element)) [[unlikely]] {
         fExceptions = std::uncaught_exceptions();
         fOwn.emplace(*element.model());
       }
-      Change::noteValues(element, engine::indexOf(aSequence.fRoot), aSequence.fNoted,
+      Change::noteValues(element, engine::indexOf(root), aSequence.fNoted,
                          [&] { return std::make_unique<Kept>(aSequence); });
       element.model()->noteChange();
     }
@@ -196,19 +115,29 @@ class ValueSequence final : public Proxy {
       if (fOwn && std::uncaught_exceptions() == fExceptions) fOwn->commit();
     }
 
+    SequenceIntf* operator->() const noexcept { return &fValues; }
+
    private:
+    SequenceIntf& fValues;
     int fExceptions = 0;
     std::optional<Change> fOwn;
   };
 
-  /// Raises when the feature is full. Features with a bound take a value as often as it is given.
-  void checkRoom() const {
-    if (fRoot.fUpper > 0 && target().generic_size(Deviant()) >= fRoot.fUpper)
-      failures::raiseNoRoom(kSource, fRoot);
+  SequenceIntf& target() const noexcept { return *fValues; }
+  SequenceIntf const* reading(Deviant const& aDeviant) const {
+    checkReadable(fElement, aDeviant, kSource);
+    return fValues.get();
+  }
+  Changing changing(Deviant const& aDeviant) { return {*this, aDeviant, Adds::Nothing}; }
+  Changing adding(Deviant const& aDeviant) { return {*this, aDeviant, Adds::Value}; }
+  Generic::IteratorPtr owned(Generic::IteratorPtr aIterator) const {
+    Kelm::keepOwner(aIterator.get(), this);
+    return aIterator;
   }
 
   Element& fElement;
   Feature const& fRoot;
+  std::unique_ptr<SequenceIntf> fValues;
   /// Where an open change has noted the values.
   mutable std::size_t fNoted = 0;
 };
@@ -217,10 +146,7 @@ class ValueSequence final : public Proxy {
 
 SequenceIntf& valueSequence(Element& aElement, Feature const& aRoot) {
   return Change::values(aElement, indexOf(aRoot), [&]() -> SequenceIntf* {
-    auto values = makeValues(aRoot);
-    SequenceIntf* const made = new ValueSequence(aElement, aRoot, values.get());
-    static_cast<void>(values.release());
-    return made;
+    return new ValueSequence(aElement, aRoot, makeValues(aRoot));
   });
 }
 

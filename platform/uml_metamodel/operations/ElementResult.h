@@ -8,9 +8,11 @@
 
 namespace umlmm::operations {
 
-/// The elements that a query found, all in one variant: a list that holds them. Reads by position and in
-/// blocks go to the plain elements; whatever else is asked makes an ordinary list of them first, which then
-/// stands for them.
+/// The elements that a query found, all of one model and in one variant: a list that holds them, so that
+/// those that are destroyed can still be asked whether they are valid. It is free-standing: what is done to
+/// it leaves the model as it is, and what happens to the model leaves it. Reads by position and in blocks go
+/// to the plain elements; whatever else is asked makes an ordinary list of them first, which then stands for
+/// them. Where memory for that fails, the list is as before.
 class ElementResult final : public Kelm::GenericReferenceCountingSequenceProxy {
   using Deviant = Kelm::Deviant;
   using Ref = Kelm::Generic::Ref;

@@ -29,17 +29,19 @@ Reading given(Reading aAsked, Kelm::Handle<Intf> const& aArgument) noexcept {
                                              : Reading(*element, aArgument.getDeviant());
 }
 
-/// The elements of a sequence argument in order, as far as they are in the model: an answer holds elements of
-/// one model alone. None for a null sequence.
+/// The elements of a sequence argument in order, repeats included, as far as they are in the model: an answer
+/// holds elements of one model alone. None for a null sequence; one that is not of elements must not be
+/// given. Raises what reading the sequence raises.
 std::vector<Element*> givenElements(Reading aAsked, Kelm::SequenceRef const& aArgument);
 
-/// A new counted list of element references.
+/// A new counted list of references to the elements, which must be of one model; `T` is the type under which
+/// they are shown and is not checked.
 template <class T>
 Kelm::ImmutableSequence<T> makeResult(Deviant const& aDeviant, std::vector<Element*> aElements) {
   return Kelm::ImmutableSequence<T>(new ElementResult(std::move(aElements), aDeviant), aDeviant);
 }
 
-/// A reference to an element, or a null one.
+/// A reference to an element; a null one for none, and for one that is no `T`.
 template <class T>
 T makeReference(Deviant const& aDeviant, Reading aElement) {
   using Intf = typename T::InterfaceType;
@@ -47,6 +49,7 @@ T makeReference(Deviant const& aDeviant, Reading aElement) {
            aDeviant);
 }
 
+/// A new counted list of copies.
 Kelm::ImmutableSequence<String> makeTexts(Deviant const& aDeviant,
                                           std::vector<std::u16string_view> const& aTexts);
 

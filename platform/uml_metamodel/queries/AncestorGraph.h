@@ -9,7 +9,8 @@
 namespace umlmm::queries {
 
 /// A classifier with everything above it, without the generalizations that lie on a cycle: two classifiers of
-/// one cycle give each other nothing.
+/// one cycle give each other nothing. It is a picture of the model as it was when made, in time that grows
+/// with classifiers and generalizations, and counts no element.
 class AncestorGraph {
  public:
   using Node = std::uint32_t;
@@ -20,6 +21,7 @@ class AncestorGraph {
   static constexpr Node kStart = 0;
 
   std::size_t size() const noexcept { return fNodes.size(); }
+  /// Also for classifiers that lie on cycles.
   bool contains(Reading aClassifier) const { return fPlaces.contains(aClassifier.element()); }
   Reading classifier(Node aNode) const noexcept { return fNodes[aNode].fClassifier; }
   /// Parents in order, each once.

@@ -15,9 +15,11 @@ class ImportEntries {
  public:
   explicit ImportEntries(Reading aNamespace) noexcept : fNamespace(aNamespace) {}
 
+  /// To be called before `addShown`: names that element imports give come before those of packages.
   void addElementImport(Reading aImport, Reading aElement);
+  /// What an imported package makes visible; `aIsPublic` for a public import.
   void addShown(Imports::Entry const& aShown, bool aIsPublic);
-  /// Marks the entries that collide with each other or with owned members.
+  /// Marks the entries that collide with each other or with owned members. Once, when all are in.
   void judgeCollisions();
 
   std::vector<Imports::Entry> take() noexcept { return std::move(fEntries); }
@@ -49,6 +51,7 @@ ImportsInReach followAtOnce(Reading aNamespace);
 std::vector<Imports::Entry> followEachPackage(Reading aNamespace,
                                               std::unordered_set<Element const*> const& aElements);
 
+/// Of an element import or a package import; one without visibility is not public.
 bool isPublicImport(Reading aImport) noexcept;
 
 }  // namespace umlmm::queries

@@ -13,7 +13,10 @@ namespace umlmm::queries {
 ///
 /// Collisions are judged in each package on the way, so a package further off may lose an element before it
 /// gets here. A package whose imports are being followed adds nothing to those who are asked by it, so cycles
-/// end.
+/// end. Clause 7.4 of UML 2.5.1 tells what is imported and what collides.
+///
+/// All is found when the object is made, with names that are views of the model's texts; it counts nothing
+/// and is good until the model changes.
 class Imports {
  public:
   struct Entry {
@@ -39,10 +42,11 @@ class Imports {
 
   explicit Imports(Reading aNamespace);
 
+  /// Those that collide, and so are no members, are among them (`fIsKept`).
   std::vector<Entry> const& entries() const noexcept { return fEntries; }
   /// The entry of an element, or null.
   Entry const* find(Element const& aElement) const;
-  /// Names of an element that is no owned member.
+  /// Names of an element that is no owned member; none if it is not imported.
   Names namesOf(Element const& aElement) const;
 
  private:

@@ -44,9 +44,11 @@ std::vector<FeatureIndex> UnionLeaves::list(int aMetaclass) const {
 
 std::span<FeatureIndex const> UnionLeaves::ofAdded(int aMetaclass) {
   std::lock_guard const lock(added().fMutex);
-  auto const [entry, isNew] = added().fLeaves.try_emplace({fUnion, aMetaclass});
-  if (isNew) entry->second = list(aMetaclass);
-  return entry->second;
+  auto& leaves = added().fLeaves;
+  auto known = leaves.find({fUnion, aMetaclass});
+  // Listed first: an entry is one that is right, also where memory fails.
+  if (known == leaves.end()) known = leaves.emplace(std::pair(fUnion, aMetaclass), list(aMetaclass)).first;
+  return known->second;
 }
 
 void UnionLeaves::forgetAll() noexcept {

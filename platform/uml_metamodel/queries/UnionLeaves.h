@@ -11,11 +11,13 @@ namespace umlmm::queries {
 
 /// The stored features at the bottom of a derived union, by metaclass, in the order in which the union lists
 /// their values: what a walk over many elements reads in place of the union itself. Made for a metaclass when
-/// first asked, by whichever thread.
+/// first asked, by whichever thread; when memory fails, again when asked again. Members that are computed are
+/// not among them. Instances live as long as the process.
 class UnionLeaves {
  public:
   constexpr explicit UnionLeaves(engine::FeatureIndex aUnion) noexcept : fUnion(aUnion) {}
 
+  /// Roots; none for a metaclass without the union. Good until `forgetAll`.
   std::span<engine::FeatureIndex const> of(int aMetaclass) {
     if (aMetaclass >= engine::kMetaclassCount) [[unlikely]]
       return ofAdded(aMetaclass);
@@ -39,7 +41,7 @@ class UnionLeaves {
   std::array<std::atomic<std::vector<engine::FeatureIndex> const*>, engine::kMetaclassCount> fLeaves{};
 };
 
-/// The features that a union lists on a metaclass; none if it has no such union.
+/// The features that a union lists on a metaclass, computed ones among them; none if it has no such union.
 std::span<engine::FeatureIndex const> unionMembers(int aMetaclass, engine::FeatureIndex aUnion) noexcept;
 
 }  // namespace umlmm::queries

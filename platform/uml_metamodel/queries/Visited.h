@@ -13,7 +13,8 @@ using engine::Element;
 
 /// A set of elements for the length of one walk, in the order in which they came. Members carry a mark bit of
 /// their own, so that asking costs a read of the element that is at hand anyway; the marks go with the set.
-/// There are four bits; walks nested deeper fall back to hashing.
+/// There are four bits for each thread; walks nested deeper fall back to hashing. A set stays in the thread
+/// that made it, and all its members in one model, none of which may go meanwhile.
 class Visited {
  public:
   Visited() noexcept : fMark(takeBit()) {}
@@ -24,7 +25,7 @@ class Visited {
     sFree = static_cast<std::uint8_t>(sFree | fMark | fFollowedMark);
   }
 
-  /// Whether the element is new to the set.
+  /// Whether the element is new to the set. When memory fails, the set is good for nothing but its end.
   bool insert(Element const& aElement) {
     auto& element = const_cast<Element&>(aElement);
     if (fMark == 0) {
@@ -42,7 +43,8 @@ class Visited {
     return (aElement.marks() & fMark) != 0;
   }
 
-  /// Whether a member is followed for the first time: a second mark on members, only for sets that ask.
+  /// Whether a member is followed for the first time: a second mark on members, only for sets that ask, and
+  /// for no other element, whose mark would stay.
   bool follow(Element& aMember) { return setMark(aMember, fFollowedMark, fHashedFollowed); }
   /// To be called once, before the first `follow`.
   void allowFollow() noexcept { fFollowedMark = takeBit(); }

@@ -204,12 +204,6 @@ class DownwardWalk {
 
 }  // namespace
 
-Elements redefinedElements(Reading aElement) {
-  Elements redefined;
-  addRedefined(aElement, redefined);
-  return redefined;
-}
-
 Elements inheritedMembers(Reading aClassifier) {
   if (aClassifier.entries(ids::Classifier::Generalization).empty()) return {};
   AncestorGraph const graph(aClassifier);

@@ -14,11 +14,13 @@ using Elements = std::vector<Element*>;
 
 /// A step of such a walk, as from a classifier over its generalizations to their general ends.
 struct Step {
+  /// A stored list of the elements that are walked.
   engine::FeatureIndex fList;
+  /// A single reference of its entries.
   engine::FeatureIndex fTarget;
 
   Reading target(Reading aEntry) const noexcept { return aEntry.reference(fTarget); }
-  /// Calls `aVisit` with each target that is there, in order, repeats included.
+  /// Calls `aVisit` with each target that is there, in order, repeats included. It must not change the list.
   template <class Visit>
   void forEachTarget(Reading aElement, Visit aVisit) const {
     for (Reading const entry : aElement.list(fList))

@@ -157,6 +157,8 @@ TEST_F(Calls, anEmptyArrayIsANullReferenceAndOnlyTheFirstElementIsRead) {
   Array const one(bound(first)), two(bound(second));
   Array const none(tarnCreateEmpty(objectClassId));
   EXPECT_EQ(call(&bindFunction<&free1>, {none}).int32(), -1);
+  Array const unfilled(tarnCreateObjectMatrix(1, 1));
+  EXPECT_EQ(call(&bindFunction<&free1>, {unfilled}).int32(), -1);
 
   Array const both(tarnCreateObjectMatrix(1, 2));
   tarnSetObject(both.get(), 0, static_cast<vesk::VeskInterface*>(two.instance()));

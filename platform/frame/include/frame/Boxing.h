@@ -10,7 +10,7 @@
 #include "vesk/VeskValue.h"
 #include "vesk/interned.h"
 
-/// Metamodel values on their way to the host.
+/// Metamodel values on their way to the host. In the host's thread, as all of the frame.
 namespace Kelm::mi {
 
 /// A two-word reference: an interface pointer and a deviant.
@@ -21,11 +21,12 @@ concept Reference = requires {
 }
 &&std::derived_from<T, Handle<typename T::InterfaceType>>;
 
-/// The token of a class name as objects answer it; null for a null or empty name.
+/// The token of a class name as objects answer it, remembered by its address; null for a null or empty name.
 vesk::VeskInterned internClassName(char const* aName);
 
 /// The host value of an object in a variant: the host object bound to it, or a new one of class `aClass`,
-/// which then holds one count on the object. `aObject` may be null, and is held by the caller.
+/// which then holds one count on the object. `aObject` may be null, and is held by the caller. What fails
+/// leaves the object without a binding and without a count.
 vesk::VeskValue announceObject(ReferenceCountingIntf const* aObject, Deviant const& aDeviant, bool aImmutable,
                                vesk::VeskInterned aClass);
 
@@ -46,7 +47,8 @@ class ReferenceBoxer {
 
 /// Makes sure that the host made an instance for a running constructor; it has no native side yet.
 void checkConstructing(vesk::VeskInterned aClass, vesk::VeskValue aHostObject);
-/// Binds a new object to that instance; `aObject` may be null.
+/// Binds a new object to that instance, which then holds one count; `aObject` may be null. Throws a VeskError
+/// for an object that an instance is bound to already.
 void bindConstructed(ReferenceCountingIntf const* aObject, Deviant const& aDeviant, vesk::VeskInterned aClass,
                      vesk::VeskValue aHostObject);
 

@@ -5,10 +5,11 @@
 
 namespace Kelm::mi {
 
-/// Drops the binding of an id and gives back the count that the host object held. An object that is gone
-/// already is left alone.
+/// Drops the binding of an id and gives back the count that the host object held, which may end the object.
+/// An object that is gone already is left alone.
 void releaseBoundObject(void* aId);
-/// The object of an id and its variant, which the read-only and the changeable view share.
+/// The object of an id and its variant, which the read-only and the changeable view share; the id itself for
+/// one whose object is gone.
 [[nodiscard]] vesk::Identity identifyBoundObject(void const* aId);
 /// The host's place with the open model that an id stands for or whose element it stands for; null for what
 /// is neither.

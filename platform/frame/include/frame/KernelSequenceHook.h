@@ -12,9 +12,10 @@
 
 namespace Kelm::mi {
 
-/// Lets the host walk and search the kernel's sequences. A kind of sequence adds how its elements cross.
-/// Every question goes to the sequence in the variant of the instance, so a live one refuses what it refuses
-/// elsewhere.
+/// Lets the host walk and search the kernel's sequences; what each operation promises stands with
+/// vesk::SequenceHook and Kelm::Generic::SequenceIntf. A kind of sequence adds how its elements cross. Every
+/// question goes to the sequence in the variant of the instance, so a live one refuses what it refuses
+/// elsewhere. Hooks hold nothing of a sequence: one serves all instances of its class.
 class KernelSequenceHook : public vesk::SequenceHook {
  public:
   std::size_t size(vesk::VeskInterface* aSequence) const final;
@@ -55,11 +56,10 @@ void boxEach(std::size_t aCount, vesk::VeskValue* aValues, Box const& aBox) {
 
 /// The hook of a kind of sequences. `Elements` tells how its elements, of type `Elements::Value`, cross:
 ///
-/// - `name()`, their data type or class; `box(value)` and `unbox(script's value)`, which raises for what is
-/// no
-///   element; `find(sequence, deviant, script's value, first)`, as `search` below;
-/// - `boxAtOnce(loans, count, values)`, a way of its own with a block, which answers false when it did
-/// nothing;
+/// - `name()`, their data type or class;
+/// - `box(value)`, and `unbox(script's value)`, which raises for what is no element;
+/// - `find(sequence, deviant, script's value, first)`, as `search` above;
+/// - `boxAtOnce(loans, count, values)`, a way of its own with a block; false when it did nothing;
 /// - `kIsCodeFree`, whether boxing one runs no foreign code.
 template <class Elements>
 class SequenceHookOf final : public KernelSequenceHook {

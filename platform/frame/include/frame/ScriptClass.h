@@ -7,10 +7,13 @@
 namespace Kelm::mi {
 
 /// The script class that shows values of C++ type T: `name()` is its interned full name, `kImmutable` says
-/// whether instances are bound as read-only. Libraries specialise it for the types that they publish.
+/// whether instances are bound as read-only. Libraries specialise it for the types that they publish; here
+/// are the kernel's own.
 template <class T>
 struct ScriptClass;
 
+/// One whose name is known when it is compiled. For the host's thread, which interns the name at its first
+/// use.
 template <vesk::internal::FixedText Name, bool Immutable>
 struct NamedScriptClass {
   static constexpr bool kImmutable = Immutable;

@@ -8,6 +8,12 @@
 #include "vesk/factory/Invoker.h"
 
 /// Thunks, made from the type of the typed function alone: functions of one type share one thunk.
+///
+/// A thunk unboxes all arguments in order before it calls; what an unboxer raises ends the call there.
+/// References are counted until the call is over, so that no code that the function runs can take one from
+/// under it. What the function throws passes through unchanged. The number of arguments is the host's affair:
+/// it is that of the signature, which is declared beside the function (addTypedMethod.h) and is not checked
+/// against its type.
 namespace Kelm::mi {
 
 using vesk::factory::impl::Invoker;
@@ -176,13 +182,15 @@ void bindFunction(Invoker& aInvoker) {
 }
 
 /// A member function, run on a receiver of class `Receiver`, which may derive from the class of the member.
+/// The receiver is the first of the host's arguments.
 template <auto Member, class Receiver, SelfCheck Check = SelfCheck::Reference, class Marshal = TypedMarshal>
 void bindMember(Invoker& aInvoker) {
   aInvoker.setFunction(Member);
   aInvoker.setThunk(&detail::ThunkOf<decltype(Member), Receiver, Check, Marshal>::run);
 }
 
-/// A function that makes the reference which a new instance of its script class is to hold.
+/// A function that makes the reference which a new instance of its script class is to hold. It is not called
+/// when the host has no instance ready.
 template <auto Function>
 void bindConstructor(Invoker& aInvoker) {
   aInvoker.setFunction(Function);

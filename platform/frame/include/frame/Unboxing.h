@@ -7,19 +7,21 @@
 #include "tarn/tarn.h"
 #include "vesk/VeskValue.h"
 
-/// Host values on their way to the metamodel.
+/// Host values on their way to the metamodel. In the host's thread, as all of the frame.
 namespace Kelm::mi {
 
-/// One argument as a thunk holds it: the value, and whether the host's array had any element. Without one a
-/// reference is null.
+/// One argument as a thunk holds it: the value, and whether the host's array had any element. Without one, or
+/// with an instance missing in it, a reference is null.
 template <class T>
 struct UnboxedArgument {
   T fValue{};
   bool fHasValue = false;
 };
 
-/// The interface that `aTags` name on the object behind element 0 of `aArray`, or null, with the deviant;
-/// whether the array has an element. `aClass` is the declared class of the argument.
+/// The interface that `aTags` name on the object behind element 0 of `aArray`, or null for another kind of
+/// object, with the deviant; whether there is an instance. `aClass` is the declared class of the argument.
+/// Nothing is counted: the interface is there as long as the caller holds the array. Raises for an array that
+/// has elements, but no objects.
 struct UnboxedInterface {
   void* fInterface = nullptr;
   Deviant fDeviant;
@@ -42,7 +44,8 @@ template <Reference T>
   return {T(static_cast<Intf*>(found.fInterface), found.fDeviant), true};
 }
 
-/// The index of a script, which counts from 1, as the kernel counts. All indices that are too low are -1.
+/// The index of a script, which counts from 1, as the kernel counts. All indices that are too low are -1,
+/// which sequences refuse.
 constexpr int kernelIndex(int aScriptIndex) noexcept { return aScriptIndex > 0 ? aScriptIndex - 1 : -1; }
 
 /// How a host value becomes a T: `static UnboxedArgument<T> unbox(vesk::VeskValue)`. The host value stays the
@@ -58,6 +61,7 @@ template <>
 struct ArgumentUnboxer<int> {
   static UnboxedArgument<int> unbox(vesk::VeskValue aValue) noexcept { return {aValue.int32(), true}; }
 };
+/// `fHasValue` is false for the empty text, which travels as an array without elements.
 template <>
 struct ArgumentUnboxer<String> {
   static UnboxedArgument<String> unbox(vesk::VeskValue aValue);

@@ -16,7 +16,7 @@
 ///   or without a sequence (`makeWithModel`, `makeUniqueWithModel` and the same with `Immutable`).
 namespace Kelm::mi {
 
-/// Full names of a class and of the types in its signatures.
+/// Full names of a class and of the types in its signatures. Texts must live until the rows are added.
 struct ContainerNames {
   char const* fSelf;
   char const* fElement;

@@ -31,6 +31,7 @@ class UMLMM_API KelmmiProperty : public vesk::VeskPropInfo, public vesk::Detaile
   /// accessors raise. The element is borrowed: the instance holds it for the length of the call.
   vesk::VeskValue getValue(vesk::VeskInterface* aInstance) override;
 
+  // Each raises the internal-error failure where the class below does not have such values.
   virtual vesk::VeskValue getSingleValuedValue(ClassObject& aObject);
   virtual vesk::VeskValue getMultiValuedValue(ClassObject& aObject, vesk::VeskInterface* aInstance);
 
@@ -43,6 +44,7 @@ class UMLMM_API KelmmiProperty : public vesk::VeskPropInfo, public vesk::Detaile
   [[nodiscard]] bool has(Flag aFlag) const noexcept { return (flags & aFlag) != 0; }
 
   IntrospectiveMethods const* const methods;
+  /// Of the feature within its metaclass, as `methods` take it.
   std::uint32_t const id;
   char const* const dataType;
   std::uint32_t const flags;

@@ -15,14 +15,15 @@ class UMLMM_API VeskExtensionsRegistryImpl {
  public:
   using NonConstCallback = std::function<void(vesk::VeskClass*, vesk::VeskClient const*)>;
 
-  /// `aClassName` is the full name of the changeable class ("umlmm.Comment"); the callback runs while its
-  /// read-only twin is filled, behind the properties.
+  /// `aClassName` is the full name of a metaclass's changeable class ("umlmm.Comment"); the callback runs
+  /// while its read-only twin is filled, behind the properties. Classes of package "Kelm" run those of their
+  /// own name. One for a class that is filled already never runs: `executedOn` tells.
   void addNonConstCallback(std::string const& aClassName, NonConstCallback aCallback);
-  /// Runs the callbacks of a class in the order in which they were added. What one throws passes on.
-  /// Callbacks may add callbacks.
+  /// Runs the callbacks of a class in the order in which they were added. What one throws passes on, and
+  /// those behind it don't run; a class that is filled again runs all again. Callbacks may add callbacks.
   void executeNonConstCallbacks(std::string const& aClassName, vesk::VeskClass* aClass,
                                 vesk::VeskClient const* aClient);
-  /// The class on which the callbacks have run; null if they have not.
+  /// The class on which the callbacks have begun to run; null if they have not.
   [[nodiscard]] vesk::VeskClass* executedOn(std::string const& aClassName) const;
   [[nodiscard]] bool hasCallbacks(std::string const& aClassName) const;
 

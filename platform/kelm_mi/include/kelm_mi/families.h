@@ -5,7 +5,7 @@
 #include "lum/visibility.h"
 #include "vesk/ClassFamily.h"
 
-/// The one place where names of script classes are put together.
+/// The one place where names of script classes are put together. In the host's thread.
 namespace Kelm::mi {
 
 using vesk::Access;

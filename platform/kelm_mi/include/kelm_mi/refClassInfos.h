@@ -8,7 +8,8 @@
 #include "lum/visibility.h"
 #include "vesk/fwd.h"
 
-/// Makers of the class infos of sequences of references and their iterators. `Immutable` before `Sequence` or
+/// Makers of the class infos of sequences of references and their iterators. An info keeps nothing of the
+/// sequences; it fills its class when the host asks. `Immutable` before `Sequence` or
 /// `Iterator` means that the sequence can't be changed, before `Ref` that the elements are read-only. The
 /// info belongs to the caller until it is handed to the host. Texts are copied.
 ///

@@ -9,7 +9,7 @@
 
 namespace Kelm::mi {
 
-/// A class of the script package "Kelm".
+/// A class of the script package "Kelm". All texts and rows are constants, which classes refer to.
 struct KelmClass {
   /// The kind of thing that the class refers to, and what it lets one do with it.
   char const* fKind;

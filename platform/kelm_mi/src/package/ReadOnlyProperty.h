@@ -47,7 +47,8 @@ vesk::VeskValue readComputed(vesk::VeskInterface& aInstance) {
 
 }  // namespace detail
 
-/// `Function` takes the receiver by constant reference; it is never null.
+/// `Function` takes the receiver by constant reference; it is never null: reading raises the null-reference
+/// failure before. The texts must live as long as the class.
 template <auto Function>
 constexpr ComputedProperty computed(char const* aName, char const* aType) {
   using Result = typename detail::PropertyFunction<decltype(Function)>::Result;

@@ -13,6 +13,8 @@ inline constexpr std::uint32_t kSelfFirst = vesk::factory::MethodFirstArgumentIs
 
 namespace common {
 
+/// The same object in the variant of a model, or of a read-only one; whether it exists there is asked when it
+/// is used.
 template <class T>
 T asDeviant(T const& aReceiver, ImmutableModel const& aModel) {
   return T(aReceiver.get(), aModel.getDeviant());
@@ -25,6 +27,7 @@ Changeable asMutable(Immutable const& aReceiver) {
   return Changeable(aReceiver.get(), aReceiver.getDeviant());
 }
 
+/// A read-only view. The object stays as changeable as it was for whoever has another.
 template <class Immutable, class T>
 Immutable asImmutable(T const& aReceiver) {
   return Immutable(aReceiver.get(), aReceiver.getDeviant());

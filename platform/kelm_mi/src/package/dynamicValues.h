@@ -35,12 +35,12 @@ struct ElementInstance {
 };
 
 /// What the attribute of the property's name reads and takes, whatever the type: as changeable as the
-/// instance.
+/// instance. Both raise what the attribute raises, and for a property that the element's class has not.
 AnyValue readProperty(ElementInstance const& aElement, NSInterface::PropertyIntf const& aProperty);
 void writeProperty(ElementInstance const& aElement, NSInterface::PropertyIntf const& aProperty,
                    AnyValue const& aValue);
 /// The value of a single-valued property of a data type as text: a text itself, digits, "true", "*", the name
-/// of a literal; empty for none.
+/// of a literal; empty for none. Raises the incorrect-type failure for many values and for elements.
 String textOfProperty(ImmutableClassObject const& aElement, NSInterface::PropertyIntf const& aProperty);
 bool isPropertySet(ImmutableClassObject const& aElement, NSInterface::PropertyIntf const& aProperty);
 void unsetProperty(ClassObject const& aElement, NSInterface::PropertyIntf const& aProperty);

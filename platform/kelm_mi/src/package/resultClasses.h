@@ -12,6 +12,8 @@
 /// How the results of the kernel's script classes become host values.
 namespace Kelm::mi {
 
+/// The read-only script class of sequences of T, whose instances are bound as read-only where their elements
+/// are.
 template <class T>
 struct SequenceClass;
 template <>

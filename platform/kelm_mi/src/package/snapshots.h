@@ -6,7 +6,8 @@
 
 namespace Kelm::mi {
 
-/// A new sequence of references to the objects in a range of interface pointers, null ones left out.
+/// A new sequence of references to the objects in a range of interface pointers, null ones left out. It
+/// counts them and does not follow what becomes of the range.
 template <class T, std::ranges::input_range Range>
 ImmutableSequence<T> snapshot(Range const& aObjects, Deviant aDeviant) {
   Sequence<Object> const result =

@@ -7,7 +7,8 @@
 
 namespace vesk {
 
-/// Who calls: passed through every operation, never null, never looked into by a library.
+/// Who calls: passed through every operation, never null, never looked into by a library. It outlives all
+/// calls in its name.
 class UMLMM_API VeskClient {
  public:
   explicit VeskClient(std::string name);

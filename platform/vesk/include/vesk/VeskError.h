@@ -8,7 +8,8 @@
 namespace vesk {
 
 /// A failure of the class system itself; what() is for the reader of a script, in UTF-8. What methods and
-/// properties throw passes through unchanged.
+/// properties throw passes through unchanged. Lack of memory is no VeskError, but a
+/// std::bad_alloc.
 class UMLMM_API VeskError : public std::runtime_error {
  public:
   enum class Kind {

@@ -22,7 +22,8 @@ class UMLMM_API VeskInterface {
   virtual void release();
 };
 
-/// Owns one host reference to an instance, or none.
+/// Owns one host reference to an instance, or none. Giving it back may run any code, and must not throw where
+/// a VeskInterfacePtr ends.
 class VeskInterfacePtr {
  public:
   constexpr VeskInterfacePtr() noexcept = default;
@@ -56,8 +57,8 @@ class VeskInterfacePtr {
 
 }  // namespace vesk
 
-/// The instance at an index, counted from 0, of an object array; throws for an index outside of it and
-/// for an array that holds no objects.
+/// The instance at an index, counted from 0, of an object array, null where none was put; throws a VeskError
+/// of kind Range for an index outside of it, and of kind Match for an array that holds no objects.
 UMLMM_API vesk::VeskInterfacePtr omGetArrayElement(tarnArray const* array, unsigned long index);
 /// The same, for the array that holds the object of a running constructor.
 UMLMM_API vesk::VeskInterfacePtr veskiGetArrayElement(tarnArray const* array, unsigned long index);

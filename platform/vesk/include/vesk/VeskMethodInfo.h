@@ -9,7 +9,9 @@
 
 namespace vesk {
 
-/// A method of a class, or a function of a package. The host owns it.
+/// A method of a class, or a function of a package. The host owns it and calls it in its one thread; a call
+/// may come while another of the same method runs. Of the many questions it asks those that have a remark,
+/// the name and the descriptions.
 class UMLMM_API VeskMethodInfo {
  public:
   VeskMethodInfo() = default;
@@ -35,6 +37,7 @@ class UMLMM_API VeskMethodInfo {
   virtual void invoke(VeskClient const* client, int& resultCount, VeskValue* results, int argumentCount,
                       VeskValue const* arguments) const = 0;
   virtual bool isFirstArgDispatch() const { return true; }
+  /// Whether the method has no receiver.
   virtual bool isStatic() const = 0;
   virtual bool isAbstract() const = 0;
   virtual bool isSealed() const = 0;
@@ -42,6 +45,7 @@ class UMLMM_API VeskMethodInfo {
   virtual bool isDestructible() const = 0;
   virtual bool isLocked() const = 0;
   virtual bool isExplicit() const { return false; }
+  /// Whether methods of this name in classes above are out of sight, whatever their arguments.
   virtual bool doesMethodOverrideAllSignatures() const = 0;
 };
 

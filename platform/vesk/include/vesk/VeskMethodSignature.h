@@ -9,7 +9,7 @@
 namespace vesk {
 
 /// What a method takes and gives, in the texts of its maker: data types, or full names of classes. Immutable
-/// and shared.
+/// and shared; the texts are interned, so nothing of the maker's needs to live.
 class UMLMM_API VeskMethodSignature {
  public:
   VeskMethodSignature(VeskInterned names, VeskInterned result, VeskInterned receiver,
@@ -17,9 +17,11 @@ class UMLMM_API VeskMethodSignature {
 
   /// Names of the arguments without the receiver, separated by comma and blank; "" for none.
   [[nodiscard]] char const* names() const noexcept { return fNames.c_str(); }
+  /// "void" for a method that gives nothing.
   [[nodiscard]] VeskInterned result() const noexcept { return fResult; }
   /// Full class name of the receiver, or null.
   [[nodiscard]] VeskInterned receiver() const noexcept { return fReceiver; }
+  /// Types, in order; a receiver that is not told by `receiver` is the first of them.
   [[nodiscard]] std::span<VeskInterned const> arguments() const noexcept { return fArguments; }
 
  private:

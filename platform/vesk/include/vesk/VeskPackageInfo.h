@@ -7,7 +7,7 @@
 
 namespace vesk {
 
-/// The provider of a package.
+/// The provider of a package. The host owns it and asks it in its one thread.
 class UMLMM_API VeskPackageInfo {
  public:
   VeskPackageInfo() = default;
@@ -26,6 +26,7 @@ class UMLMM_API VeskPackageInfo {
   virtual bool attemptToLoadSubPackage(char const* name);
   /// Raises the error for a second definition of `name`.
   virtual void throwErrorForDefinitionOfExistingName(char const* name);
+  /// By the short name; called when a class is looked up that was not announced.
   virtual bool attemptToLoadClass(char const* name);
   virtual bool attemptToLoadFunction(char const* name);
   virtual bool attemptToLoadType(char const* name);
@@ -34,6 +35,7 @@ class UMLMM_API VeskPackageInfo {
   /// of the package too; after std::bad_alloc alone it is called again, with the package empty.
   virtual void initializePackage(VeskPackage* package) = 0;
   virtual bool isDestructible() const { return true; }
+  /// Whether scripts may not replace members of the package.
   virtual bool isLocked() const { return true; }
   virtual char const* getH1Line() const { return nullptr; }
   virtual char const* getHelpText() const { return nullptr; }

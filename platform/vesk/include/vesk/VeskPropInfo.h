@@ -14,7 +14,7 @@ namespace vesk {
 
 namespace factory {
 
-/// The word by which a maker describes a property; 0 is an ordinary visible property.
+/// The word by which a maker describes a property, of PropertyFlag bits; 0 is an ordinary visible property.
 struct PropertyAttributes {
   constexpr PropertyAttributes(std::uint32_t word = 0) noexcept : fWord(word) {}
   std::uint32_t fWord;
@@ -22,7 +22,8 @@ struct PropertyAttributes {
 
 }  // namespace factory
 
-/// Bits of the property word, one for each flag accessor of VeskPropInfo that reads it.
+/// Bits of the property word, one for each flag accessor of VeskPropInfo that reads it. They describe; this
+/// host enforces none of them.
 enum PropertyFlag : std::uint32_t {
   PropertyHidden = 1u << 0,
   PropertyConstant = 1u << 1,
@@ -42,7 +43,9 @@ enum PropertyFlag : std::uint32_t {
   PropertyUnlocked = 1u << 15,
 };
 
-/// A property of a class. The host owns it.
+/// A property of a class. The host owns it, asks it in its one thread, and asks it for an instance of the
+/// class that it was added to or of one below. Of the many questions it asks those that have a remark, the
+/// name and the descriptions.
 class UMLMM_API VeskPropInfo {
  public:
   VeskPropInfo();
@@ -58,7 +61,8 @@ class UMLMM_API VeskPropInfo {
   virtual char const* getDescription() const { return fDescription.c_str(); }
   virtual char const* getDetailedDescription() const { return nullptr; }
   virtual char const* getDefaultText() const { return nullptr; }
-  /// Data type or full class name of the value.
+  /// Data type or full class name of the value. Asked for when the property is added, and the type looked up
+  /// when it is first needed.
   virtual char const* getDataType() const = 0;
   virtual int getMemberGetAccess() const { return 0; }
   virtual ExtendedAccess getExtendedGetAccess() const;
@@ -88,7 +92,9 @@ class UMLMM_API VeskPropInfo {
   /// comes through, and nothing is to be given back then.
   virtual VeskValue getValue(VeskInterface* instance) = 0;
   /// Sets the property; `value` is of getDataType and stays the caller's. Nothing has changed when it throws.
+  /// Refuses what must not be set: the host looks at no flag before.
   virtual void setValue(VeskInterface* instance, VeskValue value) = 0;
+  /// Takes back what getValue gave for the same instance. Must not throw.
   virtual void releaseValue(VeskInterface* instance, VeskValue value) = 0;
   virtual bool isLocked() const { return !has(PropertyUnlocked); }
   virtual bool isDestructible() const { return true; }

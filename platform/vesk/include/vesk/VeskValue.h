@@ -12,6 +12,7 @@ namespace vesk {
 class VeskValue {
  public:
   constexpr VeskValue() noexcept = default;
+  /// Takes nothing over.
   VeskValue(tarnArray* array) noexcept : fWord(reinterpret_cast<std::uint64_t>(array)) {}
 
   [[nodiscard]] static constexpr VeskValue ofLogical(bool value) noexcept {
@@ -20,10 +21,12 @@ class VeskValue {
   [[nodiscard]] static constexpr VeskValue ofInt32(std::int32_t value) noexcept {
     return VeskValue(static_cast<std::uint64_t>(std::int64_t{value}), Raw{});
   }
+  /// What a front alone understands.
   [[nodiscard]] static constexpr VeskValue ofWord(std::uint64_t word) noexcept {
     return VeskValue(word, Raw{});
   }
 
+  // Each for a slot that holds such a value; nothing checks it.
   [[nodiscard]] tarnArray* array() const noexcept { return reinterpret_cast<tarnArray*>(fWord); }
   [[nodiscard]] constexpr bool logical() const noexcept { return fWord != 0; }
   [[nodiscard]] constexpr std::int32_t int32() const noexcept {

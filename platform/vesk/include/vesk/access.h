@@ -6,7 +6,7 @@
 
 namespace vesk {
 
-/// Access code 0 is public; all others are shown and not enforced.
+/// Who may use a member, as its maker tells it; this host enforces nothing of it. Access code 0 is public.
 struct ExtendedAccess {
   int fAccess = 0;
   std::set<VeskInterned> fClasses;

@@ -11,7 +11,8 @@
 #include "vesk/VeskPropInfo.h"
 #include "vesk/VeskValue.h"
 
-// The names of the class system as libraries write them without a prefix.
+// The names of the class system as libraries write them without a prefix. For their sources: a header that
+// includes this puts all of them into the global namespace of whoever includes it.
 using vesk::VeskClass;
 using vesk::VeskClassInfo;
 using vesk::VeskClient;

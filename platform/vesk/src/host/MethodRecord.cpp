@@ -9,8 +9,7 @@ MethodRecord::MethodRecord(VeskMethodInfo* info, ClassRecord* owner)
       fName(internal::intern(info->getName())),
       fSignature(info->getMethodSignature().get()),
       fIsStatic(info->isStatic()),
-      fOverridesAll(info->doesMethodOverrideAllSignatures()),
-      fIsVisible(info->isVisible()) {
+      fOverridesAll(info->doesMethodOverrideAllSignatures()) {
   if (!fSignature) throw VeskError("Method '" + std::string(fName.view()) + "' has no signature");
   fIsConstructor = owner && fName.view() == owner->getConstructorName();
   fHasReceiver = owner && !fIsConstructor && !fIsStatic;

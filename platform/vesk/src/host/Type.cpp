@@ -1,5 +1,8 @@
 #include "vesk/host/Type.h"
 
+#include <iterator>
+#include <optional>
+
 #include "tarn/tarn.h"
 #include "vesk/VeskError.h"
 #include "vesk/host/ClassRecord.h"
@@ -17,6 +20,35 @@ struct BuiltInTypes {
 };
 
 BuiltInTypes const sBuiltInTypes;
+
+struct CarrierRow {
+  Carrier fCarrier;
+  /// What its arrays hold; none where it holds none.
+  std::optional<tarnClassId> fArrayClass;
+};
+
+constexpr CarrierRow kRows[] = {
+    {Carrier::Void, {}},
+    {Carrier::RawLogical, {}},
+    {Carrier::RawInt32, {}},
+    {Carrier::Front, {}},
+    {Carrier::Text, charClassId},
+    {Carrier::NaturalText, charClassId},
+    {Carrier::OptionalLogical, logicalClassId},
+    {Carrier::OptionalInt32, int32ClassId},
+    {Carrier::Object, objectClassId},
+};
+
+/// Each carrier at its own place, and with arrays where it promises them.
+consteval bool areInOrder() {
+  for (std::size_t i = 0; i < std::size(kRows); ++i) {
+    CarrierRow const& row = kRows[i];
+    if (row.fCarrier != static_cast<Carrier>(i) || row.fArrayClass.has_value() != holdsArray(row.fCarrier))
+      return false;
+  }
+  return true;
+}
+static_assert(areInOrder());
 
 }  // namespace
 
@@ -42,19 +74,8 @@ Type& resolveType(VeskInterned name) {
 }
 
 tarnArray* makeEmpty(Type const& type) {
-  switch (type.fCarrier) {
-    case Carrier::Text:
-    case Carrier::NaturalText:
-      return tarnCreateEmpty(charClassId);
-    case Carrier::OptionalLogical:
-      return tarnCreateEmpty(logicalClassId);
-    case Carrier::OptionalInt32:
-      return tarnCreateEmpty(int32ClassId);
-    case Carrier::Object:
-      return tarnCreateEmpty(objectClassId);
-    default:
-      break;
-  }
+  CarrierRow const& row = kRows[static_cast<std::size_t>(type.fCarrier)];
+  if (row.fArrayClass) return tarnCreateEmpty(*row.fArrayClass);
   throw VeskError("A value of type '" + std::string(type.fName.view()) + "' cannot be empty",
                   VeskError::Kind::Match);
 }

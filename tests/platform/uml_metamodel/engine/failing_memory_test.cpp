@@ -343,6 +343,29 @@ TEST(FailingMemory, LeavesNothingOfARefusedExtension) {
   }
 }
 
+TEST(FailingMemory, AsksAgainWhatAnAddedMetaclassOwns) {
+  reviews();
+  umlmm::MetamodelExtension extension("dossiers");
+  extension.addMetaclass("Dossier", {umlmm::ImmutablePackage::MetaClass()});
+  Kelm::ImmutableClass const dossier(extension.commit().get()->classes().front(), Kelm::metaDeviant());
+  auto const model = Kelm::NSInterface::FactoryIntf::createNewModel();
+  umlmm::Package const package(Kelm::queryInterface<umlmm::Package::InterfaceType, umlmm::VisitationDomain>(
+                                   umlmm::createElement(model, dossier).get()),
+                               model.getDeviant());
+  package.getPackagedElement().push_back(umlmm::Actor::create(model));
+  int visible = -1;
+  for (int failsAt = 1; visible < 0; ++failsAt) {
+    sequence_suite::sAllocationFailsAt = failsAt;
+    try {
+      visible = package.visibleMembers().size();
+    } catch (std::bad_alloc const&) {
+    }
+  }
+  sequence_suite::sAllocationFailsAt = 0;
+  EXPECT_EQ(visible, 1);
+  model.object().close();
+}
+
 TEST(FailingMemory, LeavesTheCacheAsItWas) {
   auto const model = Kelm::NSInterface::FactoryIntf::createNewModel();
   auto& cache = Kelm::ModelCache::instance();

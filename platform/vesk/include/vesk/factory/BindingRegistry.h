@@ -10,8 +10,9 @@ namespace vesk::factory {
 
 namespace basic {
 
-/// The table from native ids to the instances bound to them. It does not hold the instances: a binding
-/// lasts until the last host reference to the instance goes and its class drops it by remove.
+/// The table from native ids to the instances bound to them, in the host's thread. It does not hold the
+/// instances: a binding lasts until the last host reference to the instance goes and its class drops it by
+/// remove. Nor does it hold what an id stands for: that is the class's affair.
 ///
 /// An id with its lowest bit set (lum/host_word.h) keeps its instance in the host word of its record; all
 /// others are kept in a hash table.
@@ -25,7 +26,8 @@ class UMLMM_API BindingRegistry {
   static VeskValue announce(void const* id, VeskInterned className);
 
   /// Binds `id` to the instance in `object`, which the host made for a running constructor. Throws a
-  /// VeskError when there is none, and when the id or the instance is bound already.
+  /// VeskError when there is none, and when the id or the instance is bound already. The class is that of the
+  /// instance: `className` and `isNew` are not looked at.
   static void announceForConstructor(void* id, VeskInterned className, tarnArray* object, bool isNew);
 
   /// Drops the binding of `id`, if there is one; but not that of a new instance that got the id while the old

@@ -4,7 +4,8 @@
 
 namespace vesk::factory {
 
-/// A function of a package.
+/// A function of a package that runs through an Invoker, whose function and thunk its maker sets before the
+/// package takes it over.
 class UMLMM_API FunctionInfo : public VeskMethod {
  public:
   FunctionInfo(char const* name, MethodAttributes attributes);

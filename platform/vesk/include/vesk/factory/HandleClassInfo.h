@@ -5,10 +5,11 @@
 
 namespace vesk::factory {
 
+/// A class info for instances that stand for a T. There is but the form that does not own it: the end of an
+/// instance drops its binding and leaves the T alone.
 template <class T, bool OwnsNative>
 class HandleClassInfo;
 
-/// A class info for instances that refer to a T they do not own.
 template <class T>
 class UMLMM_API HandleClassInfo<T, false> : public VeskFactoryClassInfo {
  public:

@@ -15,7 +15,8 @@ class Invoker;
 using Thunk = void (*)(Invoker const& invoker, VeskClient const* client, int& resultCount, VeskValue* results,
                        int argumentCount, VeskValue const* arguments);
 
-/// The two functions of a method: the typed one and the thunk that serves its type.
+/// The two functions of a method: the typed one and the thunk that serves its type. Set before the method is
+/// handed over; calls change nothing in it.
 class UMLMM_API Invoker {
  public:
   /// Stores a plain function pointer or a pointer to member.

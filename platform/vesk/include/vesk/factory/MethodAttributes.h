@@ -6,7 +6,8 @@
 
 namespace vesk::factory {
 
-/// Bits of a method's attribute word.
+/// Bits of a method's attribute word, which VeskMethod's accessors read. Access codes 1, 2 and 5 count in
+/// this order; without one the code is 0.
 enum MethodAttribute : std::uint32_t {
   MethodUnlocked = 1,
   MethodHidden = 2,
@@ -21,7 +22,8 @@ enum MethodAttribute : std::uint32_t {
   MethodFirstArgumentIsSelf = 4096,  ///< read only while a method is built
 };
 
-/// Carries an attribute word to the constructor of a method.
+/// Carries an attribute word to the constructor of a method, which reads the word alone: what a class below
+/// overrides does not reach the method.
 class UMLMM_API MethodAttributes {
  public:
   MethodAttributes(std::uint32_t word = 0) noexcept : fWord(word) {}

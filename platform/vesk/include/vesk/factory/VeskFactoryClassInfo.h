@@ -6,7 +6,7 @@
 
 namespace vesk::factory {
 
-/// A class info that keeps its texts.
+/// A class info that keeps copies of its texts. The description is also the detailed one.
 class UMLMM_API VeskFactoryClassInfo : public VeskClassInfo {
  public:
   VeskFactoryClassInfo(std::string const& name, std::string const& description);

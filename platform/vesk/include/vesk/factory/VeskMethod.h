@@ -10,7 +10,8 @@ namespace vesk::factory {
 /// A method with its name, signature and attribute word; what it runs is told by the classes below it.
 class UMLMM_API VeskMethod : public VeskMethodInfo {
  public:
-  /// Takes the word over and leaves the signature empty.
+  /// Takes the word over and leaves the signature empty, which a class or package refuses. Texts are copied
+  /// and must not be null.
   VeskMethod(char const* name, MethodAttributes attributes, char const* description);
   ~VeskMethod() override;
 

@@ -31,7 +31,6 @@ struct UMLMM_API MethodRecord {
   bool fIsStatic = false;
   bool fHasReceiver = false;  ///< arguments[0] is the receiver
   bool fOverridesAll = false;
-  bool fIsVisible = true;
 
   [[nodiscard]] Type& argumentType(int index) const {
     return typeOf(fSignature->arguments()[fFirst + index]);
