@@ -202,6 +202,7 @@ void addMembers(PyObject* kindName, PyObject* members) {
 }
 
 Ref allAdditions() {
+  runBeforeFirstClass();
   Ref result = Ref::checked(PyDict_New());
   for (auto const& [kind, members] : additions())
     checkedInt(PyDict_SetItemString(result.get(), kind.c_str(), Ref::checked(PyDict_Copy(members)).get()));

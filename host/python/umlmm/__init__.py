@@ -34,18 +34,16 @@ def _show(name, package):
     return module
 
 
+def _add():
+    """Adds this package's own members to the published classes, before the first of these is made."""
+    from umlmm import _file_members
+
+
+_host.before_first_class(_add)
 _host.load("uml_metamodel_mi")
 Kelm = _show("umlmm.Kelm", "Kelm")
 Kelm.extend = _host.extend
 _show(__name__, "umlmm")
-
-
-def _add_members():
-    """What this package's own Python code adds to the published classes."""
-    from umlmm import _file_members  # noqa: F401 -- bringing it in does it
-
-
-_host.before_first_class(_add_members)
 
 
 def __getattr__(name):

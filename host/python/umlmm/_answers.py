@@ -26,7 +26,7 @@ class _Record:
     def __eq__(self, other):
         return self._values() == other._values() if type(other) is type(self) else NotImplemented
 
-    __hash__ = None
+    __hash__ = None  # type: ignore[assignment]
 
     def __repr__(self):
         shown = ", ".join(f"{name}={value!r}" for name, value in zip(self.__slots__, self._values()))
@@ -69,7 +69,7 @@ class Stereotype(_Record):
     values: dict[str, str | list[str]]
 
     def __init__(self, name, profile, uri, values):
-        by_name: dict = {}
+        by_name = {}
         for key, value in values:
             by_name.setdefault(key, []).append(value)
         super().__init__(name, profile, uri,

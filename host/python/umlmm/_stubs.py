@@ -63,7 +63,8 @@ class _PackageStub:
         lines = [_HEAD.format(title=f"The package `{self._package.module.__name__}`.") + _imports("".join(added)),
                  "from umlmm import _typing"]
         if self._package.name == "umlmm":
-            lines += ["from umlmm import Kelm as Kelm", "", "__version__: str"]
+            lines += ["from umlmm import Kelm as Kelm, files as files",
+                      "from umlmm.files import load as load, load_all as load_all", "", "__version__: str"]
         lines += [""]
         lines += filter(None, (self._member(*member) for member in self._package.other_members.items()))
         lines += [self._definition(function) + "\n" for function in self._package.functions]

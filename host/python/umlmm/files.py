@@ -17,7 +17,7 @@ import sys
 import typing
 
 import umlmm
-from umlmm import _host
+from umlmm import _host  # type: ignore[attr-defined]
 from umlmm._answers import DuplicateId, Finding, Report, ReportFile, Stereotype, Unknown, Unresolved, decoded
 
 if typing.TYPE_CHECKING:
@@ -36,7 +36,7 @@ __all__ = ["DuplicateId", "Error", "Finding", "MissingFile", "NotUml", "ReadErro
            "stereotypes", "text", "unknown", "unresolved"]
 
 _host.load("uml_model_files_mi")
-_native = umlmm._show("umlmm._files", "umlmm_files")
+_native = umlmm._show("umlmm._files", "umlmm_files")  # type: ignore[attr-defined]
 
 # Between two steps callbacks, Ctrl-C and, in the main thread, handlers of signals have their turn.
 _STEP_MILLISECONDS = 50
@@ -87,10 +87,11 @@ def load(path: Source, *, strict: bool = False, progress: Progress = None,
     return _load([path], strict, progress, paths)
 
 
-def load_all(paths_: Iterable[Source], *, strict: bool = False, progress: Progress = None,
+def load_all(files: Source | Iterable[Source], *, strict: bool = False, progress: Progress = None,
              paths: Mapping[str, Path] = {}) -> Kelm.Model:
     """Reads files that refer to each other into one new model, in whatever order; `load` tells of the rest."""
-    sources = [paths_] if isinstance(paths_, (str, os.PathLike, bytes)) or hasattr(paths_, "read") else list(paths_)
+    one = isinstance(files, (str, os.PathLike, bytes, bytearray, memoryview)) or hasattr(files, "read")
+    sources: list = [files] if one else list(files)  # type: ignore[arg-type]
     if not sources:
         raise ValueError("load_all needs at least one file")
     return _load(sources, strict, progress, paths)
