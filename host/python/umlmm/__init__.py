@@ -32,6 +32,12 @@ def _show(name, package):
     return module
 
 
+def _add():
+    """Adds this package's own members to the published classes, before the first of these is made."""
+    from umlmm import _copying
+
+
+_host.before_first_class(_add)
 _host.load("uml_metamodel_mi")
 Kelm = _show("umlmm.Kelm", "Kelm")
 Kelm.extend = _host.extend
