@@ -28,8 +28,8 @@ Feature const* farEnd(Element const& aOwner, Feature const& aRoot) noexcept {
 
 /// Whether the feature takes one more value, and no other one has to give way for it.
 bool hasRoom(Element const& aOwner, Feature const& aRoot) noexcept {
-  int const upper = engine::seenOn(aOwner, aRoot).fUpper;
-  return upper < 0 || engine::countOf(aOwner, aRoot) < static_cast<std::uint32_t>(upper);
+  Feature const& seen = engine::seenOn(aOwner, aRoot);
+  return seen.fUpper < 0 || engine::countOf(aOwner, aRoot) < static_cast<std::uint32_t>(seen.fUpper);
 }
 
 /// Whether a far end, and all that is linked with it, takes the copy beside what it holds.
