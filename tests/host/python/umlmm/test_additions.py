@@ -39,7 +39,7 @@ SCRIPT = '''
 import sys, umlmm
 from umlmm import _front
 
-early, late = umlmm.Actor, "umlmm.Signal"  # a class that is made before, and one that is made after
+early = umlmm.Actor  # made before anything is added; others are made afterwards
 
 @_front.adds_to(_front.ELEMENTS)
 class _Element:
