@@ -2,7 +2,7 @@
 
 #include <pugixml.hpp>
 
-#include "model_files/ModelFiles.h"
+#include "model_files/store/ModelFiles.h"
 #include "model_files/dialect/namespaces.h"
 #include "model_files/text/markup.h"
 #include "uml_metamodel/umlmm/models.h"

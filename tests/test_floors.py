@@ -48,7 +48,7 @@ def product():
     """All sources: path in the house, where to look it up, text. A generated file has * for what varies."""
     for top in sorted({path.partition("/")[0] for path in FLOOR_OF}):
         for path in sorted((ROOT / top).rglob("*")):
-            if path.suffix in (".h", ".cpp"):
+            if path.suffix in (".h", ".inc", ".cpp"):
                 yield path.relative_to(ROOT).as_posix(), path.relative_to(ROOT).as_posix(), path.read_text()
     for line in (CATALOGUE / "tables" / "outputs.txt").read_text().splitlines():
         cells = [cell.strip() for cell in line.split("|")]

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "model_files/ModelFiles.h"
+#include "model_files/store/ModelFiles.h"
 #include "model_files/dialect/namespaces.h"
 #include "model_files/reading/Findings.h"
 #include "model_files/reading/References.h"

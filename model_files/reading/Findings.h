@@ -4,7 +4,7 @@
 #include <string_view>
 #include <unordered_map>
 
-#include "model_files/ModelFiles.h"
+#include "model_files/store/ModelFiles.h"
 
 namespace umlmm::files {
 

@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-#include "model_files/ModelFiles.h"
+#include "model_files/store/ModelFiles.h"
 #include "model_files/reading/Findings.h"
 
 namespace umlmm::files {

@@ -63,7 +63,8 @@ std::string codePage(std::string_view aKey) {
 std::string declared(std::string_view aText) {
   std::string const text = lowerCase(aText.substr(0, std::min<std::size_t>(aText.size(), 1024)));
   auto place = static_cast<std::size_t>(std::find_if_not(text.begin(), text.end(), isBlank) - text.begin());
-  if (text.compare(place, 5, "<?xml") != 0) return {};
+  if (text.compare(place, 5, "<?xml") != 0 || place + 5 >= text.size() || !isBlank(text[place + 5]))
+    return {};
   std::string_view const prolog = std::string_view(text).substr(0, text.find('>', place));
   auto const skipBlanks = [&] {
     while (place < prolog.size() && isBlank(prolog[place])) ++place;
@@ -78,9 +79,10 @@ std::string declared(std::string_view aText) {
   if (quote != '"' && quote != '\'') return {};
   ++place;
   skipBlanks();
-  std::size_t end = std::min(prolog.find(quote, place), prolog.size());
+  std::size_t end = prolog.find(quote, place);
+  if (end == std::string_view::npos) return {};
   while (end > place && isBlank(prolog[end - 1])) --end;
-  return std::string(prolog.substr(std::min(place, end), end - std::min(place, end)));
+  return std::string(prolog.substr(place, end - place));
 }
 
 }  // namespace

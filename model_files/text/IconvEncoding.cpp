@@ -4,6 +4,7 @@
 #include <array>
 #include <cerrno>
 #include <cstdint>
+#include <cstring>
 #include <new>
 #include <utility>
 #include <vector>
@@ -183,24 +184,36 @@ class TableEncoding final : public Encoding {
 
   explicit TableEncoding(Codes const& aCodes) : fBytes(0x10000, -1) {
     for (std::size_t byte = 0; byte < aCodes.size(); ++byte) {
-      utf8::append(fCharacters[byte], aCodes[byte]);
+      std::string character;
+      utf8::append(character, aCodes[byte]);
+      character.copy(fCharacters[byte].data(), kLongest);
+      fLengths[byte] = static_cast<unsigned char>(character.size());
       if (!isEscapedByte(aCodes[byte])) fBytes[aCodes[byte]] = static_cast<std::int16_t>(byte);
       if (byte < 0x80 && aCodes[byte] != byte) fHasAscii = false;
     }
   }
 
   std::optional<std::string> decoded(std::string aBytes) const override {
-    std::size_t place = endOfAscii(aBytes, 0);
-    if (place == aBytes.size()) return aBytes;
-    std::string text;
-    text.reserve(aBytes.size() + aBytes.size() / 16);
-    text.append(aBytes, 0, place);
-    while (place < aBytes.size()) {
-      text += fCharacters[static_cast<unsigned char>(aBytes[place++])];
-      std::size_t const end = endOfAscii(aBytes, place);
-      text.append(aBytes, place, end - place);
-      place = end;
+    std::size_t size = 0;
+    for (char const byte : aBytes) size += fLengths[static_cast<unsigned char>(byte)];
+    if (fHasAscii && size == aBytes.size()) return aBytes;
+    std::string text(size + kLongest, '\0');
+    char* out = text.data();
+    for (std::size_t place = 0; place < aBytes.size();) {
+      if (fHasAscii && utf8::isAsciiWord(aBytes, place)) {
+        std::memcpy(out, aBytes.data() + place, utf8::kWord);
+        out += utf8::kWord;
+        place += utf8::kWord;
+        continue;
+      }
+      // Copies of one length are the fastest; what is too much is written over.
+      for (std::size_t const end = std::min(place + utf8::kWord, aBytes.size()); place < end; ++place) {
+        auto const byte = static_cast<unsigned char>(aBytes[place]);
+        std::memcpy(out, fCharacters[byte].data(), kLongest);
+        out += fLengths[byte];
+      }
     }
+    text.resize(size);
     return text;
   }
 
@@ -208,26 +221,28 @@ class TableEncoding final : public Encoding {
     std::string bytes;
     bytes.reserve(aText.size());
     for (std::size_t place = 0; place < aText.size();) {
-      std::size_t const end = endOfAscii(aText, place);
-      bytes.append(aText, place, end - place);
-      if (end == aText.size()) break;
-      auto const [code, length] = utf8::at(aText, end);
-      appendCharacter(bytes, code);
-      place = end + length;
+      if (fHasAscii && utf8::isAsciiWord(aText, place)) {
+        bytes.append(aText, place, utf8::kWord);
+        place += utf8::kWord;
+        continue;
+      }
+      for (std::size_t const end = std::min(place + utf8::kWord, aText.size()); place < end;) {
+        auto const [code, length] = utf8::at(aText, place);
+        appendCharacter(bytes, code);
+        place += length;
+      }
     }
     return bytes;
   }
 
  private:
-  std::size_t endOfAscii(std::string_view aText, std::size_t aPlace) const noexcept {
-    return fHasAscii ? utf8::endOfAscii(aText, aPlace) : aPlace;
-  }
+  static constexpr std::size_t kLongest = 4;
 
   void appendCharacter(std::string& aBytes, char32_t aCode) const {
-    if (isEscapedByte(aCode)) {
-      aBytes += static_cast<char>(aCode - kEscapedByte);
-    } else if (aCode < fBytes.size() && fBytes[aCode] >= 0) {
+    if (aCode < fBytes.size() && fBytes[aCode] >= 0) {
       aBytes += static_cast<char>(fBytes[aCode]);
+    } else if (isEscapedByte(aCode)) {
+      aBytes += static_cast<char>(aCode - kEscapedByte);
     } else {
       for (char const byte : referenceTo(aCode)) {
         aBytes += static_cast<char>(fBytes[static_cast<unsigned char>(byte)]);
@@ -235,7 +250,8 @@ class TableEncoding final : public Encoding {
     }
   }
 
-  std::array<std::string, 256> fCharacters;
+  std::array<std::array<char, kLongest>, 256> fCharacters{};
+  std::array<unsigned char, 256> fLengths{};
   std::vector<std::int16_t> fBytes;
   bool fHasAscii = true;
 };

@@ -5,12 +5,15 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
+#include <filesystem>
 #include <system_error>
 #include <utility>
 
 #include "model_files/text/Encoding.h"
 #include "model_files/text/Handle.h"
+#include "model_files/text/messages.h"
 
 namespace umlmm::files {
 
@@ -18,13 +21,15 @@ namespace {
 
 constexpr std::string_view kMark = "\xEF\xBB\xBF";
 constexpr std::size_t kBlock = 8192;
+constexpr std::array<std::string_view, 4> kModelSuffixes{".uml", ".xmi", ".mdxml", ".emx"};
 
 [[noreturn]] void cannotRead(std::string const& aPath, int aReason) {
   std::string const advice = aReason == ENOENT || aReason == ENOTDIR ? "check the path"
                              : aReason == EACCES || aReason == EPERM
                                  ? "ask for the right to read it"
                                  : "check the disk, or take a copy of the file";
-  throw Error('"' + aPath + "\" can't be read: " + std::generic_category().message(aReason) + "; " + advice);
+  throw Error(inQuotes(aPath) + " can't be read: " + std::generic_category().message(aReason) + "; " +
+              advice);
 }
 
 std::string readAll(int aHandle, std::size_t aExpected, std::string const& aPath) {
@@ -44,21 +49,38 @@ std::string readAll(int aHandle, std::size_t aExpected, std::string const& aPath
   return bytes;
 }
 
+/// The first by its name of the files in a folder that look like models; empty for none.
+std::string modelIn(std::string const& aFolder) {
+  std::string first;
+  std::error_code failure;
+  for (std::filesystem::directory_iterator at(aFolder, failure), end; !failure && at != end;
+       at.increment(failure)) {
+    std::string const suffix = at->path().extension().string();
+    bool const isOne =
+        std::find(kModelSuffixes.begin(), kModelSuffixes.end(), suffix) != kModelSuffixes.end();
+    if (isOne && (first.empty() || at->path().string() < first)) first = at->path().string();
+  }
+  return first;
+}
+
 }  // namespace
 
 SourceText SourceText::fromFile(std::string const& aPath) {
-  // A path of C ends there, and would name another file.
-  if (aPath.empty() || aPath.find('\0') != std::string::npos) cannotRead(aPath.c_str(), ENOENT);
+  // For the system a path ends at a zero, and would name another file.
+  if (aPath.empty() || aPath.find('\0') != std::string::npos) cannotRead(aPath, ENOENT);
   Handle const file(::open(aPath.c_str(), O_RDONLY | O_CLOEXEC));
   if (!file.isValid()) cannotRead(aPath, errno);
   struct stat status {};
   if (::fstat(file.get(), &status) != 0) cannotRead(aPath, errno);
   if (S_ISDIR(status.st_mode)) {
-    throw NotUml('"' + aPath +
-                 "\" is a folder, not a UML 2 model in XMI; name the file in it that holds the model");
+    std::string const model = modelIn(aPath);
+    throw NotUml(inQuotes(aPath) + " is a folder, not a UML 2 model in XMI; " +
+                 (model.empty() ? "open the file of a UML model" : "open " + inQuotes(model)));
   }
   auto const expected = S_ISREG(status.st_mode) ? static_cast<std::size_t>(status.st_size) : 0;
-  return fromBytes(readAll(file.get(), expected, aPath), aPath);
+  SourceText text = fromBytes(readAll(file.get(), expected, aPath), aPath);
+  text.fStamp = stampOf(status);
+  return text;
 }
 
 SourceText SourceText::fromBytes(std::string aBytes, std::string aName) {
@@ -69,12 +91,12 @@ SourceText SourceText::fromBytes(std::string aBytes, std::string aName) {
   text.fCodec = Encoding::named(text.fEncoding);
   std::string const advice = "; convert the file to UTF-8 and say so in its first line";
   if (text.fCodec == nullptr) {
-    throw Error('"' + text.name() + "\" says that its encoding is \"" + text.fEncoding +
-                "\", which is not known here" + advice);
+    throw Error(inQuotes(text.name()) + " says that its encoding is " + inQuotes(shown(text.fEncoding)) +
+                ", which is not known here" + advice);
   }
   auto decoded = text.fCodec->decoded(std::move(aBytes));
   if (!decoded) {
-    throw Error('"' + text.name() + "\" is not quite in the encoding \"" + text.fEncoding +
+    throw Error(inQuotes(text.name()) + " is not quite in the encoding \"" + text.fEncoding +
                 "\" that it names, and could not be saved again without loss" + advice);
   }
   text.fText = *std::move(decoded);

@@ -7,13 +7,15 @@
 #include <vector>
 
 #include "model_files/files.h"
+#include "model_files/text/writeFile.h"
 
 namespace umlmm::files {
 
 class Encoding;
 
 /// The text of a file. Everything works on it as UTF-8, and offsets count in that; it goes back to the file's
-/// own encoding byte for byte. Used in one thread at a time.
+/// own encoding byte for byte. Views of it hold as long as it
+/// lives and isn't moved. Used in one thread at a time.
 class SourceText {
  public:
   /// Reads a file, or what comes through a pipe. Raises Error for what can't be read: no such file, no right
@@ -28,6 +30,8 @@ class SourceText {
   std::string_view utf8() const noexcept { return std::string_view(fText).substr(fMark.size()); }
   /// As declared, in lower case, or found by the first bytes: "utf-8", "windows-1252", "utf-16le".
   std::string const& encoding() const noexcept { return fEncoding; }
+  /// Of the file before it was read; empty for bytes.
+  FileStamp const& stamp() const noexcept { return fStamp; }
   /// Bytes of the file.
   std::size_t bytes() const noexcept { return fBytes; }
   /// A text, with the changes in it, in the file's encoding and with its byte-order mark: the original bytes
@@ -52,6 +56,7 @@ class SourceText {
   std::string fMark;
   std::string fText;
   std::size_t fBytes = 0;
+  FileStamp fStamp;
   mutable std::vector<Block> fBlocks;
 };
 

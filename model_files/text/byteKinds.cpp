@@ -4,9 +4,10 @@
 #include <array>
 #include <cstddef>
 #include <cstdio>
+#include <utility>
 
 #include "model_files/text/encodings.h"
-#include "model_files/text/utf8.h"
+#include "model_files/text/messages.h"
 
 namespace umlmm::files {
 
@@ -21,7 +22,7 @@ struct ByteKind {
   std::string_view fAdvice;
 };
 
-constexpr std::string_view kOpenModel = "open the file of a model";
+constexpr std::string_view kOpenModel = "open the file of a UML model";
 constexpr std::string_view kFetch = "fetch the file itself with \"git lfs pull\", and open it then";
 constexpr std::string_view kFromDatabase =
     "open the project in its tool and export the model as XMI 2.1 or later";
@@ -82,6 +83,20 @@ constexpr std::array kTexts{
     ByteKind{0, "diff --git", "a patch", kOpenModel},
 };
 
+/// Whose bytes have nothing that others lack.
+constexpr std::array<std::pair<std::string_view, std::string_view>, 10> kSuffixes{{
+    {".feap", "a Firebird database (Enterprise Architect keeps projects so)"},
+    {".asta", "a project of astah"},
+    {".jude", "a project of astah"},
+    {".sysml", "SysML 2 as text"},
+    {".kerml", "KerML as text"},
+    {".mmd", "Mermaid"},
+    {".ump", "Umple"},
+    {".puml", "PlantUML"},
+    {".yaml", "YAML"},
+    {".yml", "YAML"},
+}};
+
 constexpr std::size_t kLooked = 4096;
 
 template <std::size_t N>
@@ -110,24 +125,6 @@ std::string firstBytes(std::string_view aBytes) {
     text += (text.empty() ? "" : " ") + std::string(digits.data());
   }
   return text;
-}
-
-/// Of the first line, as many words as help to recognise it.
-std::string firstWords(std::string_view aText) {
-  constexpr std::size_t kMost = 40;
-  std::string_view const line = aText.substr(0, aText.find_first_of("\r\n"));
-  std::string words;
-  for (std::size_t place = 0; place < line.size();) {
-    auto const [code, length] = utf8::at(line, place);
-    if (words.size() + length > kMost) return words + "...";
-    if (code == utf8::kMalformed || code < ' ') {
-      words += '?';
-    } else {
-      words += line.substr(place, length);
-    }
-    place += length;
-  }
-  return words;
 }
 
 Kind kindOfJson(std::string_view aText) {
@@ -168,11 +165,14 @@ Kind kindOfDatabase(std::string_view aBytes) {
 
 }  // namespace
 
-Kind kindOfBytes(std::string_view aText) {
+Kind kindOfBytes(std::string_view aText, std::string_view aName) {
   if (aText.empty()) return {"empty", std::string(kExport)};
   if (aText.starts_with("PK\3\4") || aText.starts_with("PK\5\6")) return kindOfZip(aText);
   if (aText.starts_with("SQLite format 3")) return kindOfDatabase(aText);
   if (auto const* row = rowOf(kBinaries, aText)) return {std::string(row->fWhat), std::string(row->fAdvice)};
+  for (auto const& [suffix, what] : kSuffixes) {
+    if (aName.ends_with(suffix)) return {std::string(what), std::string(kExport)};
+  }
   if (isBinary(aText)) return {"binary data (" + firstBytes(aText) + ")", std::string(kExport)};
   std::size_t const start = aText.find_first_not_of(" \t\r\n");
   if (start == std::string_view::npos) return {"a text of nothing but blanks", std::string(kExport)};
@@ -185,7 +185,9 @@ Kind kindOfBytes(std::string_view aText) {
     return {"SysML 2 as text", std::string(kExport)};
   }
   if (isYaml(text)) return {"a text that looks like YAML", std::string(kExport)};
-  return {"a text without any XML (it begins with \"" + firstWords(text) + "\")", std::string(kExport)};
+  return {"a text without any XML (it begins with \"" +
+              shown(text.substr(0, text.find_first_of("\r\n")), 40) + "\")",
+          std::string(kExport)};
 }
 
 }  // namespace umlmm::files

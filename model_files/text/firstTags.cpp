@@ -72,6 +72,7 @@ class Scan {
       if (next == '>' || next == '/' || next == '<') break;
       if (!takeAttribute(tag)) return false;
     }
+    tag.fIsEmpty = fText[fPlace] == '/';
     bind(tag);
     fFound.fTags.push_back(std::move(tag));
     if (fText[fPlace] == '>') ++fDepth;

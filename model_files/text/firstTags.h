@@ -22,6 +22,8 @@ struct Tag {
   std::vector<std::pair<std::string_view, std::string_view>> fAttributes;
   /// 0 for the root.
   std::size_t fDepth = 0;
+  /// "<a/>".
+  bool fIsEmpty = false;
 };
 
 /// The beginning of a text of XML, as far as it can be told without being strict about it.

@@ -49,14 +49,14 @@ inline void append(std::string& aText, char32_t aCode) {
   }
 }
 
-/// Where the run of ASCII that begins at a place ends.
-inline std::size_t endOfAscii(std::string_view aText, std::size_t aPlace) noexcept {
-  for (std::uint64_t word = 0; aText.size() - aPlace >= sizeof word; aPlace += sizeof word) {
-    std::memcpy(&word, aText.data() + aPlace, sizeof word);
-    if ((word & 0x8080808080808080U) != 0) break;
-  }
-  while (aPlace < aText.size() && static_cast<unsigned char>(aText[aPlace]) < 0x80) ++aPlace;
-  return aPlace;
+inline constexpr std::size_t kWord = sizeof(std::uint64_t);
+
+/// Whether so many bytes follow, all of them of ASCII.
+inline bool isAsciiWord(std::string_view aText, std::size_t aPlace) noexcept {
+  std::uint64_t word = 0;
+  if (aText.size() - aPlace < kWord) return false;
+  std::memcpy(&word, aText.data() + aPlace, kWord);
+  return (word & 0x8080808080808080U) == 0;
 }
 
 /// The first character of a kind, all of which begin with these bytes; npos for none.

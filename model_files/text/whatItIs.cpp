@@ -7,6 +7,7 @@
 #include "model_files/text/byteKinds.h"
 #include "model_files/text/encodings.h"
 #include "model_files/text/firstTags.h"
+#include "model_files/text/messages.h"
 
 namespace umlmm::files {
 
@@ -27,7 +28,7 @@ struct XmlKind {
 
 constexpr std::string_view kBeside = "the model is in the .uml file beside it; open that one";
 constexpr std::string_view kFromEcore = "convert it to a UML model in Eclipse, and open that file";
-constexpr std::string_view kOpenModel = "open the file of a model";
+constexpr std::string_view kOpenModel = "open the file of a UML model";
 constexpr std::string_view kAnotherLanguage = "it is another language than UML; open the file of a UML model";
 constexpr std::string_view kDownload = "if a server gave it in place of a model, download that file again";
 
@@ -90,9 +91,9 @@ constexpr std::array kXml{
 };
 
 /// Tags of dumps of databases; two of them are enough where no namespace says what it is.
-constexpr std::array<std::string_view, 10> kTableTags{"table",  "row",        "column",          "record",
-                                                      "field",  "table_data", "table_structure", "dataroot",
-                                                      "rowset", "resultset"};
+constexpr std::array<std::string_view, 12> kTableTags{
+    "column", "data",   "database", "dataroot",   "field",           "record",
+    "row",    "rowset", "table",    "table_data", "table_structure", "resultset"};
 
 std::string lowerCase(std::string_view aText) {
   std::string text(aText);
@@ -102,7 +103,11 @@ std::string lowerCase(std::string_view aText) {
   return text;
 }
 
-std::string quoted(std::string_view aText) { return '"' + std::string(aText) + '"'; }
+/// "<a> of "http://b""
+std::string tagWithNamespace(Tag const& aTag) {
+  return '<' + shown(aTag.fName) + '>' +
+         (aTag.fNamespace.empty() ? " without a namespace" : " of " + inQuotes(shown(aTag.fNamespace)));
+}
 
 XmlKind const* rowOf(Tag const& aTag) {
   auto const row = std::find_if(kXml.begin(), kXml.end(), [&aTag](XmlKind const& aRow) {
@@ -117,28 +122,38 @@ bool isXmi1(FirstTags const& aFirst) {
                                                    (aFirst.fDoctype == "XMI" && aFirst.fNamespaces.empty()));
 }
 
-Kind kindOfXmi1(FirstTags const& aFirst) {
+std::string metamodelOfXmi1(FirstTags const& aFirst) {
   std::string metamodel = "UML 1";
   for (Tag const& tag : aFirst.fTags) {
     if (tag.fName != "XMI.metamodel") continue;
     std::string_view const name = tag.attribute("xmi.name");
     std::string_view const version = tag.attribute("xmi.version");
-    metamodel =
-        std::string(name.empty() ? "UML" : name) + (version.empty() ? "" : " ") + std::string(version);
-    break;
+    if (!name.empty()) metamodel = lowerCase(name) == "uml" ? "UML" : shown(name);
+    if (!version.empty()) metamodel = metamodel.substr(0, metamodel.find(' ')) + ' ' + shown(version);
+    return metamodel;
   }
+  // "omg.org/UML1.3", "href://org.omg/UML/1.4".
+  for (std::string_view const space : aFirst.fNamespaces) {
+    std::size_t const version = space.find("UML") == kNone ? kNone : space.find("1.", space.find("UML"));
+    if (version != kNone) return "UML " + shown(space.substr(version));
+  }
+  return metamodel;
+}
+
+Kind kindOfXmi1(FirstTags const& aFirst) {
+  std::string const metamodel = metamodelOfXmi1(aFirst);
   std::string_view const version = aFirst.fTags.front().attribute("xmi.version");
-  return {
-      metamodel + " in XMI " + std::string(version.empty() ? "1" : version) + ", which is another metamodel",
-      "open it in a tool that reads it, and export it from there as UML 2 in XMI 2.1 or later"};
+  return {metamodel + " in XMI " + shown(version.empty() ? "1" : version) + ", which is another metamodel",
+          "open it in a tool that reads it, and export it from there as UML 2 in XMI 2.1 or later"};
 }
 
 bool isTables(FirstTags const& aFirst) {
   std::vector<std::string> found;
   for (Tag const& tag : aFirst.fTags) {
     std::string const name = lowerCase(tag.local());
-    bool const isOne =
-        tag.fNamespace.empty() && std::find(kTableTags.begin(), kTableTags.end(), name) != kTableTags.end();
+    // Tables of a tool's own go by such names as "t_object".
+    bool const isKnown = std::find(kTableTags.begin(), kTableTags.end(), name) != kTableTags.end();
+    bool const isOne = tag.fNamespace.empty() && (isKnown || name.starts_with("t_"));
     if (isOne && std::find(found.begin(), found.end(), name) == found.end()) found.push_back(name);
   }
   return found.size() > 1;
@@ -151,19 +166,20 @@ bool isUml2(std::string_view aNamespace) {
 Kind kindOfRoot(FirstTags const& aFirst) {
   Tag const& root = aFirst.fTags.front();
   bool const hasUml = std::any_of(aFirst.fNamespaces.begin(), aFirst.fNamespaces.end(), isUml2);
+  Kind const withoutUml{"XMI without any element of UML in it", std::string(kExport)};
   if (root.local() == "XMI" || root.fNamespace.find("XMI") != kNone) {
     auto const child = std::find_if(aFirst.fTags.begin(), aFirst.fTags.end(), [](Tag const& aTag) {
       return aTag.fDepth == 1 && aTag.local() != "Documentation" && aTag.local() != "Extension";
     });
-    if (hasUml || child == aFirst.fTags.end())
-      return {"XMI without any element of UML in it", std::string(kExport)};
-    return {"XMI of another metamodel (it holds <" + std::string(child->fName) + "> of " +
-                quoted(child->fNamespace) + ")",
+    if (hasUml || child == aFirst.fTags.end()) return withoutUml;
+    return {"XMI of another metamodel (it holds " + tagWithNamespace(*child) + ")",
             std::string(kAnotherLanguage)};
   }
-  std::string what = "XML of another kind (its root is <" + std::string(root.fName) + ">";
-  what += root.fNamespace.empty() ? " without a namespace)" : " of " + quoted(root.fNamespace) + ")";
-  return {what, std::string(kExport)};
+  if (isUml2(root.fNamespace)) return withoutUml;
+  bool const isXmi = root.has("xmi:version");
+  return {std::string(isXmi ? "XMI of another metamodel" : "XML of another kind") + " (its root is " +
+              tagWithNamespace(root) + ")",
+          std::string(isXmi ? kAnotherLanguage : kExport)};
 }
 
 Kind kindOfXml(std::string_view aText) {
@@ -181,8 +197,8 @@ Kind kindOfXml(std::string_view aText) {
             "open the project in its tool and export the model as XMI 2.1 or later"};
   }
   std::string const end = "</" + std::string(root.fName);
-  bool const isOneTag = first.fTags.size() == 1 && aText.find("/>") != kNone;
-  if (!isOneTag && aText.rfind(end) == kNone) return {"XML that breaks off before " + end + '>', again};
+  if (!root.fIsEmpty && aText.rfind(end) == kNone)
+    return {"XML that breaks off before " + shown(end) + '>', again};
   return kindOfRoot(first);
 }
 
@@ -194,7 +210,8 @@ std::array<char, 2> firstCharacters(std::string_view aBytes) noexcept {
   std::array<char, 2> found{};
   std::size_t count = 0;
   std::size_t place = 0;
-  if (aBytes.starts_with("\xEF\xBB\xBF")) place = 3;
+  // Files that were put together may have several.
+  while (aBytes.substr(place).starts_with("\xEF\xBB\xBF")) place += 3;
   if (!wide.empty() && (aBytes[low] & '\x80') != 0) place = unit;
   for (; place < aBytes.size() && aBytes.size() - place >= unit && count < found.size(); place += unit) {
     if (count > 0 || !isBlank(aBytes[place + low])) found[count++] = aBytes[place + low];
@@ -214,8 +231,8 @@ bool isNoXml(std::string_view aBytes) noexcept {
 
 std::string whatItIs(SourceText const& aText) {
   std::string_view const text = aText.utf8();
-  Kind const kind = isNoXml(text) ? kindOfBytes(text) : kindOfXml(text);
-  return quoted(aText.name()) + " is " + kind.fWhat + ", not a UML 2 model in XMI; " + kind.fAdvice;
+  Kind const kind = isNoXml(text) ? kindOfBytes(text, aText.name()) : kindOfXml(text);
+  return inQuotes(aText.name()) + " is " + kind.fWhat + ", not a UML 2 model in XMI; " + kind.fAdvice;
 }
 
 }  // namespace umlmm::files

@@ -1,7 +1,6 @@
 #include "model_files/text/writeFile.h"
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 
@@ -18,6 +17,7 @@
 
 #include "model_files/files.h"
 #include "model_files/text/Handle.h"
+#include "model_files/text/messages.h"
 
 namespace umlmm::files {
 
@@ -35,7 +35,7 @@ constexpr int kMostNames = 1000;
                  ? "ask for the right to write in its folder, or save elsewhere"
                  : "check the disk, or save elsewhere";
   }
-  throw Error('"' + aPath + "\" can't be written, and is as it was: " +
+  throw Error(inQuotes(aPath) + " can't be written, and is as it was: " +
               std::generic_category().message(aReason) + "; " + advice);
 }
 
@@ -49,7 +49,7 @@ std::string targetOf(std::string const& aPath) {
     ssize_t const length = ::readlink(path.c_str(), buffer.data(), buffer.size());
     if (length < 0) return path;
     std::string const target(buffer.data(), static_cast<std::size_t>(length));
-    path = target.starts_with('/') ? target : folderOf(path) + target;
+    path = target.starts_with('/') ? target : folderOf(path).append(target);
   }
   cannotWrite(aPath, ELOOP, "mend the links that lead in a circle");
 }
@@ -71,9 +71,11 @@ class Replacement {
     for (int i = 0; i < kMostNames && !fFile.isValid(); ++i) {
       timespec now{};
       ::clock_gettime(CLOCK_REALTIME, &now);
-      fPath = folderOf(aTarget) + ".saving-" + std::to_string(::getpid()) + '-' +
-              std::to_string(now.tv_nsec) + '-' +
-              std::to_string(sCount.fetch_add(1, std::memory_order_relaxed));
+      fPath = folderOf(aTarget).append(".saving");
+      for (long const part :
+           {long{::getpid()}, now.tv_nsec, long{sCount.fetch_add(1, std::memory_order_relaxed)}}) {
+        fPath.append("-").append(std::to_string(part));
+      }
       fFile = Handle(::open(fPath.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, aMode));
       if (!fFile.isValid() && errno != EEXIST) break;
     }
@@ -96,7 +98,8 @@ class Replacement {
     takeAttributesOf(aTarget);
     mode_t mode = aStatus.st_mode & (isOwned ? 07777U : 0777U);
     if (!isGroups) mode &= ~static_cast<mode_t>(S_IRWXG);
-    return ::fchmod(fFile.get(), mode) == 0 ? 0 : errno;
+    // Where even the owner may not, the file system keeps no rights of files.
+    return ::fchmod(fFile.get(), mode) == 0 || errno == EPERM ? 0 : errno;
   }
 
   int write(std::string_view aBytes) {
@@ -116,13 +119,15 @@ class Replacement {
   int reason() const noexcept { return fReason; }
 
  private:
-  /// Lists of access rights among them; what the file system doesn't take is left.
+  /// Lists of access rights, and what users have noted; what the file system doesn't take is left.
   void takeAttributesOf(std::string const& aTarget) const {
     std::array<char, 16384> names;
     ssize_t const length = ::listxattr(aTarget.c_str(), names.data(), names.size());
     for (ssize_t i = 0; i < length;
          i += static_cast<ssize_t>(std::strlen(&names[static_cast<std::size_t>(i)])) + 1) {
       char const* const name = &names[static_cast<std::size_t>(i)];
+      if (std::string_view(name) != "system.posix_acl_access" && std::strncmp(name, "user.", 5) != 0)
+        continue;
       std::vector<char> value(65536);
       ssize_t const size = ::getxattr(aTarget.c_str(), name, value.data(), value.size());
       if (size >= 0) ::fsetxattr(fFile.get(), name, value.data(), static_cast<std::size_t>(size), 0);
@@ -145,14 +150,14 @@ void writeThrough(std::string const& aPath, std::string_view aBytes) {
   Handle file(::open(aPath.c_str(), O_WRONLY | O_CLOEXEC));
   int const reason = file.isValid() ? writeAll(file.get(), aBytes) : errno;
   if (reason != 0)
-    throw Error('"' + aPath + "\" can't be written: " + std::generic_category().message(reason));
+    throw Error(inQuotes(aPath) + " can't be written: " + std::generic_category().message(reason));
 }
 
 }  // namespace
 
 void writeFile(std::string const& aPath, std::string_view aBytes) {
   if (aPath.empty() || aPath.find('\0') != std::string::npos) {
-    cannotWrite(aPath.c_str(), ENOENT, "give the path of a file");
+    cannotWrite(aPath, ENOENT, "give the path of a file");
   }
   std::string const target = targetOf(aPath);
   struct stat status {};
@@ -175,9 +180,13 @@ void writeFile(std::string const& aPath, std::string_view aBytes) {
 
 FileStamp stampOf(std::string const& aPath) {
   struct stat status {};
-  if (::stat(aPath.c_str(), &status) != 0) return {};
-  return {status.st_dev, status.st_ino, static_cast<std::uint64_t>(status.st_size),
-          static_cast<std::int64_t>(status.st_mtim.tv_sec) * 1'000'000'000 + status.st_mtim.tv_nsec};
+  return ::stat(aPath.c_str(), &status) == 0 ? stampOf(status) : FileStamp();
+}
+
+FileStamp stampOf(struct stat const& aStatus) noexcept {
+  constexpr std::int64_t kNanoseconds = 1'000'000'000;
+  return {aStatus.st_dev, aStatus.st_ino, static_cast<std::uint64_t>(aStatus.st_size),
+          aStatus.st_mtim.tv_sec * kNanoseconds + aStatus.st_mtim.tv_nsec};
 }
 
 }  // namespace umlmm::files

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <sys/stat.h>
+
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -25,5 +27,6 @@ struct FileStamp {
 
 /// Of a file that is not there, the empty stamp.
 FileStamp stampOf(std::string const& aPath);
+FileStamp stampOf(struct stat const& aStatus) noexcept;
 
 }  // namespace umlmm::files

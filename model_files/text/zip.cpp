@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "model_files/text/byteKinds.h"
+#include "model_files/text/messages.h"
 
 namespace umlmm::files {
 
@@ -18,7 +19,7 @@ struct MemberKind {
   std::string_view fAdvice;
 };
 
-constexpr std::string_view kDocument = "open the file of a model";
+constexpr std::string_view kDocument = "open the file of a UML model";
 
 /// By names of members that tell what an archive is.
 constexpr std::array kMembers{
@@ -80,7 +81,7 @@ Kind kindOfZip(std::string_view aBytes) {
     auto const model =
         std::find_if(names.begin(), names.end(), [suffix](auto aName) { return aName.ends_with(suffix); });
     if (model == names.end()) continue;
-    kind.fAdvice = "unpack it and open \"" + std::string(*model) + "\" in it";
+    kind.fAdvice = "unpack it and open " + inQuotes(*model) + " in it";
     break;
   }
   return kind;

@@ -4,7 +4,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "model_files/ModelFiles.h"
+#include "model_files/store/ModelFiles.h"
 #include "model_files/dialect/values.h"
 
 namespace umlmm::files {

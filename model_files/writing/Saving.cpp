@@ -1,6 +1,6 @@
 #include <chrono>
 
-#include "model_files/ModelFiles.h"
+#include "model_files/store/ModelFiles.h"
 #include "model_files/reading/Reading.h"
 #include "model_files/text/writeFile.h"
 #include "model_files/writing/Comparison.h"

@@ -7,7 +7,7 @@
 #include <unordered_set>
 #include <vector>
 
-#include "model_files/ModelFiles.h"
+#include "model_files/store/ModelFiles.h"
 #include "model_files/dialect/Style.h"
 #include "model_files/writing/Comparison.h"
 

@@ -49,7 +49,7 @@ class ValueSequence final : public SequenceIntf {
   // Marks for export mean nothing in an unnamed namespace.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wattributes"
-#include "kelm/kernel/containers/sequence/handedOn.h"
+#include "kelm/kernel/containers/sequence/handedOn.inc"
 #pragma GCC diagnostic pop
   bool splice(Deviant const& aDeviant, int aFirst, int aRemoved, std::vector<Ref> const& aValues) override {
     Changing const changing(*this, aDeviant, Adds::Nothing);

@@ -53,6 +53,7 @@ TEST(SourceText, TellsAndDecodesEncodings) {
            {"\xFF\xFE\0\0"s + wide("<a/>", 0, 3), "utf-32le", "<a/>"},
            {wide("<a/>", 3, 0), "utf-32be", "<a/>"},
            {prolog("UTF-16"), "utf-8", prolog("UTF-16")},
+           {"<?xml-stylesheet encoding='latin1'?>", "utf-8", "<?xml-stylesheet encoding='latin1'?>"},
            {"\x4C\x6F\xA7\x94\x93\x6F\x6E", "ibm037", "<?xml?>"},
        }) {
     SCOPED_TRACE(row.fBytes);
@@ -69,13 +70,17 @@ TEST(SourceText, EveryByteOfEveryEncodingComesBack) {
   for (int i = 0; i < 256; ++i) all += static_cast<char>(i);
   for (char const* name : {"utf-8", "us-ascii", "iso-8859-1", "iso-8859-3", "iso-8859-7", "iso-8859-15",
                            "windows-1250", "windows-1252", "windows-1253", "windows-1255", "windows-1258",
-                           "koi8-r", "macintosh", "ibm437", "tis-620"}) {
+                           "koi8-r", "macintosh", "ibm437", "ibm857", "tis-620"}) {
     SCOPED_TRACE(name);
     SourceText const text = textOf(prolog(name) + all);
     EXPECT_EQ(text.encoded(text.utf8()), prolog(name) + all);
     EXPECT_TRUE(text.utf8().starts_with(prolog(name) + all.substr(0, 128)));
   }
 }
+
+/// U+10F000 and U+10FE80, which stand for such bytes, when an encoding has them itself.
+std::string const kPrivate =
+    "\xFC\xDB\0\xDC\xFF\xDB\x80\xDE\xDB\xFC\xDC\0\xDB\xFF\xDE\x80\x80\xFE\x10\0\0\x10\xFE\x80xxxx\xE3\x31\xF2\x32"s;
 
 /// Most of these bytes are no text at all.
 TEST(SourceText, MalformedBytesComeBack) {
@@ -88,9 +93,8 @@ TEST(SourceText, MalformedBytesComeBack) {
   for (std::string const& start : starts) {
     for (int i = 0; i < 40; ++i) {
       std::string bytes = start;
-      for (int j = 0; j < 997; ++j) bytes += static_cast<char>(random() >> 8);
-      // Characters for private use that stand for such bytes, when an encoding has them itself.
-      bytes += "\xFC\xDB\0\xDC"s + "\x3F\xDA\xFF\xDB\x80\xDE" + "\0\xFE\x10\0"s + "\xE3\x32\x9A\x35";
+      for (int j = 0; j < 1000; ++j) bytes += static_cast<char>(random() >> 8);
+      bytes += i % 2 == 0 ? "x" : kPrivate;
       SourceText const text = textOf(bytes);
       ASSERT_EQ(text.encoded(text.utf8()), bytes) << text.encoding() << " " << i;
       ASSERT_NO_THROW(textOf(std::string(text.utf8()))) << text.encoding();
@@ -98,6 +102,8 @@ TEST(SourceText, MalformedBytesComeBack) {
   }
   // An escape of bytes takes none with it that are text.
   EXPECT_TRUE(textOf(prolog("gbk") + "\x81<b>").utf8().ends_with("<b>"));
+  // Nor after a character that is written otherwise than it would be here.
+  EXPECT_TRUE(textOf(prolog("shift_jis") + "\x87\x90\x81<b>").utf8().ends_with("<b>"));
 }
 
 TEST(SourceText, CharactersThatTheEncodingLacksBecomeReferences) {
@@ -124,10 +130,12 @@ std::string failureOf(std::string const& aBytes) {
 }
 
 TEST(SourceText, RefusesEncodingsThatItCannotGiveBack) {
-  for (char const* name : {"klingon", "latin1//TRANSLIT", "../x", "-"}) {
+  for (char const* name : {"klingon", "latin1//TRANSLIT", "../x", "-", "utf\xE4"}) {
     EXPECT_EQ(failureOf(prolog(name)),
               "\"a.uml\" says that its encoding is \""s +
-                  (name == "latin1//TRANSLIT"s ? "latin1//translit" : name) +
+                  (name == "latin1//TRANSLIT"s ? "latin1//translit"
+                   : name == "utf\xE4"s        ? "utf?"
+                                               : name) +
                   "\", which is not known here; convert the file to UTF-8 and say so in its "
                   "first line");
   }

@@ -89,6 +89,13 @@ TEST(WhatItIs, Xml) {
         {"UML 1.3 in XMI 1.1", "export"}},
        {"<?xml version='1.0'?><XMI xmi.version = \"1.2\" xmlns:UML='org.omg.xmi.namespace.UML'>",
         {"UML 1 in XMI 1.2"}},
+       {"<XMI xmi.version='1.1' xmlns:UML='omg.org/UML1.3'>", {"UML 1.3 in XMI 1.1"}},
+       {"\xEF\xBB\xBF\xEF\xBB\xBF<e:A xmlns:e='http://e' xmi:version='2.0'/>",
+        {"XMI of another metamodel", "<e:A>"}},
+       {"<uml:Odd xmi:version='2.1' xmlns:uml='http://www.omg.org/spec/UML/20131001'/>",
+        {"without any element of UML"}},
+       {"<a\xE4\n/>", {"root is <a?>"}},
+       {"<?xml version='1.0' encoding='windows-12", {"breaks off"}},
        {"<XMI xmi.version='1.1'><XMI.header><XMI.metamodel xmi.name='CWM' xmi.version='1.0'/>",
         {"CWM 1.0 in XMI 1.1"}},
        {"<rdf:RDF xmlns:rdf='http://www.w3.org/1999/02/22-rdf-syntax-ns#'/>", {"RDF"}},
@@ -98,6 +105,8 @@ TEST(WhatItIs, Xml) {
        {xmi + "http://www.eclipse.org/gmf/runtime/1.0.2/notation'><e:Diagram/>", {".notation", "beside"}},
        {xmi + "http://x.org/y'><e:Thing/></xmi:XMI>",
         {"XMI of another metamodel", "<e:Thing>", "http://x.org/y"}},
+       {xmi + "http://x'><b xmlns:e='http://www.w3.org/2002/07/owl#'/><e:A/></xmi:XMI>",
+        {"<b> without a namespace"}},
        {xmi + "http://schema.omg.org/spec/UML/2.1'><a/></xmi:XMI>", {"XMI without any element of UML"}},
        {xmi + "http://www.eclipse.org/uml2/5.0.0/UML'><e:Mod",
         {"breaks off before </xmi:XMI>", "whole file"}},
@@ -110,9 +119,17 @@ TEST(WhatItIs, Xml) {
        {"<XPD:PROJECT xmlns:XPD='http://www.staruml.com' version='1'/>", {"StarUML"}},
        {"<Package name='M'><Table name='t_package'><Row><Column name='a'/></Row></Table></Package>",
         {"tables"}},
+       {"<dataroot><t_object><a/></t_object></dataroot>", {"tables"}},
        {"<a b=c d e='f'><h/></a>", {"root is <a> without a namespace"}},
        {"\xFE\xFF\0<\0p\0l\0i\0s\0t\0/\0>"s, {"property list"}}},
       true);
+}
+
+TEST(WhatItIs, NamesOfFilesTellWhatBytesDont) {
+  for (auto const& [name, word] :
+       {std::pair{"a.feap", "Firebird"}, {"a.sysml", "SysML 2"}, {"a.txt", "without any XML"}}) {
+    EXPECT_NE(whatItIs(SourceText::fromBytes("package P;", name)).find(word), std::string::npos) << name;
+  }
 }
 
 /// A text that breaks off anywhere gets a sentence.

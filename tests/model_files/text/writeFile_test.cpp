@@ -102,8 +102,13 @@ TEST_F(WriteFile, WhatFailsLeavesAllAsItWas) {
 }
 
 /// Root may write anywhere, so it gives its rights away for a while.
-TEST_F(WriteFile, RightsAreKeptTo) {
+TEST_F(WriteFile, ProtectedFilesAndOwnersStay) {
+  writeFile(fPath, "one");
+  bool const isGiven = ::chown(fPath.c_str(), 65534, 65534) == 0;
   writeFile(fPath, "old");
+  struct stat status {};
+  ASSERT_EQ(::stat(fPath.c_str(), &status), 0);
+  EXPECT_EQ(status.st_uid, isGiven ? 65534 : ::getuid());
   ASSERT_EQ(::chmod(fPath.c_str(), 0444), 0);
   ASSERT_EQ(::chmod(fFolder.c_str(), 0777), 0);
   uid_t const user = ::geteuid();
@@ -131,13 +136,21 @@ TEST_F(WriteFile, StampsTellAWrittenFile) {
   writeFile(fPath, "one");
   auto const first = stampOf(fPath);
   EXPECT_EQ(first, stampOf(fPath));
+  EXPECT_EQ(first, SourceText::fromFile(fPath).stamp());
   EXPECT_NE(first, missing);
   writeFile(fPath, "two");
   EXPECT_NE(first, stampOf(fPath));
 }
 
 TEST_F(WriteFile, WhatCannotBeReadIsTold) {
-  EXPECT_THROW(SourceText::fromFile(fFolder.string()), NotUml);
+  writeFile((fFolder / "z.uml").string(), "");
+  writeFile((fFolder / "b.uml").string(), "");
+  try {
+    SourceText::fromFile(fFolder.string());
+    ADD_FAILURE();
+  } catch (NotUml const& failure) {
+    EXPECT_TRUE(std::string_view(failure.what()).ends_with("b.uml\"")) << failure.what();
+  }
   for (std::string const& path : {fPath, std::string(), std::string("a\0b", 3), fPath + "/b"}) {
     EXPECT_THROW(SourceText::fromFile(path), Error) << path;
   }

@@ -42,7 +42,7 @@ class UMLMM_API GenericReferenceCountingSequenceProxy : public SequenceProxy {
       : fTarget(aTarget) {}
   UMLMM_API ~GenericReferenceCountingSequenceProxy() override { delete fTarget; }
 
-#include "kelm/kernel/containers/sequence/handedOn.h"
+#include "kelm/kernel/containers/sequence/handedOn.inc"
   bool splice(Deviant const& aDeviant, int aFirst, int aRemoved,
               std::vector<Generic::Ref> const& aValues) override {
     return target().splice(aDeviant, aFirst, aRemoved, aValues);

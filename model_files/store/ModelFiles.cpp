@@ -1,4 +1,4 @@
-#include "model_files/ModelFiles.h"
+#include "model_files/store/ModelFiles.h"
 
 #include "model_files/dialect/values.h"
 
