@@ -2,13 +2,15 @@
 
 from __future__ import annotations
 
-import json
-import typing
-
-if typing.TYPE_CHECKING:
+TYPE_CHECKING = False  # but for checkers: the module typing takes longer to bring in than a file to read
+if TYPE_CHECKING:
     from umlmm import Kelm
 
-decoded = json.loads
+
+def decoded(text):
+    """The values of a text of JSON."""
+    import json
+    return json.loads(text)
 
 
 class _Record:

@@ -14,13 +14,13 @@ from __future__ import annotations
 import errno
 import os
 import sys
-import typing
 
 import umlmm
 from umlmm import _host  # type: ignore[attr-defined]
 from umlmm._answers import DuplicateId, Finding, Report, ReportFile, Stereotype, Unknown, Unresolved, decoded
 
-if typing.TYPE_CHECKING:
+TYPE_CHECKING = False  # but for checkers: the module typing takes longer to bring in than a file to read
+if TYPE_CHECKING:
     from collections.abc import Callable, Iterable, Mapping
     from typing import BinaryIO, Union
 

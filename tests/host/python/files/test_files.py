@@ -2,6 +2,7 @@
 
 import gc
 import io
+import os
 import signal
 import subprocess
 import sys
@@ -46,6 +47,26 @@ def test_what_can_be_opened(tmp_path):
     assert first != second and first.uri != second.uri
     first.close()
     assert not first.isvalid() and second.rootElements()[0].name == "shop"
+
+
+def test_files_that_refer_to_each_other(tmp_path):
+    shop, parts = tmp_path / "shop.uml", tmp_path / "parts.uml"
+    shop.write_bytes(ECLIPSE.replace(b'type="_i"/>', b'><type xmi:type="uml:Class" href="parts.uml#_i"/></ownedAttribute>'))
+    parts.write_bytes(ECLIPSE.replace(b"Item", b"Part"))
+    for given in ([shop, parts], [str(parts), str(shop)]):
+        model = umlmm.load_all(given)
+        assert model.by_id("_t", shop).type is model.by_id("_i", str(parts)) and model.unresolved == []
+        assert sorted(file.path for file in model.files) == [str(parts), str(shop)]
+        model.by_id("_i", parts).name = "Piece"
+        before = os.stat(shop)
+        model.save()
+        assert parts.read_bytes() == ECLIPSE.replace(b"Item", b"Piece") and os.stat(shop) == before
+        assert files.text(model, shop) == shop.read_bytes()
+        model.close()
+    with pytest.raises(files.MissingFile, match="none.uml"):
+        umlmm.load_all([shop, tmp_path / "none.uml"])
+    with pytest.raises(ValueError, match="at least one"):
+        umlmm.load_all([])
 
 
 @pytest.mark.parametrize("source, error, words", [
