@@ -5,10 +5,10 @@
 #include <string_view>
 #include <vector>
 
-#include "model_files/store/ModelFiles.h"
 #include "model_files/dialect/namespaces.h"
 #include "model_files/reading/Findings.h"
 #include "model_files/reading/References.h"
+#include "model_files/store/ModelFiles.h"
 
 namespace umlmm::files {
 

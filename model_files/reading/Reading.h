@@ -7,10 +7,10 @@
 #include <string>
 #include <vector>
 
-#include "model_files/store/ModelFiles.h"
 #include "model_files/reading/Builder.h"
 #include "model_files/reading/Findings.h"
 #include "model_files/reading/References.h"
+#include "model_files/store/ModelFiles.h"
 
 namespace umlmm::files {
 

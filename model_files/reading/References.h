@@ -4,8 +4,8 @@
 #include <string_view>
 #include <vector>
 
-#include "model_files/store/ModelFiles.h"
 #include "model_files/reading/Findings.h"
+#include "model_files/store/ModelFiles.h"
 
 namespace umlmm::files {
 

@@ -1,5 +1,7 @@
 #include "model_files/store/ModelFiles.h"
 
+#include <algorithm>
+
 #include "model_files/dialect/values.h"
 
 namespace umlmm::files {
@@ -34,6 +36,36 @@ int ModelFiles::fileOf(Element const& aElement, Kelm::Deviant const& aDeviant) c
   for (Element const* at = &aElement; at != nullptr; at = containerOf(*at, aDeviant))
     if (auto const found = fTags.find(at); found != fTags.end()) return static_cast<int>(found->second);
   return standIn(aElement) != nullptr ? -1 : 0;
+}
+
+namespace {
+
+/// The rows of a list that are about an element, in their order.
+template <class Row>
+std::vector<Row const*> rowsOf(Element const& aElement, std::vector<Row> const& aRows,
+                               std::unordered_multimap<Element const*, std::size_t>& aIndex) {
+  if (aIndex.size() != aRows.size()) {
+    aIndex.clear();
+    for (std::size_t at = 0; at < aRows.size(); ++at) aIndex.emplace(aRows[at].fElement.get(), at);
+  }
+  std::vector<Row const*> rows;
+  for (auto [at, end] = aIndex.equal_range(&aElement); at != end; ++at) rows.push_back(&aRows[at->second]);
+  std::ranges::sort(rows);
+  return rows;
+}
+
+}  // namespace
+
+std::vector<Kept const*> ModelFiles::keptBy(Element const& aElement) const {
+  return rowsOf(aElement, fKept, fKeptBy);
+}
+
+std::vector<Dangling const*> ModelFiles::danglingOf(Element const& aElement) const {
+  return rowsOf(aElement, fDangling, fDanglingOf);
+}
+
+std::vector<Application const*> ModelFiles::applicationsOf(Element const& aElement) const {
+  return rowsOf(aElement, fApplications, fApplicationsOf);
 }
 
 StandIn const* ModelFiles::standIn(Element const& aElement) const {

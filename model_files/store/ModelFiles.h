@@ -102,6 +102,15 @@ class ModelFiles final : public Kelm::ModelCompanion {
   /// Looks at all tags anew; to be called before the questions above.
   void indexTags();
   StandIn const* standIn(Element const& aElement) const;
+  /// What there is about elements; to be called when the lists below are others.
+  void forgetIndexes() noexcept {
+    fKeptBy.clear();
+    fDanglingOf.clear();
+    fApplicationsOf.clear();
+  }
+  std::vector<Kept const*> keptBy(Element const& aElement) const;
+  std::vector<Dangling const*> danglingOf(Element const& aElement) const;
+  std::vector<Application const*> applicationsOf(Element const& aElement) const;
 
   Place place(Spot aSpot) const { return fFiles[aSpot.fFile].fText.placeOf(aSpot.fOffset); }
 
@@ -118,6 +127,10 @@ class ModelFiles final : public Kelm::ModelCompanion {
  private:
   /// Files by element.
   std::unordered_map<Element const*, std::uint32_t> fTags;
+  // By element, for questions; made when the first is asked. Places in the lists above.
+  mutable std::unordered_multimap<Element const*, std::size_t> fKeptBy;
+  mutable std::unordered_multimap<Element const*, std::size_t> fDanglingOf;
+  mutable std::unordered_multimap<Element const*, std::size_t> fApplicationsOf;
 };
 
 }  // namespace umlmm::files

@@ -4,8 +4,8 @@
 #include <unordered_map>
 #include <vector>
 
-#include "model_files/store/ModelFiles.h"
 #include "model_files/dialect/values.h"
+#include "model_files/store/ModelFiles.h"
 
 namespace umlmm::files {
 

@@ -143,7 +143,7 @@ void Patcher::patch(Element& aElement, Element&, Tag const& aTag, Feature const&
   if (aFeature.fComposite)
     fChangedOwners.insert(&aElement);
   else
-    patchReferences(aElement, aTag, aFeature);
+    patchReferences(aElement, aTag, aFeature, elementsOf(aElement, aFeature, fComparison.deviant()));
 }
 
 void Patcher::patchValue(Element& aElement, Tag const& aTag, Feature const& aFeature) {
@@ -167,19 +167,25 @@ void Patcher::patchValue(Element& aElement, Tag const& aTag, Feature const& aFea
   replaceChildren(aTag, children, std::move(written));
 }
 
-void Patcher::patchReferences(Element& aElement, Tag const& aTag, Feature const& aFeature) {
+void Patcher::patchReferences(Element& aElement, Tag const& aTag, Feature const& aFeature,
+                              std::vector<Element*> const& aValues) {
   auto const* const attribute = attributeCalled(aTag, aElement, aFeature);
-  auto const children = childrenCalled(aTag, aElement, aFeature);
+  auto children = childrenCalled(aTag, aElement, aFeature);
+  // Of a containment those that name what stands elsewhere.
+  if (aFeature.fComposite)
+    std::erase_if(children, [&](auto const& aChild) {
+      return std::ranges::none_of(markup::attributes(fText, aChild.fName), [](auto const& aAttribute) {
+        return aAttribute.fName == "href" || aAttribute.fName.ends_with(":idref");
+      });
+    });
   if (attribute == nullptr && children.empty() && !fTags.writesEnd(aFeature)) return;
   // References that led nowhere stay, unless something else has come into their one place.
-  auto const values = elementsOf(aElement, aFeature, fComparison.deviant());
   std::unordered_set<std::size_t> kept;
   std::string ids;
-  for (Dangling const& dangling : fFiles.fDangling) {
-    if (dangling.fElement.get() != &aElement || dangling.fFeature != &aFeature ||
-        dangling.fSpot.fFile != fNumber)
-      continue;
-    if (!aFeature.fMany && !values.empty()) continue;
+  for (Dangling const* const one : fFiles.danglingOf(aElement)) {
+    Dangling const& dangling = *one;
+    if (dangling.fFeature != &aFeature || dangling.fSpot.fFile != fNumber) continue;
+    if (!aFeature.fMany && !aValues.empty()) continue;
     if (attribute != nullptr && dangling.fSpot.fOffset == attribute->fFrom)
       (ids += ids.empty() ? "" : " ") += dangling.fAddress;
     else
@@ -188,10 +194,10 @@ void Patcher::patchReferences(Element& aElement, Tag const& aTag, Feature const&
   // An attribute has ids alone, and tags of the same name would not keep the order with it.
   bool const asAttribute =
       (attribute != nullptr || (children.empty() && fTags.style().asAttribute(aFeature))) &&
-      std::ranges::all_of(values, [&](Element* aValue) { return addressOf(*aValue).empty(); });
+      std::ranges::all_of(aValues, [&](Element* aValue) { return addressOf(*aValue).empty(); });
   std::vector<Write> written;
   std::string resolved;
-  for (Element* const value : values) {
+  for (Element* const value : aValues) {
     if (asAttribute) {
       (resolved += resolved.empty() ? "" : " ") += fTags.idOf(*value);
       continue;
@@ -219,6 +225,9 @@ void Patcher::patchParts(Element& aOwner) {
     if (!isWritten(*feature) || feature->fKind != Kind::Reference || !feature->fComposite) continue;
     auto const parts = elementsOf(aOwner, *feature, fComparison.deviant());
     if (!parts.empty()) patchParts(aOwner, tag, *feature, parts);
+    auto named = parts;
+    std::erase_if(named, [&](Element* aPart) { return !isNamed(aOwner, tag, *feature, *aPart); });
+    patchReferences(aOwner, tag, *feature, named);
   }
 }
 
@@ -271,6 +280,16 @@ void Patcher::patchParts(Element& aOwner, Tag const& aTag, Feature const& aFeatu
       addChild(aTag, behind, written(part));
     }
   }
+}
+
+bool Patcher::isNamed(Element& aOwner, Tag const& aTag, Feature const& aFeature, Element& aPart) const {
+  auto const node = fNodes.find(&aPart);
+  if (node == fNodes.end() || fHomeless.contains(&aPart))
+    return featureOf(aOwner, aPart, fComparison.deviant()) != &aFeature;
+  std::size_t const name = fFile.fMade[node->second].fOffset;
+  bool const isHere =
+      std::ranges::any_of(aTag.fChildren, [&](auto const& aChild) { return aChild.fName == name; });
+  return !isHere || featureCalled(metaclassOf(aOwner), markup::nameAt(fText, name)) != &aFeature;
 }
 
 void Patcher::patchTop() {

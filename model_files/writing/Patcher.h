@@ -6,8 +6,8 @@
 #include <unordered_set>
 #include <vector>
 
-#include "model_files/store/ModelFiles.h"
 #include "model_files/dialect/Style.h"
+#include "model_files/store/ModelFiles.h"
 #include "model_files/text/markup.h"
 #include "model_files/writing/Comparison.h"
 #include "model_files/writing/Edits.h"
@@ -44,10 +44,13 @@ class Patcher {
   bool isAtHome(Element& aElement, Element& aRead, std::size_t aName);
   void patch(Element& aElement, Element& aRead, Tag const& aTag, Feature const& aFeature);
   void patchValue(Element& aElement, Tag const& aTag, Feature const& aFeature);
-  void patchReferences(Element& aElement, Tag const& aTag, Feature const& aFeature);
+  void patchReferences(Element& aElement, Tag const& aTag, Feature const& aFeature,
+                       std::vector<Element*> const& aValues);
   void patchParts(Element& aOwner);
   void patchParts(Element& aOwner, Tag const& aTag, Feature const& aFeature,
                   std::vector<Element*> const& aParts);
+  /// Whether a part of the feature stands under another tag, so that the feature has to name it.
+  bool isNamed(Element& aOwner, Tag const& aTag, Feature const& aFeature, Element& aPart) const;
   void patchTop();
   void removeApplications();
   void addIds();

@@ -1,10 +1,11 @@
 #include <chrono>
 
-#include "model_files/store/ModelFiles.h"
 #include "model_files/reading/Reading.h"
+#include "model_files/store/ModelFiles.h"
 #include "model_files/text/writeFile.h"
 #include "model_files/writing/Comparison.h"
 #include "model_files/writing/Patcher.h"
+#include "model_files/writing/WholeFile.h"
 #include "uml_metamodel/umlmm/models.h"
 
 namespace umlmm::files {
@@ -85,6 +86,7 @@ class Saving {
     fFiles.fKept = std::move(readFiles.fKept);
     fFiles.fDangling = std::move(readFiles.fDangling);
     fFiles.fApplications = std::move(readFiles.fApplications);
+    fFiles.forgetIndexes();
     for (auto const& [element, id] : fNewIds)
       const_cast<Element*>(element)->setKernelEntry(fModel.getDeviant(), Element::ExternalId, textObject(id));
     fFiles.fRevision = fModel.object().revision();
@@ -143,8 +145,13 @@ class Saving {
 
 }  // namespace
 
-std::string textOf(Kelm::Model const& aModel, SaveOptions const&, std::string_view aFile) {
-  ModelFiles const& files = ModelFiles::of(aModel);
+std::string textOf(Kelm::Model const& aModel, SaveOptions const& aOptions, std::string_view aFile) {
+  ModelFiles const* const own = ModelFiles::find(aModel);
+  if (own == nullptr || !aOptions.fDialect.empty()) {
+    std::vector<Element*> order;
+    return WholeFile(aModel, dialectCalled(aOptions.fDialect)).write(order);
+  }
+  ModelFiles const& files = *own;
   auto const texts = Saving(aModel).texts();
   for (std::size_t at = 0; at < texts.size(); ++at)
     if (aFile.empty() || files.fFiles[at].fText.name() == aFile)

@@ -32,7 +32,7 @@ Feature const* featureOf(Element const& aOwner, Element const& aPart, Kelm::Devi
   for (Feature const* const feature : metaclassOf(aOwner).fOrder) {
     if (!feature->fComposite || !isWritten(*feature) || feature->fKind != Kind::Reference) continue;
     if (!metaclassOf(aPart).isA(*feature->fType)) continue;
-    if (chosen != nullptr && !isSubsetOf(*feature, *chosen)) continue;
+    if (chosen != nullptr && !isSubsetOf(*chosen, *feature)) continue;
     auto const parts = elementsOf(aOwner, *feature, aDeviant);
     if (std::ranges::find(parts, &aPart) != parts.end()) chosen = feature;
   }
@@ -80,10 +80,15 @@ void Tags::write(Element& aElement, std::string_view aTagName, Feature const* aF
     if (!isWritten(*feature) || feature->fKind == Kind::Reference) continue;
     writeValues(aElement, *feature, attributes, children);
   }
-  for (Feature const* const feature : metaclass.fOrder)
-    if (isWritten(*feature) && feature->fKind == Kind::Reference && !feature->fComposite &&
-        writesEnd(*feature))
-      writeReferences(aElement, *feature, attributes, children);
+  for (Feature const* const feature : metaclass.fOrder) {
+    if (!isWritten(*feature) || feature->fKind != Kind::Reference || !writesEnd(*feature)) continue;
+    auto values = elementsOf(aElement, *feature, fDeviant);
+    if (feature->fComposite)
+      std::erase_if(values, [&](Element* aPart) { return featureOf(aElement, *aPart, fDeviant) == feature; });
+    writeReferences(*feature, values, attributes, children);
+  }
+  if (fKept)
+    for (std::string& text : fKept(aElement)) children.push_back(std::move(text));
   ((aOut += '<') += aTagName) += attributes;
   bool hasParts = false;
   auto const child = [&](auto aWrite) {
@@ -121,15 +126,14 @@ void Tags::writeValues(Element& aElement, Feature const& aFeature, std::string& 
   }
 }
 
-void Tags::writeReferences(Element& aElement, Feature const& aFeature, std::string& aAttributes,
-                           std::vector<std::string>& aChildren) {
-  auto const values = elementsOf(aElement, aFeature, fDeviant);
+void Tags::writeReferences(Feature const& aFeature, std::vector<Element*> const& aValues,
+                           std::string& aAttributes, std::vector<std::string>& aChildren) {
   // An attribute has ids alone, and tags of the same name would not keep the order with it.
-  bool const asAttribute = fStyle.asAttribute(aFeature) && std::ranges::all_of(values, [&](Element* aValue) {
+  bool const asAttribute = fStyle.asAttribute(aFeature) && std::ranges::all_of(aValues, [&](Element* aValue) {
                              return !localId(*aValue).empty();
                            });
   std::string ids;
-  for (Element* const value : values) {
+  for (Element* const value : aValues) {
     if (asAttribute)
       (ids += ids.empty() ? "" : " ") += localId(*value);
     else

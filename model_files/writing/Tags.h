@@ -7,8 +7,8 @@
 #include <unordered_set>
 #include <vector>
 
-#include "model_files/store/ModelFiles.h"
 #include "model_files/dialect/Style.h"
+#include "model_files/store/ModelFiles.h"
 #include "model_files/writing/Comparison.h"
 
 namespace umlmm::files {
@@ -29,6 +29,9 @@ class Tags {
   std::function<std::string(Element&)> fForeignAddress;
   /// Writes an element that has a tag already; false for one that has none.
   std::function<bool(Element&, std::string_view aTagName, Feature const*, std::string&)> fWriteKnown;
+
+  /// Further tags that stand in an element, as they are.
+  std::function<std::vector<std::string>(Element&)> fKept;
 
   void useId(std::string_view aId) { fUsedIds.emplace(aId); }
   void order(std::vector<Element*>& aOrder) noexcept { fOrder = &aOrder; }
@@ -57,8 +60,8 @@ class Tags {
  private:
   void writeValues(Element& aElement, Feature const& aFeature, std::string& aAttributes,
                    std::vector<std::string>& aChildren);
-  void writeReferences(Element& aElement, Feature const& aFeature, std::string& aAttributes,
-                       std::vector<std::string>& aChildren);
+  void writeReferences(Feature const& aFeature, std::vector<Element*> const& aValues,
+                       std::string& aAttributes, std::vector<std::string>& aChildren);
   Element& pristine(Metaclass const& aMetaclass);
   std::string newId(Element& aElement);
 
@@ -73,7 +76,8 @@ class Tags {
   std::vector<Element*>* fOrder = nullptr;
 };
 
-/// The feature of its owner under which a part is written: of those that hold it the most special.
+/// The feature of its owner under which a part is written: of those that hold it the most general. The others
+/// name it by its id.
 Feature const* featureOf(Element const& aOwner, Element const& aPart, Kelm::Deviant const& aDeviant);
 
 }  // namespace umlmm::files

@@ -1,9 +1,8 @@
-#include "model_files/files.h"
-
 #include <pugixml.hpp>
 
-#include "model_files/store/ModelFiles.h"
 #include "model_files/dialect/namespaces.h"
+#include "model_files/files.h"
+#include "model_files/store/ModelFiles.h"
 #include "model_files/text/markup.h"
 #include "uml_metamodel/umlmm/models.h"
 
@@ -109,9 +108,8 @@ std::vector<Unknown> unknown(Kelm::ClassObject const& aElement) {
   std::vector<Unknown> answer;
   ModelFiles const* const files = ModelFiles::find(modelOf(aElement));
   if (files == nullptr) return answer;
-  for (Kept const& kept : files->fKept)
-    if (kept.fElement.get() == aElement.get())
-      answer.push_back(unknownOf(files->fFiles[kept.fSpot.fFile].fText, kept));
+  for (Kept const* const kept : files->keptBy(*aElement.get()))
+    answer.push_back(unknownOf(files->fFiles[kept->fSpot.fFile].fText, *kept));
   return answer;
 }
 
@@ -119,9 +117,8 @@ std::vector<StereotypeApplication> stereotypes(Kelm::ClassObject const& aElement
   std::vector<StereotypeApplication> answer;
   ModelFiles const* const files = ModelFiles::find(modelOf(aElement));
   if (files == nullptr) return answer;
-  for (Application const& application : files->fApplications)
-    if (application.fElement.get() == aElement.get())
-      answer.push_back(applicationOf(files->fFiles[application.fSpot.fFile].fText, application));
+  for (Application const* const application : files->applicationsOf(*aElement.get()))
+    answer.push_back(applicationOf(files->fFiles[application->fSpot.fFile].fText, *application));
   return answer;
 }
 

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "model_files/store/ModelFiles.h"
+
+namespace umlmm::files {
+
+/// A form in which a model is written from scratch.
+struct Dialect {
+  std::string_view fName;
+  std::string_view fUmlAddress;
+  std::string_view fXmiAddress;
+  std::string_view fXmiVersion;
+  /// Before and behind the name of a primitive type of the standard.
+  std::string_view fPrimitives;
+  /// References as attributes, and types only where they have to be said.
+  bool fIsTerse;
+};
+
+/// Raises Error, with the names that there are, for another one. An empty name is that of the standard's own
+/// form.
+Dialect const& dialectCalled(std::string_view aName);
+
+/// The text of a whole model in a dialect, in UTF-8. What stands with its elements beside the metaclasses
+/// goes along where the dialect has a place for it: applied stereotypes, what no metaclass covers, references
+/// that lead nowhere.
+class WholeFile {
+ public:
+  WholeFile(Kelm::Model const& aModel, Dialect const& aDialect);
+
+  /// `aOrder` receives the elements in the order of their tags.
+  std::string write(std::vector<Element*>& aOrder);
+  std::unordered_map<Element const*, std::string> const& newIds() const noexcept { return fNewIds; }
+
+ private:
+  std::vector<std::string> keptBy(Element const& aElement) const;
+
+  Kelm::Model fModel;
+  Dialect const& fDialect;
+  ModelFiles* fFiles;
+  std::unordered_map<Element const*, std::string> fNewIds;
+};
+
+}  // namespace umlmm::files
