@@ -2,8 +2,8 @@
 
 #include <pugixml.hpp>
 
-#include "model_files/store/ModelFiles.h"
 #include "model_files/dialect/namespaces.h"
+#include "model_files/store/ModelFiles.h"
 #include "model_files/text/markup.h"
 #include "uml_metamodel/umlmm/models.h"
 
@@ -52,12 +52,15 @@ Unknown unknownOf(SourceText const& aText, Kept const& aKept) {
   return {std::string(attribute.fName), {}, attribute.value(), {}};
 }
 
-StereotypeApplication applicationOf(SourceText const& aText, Application const& aApplication) {
-  Tag const tag(aText, aApplication.fSpot.fOffset);
+StereotypeApplication applicationOf(ModelFile& aFile, Application const& aApplication) {
+  std::string_view const source = aFile.fText.utf8();
+  Tag const tag(aFile.fText, aApplication.fSpot.fOffset);
   pugi::xml_node const node = tag.node();
   QualifiedName const name(node.name());
   StereotypeApplication application{std::string(name.fName), std::string(name.fPrefix), {}, {}};
-  application.fProfileUri = markup::declaration(aText.utf8(), aApplication.fSpot.fOffset, name.fPrefix);
+  if (!aFile.fDeclarations) aFile.fDeclarations = markup::declarations(source);
+  application.fProfileUri =
+      markup::declaration(source, *aFile.fDeclarations, aApplication.fSpot.fOffset, name.fPrefix);
   for (pugi::xml_attribute const attribute : node.attributes()) {
     std::string_view const text = attribute.name();
     if (text.find(':') == std::string_view::npos && !text.starts_with("base_") && text != "xmlns")
@@ -107,21 +110,21 @@ Kelm::ClassObject byId(Kelm::Model const& aModel, std::string_view aId, std::str
 
 std::vector<Unknown> unknown(Kelm::ClassObject const& aElement) {
   std::vector<Unknown> answer;
-  ModelFiles const* const files = ModelFiles::find(modelOf(aElement));
+  ModelFiles* const files = ModelFiles::find(modelOf(aElement));
   if (files == nullptr) return answer;
-  for (Kept const& kept : files->fKept)
-    if (kept.fElement.get() == aElement.get())
-      answer.push_back(unknownOf(files->fFiles[kept.fSpot.fFile].fText, kept));
+  files->fKeptOf.forEach(files->fKept, aElement.get(), [&](Kept const& aKept) {
+    answer.push_back(unknownOf(files->fFiles[aKept.fSpot.fFile].fText, aKept));
+  });
   return answer;
 }
 
 std::vector<StereotypeApplication> stereotypes(Kelm::ClassObject const& aElement) {
   std::vector<StereotypeApplication> answer;
-  ModelFiles const* const files = ModelFiles::find(modelOf(aElement));
+  ModelFiles* const files = ModelFiles::find(modelOf(aElement));
   if (files == nullptr) return answer;
-  for (Application const& application : files->fApplications)
-    if (application.fElement.get() == aElement.get())
-      answer.push_back(applicationOf(files->fFiles[application.fSpot.fFile].fText, application));
+  files->fApplicationsOf.forEach(files->fApplications, aElement.get(), [&](Application const& aApplication) {
+    answer.push_back(applicationOf(files->fFiles[aApplication.fSpot.fFile], aApplication));
+  });
   return answer;
 }
 

@@ -3,6 +3,7 @@
 #include <boost/smart_ptr/intrusive_ptr.hpp>
 #include <cstdint>
 #include <deque>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -14,6 +15,7 @@
 #include "model_files/dialect/Style.h"
 #include "model_files/dialect/values.h"
 #include "model_files/files.h"
+#include "model_files/store/ByElement.h"
 #include "model_files/text/SourceText.h"
 #include "model_files/text/writeFile.h"
 
@@ -73,6 +75,8 @@ struct ModelFile {
   /// Where the file lies, from the root of the system on; empty for bytes that were given.
   std::string fPath;
   FileStamp fStamp;
+  /// Where its namespaces are declared; made when first asked.
+  std::optional<std::vector<std::size_t>> fDeclarations;
 };
 
 /// An element of the model that stands for a primitive type of the standard, and the address under which a
@@ -108,8 +112,10 @@ class ModelFiles final : public Kelm::ModelCompanion {
   std::deque<ModelFile> fFiles;
   Report fReport;
   std::vector<Kept> fKept;
+  ByElement<Kept> fKeptOf;
   std::vector<Dangling> fDangling;
   std::vector<Application> fApplications;
+  ByElement<Application> fApplicationsOf;
   /// The model's own PrimitiveType elements that stand for those of the standard, by name.
   std::unordered_map<std::string_view, StandIn> fStandIns;
   /// The model's revision when all was read.
