@@ -82,18 +82,14 @@ bool Reading::advance() {
 
 void Reading::startFile() {
   Input& input = fInputs[fAt];
-  bool const isGiven = input.fBytes.has_value();
-  std::string const path =
-      isGiven || input.fPath.empty() ? std::string() : std::filesystem::absolute(input.fPath).string();
-  // Of the time before it is read: who changes it meanwhile is noticed at saving.
-  FileStamp const stamp = path.empty() ? FileStamp() : stampOf(path);
+  bool const isOnDisk = !input.fBytes.has_value() && !input.fPath.empty();
   auto const number = static_cast<std::uint32_t>(fFiles->fFiles.size());
   ModelFile& file =
       fFiles->fFiles.emplace_back(input.fBytes ? SourceText::fromBytes(std::move(*input.fBytes), input.fPath)
                                                : SourceText::fromFile(input.fPath));
   std::string_view const text = file.fText.utf8();
-  file.fPath = path;
-  file.fStamp = stamp;
+  if (isOnDisk) file.fPath = std::filesystem::absolute(input.fPath).string();
+  file.fStamp = file.fText.stamp();
   fFiles->fReport.fFiles.push_back(
       {file.fText.name(), "", "", "", file.fText.encoding(), file.fText.bytes()});
   if (isNoXml(text)) throw NotUml(whatItIs(file.fText));

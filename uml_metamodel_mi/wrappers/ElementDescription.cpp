@@ -231,11 +231,6 @@ bool visitImmutableNames(NameVisitor const& aVisit, ElementDescription const& aD
   return true;
 }
 
-bool visitMetaPropertyNames(NameVisitor const& aVisit, ElementDescription const& aDescription) {
-  for (MetaPropertyRow const& row : aDescription.fMetaProperties) aVisit(row.fName);
-  return true;
-}
-
 void fillMetaPropertyClass(vesk::VeskClass* aClass, ElementDescription const& aDescription) {
   vesk::factory::detail::initStringDataTypes();
   char const* const name = metaPropertyClassName(aDescription.fName).c_str();

@@ -103,6 +103,5 @@ void fillMetaPropertyClass(vesk::VeskClass* aClass, ElementDescription const& aD
 using NameVisitor = std::function<void(char const*)>;
 bool visitMutableNames(NameVisitor const& aVisit, ElementDescription const& aDescription);
 bool visitImmutableNames(NameVisitor const& aVisit, ElementDescription const& aDescription);
-bool visitMetaPropertyNames(NameVisitor const& aVisit, ElementDescription const& aDescription);
 
 }  // namespace umlmm::mi

@@ -40,16 +40,25 @@ std::string quoted(std::string_view text) { return "'" + std::string(text) + "'"
 // --- kinds
 
 /// Classes of different sorts never stand above one another.
-enum class Sort : std::uint8_t { List, Iterator, Other };
+enum class Sort : std::uint8_t {
+  Reference,  ///< and classes without a family, such as enumerations
+  List,
+  Iterator,
+  OfFamily  ///< belongs to a family, but is none of its forms
+};
+constexpr std::size_t kSorts = 4;
 
 Sort sortOf(ClassRecord const& cls) {
+  constexpr std::array kAccesses = {Access::Changeable, Access::ReadOnly};
   if (cls.info().getSequenceHook()) return Sort::List;
   ClassFamily const* const family = cls.info().family();
-  if (!family) return Sort::Other;
-  for (Access const access : {Access::Changeable, Access::ReadOnly})
-    for (Access const elements : {Access::Changeable, Access::ReadOnly})
+  if (!family) return Sort::Reference;
+  for (Access const access : kAccesses) {
+    if (family->reference(access) == cls.fName) return Sort::Reference;
+    for (Access const elements : kAccesses)
       if (family->iterator(access, elements) == cls.fName) return Sort::Iterator;
-  return Sort::Other;
+  }
+  return Sort::OfFamily;
 }
 
 /// What members are added to: a class and all below it, or all classes on one of the front's own bases.
@@ -73,7 +82,7 @@ struct Kind {
 Kind kindOf(PyObject* name) {
   std::string const text = utf8(name);
   if (text == "List") return {text, Sort::List, nullptr, &gListType};
-  if (text == "Enumeration") return {text, Sort::Other, nullptr, &gEnumerationType};
+  if (text == "Enumeration") return {text, Sort::Reference, nullptr, &gEnumerationType};
   ClassRecord& cls = classToExtend(name);
   return {text, sortOf(cls), &cls, nullptr};
 }
@@ -112,7 +121,7 @@ void forEachClass(Sort sort, Visit visit) {
 class PublishedNames {
  public:
   static bool contain(Sort sort, std::string_view name) {
-    static std::array<PublishedNames, 3>& sNames = *new std::array<PublishedNames, 3>;
+    static std::array<PublishedNames, kSorts>& sNames = *new std::array<PublishedNames, kSorts>;
     PublishedNames& names = sNames[static_cast<std::size_t>(sort)];
     std::size_t classes = 0;
     for (host::PackageRecord* package : host::packages()) classes += package->classes().size();

@@ -16,7 +16,8 @@ was added before; a class is added as a whole or not at all. Lists take names on
 them stays.
 
 `state(object)` is a dictionary that belongs to a model or to the model of an element, the same for all objects that
-show it, and ends when the model is closed. What is kept there for an element goes by its `hash`.
+show it, and ends when the model is closed. What is kept there for an element goes by its `hash`. The
+collector does not see the dictionary: an object of the model that is kept in it would keep the model open.
 
 Annotations, written as the stubs should have them (`umlmm.Class`, `typing.Any`), tell checkers the types.
 """

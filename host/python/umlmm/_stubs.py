@@ -1,6 +1,7 @@
 """Stubs for type checkers and editors, written from the filled classes."""
 
 import pathlib
+import re
 
 from umlmm import _front, _host
 from umlmm._added import stub_lines
@@ -40,7 +41,8 @@ def write_stubs(folder):
 
 def _imports(text):
     """Imports of the modules that annotations of added members name."""
-    return "".join(f"import {module}\n" for module in ("collections.abc", "typing", "umlmm") if f"{module}." in text)
+    modules = ("collections.abc", "typing", "typing_extensions", "umlmm")
+    return "".join(f"import {module}\n" for module in modules if re.search(rf"\b{module}\.", text))
 
 
 def _kinds(added):

@@ -22,8 +22,8 @@ ModelObject* modelOf(void const* aId) {
 
 /// What changes through an id is refused for one that is read-only.
 void checkChangeable(void const* aId, Deviant const& aDeviant) {
-  if (DeviantRegistry::isImmutable(aId) || aDeviant.variant()->fReadOnly)
-    raiseFailure(words::kReadOnlyVariant, kSource);
+  if (DeviantRegistry::isImmutable(aId)) raiseFailure(words::kImmutableObject, kSource);
+  if (aDeviant.variant()->fReadOnly) raiseFailure(words::kReadOnlyVariant, kSource);
 }
 
 }  // namespace

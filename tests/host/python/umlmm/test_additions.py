@@ -36,10 +36,10 @@ def test_what_cannot_be_added_is_refused_as_a_whole(kind, name, error, text):
 
 
 SCRIPT = '''
-import copy, pathlib, sys, umlmm
+import sys, umlmm
 from umlmm import _front
 
-early, late = umlmm.Actor, "umlmm.Signal"  # a class that is made before, and one that is made after
+early = umlmm.Actor  # made before anything is added; others are made afterwards
 
 @_front.adds_to(_front.ELEMENTS)
 class _Element:
@@ -80,7 +80,6 @@ class _Model:
     def __contains__(self, name): return any(e.name == name for e in self)
     def __len__(self): return self.allElements().size()
     def __bool__(self): return self.isvalid()
-    def __deepcopy__(self, memo): return "copied"
 
 @_front.adds_to(_front.LISTS)
 class _List:
@@ -118,7 +117,7 @@ for refused, error in ((lambda: setattr(order, "fixed", 6), AttributeError), (la
         continue
     raise AssertionError(error)
 assert model["Order"] is order and "Order" in model and "Item" not in model and len(model) == len(list(model)) == 4
-assert copy.deepcopy(model) == "copied" and order.ownedAttribute.having(a=1) == (0, {"a": 1})
+assert order.ownedAttribute.having(a=1) == (0, {"a": 1})
 del model["Order"]
 assert "Order" not in model and not order.isvalid()
 Kind = umlmm.VisibilityKind
