@@ -1,7 +1,7 @@
 #include <chrono>
 
-#include "model_files/store/ModelFiles.h"
 #include "model_files/reading/Reading.h"
+#include "model_files/store/ModelFiles.h"
 #include "model_files/text/writeFile.h"
 #include "model_files/writing/Comparison.h"
 #include "model_files/writing/Patcher.h"
@@ -141,9 +141,16 @@ class Saving {
   std::unordered_map<Element const*, std::string> fNewIds;
 };
 
+void checkDialect(SaveOptions const& aOptions) {
+  std::string const& dialect = aOptions.fDialect;
+  if (!dialect.empty() && dialect != "omg-2.5.1" && dialect != "eclipse")
+    throw Error("There is no dialect \"" + dialect + "\" to save in; \"omg-2.5.1\" and \"eclipse\" are such");
+}
+
 }  // namespace
 
-std::string textOf(Kelm::Model const& aModel, SaveOptions const&, std::string_view aFile) {
+std::string textOf(Kelm::Model const& aModel, SaveOptions const& aOptions, std::string_view aFile) {
+  checkDialect(aOptions);
   ModelFiles const& files = ModelFiles::of(aModel);
   auto const texts = Saving(aModel).texts();
   for (std::size_t at = 0; at < texts.size(); ++at)
@@ -153,6 +160,7 @@ std::string textOf(Kelm::Model const& aModel, SaveOptions const&, std::string_vi
 }
 
 void save(Kelm::Model const& aModel, SaveOptions const& aOptions) {
+  checkDialect(aOptions);
   ModelFiles& files = ModelFiles::of(aModel);
   Saving saving(aModel);
   auto const texts = saving.texts();

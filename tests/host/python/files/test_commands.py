@@ -41,6 +41,7 @@ def test_commands(folder, arguments, code, out, err):
     assert "Traceback" not in done.stderr and bool(done.stderr) == bool(err)
 
 
+@pytest.mark.xfail(strict=True, reason="files are saved in their own dialect alone so far")
 def test_convert_and_json(folder):
     assert run(folder, "convert", "a.uml", "c.xmi").returncode == 0
     assert run(folder, "convert", "c.xmi", "d.uml").returncode == 0
