@@ -191,8 +191,8 @@ std::string pathOf(Element const& aElement, Kelm::Deviant const& aDeviant) {
     Metaclass const& metaclass = Metamodel::instance().metaclassOf(*element);
     Feature const* const feature = metaclass.feature("name");
     Kelm::Object const name = feature == nullptr ? Kelm::Object() : read(*element, *feature, aDeviant);
-    std::string const shown = name.isNull() ? std::string(metaclass.fName) : textOf(*feature, name);
-    path = path.empty() ? shown : shown + "::" + path;
+    if (!path.empty()) path.insert(0, "::");
+    path.insert(0, name.isNull() ? std::string(metaclass.fName) : textOf(*feature, name));
   }
   return path;
 }

@@ -102,7 +102,8 @@ void Reading::startFile() {
       fDocument.load_buffer_inplace(fBuffer.data(), fBuffer.size(), kFlags, pugi::encoding_utf8);
   fFiles->fReport.fParseTime += since(start);
   if (!result) refuse(file, result);
-  fBuilder.emplace(*fFiles, number, fModel, fFindings, fReferences, fBuffer.data(), fIsAgain);
+  fBuilder =
+      std::make_unique<Builder>(*fFiles, number, fModel, fFindings, fReferences, fBuffer.data(), fIsAgain);
   fBuilder->start(fDocument);
 }
 
@@ -115,12 +116,11 @@ void Reading::refuse(ModelFile const& aFile, pugi::xml_parse_result const& aResu
 }
 
 void Reading::endFile() {
-  ModelFile const& file = fFiles->fFiles.back();
+  ModelFile& file = fFiles->fFiles.back();
   if (fBuilder->found() == 0) throw NotUml(whatItIs(file.fText));
   fFiles->fReport.fFiles.back().fDialect = dialectOf(*fBuilder);
-  Style& style = fFiles->fFiles.back().fStyle;
-  style.fReentrant = isReentrantByDefault(fBuilder->umlAddress());
-  style.complete();
+  file.fStyle.fReentrant = isReentrantByDefault(fBuilder->umlAddress());
+  file.fStyle.complete();
   fBuilder.reset();
   fParsed.push_back({std::move(fBuffer), std::move(fDocument)});
   fDocument = pugi::xml_document();

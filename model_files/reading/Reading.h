@@ -2,7 +2,6 @@
 
 #include <chrono>
 #include <memory>
-#include <optional>
 #include <pugixml.hpp>
 #include <string>
 #include <vector>
@@ -48,7 +47,7 @@ class Reading {
   double fTime = 0;
   std::string fBuffer;
   pugi::xml_document fDocument;
-  std::optional<Builder> fBuilder;
+  std::unique_ptr<Builder> fBuilder;
   /// Addresses of references lie in the parser's texts, which stay until they are resolved.
   std::vector<Parsed> fParsed;
   std::size_t fAt = 0;

@@ -38,34 +38,16 @@ int ModelFiles::fileOf(Element const& aElement, Kelm::Deviant const& aDeviant) c
   return standIn(aElement) != nullptr ? -1 : 0;
 }
 
-namespace {
-
-/// The rows of a list that are about an element, in their order.
-template <class Row>
-std::vector<Row const*> rowsOf(Element const& aElement, std::vector<Row> const& aRows,
-                               std::unordered_multimap<Element const*, std::size_t>& aIndex) {
-  if (aIndex.size() != aRows.size()) {
-    aIndex.clear();
-    for (std::size_t at = 0; at < aRows.size(); ++at) aIndex.emplace(aRows[at].fElement.get(), at);
-  }
-  std::vector<Row const*> rows;
-  for (auto [at, end] = aIndex.equal_range(&aElement); at != end; ++at) rows.push_back(&aRows[at->second]);
-  std::ranges::sort(rows);
-  return rows;
-}
-
-}  // namespace
-
 std::vector<Kept const*> ModelFiles::keptBy(Element const& aElement) const {
-  return rowsOf(aElement, fKept, fKeptBy);
+  return fKeptOf.rows(fKept, &aElement);
 }
 
 std::vector<Dangling const*> ModelFiles::danglingOf(Element const& aElement) const {
-  return rowsOf(aElement, fDangling, fDanglingOf);
+  return fDanglingOf.rows(fDangling, &aElement);
 }
 
 std::vector<Application const*> ModelFiles::applicationsOf(Element const& aElement) const {
-  return rowsOf(aElement, fApplications, fApplicationsOf);
+  return fApplicationsOf.rows(fApplications, &aElement);
 }
 
 StandIn const* ModelFiles::standIn(Element const& aElement) const {

@@ -3,6 +3,7 @@
 #include <boost/smart_ptr/intrusive_ptr.hpp>
 #include <cstdint>
 #include <deque>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -14,6 +15,7 @@
 #include "model_files/dialect/Style.h"
 #include "model_files/dialect/values.h"
 #include "model_files/files.h"
+#include "model_files/store/ByElement.h"
 #include "model_files/text/SourceText.h"
 #include "model_files/text/writeFile.h"
 
@@ -73,6 +75,8 @@ struct ModelFile {
   /// Where the file lies, from the root of the system on; empty for bytes that were given.
   std::string fPath;
   FileStamp fStamp;
+  /// Where its namespaces are declared; made when first asked.
+  std::optional<std::vector<std::size_t>> fDeclarations;
 };
 
 /// An element of the model that stands for a primitive type of the standard, and the address under which a
@@ -102,12 +106,6 @@ class ModelFiles final : public Kelm::ModelCompanion {
   /// Looks at all tags anew; to be called before the questions above.
   void indexTags();
   StandIn const* standIn(Element const& aElement) const;
-  /// What there is about elements; to be called when the lists below are others.
-  void forgetIndexes() noexcept {
-    fKeptBy.clear();
-    fDanglingOf.clear();
-    fApplicationsOf.clear();
-  }
   std::vector<Kept const*> keptBy(Element const& aElement) const;
   std::vector<Dangling const*> danglingOf(Element const& aElement) const;
   std::vector<Application const*> applicationsOf(Element const& aElement) const;
@@ -127,10 +125,9 @@ class ModelFiles final : public Kelm::ModelCompanion {
  private:
   /// Files by element.
   std::unordered_map<Element const*, std::uint32_t> fTags;
-  // By element, for questions; made when the first is asked. Places in the lists above.
-  mutable std::unordered_multimap<Element const*, std::size_t> fKeptBy;
-  mutable std::unordered_multimap<Element const*, std::size_t> fDanglingOf;
-  mutable std::unordered_multimap<Element const*, std::size_t> fApplicationsOf;
+  mutable ByElement<Kept> fKeptOf;
+  mutable ByElement<Dangling> fDanglingOf;
+  mutable ByElement<Application> fApplicationsOf;
 };
 
 }  // namespace umlmm::files

@@ -51,12 +51,15 @@ Unknown unknownOf(SourceText const& aText, Kept const& aKept) {
   return {std::string(attribute.fName), {}, attribute.value(), {}};
 }
 
-StereotypeApplication applicationOf(SourceText const& aText, Application const& aApplication) {
-  Tag const tag(aText, aApplication.fSpot.fOffset);
+StereotypeApplication applicationOf(ModelFile& aFile, Application const& aApplication) {
+  std::string_view const source = aFile.fText.utf8();
+  Tag const tag(aFile.fText, aApplication.fSpot.fOffset);
   pugi::xml_node const node = tag.node();
   QualifiedName const name(node.name());
   StereotypeApplication application{std::string(name.fName), std::string(name.fPrefix), {}, {}};
-  application.fProfileUri = markup::declaration(aText.utf8(), aApplication.fSpot.fOffset, name.fPrefix);
+  if (!aFile.fDeclarations) aFile.fDeclarations = markup::declarations(source);
+  application.fProfileUri =
+      markup::declaration(source, *aFile.fDeclarations, aApplication.fSpot.fOffset, name.fPrefix);
   for (pugi::xml_attribute const attribute : node.attributes()) {
     std::string_view const text = attribute.name();
     if (text.find(':') == std::string_view::npos && !text.starts_with("base_") && text != "xmlns")
@@ -106,7 +109,7 @@ Kelm::ClassObject byId(Kelm::Model const& aModel, std::string_view aId, std::str
 
 std::vector<Unknown> unknown(Kelm::ClassObject const& aElement) {
   std::vector<Unknown> answer;
-  ModelFiles const* const files = ModelFiles::find(modelOf(aElement));
+  ModelFiles* const files = ModelFiles::find(modelOf(aElement));
   if (files == nullptr) return answer;
   for (Kept const* const kept : files->keptBy(*aElement.get()))
     answer.push_back(unknownOf(files->fFiles[kept->fSpot.fFile].fText, *kept));
@@ -115,10 +118,10 @@ std::vector<Unknown> unknown(Kelm::ClassObject const& aElement) {
 
 std::vector<StereotypeApplication> stereotypes(Kelm::ClassObject const& aElement) {
   std::vector<StereotypeApplication> answer;
-  ModelFiles const* const files = ModelFiles::find(modelOf(aElement));
+  ModelFiles* const files = ModelFiles::find(modelOf(aElement));
   if (files == nullptr) return answer;
   for (Application const* const application : files->applicationsOf(*aElement.get()))
-    answer.push_back(applicationOf(files->fFiles[application->fSpot.fFile].fText, *application));
+    answer.push_back(applicationOf(files->fFiles[application->fSpot.fFile], *application));
   return answer;
 }
 

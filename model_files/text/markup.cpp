@@ -1,5 +1,6 @@
 #include "model_files/text/markup.h"
 
+#include <algorithm>
 #include <pugixml.hpp>
 
 namespace umlmm::files::markup {
@@ -124,16 +125,38 @@ std::string Attribute::value() const {
   return document.first_child().first_attribute().value();
 }
 
-std::string declaration(std::string_view aText, std::size_t aOffset, std::string_view aPrefix) {
+namespace {
+
+/// Whether a name, "=" and a text in quotes stand at an offset.
+bool isAttribute(std::string_view aText, std::size_t aAt) {
+  std::size_t at = aText.find_first_of(" \t\r\n=\"'<>", aAt);
+  at = aText.find_first_not_of(kBlanks, at);
+  if (at == std::string_view::npos || aText[at] != '=') return false;
+  at = aText.find_first_not_of(kBlanks, at + 1);
+  return at != std::string_view::npos && (aText[at] == '"' || aText[at] == '\'') &&
+         aText.find(aText[at], at + 1) != std::string_view::npos;
+}
+
+}  // namespace
+
+std::vector<std::size_t> declarations(std::string_view aText) {
+  constexpr std::string_view kName = "xmlns:";
+  std::vector<std::size_t> found;
+  for (std::size_t at = aText.find(kName); at != std::string_view::npos;
+       at = aText.find(kName, at + kName.size()))
+    if (at > 0 && kBlanks.find(aText[at - 1]) != std::string_view::npos && isAttribute(aText, at))
+      found.push_back(at);
+  return found;
+}
+
+std::string declaration(std::string_view aText, std::vector<std::size_t> const& aDeclarations,
+                        std::size_t aOffset, std::string_view aPrefix) {
   std::string const name = "xmlns:" + std::string(aPrefix);
   bool isEmpty = false;
-  std::string_view const before = aText.substr(0, endOfStart(aText, aOffset, isEmpty));
-  for (std::size_t at = before.rfind(name); at != std::string_view::npos && at > 0;
-       at = before.rfind(name, at - 1)) {
-    char const behind = before[at + name.size()];
-    if (kBlanks.find(before[at - 1]) != std::string_view::npos &&
-        (behind == '=' || kBlanks.find(behind) != std::string_view::npos))
-      return attribute(before, at).value();
+  auto at = std::ranges::lower_bound(aDeclarations, endOfStart(aText, aOffset, isEmpty));
+  while (at != aDeclarations.begin()) {
+    Attribute const found = attribute(aText, *--at);
+    if (found.fName == name) return found.value();
   }
   return {};
 }
@@ -186,6 +209,12 @@ std::string escapedText(std::string_view aText) {
       text += character;
   }
   return text;
+}
+
+void writeValue(std::string_view aName, std::string_view aText, std::string& aOut) {
+  ((aOut += '<') += aName) += '>';
+  ((aOut += escapedText(aText)) += "</") += aName;
+  aOut += '>';
 }
 
 }  // namespace umlmm::files::markup

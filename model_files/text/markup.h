@@ -44,12 +44,17 @@ std::string_view nameAt(std::string_view aText, std::size_t aName);
 /// The attribute whose name stands at the offset.
 Attribute attribute(std::string_view aText, std::size_t aName);
 
+/// Where namespaces are given prefixes, in order.
+std::vector<std::size_t> declarations(std::string_view aText);
 /// The namespace of a prefix at an offset: of the declarations before it, the one that stands last.
-std::string declaration(std::string_view aText, std::size_t aOffset, std::string_view aPrefix);
+std::string declaration(std::string_view aText, std::vector<std::size_t> const& aDeclarations,
+                        std::size_t aOffset, std::string_view aPrefix);
 
 /// A text as it is written between quotes or between tags; those of its characters that can't stand there
 /// become references.
 std::string escaped(std::string_view aText, char aQuote);
 std::string escapedText(std::string_view aText);
+/// A text as a tag of its own.
+void writeValue(std::string_view aName, std::string_view aText, std::string& aOut);
 
 }  // namespace umlmm::files::markup

@@ -25,7 +25,7 @@ Tags::Layout layoutOf(std::string_view aText) {
   if (line == std::string_view::npos) return {};
   Tags::Layout layout{line > 0 && aText[line - 1] == '\r' ? "\r\n" : "\n", "  "};
   // The first tag that is set in tells by how much.
-  for (std::size_t at = aText.find("\n"); at != std::string_view::npos; at = aText.find("\n", at + 1)) {
+  for (std::size_t at = aText.find('\n'); at != std::string_view::npos; at = aText.find('\n', at + 1)) {
     std::size_t const tag = aText.find_first_not_of(" \t", at + 1);
     if (tag == std::string_view::npos) break;
     if (tag == at + 1 || aText[tag] != '<') continue;
@@ -157,13 +157,10 @@ void Patcher::patchValue(Element& aElement, Tag const& aTag, Feature const& aFea
     return;
   }
   std::vector<Write> written;
+  written.reserve(texts.size());
   std::string const name(children.empty() ? aFeature.fName : markup::nameAt(fText, children.front().fName));
   for (std::string& text : texts)
-    written.emplace_back([name, text = markup::escapedText(text)](std::string& aOut) {
-      ((aOut += '<') += name) += '>';
-      ((aOut += text) += "</") += name;
-      aOut += '>';
-    });
+    written.emplace_back([name, text](std::string& aOut) { markup::writeValue(name, text, aOut); });
   replaceChildren(aTag, children, std::move(written));
 }
 

@@ -86,7 +86,6 @@ class Saving {
     fFiles.fKept = std::move(readFiles.fKept);
     fFiles.fDangling = std::move(readFiles.fDangling);
     fFiles.fApplications = std::move(readFiles.fApplications);
-    fFiles.forgetIndexes();
     for (auto const& [element, id] : fNewIds)
       const_cast<Element*>(element)->setKernelEntry(fModel.getDeviant(), Element::ExternalId, textObject(id));
     fFiles.fRevision = fModel.object().revision();
@@ -161,6 +160,8 @@ std::string textOf(Kelm::Model const& aModel, SaveOptions const& aOptions, std::
 
 void save(Kelm::Model const& aModel, SaveOptions const& aOptions) {
   ModelFiles& files = ModelFiles::of(aModel);
+  if (!aOptions.fDialect.empty())
+    throw Error("A model is saved in another dialect to a path of its own; name one");
   Saving saving(aModel);
   auto const texts = saving.texts();
   std::vector<std::string> bytes;
@@ -178,6 +179,7 @@ void save(Kelm::Model const& aModel, SaveOptions const& aOptions) {
   for (std::size_t at = 0; at < texts.size(); ++at)
     if (!bytes[at].empty()) writeFile(files.fFiles[at].fPath, bytes[at]);
   std::vector<std::string> paths;
+  paths.reserve(files.fFiles.size());
   for (ModelFile& file : files.fFiles) paths.push_back(std::move(file.fPath));
   saving.adopt();
   for (std::size_t at = 0; at < paths.size(); ++at) {

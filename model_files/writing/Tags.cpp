@@ -122,7 +122,7 @@ void Tags::writeValues(Element& aElement, Feature const& aFeature, std::string& 
       continue;
     }
     std::string const name(aFeature.fName);
-    aChildren.push_back('<' + name + '>' + markup::escapedText(text) + "</" + name + '>');
+    markup::writeValue(name, text, aChildren.emplace_back());
   }
 }
 

@@ -30,10 +30,12 @@ Style styleOf(Dialect const& aDialect) {
 }
 
 /// Prefixes that the tags of a file use, beside those of every file.
-void collectPrefixes(SourceText const& aText, std::uint64_t aTag, std::map<std::string, std::string>& aOut) {
-  std::string const prefix(QualifiedName(markup::nameAt(aText.utf8(), aTag)).fPrefix);
+void collectPrefixes(ModelFile& aFile, std::uint64_t aTag, std::map<std::string, std::string>& aOut) {
+  std::string_view const text = aFile.fText.utf8();
+  if (!aFile.fDeclarations) aFile.fDeclarations = markup::declarations(text);
+  std::string const prefix(QualifiedName(markup::nameAt(text, aTag)).fPrefix);
   if (prefix.empty() || prefix == "uml" || prefix == "xmi" || prefix == "xsi") return;
-  aOut.try_emplace(prefix, markup::declaration(aText.utf8(), aTag, prefix));
+  aOut.try_emplace(prefix, markup::declaration(text, *aFile.fDeclarations, aTag, prefix));
 }
 
 }  // namespace
@@ -80,9 +82,9 @@ std::string WholeFile::write(std::vector<Element*>& aOrder) {
       bool const isThere = application.fElement->deviant_isValid(fModel.getDeviant());
       if (!isThere || !seen.try_emplace({application.fSpot.fFile, application.fSpot.fOffset}).second)
         continue;
-      SourceText const& text = fFiles->fFiles[application.fSpot.fFile].fText;
-      applications.emplace_back(markup::element(text.utf8(), application.fSpot.fOffset));
-      collectPrefixes(text, application.fSpot.fOffset, prefixes);
+      ModelFile& file = fFiles->fFiles[application.fSpot.fFile];
+      applications.emplace_back(markup::element(file.fText.utf8(), application.fSpot.fOffset));
+      collectPrefixes(file, application.fSpot.fOffset, prefixes);
     }
 
   bool const hasOneRoot = roots.size() == 1 && applications.empty() && fDialect.fIsTerse;
