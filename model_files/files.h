@@ -86,6 +86,7 @@ struct Unknown {
   std::string fTag;
   std::vector<std::pair<std::string, std::string>> fAttributes;
   std::string fText;
+  /// A hundred levels deep; what lies below is part of the text, as it is written.
   std::vector<Unknown> fChildren;
 };
 
@@ -133,6 +134,9 @@ struct Report {
 struct LoadOptions {
   /// Raise ReadError at the first finding, instead of noting it.
   bool fStrict = false;
+  /// Bind the model to the path of its first file, with a number behind it if that is taken: it lives until
+  /// it is closed then, and not only as long as somebody has it.
+  bool fBind = false;
   /// Where addresses lead, by what they start with: {"pathmap://MY_PROFILES/", "/models/profiles/"}.
   std::map<std::string, std::string> fPaths;
 };

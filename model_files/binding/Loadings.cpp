@@ -3,7 +3,6 @@
 #include <utility>
 
 #include "descriptors.h"
-#include "kelm/ModelCache.h"
 #include "vesk/host/Lock.h"
 
 namespace umlmm::files::mi {
@@ -61,22 +60,15 @@ bool work(Entry& aEntry, std::chrono::milliseconds aTime) {
   return aEntry.fLoading->step(aTime);
 }
 
-/// Models that have no uri live as long as somebody has them. Scripts close theirs.
-void keep(Kelm::Model const& aModel, std::string const& aName) {
-  if (!aModel.getModelUri().empty()) return;
-  auto& cache = Kelm::ModelCache::instance();
-  auto const guard = cache.guard();
-  std::u16string const uri = cache.getNextAvailableModelUri(Kelm::toUtf16(aName));
-  aModel.setModelUri(Kelm::String(uri));
-  cache.bindModel(uri, aModel);
-}
-
 }  // namespace
 
 int beginLoading(bool aIsStrict) {
   static int sLast = 0;
   sLast = sLast == INT32_MAX ? 1 : sLast + 1;
-  loadings()[sLast].fOptions.fStrict = aIsStrict;
+  LoadOptions& options = loadings()[sLast].fOptions;
+  options.fStrict = aIsStrict;
+  // Scripts close their models.
+  options.fBind = true;
   return sLast;
 }
 
@@ -106,8 +98,6 @@ Kelm::Model takeModel(int aNumber) {
   Entry const& entry = entryOf(aNumber);
   Kelm::Model const model = entry.fLoading ? entry.fLoading->model() : Kelm::Model();
   if (model.isNull()) throw Error("The files are not read to their end.");
-  Report const& met = report(model);
-  keep(model, met.fFiles.empty() ? "model" : met.fFiles.front().fPath);
   loadings().erase(aNumber);
   return model;
 }

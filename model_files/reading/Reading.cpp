@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "kelm/ModelCache.h"
 #include "model_files/dialect/namespaces.h"
 #include "uml_metamodel/umlmm/models.h"
 
@@ -33,6 +34,15 @@ std::string dialectOf(Builder const& aBuilder) {
 
 bool mentionsUml(std::string_view aText) noexcept {
   return aText.find("/spec/UML/") != std::string_view::npos || aText.find("/uml2/") != std::string_view::npos;
+}
+
+/// Models that have no uri live as long as somebody has them.
+void bindTo(Kelm::Model const& aModel, std::string const& aName) {
+  auto& cache = Kelm::ModelCache::instance();
+  auto const guard = cache.guard();
+  std::u16string const uri = cache.getNextAvailableModelUri(Kelm::toUtf16(aName.empty() ? "model" : aName));
+  aModel.setModelUri(Kelm::String(uri));
+  cache.bindModel(uri, aModel);
 }
 
 }  // namespace
@@ -132,6 +142,7 @@ void Reading::finish() {
   auto const start = Clock::now();
   fReferences.finish();
   fParsed.clear();
+  if (fOptions.fBind && !fFiles->fFiles.empty()) bindTo(fModel, fFiles->fReport.fFiles.front().fPath);
   fFiles->fRevision = fModel.object().revision();
   fFiles->fReport.fBuildTime = fTime + since(start) - fFiles->fReport.fParseTime;
   ModelFiles::attach(fModel, std::move(fFiles));

@@ -1,4 +1,5 @@
 #include <pugixml.hpp>
+#include <sstream>
 
 #include "model_files/dialect/namespaces.h"
 #include "model_files/files.h"
@@ -32,15 +33,23 @@ class Tag {
   pugi::xml_document fDocument;
 };
 
-Unknown unknownOf(pugi::xml_node aNode) {
+/// What lies deeper is text, tags and all: nobody reads a tree of such a depth, and some can't.
+constexpr int kDeepest = 100;
+
+Unknown unknownOf(pugi::xml_node aNode, int aDepth = 0) {
   Unknown unknown{aNode.name(), {}, {}, {}};
   for (pugi::xml_attribute const attribute : aNode.attributes())
     unknown.fAttributes.emplace_back(attribute.name(), attribute.value());
   for (pugi::xml_node const child : aNode.children()) {
-    if (child.type() == pugi::node_element)
-      unknown.fChildren.push_back(unknownOf(child));
-    else
+    if (child.type() != pugi::node_element) {
       unknown.fText += child.value();
+    } else if (aDepth < kDeepest) {
+      unknown.fChildren.push_back(unknownOf(child, aDepth + 1));
+    } else {
+      std::ostringstream text;
+      child.print(text, "", pugi::format_raw, pugi::encoding_utf8);
+      unknown.fText += text.view();
+    }
   }
   return unknown;
 }
