@@ -1,5 +1,7 @@
 #include "model_files/dialect/values.h"
 
+#include <algorithm>
+#include <array>
 #include <charconv>
 #include <optional>
 
@@ -65,14 +67,15 @@ Kelm::Object literal(Kelm::EnumerationType const& aType, std::string_view aText)
 }  // namespace
 
 Kelm::Object textObject(std::string_view aText) {
-  thread_local constinit char16_t sWide[256];
-  bool isAscii = aText.size() <= std::size(sWide);
-  for (std::size_t at = 0; isAscii && at < aText.size(); ++at) {
-    isAscii = static_cast<signed char>(aText[at]) >= 0;
-    sWide[at] = static_cast<unsigned char>(aText[at]);
+  std::array<char16_t, 256> wide;
+  std::size_t const length = aText.size();
+  Kelm::StringObject* record = nullptr;
+  if (length <= wide.size() && std::ranges::all_of(aText, [](char aCharacter) { return static_cast<signed char>(aCharacter) >= 0; })) {
+    std::ranges::copy(aText, wide.begin());
+    record = Kelm::StringObject::make({wide.data(), length});
+  } else {
+    record = Kelm::StringObject::make(Kelm::toUtf16(aText));
   }
-  Kelm::StringObject* const record = isAscii ? Kelm::StringObject::make({sWide, aText.size()})
-                                             : Kelm::StringObject::make(Kelm::toUtf16(aText));
   Kelm::Object const object(record, Kelm::Deviant());
   record->decRef();
   return object;

@@ -298,15 +298,31 @@ void Patcher::patchTop() {
   }
   if (added.empty()) return;
   std::size_t const root = markup::prologEnd(fText) + 1;
-  std::string_view const name = markup::nameAt(fText, root);
-  if (!name.ends_with("XMI"))
-    throw Error(fFile.fText.name() + " has one root and no place for a second; give " +
-                std::string(metaclassOf(*added.front()).fName) + " an owner");
-  Tag const tag = tagOf(root);
+  auto const written = [&](Element* aElement) -> Write {
+    return [this, aElement](std::string& aOut) {
+      fTags.write(*aElement, fTags.typeOf(*aElement), nullptr, fTags.layout().fUnit, aOut);
+    };
+  };
+  if (markup::nameAt(fText, root).ends_with("XMI")) {
+    Tag const tag = tagOf(root);
+    for (Element* const element : added) addChild(tag, 0, written(element));
+    return;
+  }
+  // The one root gets a frame that has room for more, with what the root declares.
+  std::string const name = fTags.idName().substr(0, fTags.idName().find(':')) + ":XMI";
+  std::string start = '<' + name;
+  for (markup::Attribute const& attribute : markup::attributes(fText, root))
+    if (attribute.fName.starts_with("xmlns:") || attribute.fName.ends_with(":version"))
+      (start += ' ') += fText.substr(attribute.fFrom, attribute.fTo - attribute.fFrom);
+  std::string const gap = fTags.layout().fLineEnd;
+  fEdits.insert(root - 1, start + '>' + gap);
+  std::size_t const behind = root - 1 + markup::element(fText, root).size();
   for (Element* const element : added)
-    addChild(tag, 0, [this, element](std::string& aOut) {
-      fTags.write(*element, fTags.typeOf(*element), nullptr, fTags.layout().fUnit, aOut);
+    fEdits.replace(behind, behind, [gap, write = written(element)](std::string& aOut) {
+      aOut += gap;
+      write(aOut);
     });
+  fEdits.insert(behind, gap + "</" + name + '>');
 }
 
 void Patcher::removeApplications() {
