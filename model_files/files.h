@@ -197,8 +197,8 @@ struct SaveOptions {
 /// Bytes in the file's own encoding.
 UMLMM_API std::string textOf(Kelm::Model const& aModel, SaveOptions const& aOptions = {},
                              std::string_view aFile = {});
-/// Writes every changed file of the model; or to a path, all of the model in one file. The old file stays
-/// whole when writing fails.
+/// Writes every changed file of the model; or to a path, all of the model in one file, which becomes the file
+/// of a model that has none. The old file stays whole when writing fails.
 UMLMM_API void save(Kelm::Model const& aModel, SaveOptions const& aOptions = {});
 UMLMM_API void save(Kelm::Model const& aModel, std::string const& aPath, SaveOptions const& aOptions = {});
 

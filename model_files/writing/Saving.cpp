@@ -1,4 +1,5 @@
 #include <chrono>
+#include <filesystem>
 
 #include "model_files/reading/Reading.h"
 #include "model_files/store/ModelFiles.h"
@@ -29,7 +30,15 @@ void pairStandIns(Comparison& aComparison, ModelFiles const& aFiles, ModelFiles 
 /// One saving: what files hold now, what they shall hold, and the model's knowledge of them afterwards.
 class Saving {
  public:
-  explicit Saving(Kelm::Model const& aModel) : fModel(aModel), fFiles(ModelFiles::of(aModel)) {}
+  Saving(Kelm::Model const& aModel, ModelFiles& aFiles) : fModel(aModel), fFiles(aFiles) {}
+
+  /// The one file of a model that had none.
+  std::string whole(Dialect const& aDialect) {
+    WholeFile file(fModel, aDialect);
+    std::string text = file.write(fOrders.emplace_back());
+    fNewIds = file.newIds();
+    return text;
+  }
 
   /// The new texts, by file.
   std::vector<std::string> texts() {
@@ -86,6 +95,7 @@ class Saving {
     fFiles.fKept = std::move(readFiles.fKept);
     fFiles.fDangling = std::move(readFiles.fDangling);
     fFiles.fApplications = std::move(readFiles.fApplications);
+    if (fFiles.fReport.fFiles.empty()) fFiles.fReport = std::move(readFiles.fReport);
     for (auto const& [element, id] : fNewIds)
       const_cast<Element*>(element)->setKernelEntry(fModel.getDeviant(), Element::ExternalId, textObject(id));
     fFiles.fRevision = fModel.object().revision();
@@ -145,13 +155,13 @@ class Saving {
 }  // namespace
 
 std::string textOf(Kelm::Model const& aModel, SaveOptions const& aOptions, std::string_view aFile) {
-  ModelFiles const* const own = ModelFiles::find(aModel);
+  ModelFiles* const own = ModelFiles::find(aModel);
   if (own == nullptr || !aOptions.fDialect.empty()) {
     std::vector<Element*> order;
     return WholeFile(aModel, dialectCalled(aOptions.fDialect)).write(order);
   }
   ModelFiles const& files = *own;
-  auto const texts = Saving(aModel).texts();
+  auto const texts = Saving(aModel, *own).texts();
   for (std::size_t at = 0; at < texts.size(); ++at)
     if (aFile.empty() || files.fFiles[at].fText.name() == aFile)
       return files.fFiles[at].fText.encoded(texts[at]);
@@ -162,7 +172,7 @@ void save(Kelm::Model const& aModel, SaveOptions const& aOptions) {
   ModelFiles& files = ModelFiles::of(aModel);
   if (!aOptions.fDialect.empty())
     throw Error("A model is saved in another dialect to a path of its own; name one");
-  Saving saving(aModel);
+  Saving saving(aModel, files);
   auto const texts = saving.texts();
   std::vector<std::string> bytes;
   for (std::size_t at = 0; at < texts.size(); ++at) {
@@ -190,7 +200,18 @@ void save(Kelm::Model const& aModel, SaveOptions const& aOptions) {
 }
 
 void save(Kelm::Model const& aModel, std::string const& aPath, SaveOptions const& aOptions) {
-  writeFile(aPath, textOf(aModel, aOptions));
+  if (isLoaded(aModel)) return writeFile(aPath, textOf(aModel, aOptions));
+  // A model made in memory has its file from now on.
+  auto files = std::make_unique<ModelFiles>();
+  Saving saving(aModel, *files);
+  std::string const text = saving.whole(dialectCalled(aOptions.fDialect));
+  files->fFiles.emplace_back(SourceText::fromBytes(text, aPath));
+  saving.check({text});
+  writeFile(aPath, text);
+  saving.adopt();
+  files->fFiles.front().fPath = std::filesystem::absolute(aPath).string();
+  files->fFiles.front().fStamp = stampOf(aPath);
+  ModelFiles::attach(aModel, std::move(files));
 }
 
 }  // namespace umlmm::files
