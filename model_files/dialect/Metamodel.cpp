@@ -46,6 +46,7 @@ Metamodel::Metamodel() {
       Feature const& feature = featureOf(*property);
       metaclass.fFeatures.emplace(feature.fName, &feature);
       metaclass.fOrder.push_back(&feature);
+      if (feature.fName == "isReentrant") metaclass.fReentrant = &feature;
     }
   for (Feature& feature : fFeatures)
     if (PropertyIntf const* const opposite = feature.fProperty->getOpposite())

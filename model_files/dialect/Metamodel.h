@@ -38,6 +38,8 @@ struct Metaclass {
   std::string_view fName;
   Kelm::NSInterface::ClassIntf const* fClass = nullptr;
   bool fAbstract = false;
+  /// Of behaviors, whose default in files is not that of the metamodel; null for others.
+  Feature const* fReentrant = nullptr;
   /// By name, own and inherited ones; a redefinition stands for what it redefines.
   std::unordered_map<std::string_view, Feature const*> fFeatures;
   /// The same in the order of the metamodel.

@@ -70,7 +70,8 @@ Kelm::Object textObject(std::string_view aText) {
   std::array<char16_t, 256> wide;
   std::size_t const length = aText.size();
   Kelm::StringObject* record = nullptr;
-  if (length <= wide.size() && std::ranges::all_of(aText, [](char aCharacter) { return static_cast<signed char>(aCharacter) >= 0; })) {
+  if (length <= wide.size() &&
+      std::ranges::all_of(aText, [](char aCharacter) { return static_cast<signed char>(aCharacter) >= 0; })) {
     std::ranges::copy(aText, wide.begin());
     record = Kelm::StringObject::make({wide.data(), length});
   } else {

@@ -69,6 +69,13 @@ bool Builder::step(std::size_t aCount) {
   return true;
 }
 
+void Builder::finish() {
+  for (auto const& [metaclass, count] : fCounts) {
+    fFiles.fReport.fElements[std::string(metaclass->fName)] += count;
+    fFiles.fReport.fElementCount += count;
+  }
+}
+
 void Builder::declarePrefixes(pugi::xml_node aNode) {
   for (pugi::xml_attribute const attribute : aNode.attributes()) {
     std::string_view const name = attribute.name();
@@ -266,9 +273,11 @@ void Builder::noteTool(pugi::xml_node aNode) {
 
 bool Builder::handleApplication(pugi::xml_node aNode, QualifiedName aName) {
   bool isApplication = false;
+  // The parser's text goes when all is read.
+  std::string_view const name = fOwn.fText.utf8().substr(offsetOf(aName.fName.data()), aName.fName.size());
   auto const add = [&](std::string_view aAddress) {
     isApplication = true;
-    forEachWord(aAddress, [&](auto aWord) { fReferences.addApplication(aName.fName, aWord, spotOf(aNode)); });
+    forEachWord(aAddress, [&](auto aWord) { fReferences.addApplication(name, aWord, spotOf(aNode)); });
   };
   for (pugi::xml_attribute const attribute : aNode.attributes())
     if (isBase(attribute.name())) add(attribute.value());
@@ -308,22 +317,19 @@ Element& Builder::make(Metaclass const& aMetaclass, pugi::xml_node aNode, Head c
       createElement(fModel, Kelm::ImmutableClass(aMetaclass.fClass, Kelm::metaDeviant()));
   Element& element = *made.get();
   fOwn.fMade.push_back({ElementPtr(&element), offsetOf(aNode.name())});
-  ++fFiles.fReport.fElements[std::string(aMetaclass.fName)];
-  ++fFiles.fReport.fElementCount;
+  ++fCounts[&aMetaclass];
   if (!aHead.fId.empty()) {
     // Ids live in the file's text, unless they stand there in another form.
     std::string_view const text = fOwn.fText.utf8();
     std::string_view id = text.substr(offsetOf(aHead.fId.data()), aHead.fId.size());
     if (id != aHead.fId) id = fOwn.fDecoded.emplace_back(aHead.fId);
-    if (!fOwn.fIds.try_emplace(id, &element).second)
+    if (!fOwn.fIds.insert(id, element))
       fFiles.fReport.fDuplicateIds.emplace_back(id, fFiles.place(spotOf(aNode)));
-
-    element.setKernelEntry(fDeviant, Element::ExternalId, textObject(id));
   }
   readAttributes(element, aMetaclass, aNode);
-  static Metaclass const& sBehavior = *Metamodel::instance().metaclass("Behavior");
-  if (aMetaclass.isA(sBehavior) && isReentrantByDefault(fUmlAddress) && !aNode.attribute("isReentrant"))
-    setValue(element, *aMetaclass.feature("isReentrant"), "true", spotOf(aNode));
+  if (aMetaclass.fReentrant != nullptr && isReentrantByDefault(fUmlAddress) &&
+      !aNode.attribute("isReentrant"))
+    setValue(element, *aMetaclass.fReentrant, "true", spotOf(aNode));
   return element;
 }
 

@@ -3,6 +3,7 @@
 #include <pugixml.hpp>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "model_files/dialect/namespaces.h"
@@ -23,6 +24,8 @@ class Builder {
   void start(pugi::xml_document const& aDocument);
   /// Handles some more tags; true when none is left.
   bool step(std::size_t aCount);
+  /// What comes when none is left.
+  void finish();
   /// Offset of the tag that comes next.
   std::size_t offset() const noexcept { return fOffset; }
   /// Elements of UML 2 that were found, known metaclass or not.
@@ -98,6 +101,7 @@ class Builder {
   std::vector<Frame> fFrames;
   std::size_t fOffset = 0;
   std::size_t fFound = 0;
+  std::unordered_map<Metaclass const*, std::size_t> fCounts;
   std::string_view fUmlAddress;
   std::string_view fXmiAddress;
   std::string fScratch;

@@ -128,6 +128,7 @@ void Reading::refuse(ModelFile const& aFile, pugi::xml_parse_result const& aResu
 void Reading::endFile() {
   ModelFile& file = fFiles->fFiles.back();
   if (fBuilder->found() == 0) throw NotUml(whatItIs(file.fText));
+  fBuilder->finish();
   fFiles->fReport.fFiles.back().fDialect = dialectOf(*fBuilder);
   file.fStyle.fReentrant = isReentrantByDefault(fBuilder->umlAddress());
   file.fStyle.complete();

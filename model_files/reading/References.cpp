@@ -77,7 +77,7 @@ void References::link(Pending const& aReference, Element& aValue) {
 
 Element* References::find(std::string_view aAddress, std::uint32_t aFile) {
   ModelFile& own = fFiles.fFiles[aFile];
-  if (auto const found = own.fIds.find(aAddress); found != own.fIds.end()) return found->second;
+  if (Element* const found = own.fIds.find(aAddress)) return found;
   std::size_t const hash = aAddress.find('#');
   if (hash == std::string_view::npos) return aAddress.starts_with('/') ? walk(own, aAddress) : nullptr;
   std::string_view const fragment = aAddress.substr(hash + 1);
@@ -89,9 +89,9 @@ Element* References::find(std::string_view aAddress, std::uint32_t aFile) {
 
 Element* References::findInFile(ModelFile& aFile, std::string_view aFragment) {
   for (std::string_view const id : {aFragment, aFragment.substr(0, aFragment.find('?'))})
-    if (auto const found = aFile.fIds.find(id); found != aFile.fIds.end()) return found->second;
+    if (Element* const found = aFile.fIds.find(id)) return found;
   std::string const plain = decoded(aFragment);
-  if (auto const found = aFile.fIds.find(plain); found != aFile.fIds.end()) return found->second;
+  if (Element* const found = aFile.fIds.find(plain)) return found;
   return plain.empty() || plain.starts_with('/') ? walk(aFile, plain) : nullptr;
 }
 

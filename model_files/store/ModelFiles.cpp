@@ -2,7 +2,9 @@
 
 #include <algorithm>
 
+#include "kelm/ModelElementIntf.h"
 #include "model_files/dialect/values.h"
+#include "model_files/text/markup.h"
 
 namespace umlmm::files {
 
@@ -23,18 +25,45 @@ ModelFiles& ModelFiles::of(Kelm::Model const& aModel) {
 }
 
 void ModelFiles::attach(Kelm::Model const& aModel, std::unique_ptr<ModelFiles> aFiles) {
+  aModel.object().setExternalIds(aFiles.get());
   aModel.object().attach(&kKey, std::move(aFiles));
 }
 
-void ModelFiles::indexTags() {
-  fTags.clear();
-  for (std::uint32_t file = 0; file < fFiles.size(); ++file)
-    for (Made const& made : fFiles[file].fMade) fTags.emplace(made.fElement.get(), file);
+std::optional<Spot> ModelFiles::tagOf(Element const& aElement) const {
+  std::size_t count = 0;
+  for (ModelFile const& file : fFiles) count += file.fMade.size();
+  if (fTagCount != count || count == 0) {
+    fTags = {};
+    fTags.reserve(static_cast<std::uint32_t>(count));
+    std::uint32_t number = 0;
+    for (ModelFile const& file : fFiles)
+      for (Made const& made : file.fMade) fTags.insert(made.fElement.get(), number++);
+    fTagCount = count;
+  }
+  if (count == 0) return std::nullopt;
+  std::size_t number = fTags.find(&aElement);
+  if (number == Kelm::PointerTable::kNotFound) return std::nullopt;
+  std::uint32_t file = 0;
+  for (; number >= fFiles[file].fMade.size(); ++file) number -= fFiles[file].fMade.size();
+  return Spot{file, fFiles[file].fMade[number].fOffset};
+}
+
+std::string ModelFiles::idOf(Element const& aElement) const {
+  auto const tag = tagOf(aElement);
+  if (!tag) return {};
+  for (auto const& attribute : markup::attributes(fFiles[tag->fFile].fText.utf8(), tag->fOffset))
+    if (attribute.fName.ends_with(":id")) return attribute.value();
+  return {};
+}
+
+Kelm::String ModelFiles::externalId(Kelm::NSInterface::ModelElementIntf const& aElement) const {
+  std::string const id = idOf(aElement);
+  return id.empty() ? Kelm::String() : Kelm::String(Kelm::toUtf16(id));
 }
 
 int ModelFiles::fileOf(Element const& aElement, Kelm::Deviant const& aDeviant) const {
   for (Element const* at = &aElement; at != nullptr; at = containerOf(*at, aDeviant))
-    if (auto const found = fTags.find(at); found != fTags.end()) return static_cast<int>(found->second);
+    if (auto const tag = tagOf(*at)) return static_cast<int>(tag->fFile);
   return standIn(aElement) != nullptr ? -1 : 0;
 }
 

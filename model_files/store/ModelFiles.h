@@ -11,11 +11,13 @@
 
 #include "kelm/ClassObject.h"
 #include "kelm/ModelObject.h"
+#include "kelm/PointerTable.h"
 #include "model_files/dialect/Metamodel.h"
 #include "model_files/dialect/Style.h"
 #include "model_files/dialect/values.h"
 #include "model_files/files.h"
 #include "model_files/store/ByElement.h"
+#include "model_files/store/IdTable.h"
 #include "model_files/text/SourceText.h"
 #include "model_files/text/writeFile.h"
 
@@ -67,7 +69,7 @@ struct ModelFile {
   SourceText fText;
   std::vector<Made> fMade;
   /// Ids as written; the first of equal ones.
-  std::unordered_map<std::string_view, Element*> fIds;
+  IdTable fIds;
   /// Ids that do not stand in the text as they are.
   std::deque<std::string> fDecoded;
   /// Noted when the file is read to be written.
@@ -87,7 +89,7 @@ struct StandIn {
 };
 
 /// What belongs to the files that a model came from; it is kept with the model.
-class ModelFiles final : public Kelm::ModelCompanion {
+class ModelFiles final : public Kelm::ModelCompanion, public Kelm::ExternalIds {
  public:
   ModelFiles() noexcept;
   ~ModelFiles() override;
@@ -102,9 +104,13 @@ class ModelFiles final : public Kelm::ModelCompanion {
   /// none in any file.
   int fileOf(Element const& aElement, Kelm::Deviant const& aDeviant) const;
   /// Whether some file has a tag for the element.
-  bool hasTag(Element const& aElement) const { return fTags.contains(&aElement); }
-  /// Looks at all tags anew; to be called before the questions above.
-  void indexTags();
+  bool hasTag(Element const& aElement) const { return tagOf(aElement).has_value(); }
+  /// Where the tag of an element stands. All tags are gone through when the first question is asked.
+  std::optional<Spot> tagOf(Element const& aElement) const;
+  /// What was asked holds no longer: other texts have come.
+  void forgetTags() noexcept { fTagCount = 0; }
+  /// The id in the tag of an element; empty for none.
+  std::string idOf(Element const& aElement) const;
   StandIn const* standIn(Element const& aElement) const;
   std::vector<Kept const*> keptBy(Element const& aElement) const;
   std::vector<Dangling const*> danglingOf(Element const& aElement) const;
@@ -123,8 +129,11 @@ class ModelFiles final : public Kelm::ModelCompanion {
   std::uint64_t fRevision = 0;
 
  private:
-  /// Files by element.
-  std::unordered_map<Element const*, std::uint32_t> fTags;
+  Kelm::String externalId(Kelm::NSInterface::ModelElementIntf const& aElement) const override;
+
+  /// By element, its number among all that have tags; made when first needed.
+  mutable Kelm::PointerTable fTags;
+  mutable std::size_t fTagCount = 0;
   mutable ByElement<Kept> fKeptOf;
   mutable ByElement<Dangling> fDanglingOf;
   mutable ByElement<Application> fApplicationsOf;

@@ -109,9 +109,9 @@ Kelm::ClassObject byId(Kelm::Model const& aModel, std::string_view aId, std::str
   ModelFiles& files = ModelFiles::of(aModel);
   for (ModelFile const& file : files.fFiles) {
     if (!aFile.empty() && file.fText.name() != aFile) continue;
-    auto const found = file.fIds.find(aId);
-    if (found != file.fIds.end() && found->second->deviant_isValid(aModel.getDeviant()))
-      return Kelm::ClassObject(found->second, aModel.getDeviant());
+    Element* const found = file.fIds.find(aId);
+    if (found != nullptr && found->deviant_isValid(aModel.getDeviant()))
+      return Kelm::ClassObject(found, aModel.getDeviant());
   }
   return {};
 }

@@ -49,7 +49,8 @@ Patcher::Patcher(Kelm::Model const& aModel, ModelFiles const& aFiles, std::uint3
       fEdits(fText),
       fTags(aModel, aComparison.readModel(), aRead.fFiles[aFile].fStyle, layoutOf(fText)) {
   for (std::size_t at = 0; at < fFile.fMade.size(); ++at) fNodes.emplace(fFile.fMade[at].fElement.get(), at);
-  for (auto const& [id, element] : fFile.fIds) fTags.useId(id);
+  fFile.fIds.forEach([this](std::string_view aId, Element const&) { fTags.useId(aId); });
+  fTags.fKnownId = [this](Element& aElement) { return fFiles.idOf(aElement); };
   fTags.fForeignAddress = [this](Element& aElement) { return addressOf(aElement); };
   fTags.fWriteKnown = [this](Element& aElement, std::string_view aName, Feature const* aFeature,
                              std::string& aOut) {

@@ -25,7 +25,6 @@ class Patcher {
 
   /// The new text. `aOrder` receives the elements in the order of their tags.
   std::string write(std::vector<Element*>& aOrder);
-  std::unordered_map<Element const*, std::string> const& newIds() const noexcept { return fTags.newIds(); }
 
  private:
   /// The tag of an element with its children, looked at when something in it changes.

@@ -36,7 +36,6 @@ class Saving {
   std::string whole(Dialect const& aDialect) {
     WholeFile file(fModel, aDialect);
     std::string text = file.write(fOrders.emplace_back());
-    fNewIds = file.newIds();
     return text;
   }
 
@@ -47,7 +46,6 @@ class Saving {
       for (ModelFile const& file : fFiles.fFiles) texts.emplace_back(file.fText.utf8());
       return texts;
     }
-    fFiles.indexTags();
     Kelm::Model const read =
         readAgain(inputs([&](std::size_t aFile) { return fFiles.fFiles[aFile].fText.utf8(); }));
     ModelFiles const& readFiles = ModelFiles::of(read);
@@ -58,7 +56,6 @@ class Saving {
     for (std::uint32_t file = 0; file < fFiles.fFiles.size(); ++file) {
       Patcher patcher(fModel, fFiles, file, readFiles, comparison);
       texts.push_back(patcher.write(fOrders.emplace_back()));
-      for (auto const& [element, id] : patcher.newIds()) fNewIds.emplace(element, id);
     }
     return texts;
   }
@@ -80,7 +77,8 @@ class Saving {
     };
     for (ModelFile& file : readFiles.fFiles) {
       for (Made& made : file.fMade) toModel(made.fElement);
-      for (auto& [id, element] : file.fIds) element = comparison.toModel(element);
+      file.fIds.forEach(
+          [&](std::string_view, Element*& aElement) { aElement = comparison.toModel(aElement); });
     }
     for (Kept& kept : readFiles.fKept) toModel(kept.fElement);
     for (Dangling& dangling : readFiles.fDangling) toModel(dangling.fElement);
@@ -96,8 +94,7 @@ class Saving {
     fFiles.fDangling = std::move(readFiles.fDangling);
     fFiles.fApplications = std::move(readFiles.fApplications);
     if (fFiles.fReport.fFiles.empty()) fFiles.fReport = std::move(readFiles.fReport);
-    for (auto const& [element, id] : fNewIds)
-      const_cast<Element*>(element)->setKernelEntry(fModel.getDeviant(), Element::ExternalId, textObject(id));
+    fFiles.forgetTags();
     fFiles.fRevision = fModel.object().revision();
   }
 
@@ -149,7 +146,6 @@ class Saving {
   Kelm::Model fRead;
   /// Elements of each file in the order of their tags.
   std::vector<std::vector<Element*>> fOrders;
-  std::unordered_map<Element const*, std::string> fNewIds;
 };
 
 }  // namespace

@@ -161,7 +161,8 @@ std::string Tags::localId(Element& aElement) {
 std::string const& Tags::idOf(Element& aElement) {
   std::string& id = fIds[&aElement];
   if (!id.empty()) return id;
-  id = externalIdOf(aElement, fDeviant);
+  id = fKnownId ? fKnownId(aElement) : std::string();
+  if (id.empty()) id = externalIdOf(aElement, fDeviant);
   if (id.empty()) {
     id = newId(aElement);
     fNewIds[&aElement] = id;
@@ -194,12 +195,9 @@ Element& Tags::pristine(Metaclass const& aMetaclass) {
     Kelm::ClassObject const made =
         createElement(fReadModel, Kelm::ImmutableClass(aMetaclass.fClass, Kelm::metaDeviant()));
     element.reset(made.get());
-    static Metaclass const& sBehavior = *Metamodel::instance().metaclass("Behavior");
-    if (fStyle.fReentrant && aMetaclass.isA(sBehavior)) {
-      Feature const& reentrant = *aMetaclass.feature("isReentrant");
-      reentrant.fMethods->setEntry(element.get(), fReadModel.getDeviant(), reentrant.fId,
-                                   valueOf(reentrant, "true"));
-    }
+    if (Feature const* const reentrant = fStyle.fReentrant ? aMetaclass.fReentrant : nullptr)
+      reentrant->fMethods->setEntry(element.get(), fReadModel.getDeviant(), reentrant->fId,
+                                    valueOf(*reentrant, "true"));
   }
   return *element;
 }

@@ -27,6 +27,8 @@ class Tags {
 
   /// Whether an element has a tag in this text, or gets one; others are named by file and id.
   std::function<std::string(Element&)> fForeignAddress;
+  /// The id that an element has in a text already; empty for none.
+  std::function<std::string(Element&)> fKnownId;
   /// Writes an element that has a tag already; false for one that has none.
   std::function<bool(Element&, std::string_view aTagName, Feature const*, std::string&)> fWriteKnown;
 

@@ -50,9 +50,7 @@ Dialect const& dialectCalled(std::string_view aName) {
 }
 
 WholeFile::WholeFile(Kelm::Model const& aModel, Dialect const& aDialect)
-    : fModel(aModel), fDialect(aDialect), fFiles(ModelFiles::find(aModel)) {
-  if (fFiles != nullptr) fFiles->indexTags();
-}
+    : fModel(aModel), fDialect(aDialect), fFiles(ModelFiles::find(aModel)) {}
 
 std::string WholeFile::write(std::vector<Element*>& aOrder) {
   std::vector<Element*> roots;
@@ -64,7 +62,7 @@ std::string WholeFile::write(std::vector<Element*>& aOrder) {
   tags.order(aOrder);
   if (fFiles != nullptr)
     for (ModelFile const& file : fFiles->fFiles)
-      for (auto const& [id, element] : file.fIds) tags.useId(id);
+      file.fIds.forEach([&](std::string_view aId, Element const&) { tags.useId(aId); });
   tags.fForeignAddress = [this](Element& aElement) {
     StandIn const* const standIn = fFiles == nullptr ? nullptr : fFiles->standIn(aElement);
     if (standIn == nullptr) return std::string();
@@ -105,7 +103,6 @@ std::string WholeFile::write(std::vector<Element*>& aOrder) {
   }
   for (std::string const& application : applications) ((text += "  ") += application) += '\n';
   if (!hasOneRoot) text += "</xmi:XMI>\n";
-  fNewIds = tags.newIds();
   return text;
 }
 

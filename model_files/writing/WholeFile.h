@@ -34,7 +34,6 @@ class WholeFile {
 
   /// `aOrder` receives the elements in the order of their tags.
   std::string write(std::vector<Element*>& aOrder);
-  std::unordered_map<Element const*, std::string> const& newIds() const noexcept { return fNewIds; }
 
  private:
   std::vector<std::string> keptBy(Element const& aElement) const;
@@ -42,7 +41,6 @@ class WholeFile {
   Kelm::Model fModel;
   Dialect const& fDialect;
   ModelFiles* fFiles;
-  std::unordered_map<Element const*, std::string> fNewIds;
 };
 
 }  // namespace umlmm::files

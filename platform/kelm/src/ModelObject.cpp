@@ -83,6 +83,7 @@ void ModelObject::close() {
   ElementList::destroy(std::exchange(fRoots, nullptr));
   setCompanion(nullptr);
   fNotes.reset();
+  fExternalIds = nullptr;
   fAttachments.clear();
   noteChange();
   fHostPlace.clear();  // may run code of scripts

@@ -3,6 +3,7 @@
 #include "copying/Copier.h"
 #include "engine/Aside.h"
 #include "engine/Change.h"
+#include "engine/kernel_features.h"
 #include "kelm/Asserter.h"
 #include "kelm/ElementQueries.h"
 
@@ -26,14 +27,9 @@ Element* clone(Element& aElement, Kelm::Deviant const& aDeviant) {
 
 /// What other tools have told of an element.
 void copyToolTexts(Element const& aElement, Element& aCopy) {
-  if ((aElement.marks() & Element::HasToolTexts) == 0) return;
-  for (std::size_t const kind : {0, 1}) {
-    auto const& texts = engine::Asides::of(*aElement.model()).toolTexts(kind);
-    auto const found = texts.find(&aElement);
-    if (found == texts.end()) continue;
-    Kelm::String const text = found->second;
-    engine::Asides::of(*aCopy.model()).toolTexts(kind)[&aCopy] = text;
-    engine::Asides::note(aCopy, Element::HasToolTexts);
+  for (unsigned const id : {Element::ExternalId, Element::ExternalToolInfo}) {
+    Kelm::Object const text = engine::kernelEntry(&aElement, aElement.model()->baseDeviant(), id);
+    if (!text.isNull()) engine::setKernelEntry(&aCopy, aCopy.model()->baseDeviant(), id, text);
   }
 }
 

@@ -85,6 +85,22 @@ Asides::Texts& toolTexts(Element const& aElement, unsigned aId) {
   return Asides::of(*aElement.model()).toolTexts(aId == ClassObjectIntf::ExternalId ? 0 : 1);
 }
 
+/// The id of an element in a file, null for none.
+Kelm::Object fileId(Element const& aElement) {
+  Kelm::ExternalIds const* const ids = aElement.model()->externalIds();
+  Kelm::String const id = ids == nullptr ? Kelm::String() : ids->externalId(aElement);
+  return id.empty() ? Kelm::Object() : Kelm::Object(id.record(), Deviant());
+}
+
+Kelm::Object toolText(Element const& aElement, unsigned aId) {
+  if ((aElement.marks() & Element::HasToolTexts) != 0) {
+    auto const& texts = toolTexts(aElement, aId);
+    auto const found = texts.find(&aElement);
+    if (found != texts.end()) return Kelm::Object(found->second.record(), Deviant());
+  }
+  return aId == ClassObjectIntf::ExternalId ? fileId(aElement) : Kelm::Object();
+}
+
 }  // namespace
 
 Kelm::Object kernelEntry(Element const* aElement, Deviant const& aDeviant, unsigned aId) {
@@ -99,12 +115,8 @@ Kelm::Object kernelEntry(Element const* aElement, Deviant const& aDeviant, unsig
     case ClassObjectIntf::Uri:
       return textObject(uriOf(element));
     case ClassObjectIntf::ExternalId:
-    case ClassObjectIntf::ExternalToolInfo: {
-      if ((aElement->marks() & Element::HasToolTexts) == 0) return Kelm::Object();
-      auto const& texts = toolTexts(*aElement, aId);
-      auto const found = texts.find(aElement);
-      return found == texts.end() ? Kelm::Object() : Kelm::Object(found->second.record(), Deviant());
-    }
+    case ClassObjectIntf::ExternalToolInfo:
+      return toolText(*aElement, aId);
     default:
       return Kelm::Object();
   }

@@ -21,6 +21,17 @@ class UMLMM_API ModelCompanion {
   virtual ~ModelCompanion();
 };
 
+/// The ids that elements have in files, for a floor that reads some. What is set by `ExternalId` comes before
+/// them.
+class UMLMM_API ExternalIds {
+ public:
+  /// The empty text for an element without one.
+  virtual String externalId(NSInterface::ModelElementIntf const& aElement) const = 0;
+
+ protected:
+  ~ExternalIds() = default;
+};
+
 /// A link of a chain that starts in a model; the link's owner enters and leaves as it likes.
 class ModelLink {
  public:
@@ -107,11 +118,14 @@ class UMLMM_API ModelObject final : public NSInterface::ModelIntf {
   /// A second companion, which goes after all elements are dropped.
   ModelCompanion* notes() const noexcept { return fNotes.get(); }
   void setNotes(std::unique_ptr<ModelCompanion> aNotes) noexcept { fNotes = std::move(aNotes); }
-  /// What a floor above keeps with the model, by a key of its own; null for nothing. It goes when the model is
-  /// closed, after all elements are dropped.
+  /// What a floor above keeps with the model, by a key of its own; null for nothing. It goes when the model
+  /// is closed, after all elements are dropped.
   ModelCompanion* attachment(void const* aKey) const noexcept;
   /// Takes the place of what the key had.
   void attach(void const* aKey, std::unique_ptr<ModelCompanion> aAttachment);
+  /// Null for none. It lives as long as the model has it.
+  ExternalIds const* externalIds() const noexcept { return fExternalIds; }
+  void setExternalIds(ExternalIds const* aIds) noexcept { fExternalIds = aIds; }
   /// A chain for the metamodel's use.
   ModelLink*& links() noexcept { return fLinks; }
   /// For the host, as long as the model is open; cleared at the end of `close`.
@@ -134,6 +148,7 @@ class UMLMM_API ModelObject final : public NSInterface::ModelIntf {
   std::unique_ptr<ModelCompanion> fNotes;
   std::vector<std::pair<void const*, std::unique_ptr<ModelCompanion>>> fAttachments;
   ModelLink* fLinks = nullptr;
+  ExternalIds const* fExternalIds = nullptr;
   lum::HostPlace fHostPlace;
   String fUri;
 };
