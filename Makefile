@@ -2,7 +2,7 @@
 #
 #   make run [SCRIPT=file.py] [ARGS="..."]   builds the product alone, and runs a script in the host
 #   make umlmm ARGS="info some.uml"          builds the product alone, and runs a command on model files
-#   make test                                builds the rest, and runs all tests
+#   make test [MODELS=folder]                builds the rest, and runs all tests; also on the model files of a folder
 #   make bench                               measures, against limits taken in the same run
 #   make bench-smoke                         runs every benchmark once, for a moment, without a look at the times
 #   make describe                            writes the published surface to build/describe.json
@@ -40,7 +40,7 @@ umlmm: product
 test: test-packages
 	$(CONFIGURE) release $(FIRST) -DUMLMM_TESTS=ON
 	@cmake --build --preset release
-	ctest --preset release
+	$(if $(MODELS),MODELS="$$(realpath -- "$(MODELS)")" )ctest --preset release
 
 debug asan tsan: test-packages
 	$(CONFIGURE) $@

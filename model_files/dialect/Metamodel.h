@@ -62,6 +62,10 @@ class Metamodel {
     auto const found = fByName.find(aName);
     return found == fByName.end() ? nullptr : found->second;
   }
+  template <class Visit>
+  void forEach(Visit aVisit) const {
+    for (Metaclass const& metaclass : fMetaclasses) aVisit(metaclass);
+  }
   Metaclass const& metaclassOf(Kelm::NSInterface::ClassObjectIntf const& aElement) const;
 
  private:

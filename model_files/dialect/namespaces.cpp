@@ -10,6 +10,30 @@ bool take(std::string_view& aText, std::string_view aStart) noexcept {
   return true;
 }
 
+/// `aStart` has small letters.
+bool takeAnyCase(std::string_view& aText, std::string_view aStart) noexcept {
+  if (aText.size() < aStart.size()) return false;
+  for (std::size_t at = 0; at < aStart.size(); ++at) {
+    char const byte = aText[at];
+    if ((byte >= 'A' && byte <= 'Z' ? static_cast<char>(byte | 0x20) : byte) != aStart[at]) return false;
+  }
+  aText.remove_prefix(aStart.size());
+  return true;
+}
+
+/// Whether what stands behind a version still names the metamodel: "", "/UML", "/uml.xml", "/UML.xmi",
+/// "/Superstructure". Other packages of the standard, such as profiles, stand there as well.
+bool isMetamodel(std::string_view aTail) noexcept {
+  take(aTail, "/");
+  if (aTail.empty()) return true;
+  for (std::string_view const name : {"uml2", "uml", "superstructure", "l0", "l1", "l2", "l3", "merged"}) {
+    std::string_view rest = aTail;
+    if (!takeAnyCase(rest, name)) continue;
+    if (rest.empty() || rest == ".xml" || rest == ".xmi" || rest == ".cmof" || rest == ".uml") return true;
+  }
+  return false;
+}
+
 /// Digits and dots.
 std::string_view takeVersion(std::string_view& aText) noexcept {
   std::size_t const length = std::min(aText.find_first_not_of("0123456789."), aText.size());
@@ -26,31 +50,28 @@ struct Address {
 
 /// Behind "omg.org/": "spec/UML/20131001", "spec/XMI/2.1", "XMI", "UML1.3".
 Address readStandard(std::string_view aText) noexcept {
-  take(aText, "spec/");
+  bool const isSpecification = take(aText, "spec/");
   if (take(aText, "XMI")) return {Space::Xmi, take(aText, "/") ? takeVersion(aText) : aText};
   if (!take(aText, "UML")) return {};
   take(aText, "/");
   std::string_view const version = takeVersion(aText);
-  if (version.empty()) return {};
+  if (version.empty() && !isSpecification) return {};
   if (version.starts_with("1.")) return {Space::OldUml, version};
-  // What stands below is another package of the standard, unless it names the file of the metamodel itself.
-  take(aText, "/");
-  bool const isMetamodel = aText.empty() || aText == "UML" || aText == "uml.xml" || aText == "UML.xmi" ||
-                           aText == "Superstructure" || aText == "L3";
-  return {isMetamodel ? Space::Uml : Space::Other, version};
+  return {isMetamodel(aText) ? Space::Uml : Space::Other, version};
 }
 
 Address read(std::string_view aAddress) noexcept {
   std::string_view text = aAddress;
   while (text.ends_with('/') || text.ends_with('#')) text.remove_suffix(1);
-  if (!take(text, "http://")) take(text, "https://");
-  if (take(text, "www.eclipse.org/uml2/") || take(text, "eclipse.org/uml2/")) {
+  if (!takeAnyCase(text, "http://")) takeAnyCase(text, "https://");
+  takeAnyCase(text, "www.");
+  if (takeAnyCase(text, "eclipse.org/uml2/")) {
     std::string_view const version = takeVersion(text);
-    return {text == "/UML" ? Space::Uml : Space::Other, version, true};
+    take(text, "/");
+    return {text == "UML" ? Space::Uml : Space::Other, version, true};
   }
   if (text.ends_with("XMLSchema-instance")) return {Space::Xsi};
-  if (take(text, "schema.omg.org/") || take(text, "www.omg.org/") || take(text, "omg.org/"))
-    return readStandard(text);
+  if (takeAnyCase(text, "schema.omg.org/") || takeAnyCase(text, "omg.org/")) return readStandard(text);
   if (take(text, "org.omg/")) return readStandard(text);
   return {};
 }

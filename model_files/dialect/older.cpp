@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string>
+#include <unordered_map>
 
 namespace umlmm::files {
 
@@ -24,7 +25,10 @@ constexpr Renamed kFeatures[] = {
     {"Element", "ownedComments", "ownedComment"},
     {"BehavioredClassifier", "ownedRealization", "interfaceRealization"},
     {"BehavioredClassifier", "implementation", "interfaceRealization"},
-    {"Property", "datatype", "datatype"},
+    {"StructuredActivityNode", "containedNode", "node"},
+    {"StructuredActivityNode", "containedEdge", "edge"},
+    {"BehavioralFeature", "formalParameter", "ownedParameter"},
+    {"BehavioralFeature", "returnResult", "ownedParameter"},
 };
 
 constexpr std::pair<std::string_view, std::string_view> kMetaclasses[] = {
@@ -32,6 +36,8 @@ constexpr std::pair<std::string_view, std::string_view> kMetaclasses[] = {
     {"InteractionOccurrence", "InteractionUse"},
     {"Implementation", "InterfaceRealization"},
     {"EventOccurrence", "MessageOccurrenceSpecification"},
+    {"ExecutionOccurrence", "BehaviorExecutionSpecification"},
+    {"CollaborationOccurrence", "CollaborationUse"},
     {"Stop", "DestructionOccurrenceSpecification"},
 };
 
@@ -40,7 +46,33 @@ constexpr std::pair<std::string_view, std::string_view> kImplied[] = {
     {"when", "TimeExpression"},
 };
 
+/// Features that elements have in files, and the metamodel lacks there.
+constexpr std::pair<std::string_view, std::string_view> kLacking[] = {
+    {"localPrecondition", "Constraint"},
+    {"localPostcondition", "Constraint"},
+    {"result", "OutputPin"},
+    {"returnValue", "OutputPin"},
+};
+
 constexpr std::string_view kPrimitives[] = {"Boolean", "Integer", "Real", "String", "UnlimitedNatural"};
+
+/// What the composite features of a name agree on, over all metaclasses.
+std::unordered_map<std::string_view, Metaclass const*> typesByName() {
+  std::unordered_map<std::string_view, Metaclass const*> types;
+  Metamodel::instance().forEach([&](Metaclass const& aMetaclass) {
+    for (Feature const* const feature : aMetaclass.fOrder) {
+      if (feature->fKind != Kind::Reference || !feature->fComposite) continue;
+      auto const [known, isNew] = types.try_emplace(feature->fName, impliedType(*feature));
+      if (!isNew && known->second != impliedType(*feature)) known->second = nullptr;
+    }
+  });
+  return types;
+}
+
+std::string_view primitive(std::string_view aName) {
+  auto const* const found = std::ranges::find(kPrimitives, aName);
+  return found == std::end(kPrimitives) ? std::string_view() : *found;
+}
 
 }  // namespace
 
@@ -72,8 +104,42 @@ Metaclass const* impliedType(Feature const& aFeature) {
   return nullptr;
 }
 
+Metaclass const* impliedType(Metaclass const* aOwner, std::string_view aFeature) {
+  static auto const sTypes = typesByName();
+  for (auto const& [name, type] : kLacking)
+    if (aFeature == name) return Metamodel::instance().metaclass(type);
+  if (aOwner != nullptr) return nullptr;
+  auto const found = sTypes.find(aFeature);
+  return found == sTypes.end() ? nullptr : found->second;
+}
+
+Feature const* placeOf(Metaclass const& aOwner, Metaclass const& aPart) {
+  Feature const* place = nullptr;
+  for (Feature const* const feature : aOwner.fOrder) {
+    bool const isList = feature->fKind == Kind::Reference && feature->fComposite && feature->fMany;
+    if (!isList || feature->fDerived || feature->fType == nullptr || !aPart.isA(*feature->fType)) continue;
+    bool const isNearer =
+        place == nullptr || (feature->fType != place->fType && feature->fType->isA(*place->fType));
+    if (isNearer) place = feature;
+  }
+  return place;
+}
+
+std::string_view primitiveCalled(std::string_view aPath) {
+  std::size_t const last = aPath.rfind("::");
+  if (last == std::string_view::npos) return {};
+  std::string_view const owner = aPath.substr(0, last);
+  bool const isLibrary = owner.starts_with("UML Standard Profile::") &&
+                         (owner.ends_with("::PrimitiveTypes") || owner.ends_with("::datatypes"));
+  return isLibrary ? primitive(aPath.substr(last + 2)) : std::string_view();
+}
+
 std::string_view primitiveAt(std::string_view aAddress) {
-  std::size_t const hash = aAddress.find('#');
+  std::size_t hash = aAddress.find('#');
+  // One tool has it as a folder.
+  bool const isFolder = aAddress.find("/spec/UML/") != std::string_view::npos ||
+                        aAddress.find("/spec/PrimitiveTypes/") != std::string_view::npos;
+  if (hash == std::string_view::npos && isFolder) hash = aAddress.rfind('/');
   if (hash == std::string_view::npos) return {};
   std::string_view const file = aAddress.substr(0, hash);
   std::string_view fragment = aAddress.substr(hash + 1);
@@ -81,18 +147,19 @@ std::string_view primitiveAt(std::string_view aAddress) {
   // "#//String", "#_String", "#PrimitiveTypes.String", "#UML-PrimitiveTypes-String".
   std::size_t const last = fragment.find_last_of("/._-:");
   if (last != std::string_view::npos) fragment.remove_prefix(last + 1);
-  auto const* const found = std::find(std::begin(kPrimitives), std::end(kPrimitives), fragment);
-  if (found == std::end(kPrimitives)) return {};
+  std::string_view const found = primitive(fragment);
+  if (found.empty()) return {};
   static constexpr std::string_view kLibraries[] = {
-      "PrimitiveTypes", "omg.org/spec/UML/", "omg.org/UML/",   "uml.xml",  "UML.xmi",
-      "uml2.xml",       "UML_METAMODELS",    "Superstructure", "uml2.org", "UML_Standard_Profile"};
+      "PrimitiveTypes", "omg.org/spec/UML/", "omg.org/UML/",   "uml.xml",           "UML.xmi",
+      "uml2.xml",       "UML_METAMODELS",    "Superstructure", "eclipse.org/uml2/", "UML_Standard_Profile",
+      "Primitive Types"};
   bool const isLibrary = std::any_of(std::begin(kLibraries), std::end(kLibraries),
                                      [&](auto aPart) { return file.find(aPart) != std::string_view::npos; });
   // Libraries of programming languages have their own String.
   bool const isOther = file.find("Java") != std::string_view::npos ||
                        file.find("XML") != std::string_view::npos ||
                        file.find("Ecore") != std::string_view::npos;
-  return isLibrary && !isOther ? *found : std::string_view();
+  return isLibrary && !isOther ? found : std::string_view();
 }
 
 }  // namespace umlmm::files

@@ -16,8 +16,18 @@ Metaclass const* metaclassCalled(std::string_view aName);
 /// abstract. Null if it has to be said.
 Metaclass const* impliedType(Feature const& aFeature);
 
+/// Where an owner keeps a part that a file puts under a name which tells no place of its own, such as
+/// "ownedMember" or "ownedPort": the list with the nearest type. Null for none.
+Feature const* placeOf(Metaclass const& aOwner, Metaclass const& aPart);
+/// The metaclass of an element without a type in a feature that the metamodel lacks: what the name stands for
+/// wherever it has it. `aOwner` is null in an owner that it lacks as well. Null for none.
+Metaclass const* impliedType(Metaclass const* aOwner, std::string_view aFeature);
+
 /// "String" of any of the addresses under which the primitive types are known, such as
 /// "pathmap://UML_LIBRARIES/UMLPrimitiveTypes.library.uml#String"; empty for another address.
 std::string_view primitiveAt(std::string_view aAddress);
+/// The same by the path that one tool writes with an address:
+/// "UML Standard Profile::UML2 Metamodel::PrimitiveTypes::String".
+std::string_view primitiveCalled(std::string_view aPath);
 
 }  // namespace umlmm::files

@@ -39,7 +39,8 @@ Kelm::Object boolean(std::string_view aText) {
 }
 
 Kelm::Object integer(std::string_view aText) {
-  auto const value = number<std::int32_t>(aText);
+  // Bounds are written as integers, too, and unlimited is less than none.
+  auto const value = aText == "*" ? std::optional(-1) : number<std::int32_t>(aText);
   return value ? makePrimitive(PrimitiveKind::Integer, static_cast<std::uint32_t>(*value)) : Kelm::Object();
 }
 

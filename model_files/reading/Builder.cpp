@@ -104,7 +104,9 @@ Builder::Head Builder::headOf(pugi::xml_node aNode) const {
   }
   if (!head.fType.empty()) {
     QualifiedName const type(head.fType);
-    head.fTypeSpace = type.fPrefix.empty() ? Space::Uml : fPrefixes.find(type.fPrefix);
+    // Without a prefix it is one of UML in a file that has to do with UML.
+    bool const isPlain = type.fPrefix.empty() && !fUmlAddress.empty();
+    head.fTypeSpace = isPlain ? Space::Uml : fPrefixes.find(type.fPrefix);
   }
   return head;
 }
@@ -118,7 +120,7 @@ void Builder::handle(pugi::xml_node aNode) {
   Head const head = headOf(aNode);
   Frame const frame = fFrames.back();
   if (frame.fIsUncovered)
-    handleUncovered(aNode, head);
+    handleUncovered(frame, aNode, name, head);
   else if (frame.fElement == nullptr)
     handleTop(aNode, name, head);
   else
@@ -136,9 +138,9 @@ void Builder::enter(pugi::xml_node aNode, Element* aElement, Metaclass const* aM
 
 void Builder::handleTop(pugi::xml_node aNode, QualifiedName aName, Head const& aHead) {
   Space const space = fPrefixes.find(aName.fPrefix);
-  if (space == Space::Xmi && aName.fName == "XMI") return enter(aNode, nullptr, nullptr);
-  if (aName.fPrefix.empty() && aName.fName == "XMI") return enter(aNode, nullptr, nullptr);
-  if (space == Space::Uml || aHead.fTypeSpace == Space::Uml) {
+  if (aName.fName == "XMI") return enter(aNode, nullptr, nullptr);
+  bool const isElsewhere = !aHead.fHref.empty() || !aHead.fIdref.empty();
+  if (!isElsewhere && (space == Space::Uml || aHead.fTypeSpace == Space::Uml)) {
     ++fFound;
     std::string_view const type =
         aHead.fTypeSpace == Space::Uml ? QualifiedName(aHead.fType).fName : aName.fName;
@@ -167,20 +169,25 @@ void Builder::handleInside(Frame const& aFrame, pugi::xml_node aNode, QualifiedN
   keep(aFrame.fElement, spotOf(aNode));
   if (aName.fName == "eAnnotations") return note("annotation", "eAnnotations", kKept, spotOf(aNode));
   fault("feature", in(*aFrame.fMetaclass, aName.fName), kKept, spotOf(aNode));
-  handleUncovered(aNode, aHead);
+  handleUncovered(aFrame, aNode, aName, aHead);
 }
 
-void Builder::handleUncovered(pugi::xml_node aNode, Head const& aHead) {
-  if (aHead.fTypeSpace == Space::Uml) {
-    Metaclass const* const metaclass = metaclassCalled(QualifiedName(aHead.fType).fName);
-    if (metaclass != nullptr && !metaclass->fAbstract && aHead.fHref.empty() && aHead.fIdref.empty()) {
-      note("element of an owner that is not covered", metaclass->fName, kAtTop, spotOf(aNode));
-      Element& element = make(*metaclass, aNode, aHead);
-      return enter(aNode, &element, metaclass);
-    }
+void Builder::handleUncovered(Frame const& aFrame, pugi::xml_node aNode, QualifiedName aName,
+                              Head const& aHead) {
+  if (aName.fName == "eAnnotations" || !aHead.fHref.empty() || !aHead.fIdref.empty()) return;
+  Space const space = fPrefixes.find(aName.fPrefix);
+  Metaclass const* metaclass = nullptr;
+  if (aHead.fTypeSpace == Space::Uml)
+    metaclass = metaclassCalled(QualifiedName(aHead.fType).fName);
+  else if (aHead.fType.empty() && space == Space::Uml)
+    metaclass = metaclassCalled(aName.fName);
+  if (metaclass == nullptr && aHead.fType.empty() && aName.fPrefix.empty() && aNode.first_attribute())
+    metaclass = impliedType(aFrame.fMetaclass, aName.fName);
+  if (metaclass != nullptr && !metaclass->fAbstract) {
+    note("element of an owner that is not covered", metaclass->fName, kAtTop, spotOf(aNode));
+    Element& element = make(*metaclass, aNode, aHead);
+    return enter(aNode, &element, metaclass);
   }
-  if (std::string_view(aNode.name()) == "eAnnotations") return;
-  Space const space = fPrefixes.find(QualifiedName(aNode.name()).fPrefix);
   if (space != Space::Xmi && space != Space::Other && aNode.first_child())
     enter(aNode, nullptr, nullptr, true);
 }
@@ -198,21 +205,28 @@ void Builder::handleReference(Frame const& aFrame, Feature const& aFeature, pugi
   Spot const spot = spotOf(aNode);
   std::string_view const address = aHead.fIdref.empty() ? aHead.fHref : aHead.fIdref;
   if (!address.empty() && fIsAgain) fOwn.fStyle.note(aFeature, false);
-  if (!address.empty()) return fReferences.add(*aFrame.fElement, aFeature, address, spot);
+  if (!address.empty()) {
+    if (pugi::xml_node const more = aNode.first_child())
+      fReferences.addPath(address, more.child("referenceExtension").attribute("referentPath").value());
+    if (!aHead.fIdref.empty()) return fReferences.addAll(*aFrame.fElement, aFeature, address, spot);
+    return fReferences.add(*aFrame.fElement, aFeature, address, spot);
+  }
   if (aHead.fType.empty() && !aFeature.fComposite && !aNode.first_attribute()) {
     // An id as the text of a tag.
     pugi::xml_text const text = aNode.text();
-    if (text)
-      forEachWord(text.get(), [&](auto aWord) { fReferences.add(*aFrame.fElement, aFeature, aWord, spot); });
+    if (text) fReferences.addAll(*aFrame.fElement, aFeature, text.get(), spot);
     return;
   }
+  // A name that tells no place of its own may tell the type.
+  Feature const* const written = aFrame.fMetaclass->feature(aNode.name());
+  Feature const& named = written == nullptr || impliedType(*written) == nullptr ? aFeature : *written;
   bool const isUml = aHead.fType.empty() || aHead.fTypeSpace == Space::Uml;
   if (!isUml) {
     keep(aFrame.fElement, spot);
     return note("namespace", aHead.fType, kKept, spot);
   }
   Metaclass const* const metaclass =
-      aHead.fType.empty() ? impliedType(aFeature) : metaclassCalled(QualifiedName(aHead.fType).fName);
+      aHead.fType.empty() ? impliedType(named) : metaclassCalled(QualifiedName(aHead.fType).fName);
   if (metaclass == nullptr || metaclass->fAbstract) {
     keep(aFrame.fElement, spot);
     if (aHead.fType.empty())
@@ -224,7 +238,13 @@ void Builder::handleReference(Frame const& aFrame, Feature const& aFeature, pugi
   }
   if (fIsAgain) noteStyle(aNode, &aFeature, *metaclass);
   Element& part = make(*metaclass, aNode, aHead);
-  own(*aFrame.fElement, aFeature, part, aNode);
+  Feature const* const place = aFeature.fDerived ? placeOf(*aFrame.fMetaclass, *metaclass) : &aFeature;
+  if (place != nullptr && (aFeature.fComposite || !aFeature.fDerived))
+    own(*aFrame.fElement, *place, part, aNode);
+  else if (!aFeature.fComposite)
+    note("derived feature", aFeature.fName, kAtTop, spot);
+  else
+    fault("element without a feature", in(*aFrame.fMetaclass, aNode.name()), kAtTop, spot);
   enter(aNode, &part, metaclass);
 }
 
@@ -235,7 +255,7 @@ void Builder::handlePrefixed(Frame const& aFrame, pugi::xml_node aNode, Qualifie
     case Space::Xmi:
     case Space::Xsi:
       keep(aFrame.fElement, spot);
-      if (aName.fName == "Documentation") return noteTool(aNode);
+      if (aName.fName == "Documentation" || aName.fName == "documentation") return noteTool(aNode);
       note("extension", aNode.name(), kKept, spot);
       // One tool keeps parts of the element itself there.
       if (pugi::xml_node const more = aNode.child("modelExtension"); more && aFrame.fElement != nullptr)
@@ -244,9 +264,9 @@ void Builder::handlePrefixed(Frame const& aFrame, pugi::xml_node aNode, Qualifie
     case Space::Uml: {
       Metaclass const* const metaclass = metaclassCalled(aName.fName);
       if (aFrame.fElement == nullptr || metaclass == nullptr || metaclass->fAbstract) break;
-      Feature const* const place = aFrame.fMetaclass->feature("packagedElement");
-      fault("element without a feature", aNode.name(), place != nullptr ? "taken as packagedElement" : kAtTop,
-            spot);
+      Feature const* const place = placeOf(*aFrame.fMetaclass, *metaclass);
+      fault("element without a feature", aNode.name(),
+            place != nullptr ? "taken as " + std::string(place->fName) : std::string(kAtTop), spot);
       Element& part = make(*metaclass, aNode, aHead);
       if (place != nullptr) own(*aFrame.fElement, *place, part, aNode);
       return enter(aNode, &part, metaclass);
@@ -367,8 +387,7 @@ void Builder::readAttribute(Element& aElement, Metaclass const& aMetaclass, pugi
   }
   if (feature->fKind == Kind::Reference && fIsAgain) fOwn.fStyle.note(*feature, true);
   if (feature->fKind == Kind::Reference)
-    return forEachWord(aAttribute.value(),
-                       [&](auto aWord) { fReferences.add(aElement, *feature, aWord, spot); });
+    return fReferences.addAll(aElement, *feature, aAttribute.value(), spot);
   if (!setValue(aElement, *feature, aAttribute.value(), spot)) keep(&aElement, spot, true);
 }
 

@@ -65,7 +65,7 @@ class Builder {
   void handle(pugi::xml_node aNode);
   void handleTop(pugi::xml_node aNode, QualifiedName aName, Head const& aHead);
   void handleInside(Frame const& aFrame, pugi::xml_node aNode, QualifiedName aName, Head const& aHead);
-  void handleUncovered(pugi::xml_node aNode, Head const& aHead);
+  void handleUncovered(Frame const& aFrame, pugi::xml_node aNode, QualifiedName aName, Head const& aHead);
   void handleValue(Frame const& aFrame, Feature const& aFeature, pugi::xml_node aNode, Head const& aHead);
   void handleReference(Frame const& aFrame, Feature const& aFeature, pugi::xml_node aNode, Head const& aHead);
   void handlePrefixed(Frame const& aFrame, pugi::xml_node aNode, QualifiedName aName, Head const& aHead);

@@ -28,8 +28,9 @@ std::string decoded(std::string_view aText) {
 
 }  // namespace
 
-References::References(ModelFiles& aFiles, Kelm::Model const& aModel, Findings& aFindings)
-    : fFiles(aFiles), fModel(aModel), fDeviant(aModel.getDeviant()), fFindings(aFindings) {}
+References::References(ModelFiles& aFiles, Kelm::Model const& aModel, Findings& aFindings,
+                       std::map<std::string, std::string> const& aPlaces)
+    : fFiles(aFiles), fModel(aModel), fDeviant(aModel.getDeviant()), fFindings(aFindings), fPlaces(aPlaces) {}
 
 bool References::step(std::size_t aCount) {
   for (; fNext < fPending.size() && aCount > 0; --aCount) resolve(fPending[fNext++]);
@@ -42,9 +43,40 @@ void References::finish() {
   fFiles.fReport.fUnresolvedCount = fFiles.fDangling.size();
 }
 
+void References::addAll(Element& aElement, Feature const& aFeature, std::string_view aText, Spot aSpot) {
+  constexpr std::string_view kBlanks = " \t\r\n";
+  std::size_t const from = aText.find_first_not_of(kBlanks);
+  if (from == std::string_view::npos) return;
+  aText = aText.substr(from, aText.find_last_not_of(kBlanks) - from + 1);
+  fPending.push_back({&aElement, &aFeature, aText, aSpot, aText.find_first_of(kBlanks) != aText.npos});
+}
+
+void References::resolveAll(Pending const& aReferences) {
+  // Ids may have blanks in them: what is no id may be one together with what follows.
+  constexpr std::size_t kMostWords = 8;
+  std::string_view const text = aReferences.fAddress;
+  std::vector<std::string_view> words;
+  forEachWord(text, [&](auto aWord) { words.push_back(aWord); });
+  auto const joined = [&](std::size_t aFirst, std::size_t aLast) {
+    return text.substr(
+        static_cast<std::size_t>(words[aFirst].data() - text.data()),
+        static_cast<std::size_t>(words[aLast].data() - words[aFirst].data()) + words[aLast].size());
+  };
+  for (std::size_t first = 0; first < words.size(); ++first) {
+    std::size_t last = first;
+    while (last < words.size() && last < first + kMostWords &&
+           find(joined(first, last), aReferences.fSpot.fFile) == nullptr)
+      ++last;
+    if (last == words.size() || last == first + kMostWords) last = first;
+    resolve({aReferences.fElement, aReferences.fFeature, joined(first, last), aReferences.fSpot, false});
+    first = last;
+  }
+}
+
 void References::resolve(Pending const& aReference) {
   auto const path = [&] { return pathOf(*aReference.fElement, fDeviant); };
   Feature const& feature = *aReference.fFeature;
+  if (aReference.fIsList) return resolveAll(aReference);
   if (feature.fDerived && !feature.fComposite)
     return fFindings.add(Findings::Weight::Note, "derived feature", feature.fName, "follows from others",
                          aReference.fSpot, path);
@@ -79,11 +111,15 @@ Element* References::find(std::string_view aAddress, std::uint32_t aFile) {
   ModelFile& own = fFiles.fFiles[aFile];
   if (Element* const found = own.fIds.find(aAddress)) return found;
   std::size_t const hash = aAddress.find('#');
-  if (hash == std::string_view::npos) return aAddress.starts_with('/') ? walk(own, aAddress) : nullptr;
-  std::string_view const fragment = aAddress.substr(hash + 1);
+  if (hash == std::string_view::npos && aAddress.starts_with('/')) return walk(own, aAddress);
+  if (hash == std::string_view::npos && aAddress.find('/') == std::string_view::npos) return nullptr;
+  std::string_view const fragment = aAddress.substr(std::min(hash, aAddress.size() - 1) + 1);
   if (hash == 0) return findInFile(own, fragment);
-  if (ModelFile* const file = fileAt(aAddress.substr(0, hash), aFile)) return findInFile(*file, fragment);
-  std::string_view const name = primitiveAt(aAddress);
+  ModelFile* const file = hash == std::string_view::npos ? nullptr : fileAt(aAddress.substr(0, hash), aFile);
+  if (file != nullptr) return findInFile(*file, fragment);
+  std::string_view name = primitiveAt(aAddress);
+  if (auto const path = fPaths.find(aAddress); name.empty() && path != fPaths.end())
+    name = primitiveCalled(path->second);
   return name.empty() ? nullptr : primitive(name, aAddress);
 }
 
@@ -138,7 +174,13 @@ Element* References::walk(ModelFile& aFile, std::string_view aPath) {
 
 ModelFile* References::fileAt(std::string_view aFile, std::uint32_t aFrom) {
   namespace fs = std::filesystem;
-  fs::path const wanted = decoded(aFile);
+  std::string plain = decoded(aFile);
+  for (auto const& [prefix, place] : fPlaces)
+    if (plain.starts_with(prefix)) {
+      plain.replace(0, prefix.size(), place);
+      break;
+    }
+  fs::path const wanted = plain;
   fs::path const beside = fs::path(fFiles.fFiles[aFrom].fText.name()).parent_path() / wanted;
   for (ModelFile& file : fFiles.fFiles) {
     fs::path const path = file.fText.name();

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <map>
 #include <span>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "model_files/reading/Findings.h"
@@ -12,12 +14,20 @@ namespace umlmm::files {
 /// References wait here until all elements are made; then each finds what it names.
 class References {
  public:
-  explicit References(ModelFiles& aFiles, Kelm::Model const& aModel, Findings& aFindings);
+  /// `aPlaces`: where addresses lead, by what they start with.
+  References(ModelFiles& aFiles, Kelm::Model const& aModel, Findings& aFindings,
+             std::map<std::string, std::string> const& aPlaces);
 
   /// `aAddress` is an id, or an address with a file or a path: "a.uml#x", "#//shop/Order". The text lives
   /// until all is resolved.
   void add(Element& aElement, Feature const& aFeature, std::string_view aAddress, Spot aSpot) {
-    fPending.push_back({&aElement, &aFeature, aAddress, aSpot});
+    fPending.push_back({&aElement, &aFeature, aAddress, aSpot, false});
+  }
+  /// All addresses of a text.
+  void addAll(Element& aElement, Feature const& aFeature, std::string_view aText, Spot aSpot);
+  /// Names from the root on that a tool has written with an address.
+  void addPath(std::string_view aAddress, std::string_view aPath) {
+    if (!aPath.empty()) fPaths.try_emplace(aAddress, aPath);
   }
   /// A stereotype's reference to what it extends.
   void addApplication(std::string_view aName, std::string_view aAddress, Spot aSpot) {
@@ -37,6 +47,8 @@ class References {
     Feature const* fFeature;
     std::string_view fAddress;
     Spot fSpot;
+    /// Several addresses with blanks between.
+    bool fIsList;
   };
   struct PendingApplication {
     std::string_view fName;
@@ -50,6 +62,7 @@ class References {
   ModelFile* fileAt(std::string_view aFile, std::uint32_t aFrom);
   Element* primitive(std::string_view aName, std::string_view aAddress);
   void resolve(Pending const& aReference);
+  void resolveAll(Pending const& aReferences);
   void resolveApplications();
   void link(Pending const& aReference, Element& aValue);
   /// Puts lists into the order in which the files name their values: links came as their other ends were
@@ -61,7 +74,9 @@ class References {
   Kelm::Model fModel;
   Kelm::Deviant fDeviant;
   Findings& fFindings;
+  std::map<std::string, std::string> const& fPlaces;
   std::vector<Pending> fPending;
+  std::unordered_map<std::string_view, std::string_view> fPaths;
   std::vector<PendingApplication> fApplications;
   /// Of lists.
   struct Linked {

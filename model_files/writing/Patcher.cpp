@@ -248,7 +248,8 @@ void Patcher::patchParts(Element& aOwner, Tag const& aTag, Feature const& aFeatu
       settled.push_back(part);
     }
   std::ranges::sort(slots, {}, &markup::Child::fFrom);
-  std::string const name(slots.empty() ? aFeature.fName : markup::nameAt(fText, slots.front().fName));
+  std::string name(slots.empty() ? aFeature.fName : markup::nameAt(fText, slots.front().fName));
+  if (featureCalled(metaclassOf(aOwner), name) != &aFeature) name = aFeature.fName;
   auto const written = [&](Element* aPart) -> Write {
     return [this, aPart, name, &aFeature,
             indent = std::string(indentAt(fText, aTag.fName - 1))](std::string& aOut) {
@@ -287,7 +288,9 @@ bool Patcher::isNamed(Element& aOwner, Tag const& aTag, Feature const& aFeature,
   std::size_t const name = fFile.fMade[node->second].fOffset;
   bool const isHere =
       std::ranges::any_of(aTag.fChildren, [&](auto const& aChild) { return aChild.fName == name; });
-  return !isHere || featureCalled(metaclassOf(aOwner), markup::nameAt(fText, name)) != &aFeature;
+  Feature const* const written = featureCalled(metaclassOf(aOwner), markup::nameAt(fText, name));
+  bool const isPlace = written != nullptr && !written->fDerived;
+  return !isHere || (isPlace && written != &aFeature);
 }
 
 void Patcher::patchTop() {

@@ -1,0 +1,99 @@
+"""What tools write in ways of their own: each with the elements that it means, and saved to the same bytes."""
+
+import pytest
+
+import umlmm
+from umlmm import files
+
+OMG = "http://www.omg.org/spec/UML/20131001"
+OLD = "http://schema.omg.org/spec/UML/2.0"
+ECLIPSE = "http://www.eclipse.org/uml2/5.0.0/UML"
+
+
+def document(body, uml=OMG):
+    return (f'<?xml version="1.0" encoding="UTF-8"?>\n<!-- a tool -->\n<xmi:XMI xmlns:xmi="http://schema.omg.org/spec/XMI/2.1" '
+            f'xmlns:xsi="http://www.w3.org/2001/XMLSchema-instance" xmlns:uml="{uml}">\n{body}\n</xmi:XMI>\n').encode()
+
+
+CLASS = '<uml:Class xmi:id="c" name="C"/>'
+
+
+@pytest.mark.parametrize("address", [
+    "http://schema.omg.org/spec/UML/2.1.2", "http://schema.omg.org/spec/UML/2.1/uml.xml", "https://www.omg.org/spec/UML/20161101",
+    "http://www.omg.org/spec/UML/20110701/UML.xmi", "http://www.omg.org/spec/UML/2.4.1/Superstructure.cmof",
+    "http://www.omg.org/spec/UML", "http://www.eclipse.org/uml2/1.0.0/UML", "https://www.eclipse.org/UML2/3.0.0/UML/"])
+def test_addresses_of_uml(address):
+    assert umlmm.load(document(CLASS, address)).report.elements == {"Class": 1}
+
+
+@pytest.mark.parametrize("text", [
+    document(CLASS, OMG + "/StandardProfile"), document(CLASS, ECLIPSE + "/Profile/Standard"),
+    document(CLASS, "http://www.omg.org/UML/1.3"), document(CLASS, "http://www.omg.org/spec/UMLDI/20131001"),
+    document('<uml:Class href="other.uml#c"/>'),
+    b'<a xmlns:xsi="http://www.w3.org/2001/XMLSchema-instance" xsi:type="Class"/>'])
+def test_what_only_looks_like_uml(text):
+    with pytest.raises(files.NotUml):
+        umlmm.load(text)
+
+
+# Text, elements by metaclass, and what must hold.
+CASES = {
+    "names of lists that follow from others": (OLD, """
+<uml:Class xmi:id="c"><ownedPort xmi:type="uml:Port" xmi:id="p"/><ownedPort xmi:id="q" name="Q"/>
+<ownedMember xmi:type="uml:Class" xmi:id="n"/><ownedMember xmi:type="uml:Constraint" xmi:id="r"/></uml:Class>
+<uml:Profile xmi:id="f"><ownedStereotype xmi:id="s"/></uml:Profile>""",
+        {"Class": 2, "Port": 2, "Constraint": 1, "Profile": 1, "Stereotype": 1},
+        "list(c.ownedAttribute) == [p, q] and n.owner is c and list(c.ownedRule) == [r] and s.owner is f"),
+    "inside what isn't covered": (ECLIPSE, """
+<uml:StateMachine xmi:id="m"><region xmi:id="g"><transition xmi:id="t" guard="r"><ownedRule xmi:id="r" name="R"/>
+<ownedComment xmi:id="k" body="why"/><effect xmi:type="uml:Activity" xmi:id="e"/></transition></region>
+<ownedAttribute xmi:id="a" name="A"/><eAnnotations><contents xmi:type="uml:Class"/></eAnnotations></uml:StateMachine>
+<uml:Class xmi:id="c"/>""",
+        {"Constraint": 1, "Comment": 1, "Activity": 1, "Property": 1, "Class": 1}, "r.name == 'R' and k.body == 'why'"),
+    "features that the metamodel lacks": (ECLIPSE, """
+<uml:Activity xmi:id="a"><node xmi:type="uml:OpaqueAction" xmi:id="o"><localPrecondition xmi:id="l" name="L"/></node>
+<node xmi:type="uml:AddStructuralFeatureValueAction" xmi:id="v"><result xmi:id="r" name="R"/></node>
+<node xmi:type="uml:CreateLinkAction" xmi:id="k"><endData xmi:id="d"><qualifier xmi:id="q"/></endData></node>
+<node xmi:type="uml:Action" xmi:id="b"/></uml:Activity>""",
+        {"Activity": 1, "OpaqueAction": 1, "Constraint": 1, "AddStructuralFeatureValueAction": 1, "OutputPin": 1,
+         "CreateLinkAction": 1, "LinkEndCreationData": 1}, "l.name == 'L' and r.name == 'R'"),
+    "whole elements where references stand": (OMG, """
+<uml:Property xmi:id="p"><type xmi:type="uml:DataType" xmi:id="t"/></uml:Property>
+<uml:Component xmi:id="c"><provided xmi:type="uml:Interface" xmi:id="i"/></uml:Component>""",
+        {"Property": 1, "DataType": 1, "Component": 1, "Interface": 1}, "p.type is t and i.owner is None"),
+    "ids with blanks and signs, and none": (OMG, """
+<uml:Class xmi:id="" name="A"/><uml:Class xmi:id="x#y" name="B"/><uml:Class xmi:id="x y z" name="C"/>
+<uml:Property xmi:id="p" type="x y z"/><uml:Dependency xmi:id="d" client="x y z x#y p" supplier="gone p x y z"/>""",
+        {"Class": 3, "Property": 1, "Dependency": 1}, """p.type.name == 'C' and [e.name for e in d.client] == ['C', 'B', '']
+        and [e.name for e in d.supplier] == ['', 'C'] and [u.address for u in model.unresolved] == ['gone']"""),
+    "one type under many addresses": (OMG, "".join(f"""<uml:Property><type href="{address}">
+<xmi:Extension><referenceExtension referentPath="{path}"/></xmi:Extension></type></uml:Property>""" for address, path in [
+        ("http://www.omg.org/spec/UML/20131001/PrimitiveTypes.xmi#String", ""), ("http://schema.omg.org/spec/UML/2.1/String", ""),
+        ("http://www.omg.org/spec/PrimitiveTypes/20110701#String", ""), ("http://www.eclipse.org/uml2/5.0.0/Types#//String", ""),
+        ("pathmap://UML_LIBRARIES/UMLPrimitiveTypes.library.uml#_String?a/b?", ""),
+        ("x.mdzip#_9_0_62", "UML Standard Profile::UML2 Metamodel::PrimitiveTypes::String")]),
+        {"Property": 6}, "len({e.type for e in model.rootElements() if isinstance(e, umlmm.Property)}) == 1 and not model.unresolved"),
+    "unlimited": (OMG, "".join(f"""<uml:Property><upperValue xmi:type="uml:Literal{kind}" value="{value}"/></uml:Property>"""
+        for kind, value in [("Integer", "*"), ("Integer", "-1"), ("UnlimitedNatural", "-1"), ("UnlimitedNatural", "n")]),
+        {"Property": 4, "LiteralInteger": 2, "LiteralUnlimitedNatural": 2},
+        "[str(e.upper) for e in model.rootElements()] == ['*'] * 4"),
+    "kinds of metaclasses that are gone": (OLD, """
+<uml:Interaction xmi:id="i"><fragment xmi:type="uml:ExecutionOccurrence"/><fragment xmi:type="uml:InteractionOccurrence"/>
+<formalGate xmi:type="gate"/></uml:Interaction>""",
+        {"Interaction": 1, "BehaviorExecutionSpecification": 1, "InteractionUse": 1, "Gate": 1}, "len(i.fragment) == 2"),
+}
+
+
+@pytest.mark.parametrize("name", CASES)
+def test_what_tools_mean(name):
+    uml, body, elements, holds = CASES[name]
+    text = document(body, uml)
+    model = umlmm.load(text)
+    assert model.report.elements == elements and files.text(model) == text
+    named = {element.externalId: element for element in model.allElements() if element.externalId}
+    assert eval(" ".join(holds.split()), {"model": model, "umlmm": umlmm, **named})  # of the table above
+    for element in named.values():
+        if hasattr(element, "name") and not element.name:
+            element.name = "named"
+    again = umlmm.load(files.text(model))
+    assert again.report.elements == elements
