@@ -54,6 +54,7 @@ def measure(build):
     yield from _destroying(Results(folder / "metamodel_destroy_benchmark"))
     yield from _memory(Results(folder / "metamodel_memory_benchmark"))
     yield from _threads(Results(folder / "metamodel_threads_benchmark"))
+    yield from _files(Results(folder / "model_files_benchmark"))
 
 
 def _against(results, title, name, limit, bound=None):
@@ -86,6 +87,17 @@ def _threads(results):
     title = "C++: create in two threads with a model each, to one"
     limit = results.nanoseconds(name + "1")
     yield Figure(title, results.nanoseconds(name + "2"), limit=limit, bound=1 / 1.7, goal=True)
+
+
+def _files(results):
+    """Nanoseconds a byte of the file."""
+    for classes, size in {8_000: "5 MB", 320_000: "190 MB"}.items():
+        parse, create, load, save = (
+            results.nanoseconds(f"{name}/{classes}") for name in ("parse", "create", "load", "saveUnchanged")
+        )
+        title = f"files: load {size}, a byte, to its parse and making its elements"
+        yield Figure(title, load, limit=parse + create, bound=1.5, goal=True)
+        yield Figure(f"files: text of {size} unchanged, a byte, to its parse", save, limit=parse, bound=3)
 
 
 def _lists(results):

@@ -1,10 +1,14 @@
-// Loading a model file against its two unavoidable parts, a bare parse by the same parser and making the same elements
-// by the typed interface; saving it unchanged against the bare parse. All are told in nanoseconds a byte of the file.
+// Loading a model file against its two unavoidable parts, a bare parse by the same parser and making the same
+// elements by the typed interface; saving it unchanged against the bare parse. All are told in nanoseconds a
+// byte of the file.
 
 #include <benchmark/benchmark.h>
 
+#include <chrono>
+#include <map>
 #include <pugixml.hpp>
 #include <string>
+#include <vector>
 
 #include "model_files/files.h"
 #include "uml_metamodel/umlmm.h"
@@ -24,8 +28,8 @@ std::string textOf(int aClasses) {
       "xmlns:xmi=\"http://www.omg.org/spec/XMI/20131001\" "
       "xmlns:uml=\"http://www.eclipse.org/uml2/5.0.0/UML\" xmi:id=\"_m\" name=\"model\">\n";
   for (int at = 0; at < aClasses; ++at) {
-    text += "  <packagedElement xmi:type=\"uml:Class\" xmi:id=\"" + id("abcdefghijklmno", at) + "\" name=\"Class" +
-            std::to_string(at) + "\">\n";
+    text += "  <packagedElement xmi:type=\"uml:Class\" xmi:id=\"" + id("abcdefghijklmno", at) +
+            "\" name=\"Class" + std::to_string(at) + "\">\n";
     for (int number = 0; number < kAttributes; ++number)
       text += "    <ownedAttribute xmi:id=\"" + id("pqrstuvwxyzabcd", at * kAttributes + number) +
               "\" name=\"attribute" + std::to_string(number) + "\" visibility=\"private\" type=\"" +
