@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <chrono>
 #include <filesystem>
 
@@ -39,13 +40,11 @@ class Saving {
     return text;
   }
 
+  /// Whether the files are what the model is.
+  bool isUnchanged() const { return fModel.object().revision() == fFiles.fRevision; }
   /// The new texts, by file.
   std::vector<std::string> texts() {
     std::vector<std::string> texts;
-    if (fModel.object().revision() == fFiles.fRevision) {
-      for (ModelFile const& file : fFiles.fFiles) texts.emplace_back(file.fText.utf8());
-      return texts;
-    }
     Kelm::Model const read =
         readAgain(inputs([&](std::size_t aFile) { return fFiles.fFiles[aFile].fText.utf8(); }));
     ModelFiles const& readFiles = ModelFiles::of(read);
@@ -157,11 +156,13 @@ std::string textOf(Kelm::Model const& aModel, SaveOptions const& aOptions, std::
     return WholeFile(aModel, dialectCalled(aOptions.fDialect)).write(order);
   }
   ModelFiles const& files = *own;
-  auto const texts = Saving(aModel, *own).texts();
-  for (std::size_t at = 0; at < texts.size(); ++at)
-    if (aFile.empty() || files.fFiles[at].fText.name() == aFile)
-      return files.fFiles[at].fText.encoded(texts[at]);
-  throw Error("The model has no file " + std::string(aFile));
+  auto const file = std::ranges::find_if(
+      files.fFiles, [&](ModelFile const& aOne) { return aFile.empty() || aOne.fText.name() == aFile; });
+  if (file == files.fFiles.end()) throw Error("The model has no file " + std::string(aFile));
+  Saving saving(aModel, *own);
+  if (saving.isUnchanged()) return file->fText.encoded(file->fText.utf8());
+  auto const texts = saving.texts();
+  return file->fText.encoded(texts[static_cast<std::size_t>(file - files.fFiles.begin())]);
 }
 
 void save(Kelm::Model const& aModel, SaveOptions const& aOptions) {
@@ -169,6 +170,7 @@ void save(Kelm::Model const& aModel, SaveOptions const& aOptions) {
   if (!aOptions.fDialect.empty())
     throw Error("A model is saved in another dialect to a path of its own; name one");
   Saving saving(aModel, files);
+  if (saving.isUnchanged()) return;
   auto const texts = saving.texts();
   std::vector<std::string> bytes;
   for (std::size_t at = 0; at < texts.size(); ++at) {
