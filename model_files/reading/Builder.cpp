@@ -1,6 +1,7 @@
 #include "model_files/reading/Builder.h"
 
 #include "kelm/kernel/containers/Ref.h"
+#include "model_files/dialect/extensions.h"
 #include "model_files/dialect/older.h"
 #include "model_files/dialect/values.h"
 #include "uml_metamodel/umlmm/MetamodelExtension.h"
@@ -250,6 +251,10 @@ void Builder::handlePrefixed(Frame const& aFrame, pugi::xml_node aNode, Qualifie
       keep(aFrame.fElement, spot);
       if (aName.fName == "Documentation" || aName.fName == "documentation") return noteTool(aNode);
       note("extension", aNode.name(), kKept, spot);
+      forEachEntry(aNode, [&](pugi::xml_node aEntry, std::string_view aId) {
+        std::string_view const stereotype = stereotypeIn(aEntry).value();
+        fReferences.addEntry(stereotype.empty() ? stereotype : lasting(stereotype), aId, spotOf(aEntry));
+      });
       // One tool keeps parts of the element itself there.
       if (pugi::xml_node const more = aNode.child("modelExtension"); more && aFrame.fElement != nullptr)
         enter(more, aFrame.fElement, aFrame.fMetaclass);
@@ -288,10 +293,8 @@ bool Builder::handleApplication(pugi::xml_node aNode, QualifiedName aName) {
   bool isApplication = false;
   auto const add = [&](std::string_view aAddress) {
     isApplication = true;
-    // The name as it stands in the file's own text, which stays.
     Spot const spot = spotOf(aNode);
-    std::size_t const at = spot.fOffset + static_cast<std::size_t>(aName.fName.data() - aNode.name());
-    std::string_view const name = fOwn.fText.utf8().substr(at, aName.fName.size());
+    std::string_view const name = lasting(aName.fName);
     forEachWord(aAddress, [&](auto aWord) { fReferences.addApplication(name, aWord, spot); });
   };
   for (pugi::xml_attribute const attribute : aNode.attributes())
@@ -326,6 +329,12 @@ void Builder::noteStyle(pugi::xml_node aNode, Feature const* aFeature, Metaclass
   }
 }
 
+std::string_view Builder::lasting(std::string_view aParsed) {
+  // It lives in the file's text, unless it stands there in another form.
+  std::string_view const text = fOwn.fText.utf8().substr(offsetOf(aParsed.data()), aParsed.size());
+  return text == aParsed ? text : fOwn.fDecoded.emplace_back(aParsed);
+}
+
 Element& Builder::make(Metaclass const& aMetaclass, pugi::xml_node aNode, Head const& aHead) {
   ++fFound;
   Kelm::ClassObject const made =
@@ -335,10 +344,7 @@ Element& Builder::make(Metaclass const& aMetaclass, pugi::xml_node aNode, Head c
   ++fFiles.fReport.fElements[std::string(aMetaclass.fName)];
   ++fFiles.fReport.fElementCount;
   if (!aHead.fId.empty()) {
-    // Ids live in the file's text, unless they stand there in another form.
-    std::string_view const text = fOwn.fText.utf8();
-    std::string_view id = text.substr(offsetOf(aHead.fId.data()), aHead.fId.size());
-    if (id != aHead.fId) id = fOwn.fDecoded.emplace_back(aHead.fId);
+    std::string_view const id = lasting(aHead.fId);
     if (!fOwn.fIds.try_emplace(id, &element).second)
       fFiles.fReport.fDuplicateIds.emplace_back(id, fFiles.place(spotOf(aNode)));
 

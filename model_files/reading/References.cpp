@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <functional>
+#include <set>
 
 #include "kelm/kernel/containers/Ref.h"
 #include "model_files/dialect/older.h"
@@ -40,6 +41,7 @@ bool References::step(std::size_t aCount) {
 void References::finish() {
   order();
   resolveApplications();
+  resolveEntries();
   fFiles.fReport.fUnresolvedCount = fFiles.fDangling.size();
 }
 
@@ -210,6 +212,22 @@ void References::resolveApplications() {
     }
     fFindings.add(Findings::Weight::Fault, "stereotype on an unknown element", application.fName,
                   "kept as written", application.fSpot, [] { return std::string(); });
+  }
+}
+
+void References::resolveEntries() {
+  std::set<std::pair<Element const*, std::string_view>> known;
+  if (!fEntries.empty())
+    for (Application const& application : fFiles.fApplications)
+      known.emplace(application.fElement.get(), application.fName);
+  for (PendingApplication const& entry : fEntries) {
+    // Tools have more in their extensions than UML has elements.
+    Element* const element = find(entry.fAddress, entry.fSpot.fFile);
+    if (element == nullptr) continue;
+    bool const isNew = !entry.fName.empty() && known.emplace(element, entry.fName).second;
+    fFiles.fApplications.push_back(
+        {ElementPtr(element), isNew ? entry.fName : std::string_view(), entry.fSpot, true});
+    if (isNew) ++fFiles.fReport.fStereotypeCount;
   }
 }
 

@@ -33,6 +33,10 @@ class References {
   void addApplication(std::string_view aName, std::string_view aAddress, Spot aSpot) {
     fApplications.push_back({aName, aAddress, aSpot});
   }
+  /// The same of what a tool keeps in its extension; the name is empty for no stereotype.
+  void addEntry(std::string_view aName, std::string_view aAddress, Spot aSpot) {
+    fEntries.push_back({aName, aAddress, aSpot});
+  }
 
   /// Resolves some more; true when none is left.
   bool step(std::size_t aCount);
@@ -64,6 +68,7 @@ class References {
   void resolve(Pending const& aReference);
   void resolveAll(Pending const& aReferences);
   void resolveApplications();
+  void resolveEntries();
   void link(Pending const& aReference, Element& aValue);
   /// Puts lists into the order in which the files name their values: links came as their other ends were
   /// read.
@@ -78,6 +83,7 @@ class References {
   std::vector<Pending> fPending;
   std::unordered_map<std::string_view, std::string_view> fPaths;
   std::vector<PendingApplication> fApplications;
+  std::vector<PendingApplication> fEntries;
   /// Of lists.
   struct Linked {
     Element* fElement;

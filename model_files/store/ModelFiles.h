@@ -55,11 +55,13 @@ struct Dangling {
   Spot fSpot;
 };
 
-/// A stereotype applied to an element; the name is that of the tag.
+/// A stereotype applied to an element; the name is that of the tag. Or what a tool keeps of an element in its
+/// extension; the name is empty then if a tag says the same.
 struct Application {
   ElementPtr fElement;
   std::string_view fName;
   Spot fSpot;
+  bool fIsInExtension = false;
 };
 
 /// One file of a model.
@@ -68,7 +70,7 @@ struct ModelFile {
   std::vector<Made> fMade;
   /// Ids as written; the first of equal ones.
   std::unordered_map<std::string_view, Element*> fIds;
-  /// Ids that do not stand in the text as they are.
+  /// Ids and names that do not stand in the text as they are.
   std::deque<std::string> fDecoded;
   /// Noted when the file is read to be written.
   Style fStyle;
