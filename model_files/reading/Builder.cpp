@@ -212,7 +212,8 @@ void Builder::handleReference(Frame const& aFrame, Feature const& aFeature, pugi
     return;
   }
   // A name that tells no place of its own may tell the type.
-  Feature const* const written = aFrame.fMetaclass->feature(aNode.name());
+  bool const isOwnName = aFeature.fName == aNode.name();
+  Feature const* const written = isOwnName ? &aFeature : aFrame.fMetaclass->feature(aNode.name());
   Feature const& named = written == nullptr || impliedType(*written) == nullptr ? aFeature : *written;
   bool const isUml = aHead.fType.empty() || aHead.fTypeSpace == Space::Uml;
   if (!isUml) {

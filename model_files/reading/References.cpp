@@ -29,9 +29,8 @@ std::string decoded(std::string_view aText) {
 
 }  // namespace
 
-References::References(ModelFiles& aFiles, Kelm::Model const& aModel, Findings& aFindings,
-                       std::map<std::string, std::string> const& aPlaces)
-    : fFiles(aFiles), fModel(aModel), fDeviant(aModel.getDeviant()), fFindings(aFindings), fPlaces(aPlaces) {}
+References::References(ModelFiles& aFiles, Kelm::Model const& aModel, Findings& aFindings)
+    : fFiles(aFiles), fModel(aModel), fDeviant(aModel.getDeviant()), fFindings(aFindings) {}
 
 bool References::step(std::size_t aCount) {
   for (; fNext < fPending.size() && aCount > 0; --aCount) resolve(fPending[fNext++]);
@@ -175,9 +174,15 @@ Element* References::walk(ModelFile& aFile, std::string_view aPath) {
 }
 
 ModelFile* References::fileAt(std::string_view aFile, std::uint32_t aFrom) {
+  auto const [known, isNew] = fFilesAt.try_emplace({aFrom, aFile}, nullptr);
+  if (isNew) known->second = searchFile(aFile, aFrom);
+  return known->second;
+}
+
+ModelFile* References::searchFile(std::string_view aFile, std::uint32_t aFrom) {
   namespace fs = std::filesystem;
   std::string plain = decoded(aFile);
-  for (auto const& [prefix, place] : fPlaces)
+  for (auto const& [prefix, place] : fFiles.fPlaces)
     if (plain.starts_with(prefix)) {
       plain.replace(0, prefix.size(), place);
       break;
@@ -188,6 +193,13 @@ ModelFile* References::fileAt(std::string_view aFile, std::uint32_t aFrom) {
     fs::path const path = file.fText.name();
     if (path.lexically_normal() == beside.lexically_normal() || path == wanted) return &file;
   }
+  // "platform:/resource/project/folder/a.uml": a folder of a workspace, which may lie anywhere.
+  constexpr std::string_view kWorkspace = "platform:/";
+  if (!plain.starts_with(kWorkspace)) return nullptr;
+  std::string_view const inside =
+      std::string_view(plain).substr(std::min(plain.find('/', kWorkspace.size()), plain.size() - 1));
+  for (ModelFile& file : fFiles.fFiles)
+    if (fs::absolute(file.fText.name()).lexically_normal().generic_string().ends_with(inside)) return &file;
   return nullptr;
 }
 

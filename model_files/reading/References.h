@@ -14,9 +14,7 @@ namespace umlmm::files {
 /// References wait here until all elements are made; then each finds what it names.
 class References {
  public:
-  /// `aPlaces`: where addresses lead, by what they start with.
-  References(ModelFiles& aFiles, Kelm::Model const& aModel, Findings& aFindings,
-             std::map<std::string, std::string> const& aPlaces);
+  References(ModelFiles& aFiles, Kelm::Model const& aModel, Findings& aFindings);
 
   /// `aAddress` is an id, or an address with a file or a path: "a.uml#x", "#//shop/Order". The text lives
   /// until all is resolved.
@@ -64,6 +62,7 @@ class References {
   Element* findInFile(ModelFile& aFile, std::string_view aFragment);
   Element* walk(ModelFile& aFile, std::string_view aPath);
   ModelFile* fileAt(std::string_view aFile, std::uint32_t aFrom);
+  ModelFile* searchFile(std::string_view aFile, std::uint32_t aFrom);
   Element* primitive(std::string_view aName, std::string_view aAddress);
   void resolve(Pending const& aReference);
   void resolveAll(Pending const& aReferences);
@@ -79,7 +78,8 @@ class References {
   Kelm::Model fModel;
   Kelm::Deviant fDeviant;
   Findings& fFindings;
-  std::map<std::string, std::string> const& fPlaces;
+  /// Answers of `fileAt`.
+  std::map<std::pair<std::uint32_t, std::string_view>, ModelFile*> fFilesAt;
   std::vector<Pending> fPending;
   std::unordered_map<std::string_view, std::string_view> fPaths;
   std::vector<PendingApplication> fApplications;

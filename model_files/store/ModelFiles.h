@@ -3,6 +3,7 @@
 #include <boost/smart_ptr/intrusive_ptr.hpp>
 #include <cstdint>
 #include <deque>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -121,6 +122,8 @@ class ModelFiles final : public Kelm::ModelCompanion {
   std::vector<Application> fApplications;
   /// The model's own PrimitiveType elements that stand for those of the standard, by name.
   std::unordered_map<std::string_view, StandIn> fStandIns;
+  /// Where addresses lead, by what they start with.
+  std::map<std::string, std::string> fPlaces;
   /// The model's revision when all was read.
   std::uint64_t fRevision = 0;
 

@@ -115,3 +115,21 @@ def test_what_a_tool_keeps_in_its_extension():
     assert files.text(model) == text and b"key" not in files.text(model, dialect="omg-2.5.1")
     key.destroy()
     assert entry.encode() not in files.text(model) and b'<tag name="k" value="v"/>' in files.text(model)
+
+
+def test_addresses_of_other_files(tmp_path):
+    (tmp_path / "parts").mkdir()
+    shop, part = tmp_path / "shop.uml", tmp_path / "parts" / "a part.uml"
+    addresses = ["parts/a%20part.uml#b", f"platform:/resource/{tmp_path.name}/parts/a%20part.uml#b", "pathmap://MINE/a%20part.uml#b?B?",
+                 "parts/a%20part.uml#/"]
+    shop.write_bytes(document('<uml:Package xmi:id="a">' + "".join(
+        f'<packageImport><importedPackage href="{address}"/></packageImport><packageImport importedPackage="{address}"/>'
+        for address in addresses) + '<packageImport importedPackage="shop.uml#a"/></uml:Package>'))
+    part.write_bytes(document('<uml:Package xmi:id="b" name="B"><packageImport importedPackage="../shop.uml#a"/></uml:Package>'))
+    before = shop.read_bytes()
+    model = umlmm.load_all([shop, part], paths={"pathmap://MINE/": f"{tmp_path}/parts/"})
+    assert model.unresolved == [] and {one.importedPackage for one in model.by_id("a").packageImport} == {model.by_id("a"), model.by_id("b")}
+    model.by_id("b").name = "C"
+    model.save()
+    assert shop.read_bytes() == before and b'name="C"' in part.read_bytes()
+    assert len(umlmm.load(shop).unresolved) == 8
