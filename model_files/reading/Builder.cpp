@@ -292,11 +292,11 @@ void Builder::noteTool(pugi::xml_node aNode) {
 
 bool Builder::handleApplication(pugi::xml_node aNode, QualifiedName aName) {
   bool isApplication = false;
+  // The parser's text goes when all is read.
+  std::string_view const name = fOwn.fText.utf8().substr(offsetOf(aName.fName.data()), aName.fName.size());
   auto const add = [&](std::string_view aAddress) {
     isApplication = true;
-    Spot const spot = spotOf(aNode);
-    std::string_view const name = lasting(aName.fName);
-    forEachWord(aAddress, [&](auto aWord) { fReferences.addApplication(name, aWord, spot); });
+    forEachWord(aAddress, [&](auto aWord) { fReferences.addApplication(name, aWord, spotOf(aNode)); });
   };
   for (pugi::xml_attribute const attribute : aNode.attributes())
     if (isBase(attribute.name())) add(attribute.value());
@@ -345,7 +345,10 @@ Element& Builder::make(Metaclass const& aMetaclass, pugi::xml_node aNode, Head c
   ++fFiles.fReport.fElements[std::string(aMetaclass.fName)];
   ++fFiles.fReport.fElementCount;
   if (!aHead.fId.empty()) {
-    std::string_view const id = lasting(aHead.fId);
+    // Ids live in the file's text, unless they stand there in another form.
+    std::string_view const text = fOwn.fText.utf8();
+    std::string_view id = text.substr(offsetOf(aHead.fId.data()), aHead.fId.size());
+    if (id != aHead.fId) id = fOwn.fDecoded.emplace_back(aHead.fId);
     if (!fOwn.fIds.try_emplace(id, &element).second)
       fFiles.fReport.fDuplicateIds.emplace_back(id, fFiles.place(spotOf(aNode)));
 

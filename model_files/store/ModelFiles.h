@@ -71,7 +71,7 @@ struct ModelFile {
   std::vector<Made> fMade;
   /// Ids as written; the first of equal ones.
   std::unordered_map<std::string_view, Element*> fIds;
-  /// Ids and names that do not stand in the text as they are.
+  /// Ids that do not stand in the text as they are.
   std::deque<std::string> fDecoded;
   /// Noted when the file is read to be written.
   Style fStyle;
