@@ -14,7 +14,9 @@ namespace {
 
 /// Texts, by file, read into a model of its own as those of another were.
 Kelm::Model readAgain(std::vector<Input> aTexts, ModelFiles const& aFiles) {
-  Reading reading(std::move(aTexts), {false, aFiles.fPlaces}, true);
+  LoadOptions options;
+  options.fPaths = aFiles.fPlaces;
+  Reading reading(std::move(aTexts), std::move(options), true);
   while (!reading.step(std::chrono::hours(1))) {
   }
   return reading.model();
