@@ -90,7 +90,9 @@ struct Unknown {
   std::vector<Unknown> fChildren;
 };
 
-/// One application of a stereotype, as written.
+/// One application of a stereotype, as written. What a tool keeps of an element in its extension alone is one
+/// as well: tags, and as "documentation" a text about the element; its name is empty if there is none, or if
+/// the stereotype is applied in the model itself.
 struct StereotypeApplication {
   std::string fName;
   /// The prefix of its namespace, and the address behind it.

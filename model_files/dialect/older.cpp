@@ -29,6 +29,7 @@ constexpr Renamed kFeatures[] = {
     {"StructuredActivityNode", "containedEdge", "edge"},
     {"BehavioralFeature", "formalParameter", "ownedParameter"},
     {"BehavioralFeature", "returnResult", "ownedParameter"},
+    {"Parameter", "kind", "direction"},
 };
 
 constexpr std::pair<std::string_view, std::string_view> kMetaclasses[] = {

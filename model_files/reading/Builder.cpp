@@ -1,6 +1,7 @@
 #include "model_files/reading/Builder.h"
 
 #include "kelm/kernel/containers/Ref.h"
+#include "model_files/dialect/extensions.h"
 #include "model_files/dialect/older.h"
 #include "model_files/dialect/values.h"
 #include "uml_metamodel/umlmm/MetamodelExtension.h"
@@ -218,7 +219,8 @@ void Builder::handleReference(Frame const& aFrame, Feature const& aFeature, pugi
     return;
   }
   // A name that tells no place of its own may tell the type.
-  Feature const* const written = aFrame.fMetaclass->feature(aNode.name());
+  bool const isOwnName = aFeature.fName == aNode.name();
+  Feature const* const written = isOwnName ? &aFeature : aFrame.fMetaclass->feature(aNode.name());
   Feature const& named = written == nullptr || impliedType(*written) == nullptr ? aFeature : *written;
   bool const isUml = aHead.fType.empty() || aHead.fTypeSpace == Space::Uml;
   if (!isUml) {
@@ -257,6 +259,10 @@ void Builder::handlePrefixed(Frame const& aFrame, pugi::xml_node aNode, Qualifie
       keep(aFrame.fElement, spot);
       if (aName.fName == "Documentation" || aName.fName == "documentation") return noteTool(aNode);
       note("extension", aNode.name(), kKept, spot);
+      forEachEntry(aNode, [&](pugi::xml_node aEntry, std::string_view aId) {
+        std::string_view const stereotype = stereotypeIn(aEntry).value();
+        fReferences.addEntry(stereotype.empty() ? stereotype : lasting(stereotype), aId, spotOf(aEntry));
+      });
       // One tool keeps parts of the element itself there.
       if (pugi::xml_node const more = aNode.child("modelExtension"); more && aFrame.fElement != nullptr)
         enter(more, aFrame.fElement, aFrame.fMetaclass);
@@ -329,6 +335,12 @@ void Builder::noteStyle(pugi::xml_node aNode, Feature const* aFeature, Metaclass
   } else if (impliedType(*aFeature) == &aMetaclass) {
     ++(isTyped ? style.fTyped : style.fUntyped);
   }
+}
+
+std::string_view Builder::lasting(std::string_view aParsed) {
+  // It lives in the file's text, unless it stands there in another form.
+  std::string_view const text = fOwn.fText.utf8().substr(offsetOf(aParsed.data()), aParsed.size());
+  return text == aParsed ? text : fOwn.fDecoded.emplace_back(aParsed);
 }
 
 Element& Builder::make(Metaclass const& aMetaclass, pugi::xml_node aNode, Head const& aHead) {

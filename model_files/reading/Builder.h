@@ -73,6 +73,8 @@ class Builder {
   bool handleApplication(pugi::xml_node aNode, QualifiedName aName);
 
   void noteStyle(pugi::xml_node aNode, Feature const* aFeature, Metaclass const& aMetaclass);
+  /// The same text where it lives as long as the file.
+  std::string_view lasting(std::string_view aParsed);
   Element& make(Metaclass const& aMetaclass, pugi::xml_node aNode, Head const& aHead);
   void own(Element& aOwner, Feature const& aFeature, Element& aPart, pugi::xml_node aNode);
   void readAttributes(Element& aElement, Metaclass const& aMetaclass, pugi::xml_node aNode);

@@ -53,7 +53,9 @@ Reading::Reading(std::vector<Input> aInputs, LoadOptions aOptions, bool aIsAgain
       fIsAgain(aIsAgain),
       fModel(createNewModel()),
       fFindings(*fFiles, fOptions.fStrict),
-      fReferences(*fFiles, fModel, fFindings, fOptions.fPaths) {}
+      fReferences(*fFiles, fModel, fFindings) {
+  fFiles->fPlaces = fOptions.fPaths;
+}
 
 bool Reading::step(std::chrono::milliseconds aTime) {
   auto const start = Clock::now();

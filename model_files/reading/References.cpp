@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <functional>
+#include <set>
 
 #include "kelm/kernel/containers/Ref.h"
 #include "model_files/dialect/older.h"
@@ -28,9 +29,8 @@ std::string decoded(std::string_view aText) {
 
 }  // namespace
 
-References::References(ModelFiles& aFiles, Kelm::Model const& aModel, Findings& aFindings,
-                       std::map<std::string, std::string> const& aPlaces)
-    : fFiles(aFiles), fModel(aModel), fDeviant(aModel.getDeviant()), fFindings(aFindings), fPlaces(aPlaces) {}
+References::References(ModelFiles& aFiles, Kelm::Model const& aModel, Findings& aFindings)
+    : fFiles(aFiles), fModel(aModel), fDeviant(aModel.getDeviant()), fFindings(aFindings) {}
 
 bool References::step(std::size_t aCount) {
   for (; fNext < fPending.size() && aCount > 0; --aCount) resolve(fPending[fNext++]);
@@ -40,6 +40,7 @@ bool References::step(std::size_t aCount) {
 void References::finish() {
   order();
   resolveApplications();
+  resolveEntries();
   fFiles.fReport.fUnresolvedCount = fFiles.fDangling.size();
 }
 
@@ -173,9 +174,15 @@ Element* References::walk(ModelFile& aFile, std::string_view aPath) {
 }
 
 ModelFile* References::fileAt(std::string_view aFile, std::uint32_t aFrom) {
+  auto const [known, isNew] = fFilesAt.try_emplace({aFrom, aFile}, nullptr);
+  if (isNew) known->second = searchFile(aFile, aFrom);
+  return known->second;
+}
+
+ModelFile* References::searchFile(std::string_view aFile, std::uint32_t aFrom) {
   namespace fs = std::filesystem;
   std::string plain = decoded(aFile);
-  for (auto const& [prefix, place] : fPlaces)
+  for (auto const& [prefix, place] : fFiles.fPlaces)
     if (plain.starts_with(prefix)) {
       plain.replace(0, prefix.size(), place);
       break;
@@ -186,6 +193,13 @@ ModelFile* References::fileAt(std::string_view aFile, std::uint32_t aFrom) {
     fs::path const path = file.fText.name();
     if (path.lexically_normal() == beside.lexically_normal() || path == wanted) return &file;
   }
+  // "platform:/resource/project/folder/a.uml": a folder of a workspace, which may lie anywhere.
+  constexpr std::string_view kWorkspace = "platform:/";
+  if (!plain.starts_with(kWorkspace)) return nullptr;
+  std::string_view const inside =
+      std::string_view(plain).substr(std::min(plain.find('/', kWorkspace.size()), plain.size() - 1));
+  for (ModelFile& file : fFiles.fFiles)
+    if (fs::absolute(file.fText.name()).lexically_normal().generic_string().ends_with(inside)) return &file;
   return nullptr;
 }
 
@@ -210,6 +224,22 @@ void References::resolveApplications() {
     }
     fFindings.add(Findings::Weight::Fault, "stereotype on an unknown element", application.fName,
                   "kept as written", application.fSpot, [] { return std::string(); });
+  }
+}
+
+void References::resolveEntries() {
+  std::set<std::pair<Element const*, std::string_view>> known;
+  if (!fEntries.empty())
+    for (Application const& application : fFiles.fApplications)
+      known.emplace(application.fElement.get(), application.fName);
+  for (PendingApplication const& entry : fEntries) {
+    // Tools have more in their extensions than UML has elements.
+    Element* const element = find(entry.fAddress, entry.fSpot.fFile);
+    if (element == nullptr) continue;
+    bool const isNew = !entry.fName.empty() && known.emplace(element, entry.fName).second;
+    fFiles.fApplications.push_back(
+        {ElementPtr(element), isNew ? entry.fName : std::string_view(), entry.fSpot, true});
+    if (isNew) ++fFiles.fReport.fStereotypeCount;
   }
 }
 

@@ -14,9 +14,7 @@ namespace umlmm::files {
 /// References wait here until all elements are made; then each finds what it names.
 class References {
  public:
-  /// `aPlaces`: where addresses lead, by what they start with.
-  References(ModelFiles& aFiles, Kelm::Model const& aModel, Findings& aFindings,
-             std::map<std::string, std::string> const& aPlaces);
+  References(ModelFiles& aFiles, Kelm::Model const& aModel, Findings& aFindings);
 
   /// `aAddress` is an id, or an address with a file or a path: "a.uml#x", "#//shop/Order". The text lives
   /// until all is resolved.
@@ -32,6 +30,10 @@ class References {
   /// A stereotype's reference to what it extends.
   void addApplication(std::string_view aName, std::string_view aAddress, Spot aSpot) {
     fApplications.push_back({aName, aAddress, aSpot});
+  }
+  /// The same of what a tool keeps in its extension; the name is empty for no stereotype.
+  void addEntry(std::string_view aName, std::string_view aAddress, Spot aSpot) {
+    fEntries.push_back({aName, aAddress, aSpot});
   }
 
   /// Resolves some more; true when none is left.
@@ -60,10 +62,12 @@ class References {
   Element* findInFile(ModelFile& aFile, std::string_view aFragment);
   Element* walk(ModelFile& aFile, std::string_view aPath);
   ModelFile* fileAt(std::string_view aFile, std::uint32_t aFrom);
+  ModelFile* searchFile(std::string_view aFile, std::uint32_t aFrom);
   Element* primitive(std::string_view aName, std::string_view aAddress);
   void resolve(Pending const& aReference);
   void resolveAll(Pending const& aReferences);
   void resolveApplications();
+  void resolveEntries();
   void link(Pending const& aReference, Element& aValue);
   /// Puts lists into the order in which the files name their values: links came as their other ends were
   /// read.
@@ -74,10 +78,12 @@ class References {
   Kelm::Model fModel;
   Kelm::Deviant fDeviant;
   Findings& fFindings;
-  std::map<std::string, std::string> const& fPlaces;
+  /// Answers of `fileAt`.
+  std::map<std::pair<std::uint32_t, std::string_view>, ModelFile*> fFilesAt;
   std::vector<Pending> fPending;
   std::unordered_map<std::string_view, std::string_view> fPaths;
   std::vector<PendingApplication> fApplications;
+  std::vector<PendingApplication> fEntries;
   /// Of lists.
   struct Linked {
     Element* fElement;

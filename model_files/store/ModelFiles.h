@@ -3,6 +3,7 @@
 #include <boost/smart_ptr/intrusive_ptr.hpp>
 #include <cstdint>
 #include <deque>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -57,11 +58,13 @@ struct Dangling {
   Spot fSpot;
 };
 
-/// A stereotype applied to an element; the name is that of the tag.
+/// A stereotype applied to an element; the name is that of the tag. Or what a tool keeps of an element in its
+/// extension; the name is empty then if a tag says the same.
 struct Application {
   ElementPtr fElement;
   std::string_view fName;
   Spot fSpot;
+  bool fIsInExtension = false;
 };
 
 /// One file of a model.
@@ -125,6 +128,8 @@ class ModelFiles final : public Kelm::ModelCompanion, public Kelm::ExternalIds {
   std::vector<Application> fApplications;
   /// The model's own PrimitiveType elements that stand for those of the standard, by name.
   std::unordered_map<std::string_view, StandIn> fStandIns;
+  /// Where addresses lead, by what they start with.
+  std::map<std::string, std::string> fPlaces;
   /// The model's revision when all was read.
   std::uint64_t fRevision = 0;
 

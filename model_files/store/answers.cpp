@@ -1,6 +1,7 @@
 #include <pugixml.hpp>
 #include <sstream>
 
+#include "model_files/dialect/extensions.h"
 #include "model_files/dialect/namespaces.h"
 #include "model_files/files.h"
 #include "model_files/store/ModelFiles.h"
@@ -64,6 +65,10 @@ StereotypeApplication applicationOf(ModelFile& aFile, Application const& aApplic
   std::string_view const source = aFile.fText.utf8();
   Tag const tag(aFile.fText, aApplication.fSpot.fOffset);
   pugi::xml_node const node = tag.node();
+  if (aApplication.fIsInExtension) {
+    std::string_view const stereotype = aApplication.fName;
+    return {std::string(stereotype), profileIn(node, stereotype), {}, valuesIn(node)};
+  }
   QualifiedName const name(node.name());
   StereotypeApplication application{std::string(name.fName), std::string(name.fPrefix), {}, {}};
   if (!aFile.fDeclarations) aFile.fDeclarations = markup::declarations(source);
@@ -122,6 +127,9 @@ std::vector<Unknown> unknown(Kelm::ClassObject const& aElement) {
   if (files == nullptr) return answer;
   for (Kept const* const kept : files->keptBy(*aElement.get()))
     answer.push_back(unknownOf(files->fFiles[kept->fSpot.fFile].fText, *kept));
+  for (Application const* const entry : files->applicationsOf(*aElement.get()))
+    if (entry->fIsInExtension)
+      answer.push_back(unknownOf(Tag(files->fFiles[entry->fSpot.fFile].fText, entry->fSpot.fOffset).node()));
   return answer;
 }
 
@@ -129,8 +137,10 @@ std::vector<StereotypeApplication> stereotypes(Kelm::ClassObject const& aElement
   std::vector<StereotypeApplication> answer;
   ModelFiles* const files = ModelFiles::find(modelOf(aElement));
   if (files == nullptr) return answer;
-  for (Application const* const application : files->applicationsOf(*aElement.get()))
+  for (Application const* const application : files->applicationsOf(*aElement.get())) {
     answer.push_back(applicationOf(files->fFiles[application->fSpot.fFile], *application));
+    if (answer.back().fName.empty() && answer.back().fValues.empty()) answer.pop_back();
+  }
   return answer;
 }
 

@@ -14,9 +14,11 @@ namespace umlmm::files {
 
 namespace {
 
-/// Texts, by file, read into a model of its own.
-Kelm::Model readAgain(std::vector<Input> aTexts) {
-  Reading reading(std::move(aTexts), {}, true);
+/// Texts, by file, read into a model of its own as those of another were.
+Kelm::Model readAgain(std::vector<Input> aTexts, ModelFiles const& aFiles) {
+  LoadOptions options;
+  options.fPaths = aFiles.fPlaces;
+  Reading reading(std::move(aTexts), std::move(options), true);
   while (!reading.step(std::chrono::hours(1))) {
   }
   return reading.model();
@@ -46,7 +48,7 @@ class Saving {
   std::vector<std::string> texts() {
     std::vector<std::string> texts;
     Kelm::Model const read =
-        readAgain(inputs([&](std::size_t aFile) { return fFiles.fFiles[aFile].fText.utf8(); }));
+        readAgain(inputs([&](std::size_t aFile) { return fFiles.fFiles[aFile].fText.utf8(); }), fFiles);
     ModelFiles const& readFiles = ModelFiles::of(read);
     Comparison comparison(fModel, read);
     for (std::size_t file = 0; file < fFiles.fFiles.size(); ++file)
@@ -63,7 +65,7 @@ class Saving {
   /// is.
   void check(std::vector<std::string> const& aTexts) {
     if (fOrders.empty()) return;
-    fRead = readAgain(inputs([&](std::size_t aFile) { return std::string_view(aTexts[aFile]); }));
+    fRead = readAgain(inputs([&](std::size_t aFile) { return std::string_view(aTexts[aFile]); }), fFiles);
     ModelFiles& readFiles = ModelFiles::of(fRead);
     Comparison comparison(fModel, fRead);
     for (std::size_t file = 0; file < aTexts.size(); ++file)

@@ -78,7 +78,8 @@ std::string WholeFile::write(std::vector<Element*>& aOrder) {
   if (fFiles != nullptr)
     for (Application const& application : fFiles->fApplications) {
       bool const isThere = application.fElement->deviant_isValid(fModel.getDeviant());
-      if (!isThere || !seen.try_emplace({application.fSpot.fFile, application.fSpot.fOffset}).second)
+      if (!isThere || application.fIsInExtension ||
+          !seen.try_emplace({application.fSpot.fFile, application.fSpot.fOffset}).second)
         continue;
       ModelFile& file = fFiles->fFiles[application.fSpot.fFile];
       applications.emplace_back(markup::element(file.fText.utf8(), application.fSpot.fOffset));

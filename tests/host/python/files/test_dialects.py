@@ -97,3 +97,39 @@ def test_what_tools_mean(name):
             element.name = "named"
     again = umlmm.load(files.text(model))
     assert again.report.elements == elements
+
+
+def test_what_a_tool_keeps_in_its_extension():
+    entry = """<attribute xmi:idref="a"><stereotype stereotype="key &amp; more"/><documentation value="why"/>
+<xrefs value="Name=key &amp; more;FQName=Data::key &amp; more;"/></attribute>"""
+    text = document(f"""<uml:Class xmi:id="c"><ownedAttribute xmi:type="uml:Property" xmi:id="a"/></uml:Class>
+<D:Table xmlns:D="http://d" base_Class="c"/><xmi:Extension extender="Enterprise Architect"><elements>
+<element xmi:idref="c"><properties stereotype="Table"/><tags><tag name="k" value="v"/></tags><attributes>{entry}</attributes></element>
+<element xmi:idref="gone"><properties stereotype="Table"/></element></elements></xmi:Extension>""")
+    model = umlmm.load(text)
+    table, key = model.by_id("c"), model.by_id("a")
+    assert [(one.name, one.profile, one.values) for one in table.stereotypes + key.stereotypes] == [
+        ("Table", "D", {}), ("", "", {"k": "v"}), ("key & more", "Data", {"documentation": "why"})]
+    assert model.stereotyped("Table") == [table] and model.stereotyped("key & more") == [key]
+    assert model.report.stereotype_count == 2 and [unknown.tag for unknown in key.unknown] == ["attribute"]
+    assert files.text(model) == text and b"key" not in files.text(model, dialect="omg-2.5.1")
+    key.destroy()
+    assert entry.encode() not in files.text(model) and b'<tag name="k" value="v"/>' in files.text(model)
+
+
+def test_addresses_of_other_files(tmp_path):
+    (tmp_path / "parts").mkdir()
+    shop, part = tmp_path / "shop.uml", tmp_path / "parts" / "a part.uml"
+    addresses = ["parts/a%20part.uml#b", f"platform:/resource/{tmp_path.name}/parts/a%20part.uml#b", "pathmap://MINE/a%20part.uml#b?B?",
+                 "parts/a%20part.uml#/"]
+    shop.write_bytes(document('<uml:Package xmi:id="a">' + "".join(
+        f'<packageImport><importedPackage href="{address}"/></packageImport><packageImport importedPackage="{address}"/>'
+        for address in addresses) + '<packageImport importedPackage="shop.uml#a"/></uml:Package>'))
+    part.write_bytes(document('<uml:Package xmi:id="b" name="B"><packageImport importedPackage="../shop.uml#a"/></uml:Package>'))
+    before = shop.read_bytes()
+    model = umlmm.load_all([shop, part], paths={"pathmap://MINE/": f"{tmp_path}/parts/"})
+    assert model.unresolved == [] and {one.importedPackage for one in model.by_id("a").packageImport} == {model.by_id("a"), model.by_id("b")}
+    model.by_id("b").name = "C"
+    model.save()
+    assert shop.read_bytes() == before and b'name="C"' in part.read_bytes()
+    assert len(umlmm.load(shop).unresolved) == 8
