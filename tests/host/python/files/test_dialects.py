@@ -77,6 +77,11 @@ CASES = {
         for kind, value in [("Integer", "*"), ("Integer", "-1"), ("UnlimitedNatural", "-1"), ("UnlimitedNatural", "n")]),
         {"Property": 4, "LiteralInteger": 2, "LiteralUnlimitedNatural": 2},
         "[str(e.upper) for e in model.rootElements()] == ['*'] * 4"),
+    "what follows from others, and is written all the same": (OMG, """
+<uml:Property xmi:id="p" upper="*" default="5" isComposite="true"><upperValue xmi:type="uml:LiteralInteger" value="3"/>
+<defaultValue xmi:type="uml:LiteralString" value="q"/></uml:Property><uml:Property xmi:id="r" upper="*"/>""",
+        {"Property": 2, "LiteralInteger": 1, "LiteralString": 1}, """(str(p.upper), p.default, p.isComposite, str(r.upper)) == ('3', 'q', True, '*')
+        and model.rootElements() == [p, r]"""),
     "kinds of metaclasses that are gone": (OLD, """
 <uml:Interaction xmi:id="i"><fragment xmi:type="uml:ExecutionOccurrence"/><fragment xmi:type="uml:InteractionOccurrence"/>
 <formalGate xmi:type="gate"/></uml:Interaction>""",
