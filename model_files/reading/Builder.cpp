@@ -177,8 +177,10 @@ void Builder::handleUncovered(Frame const& aFrame, pugi::xml_node aNode, Qualifi
     metaclass = metaclassCalled(QualifiedName(aHead.fType).fName);
   else if (aHead.fType.empty() && space == Space::Uml)
     metaclass = metaclassCalled(aName.fName);
-  if (metaclass == nullptr && aHead.fType.empty() && aName.fPrefix.empty() && aNode.first_attribute())
-    metaclass = impliedType(aFrame.fMetaclass, aName.fName);
+  // Parameters of templates are something else than those of behaviors.
+  bool const isTemplate = std::string_view(aNode.parent().name()) == "ownedTemplateSignature";
+  bool const isPlain = aHead.fType.empty() && aName.fPrefix.empty() && aNode.first_attribute();
+  if (metaclass == nullptr && isPlain && !isTemplate) metaclass = impliedType(aFrame.fMetaclass, aName.fName);
   if (metaclass != nullptr && !metaclass->fAbstract) {
     note("element of an owner that is not covered", metaclass->fName, kAtTop, spotOf(aNode));
     Element& element = make(*metaclass, aNode, aHead);
@@ -222,8 +224,10 @@ void Builder::handleReference(Frame const& aFrame, Feature const& aFeature, pugi
     keep(aFrame.fElement, spot);
     return note("namespace", aHead.fType, kKept, spot);
   }
-  Metaclass const* const metaclass =
+  Metaclass const* metaclass =
       aHead.fType.empty() ? impliedType(named) : metaclassCalled(QualifiedName(aHead.fType).fName);
+  if (metaclass == nullptr && aHead.fType.empty() && !isOwnName)
+    metaclass = impliedType(aFrame.fMetaclass, aNode.name());
   if (metaclass == nullptr || metaclass->fAbstract) {
     keep(aFrame.fElement, spot);
     if (aHead.fType.empty())
