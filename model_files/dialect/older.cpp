@@ -18,6 +18,7 @@ struct Renamed {
 constexpr Renamed kFeatures[] = {
     {"Package", "ownedMember", "packagedElement"},
     {"Component", "ownedMember", "packagedElement"},
+    {"Package", "ownedStereotype", "packagedElement"},
     {"Activity", "ownedNode", "node"},
     {"Activity", "ownedEdge", "edge"},
     {"Activity", "ownedGroup", "group"},
@@ -52,7 +53,27 @@ constexpr std::pair<std::string_view, std::string_view> kLacking[] = {
     {"localPrecondition", "Constraint"},
     {"localPostcondition", "Constraint"},
     {"result", "OutputPin"},
-    {"returnValue", "OutputPin"},
+    {"argument", "InputPin"},
+    {"ownedStereotype", "Stereotype"},
+};
+
+/// Features of owners that the metamodel lacks.
+constexpr std::pair<std::string_view, std::string_view> kUncovered[] = {
+    {"trigger", "Trigger"},
+    {"deferrableTrigger", "Trigger"},
+    {"guard", "Constraint"},
+    {"preCondition", "Constraint"},
+    {"postCondition", "Constraint"},
+    {"stateInvariant", "Constraint"},
+    {"value", "InputPin"},
+    {"collection", "InputPin"},
+    {"exception", "InputPin"},
+    {"replyValue", "InputPin"},
+    {"loopVariableInput", "InputPin"},
+    {"structuredNodeInput", "InputPin"},
+    {"structuredNodeOutput", "OutputPin"},
+    {"loopVariable", "OutputPin"},
+    {"endData", "LinkEndCreationData"},
 };
 
 constexpr std::string_view kPrimitives[] = {"Boolean", "Integer", "Real", "String", "UnlimitedNatural"};
@@ -107,8 +128,11 @@ Metaclass const* impliedType(Feature const& aFeature) {
 
 Metaclass const* impliedType(Metaclass const* aOwner, std::string_view aFeature) {
   static auto const sTypes = typesByName();
+  Metamodel const& metamodel = Metamodel::instance();
+  for (auto const& [name, type] : kUncovered)
+    if (aOwner == nullptr && aFeature == name) return metamodel.metaclass(type);
   for (auto const& [name, type] : kLacking)
-    if (aFeature == name) return Metamodel::instance().metaclass(type);
+    if (aFeature == name) return metamodel.metaclass(type);
   if (aOwner != nullptr) return nullptr;
   auto const found = sTypes.find(aFeature);
   return found == sTypes.end() ? nullptr : found->second;

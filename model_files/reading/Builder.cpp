@@ -67,6 +67,7 @@ bool Builder::step(std::size_t aCount) {
     frame.fNext = node.next_sibling();
     if (node.type() == pugi::node_element) handle(node);
   }
+  setDerived();
   return true;
 }
 
@@ -138,6 +139,7 @@ void Builder::enter(pugi::xml_node aNode, Element* aElement, Metaclass const* aM
 }
 
 void Builder::handleTop(pugi::xml_node aNode, QualifiedName aName, Head const& aHead) {
+  if (aName.fPrefix.empty() && aName.fName == "documentation") noteTool(aNode);
   Space const space = fPrefixes.find(aName.fPrefix);
   if (aName.fName == "XMI") return enter(aNode, nullptr, nullptr);
   bool const isElsewhere = !aHead.fHref.empty() || !aHead.fIdref.empty();
@@ -182,8 +184,10 @@ void Builder::handleUncovered(Frame const& aFrame, pugi::xml_node aNode, Qualifi
     metaclass = metaclassCalled(QualifiedName(aHead.fType).fName);
   else if (aHead.fType.empty() && space == Space::Uml)
     metaclass = metaclassCalled(aName.fName);
-  if (metaclass == nullptr && aHead.fType.empty() && aName.fPrefix.empty() && aNode.first_attribute())
-    metaclass = impliedType(aFrame.fMetaclass, aName.fName);
+  // Parameters of templates are something else than those of behaviors.
+  bool const isTemplate = std::string_view(aNode.parent().name()) == "ownedTemplateSignature";
+  bool const isPlain = aHead.fType.empty() && aName.fPrefix.empty() && aNode.first_attribute();
+  if (metaclass == nullptr && isPlain && !isTemplate) metaclass = impliedType(aFrame.fMetaclass, aName.fName);
   if (metaclass != nullptr && !metaclass->fAbstract) {
     note("element of an owner that is not covered", metaclass->fName, kAtTop, spotOf(aNode));
     Element& element = make(*metaclass, aNode, aHead);
@@ -227,8 +231,10 @@ void Builder::handleReference(Frame const& aFrame, Feature const& aFeature, pugi
     keep(aFrame.fElement, spot);
     return note("namespace", aHead.fType, kKept, spot);
   }
-  Metaclass const* const metaclass =
+  Metaclass const* metaclass =
       aHead.fType.empty() ? impliedType(named) : metaclassCalled(QualifiedName(aHead.fType).fName);
+  if (metaclass == nullptr && aHead.fType.empty() && !isOwnName)
+    metaclass = impliedType(aFrame.fMetaclass, aNode.name());
   if (metaclass == nullptr || metaclass->fAbstract) {
     keep(aFrame.fElement, spot);
     if (aHead.fType.empty())
@@ -404,6 +410,34 @@ void Builder::readAttribute(Element& aElement, Metaclass const& aMetaclass, pugi
 }
 
 bool Builder::setValue(Element& aElement, Feature const& aFeature, std::string_view aText, Spot aSpot) {
+  if (aFeature.fDerived && aFeature.fReadOnly) {
+    note("derived feature", aFeature.fName, "follows from others", aSpot);
+    return false;
+  }
+  if (aFeature.fDerived) {
+    fDerived.push_back({&aElement, &aFeature, std::string(aText), aSpot});
+    return true;
+  }
+  return assign(aElement, aFeature, aText, aSpot);
+}
+
+void Builder::setDerived() {
+  for (Derived const& derived : fDerived) {
+    Feature const& feature = *derived.fFeature;
+    // What stands in the file itself tells more: "upperValue" than "upper".
+    Metaclass const& metaclass = Metamodel::instance().metaclassOf(*derived.fElement);
+    Feature const* const source = metaclass.feature(std::string(feature.fName) + "Value");
+    bool const isTold = source != nullptr && !elementsOf(*derived.fElement, *source, fDeviant).empty();
+    Kelm::Object const value = valueOf(feature, derived.fText);
+    std::vector<std::string> const texts = textsOf(*derived.fElement, feature, fDeviant);
+    bool const isSame =
+        !value.isNull() && texts.size() == 1 && texts.front() == files::textOf(feature, value);
+    if (!isTold && !isSame) assign(*derived.fElement, feature, derived.fText, derived.fSpot);
+  }
+  fDerived.clear();
+}
+
+bool Builder::assign(Element& aElement, Feature const& aFeature, std::string_view aText, Spot aSpot) {
   Kelm::Object const value = valueOf(aFeature, aText);
   auto const what = [&] { return std::string(aFeature.fName) + " \"" + std::string(aText) + '"'; };
   if (value.isNull()) {

@@ -80,6 +80,9 @@ class Builder {
   void readAttributes(Element& aElement, Metaclass const& aMetaclass, pugi::xml_node aNode);
   void readAttribute(Element& aElement, Metaclass const& aMetaclass, pugi::xml_attribute aAttribute);
   bool setValue(Element& aElement, Feature const& aFeature, std::string_view aText, Spot aSpot);
+  bool assign(Element& aElement, Feature const& aFeature, std::string_view aText, Spot aSpot);
+  /// What files say of features that follow from others, when those are known.
+  void setDerived();
   void enter(pugi::xml_node aNode, Element* aElement, Metaclass const* aMetaclass, bool aIsUncovered = false);
 
   void keep(Element* aElement, Spot aSpot, bool aIsAttribute = false) {
@@ -101,6 +104,13 @@ class Builder {
   char const* fText;
   Prefixes fPrefixes;
   std::vector<Frame> fFrames;
+  struct Derived {
+    Element* fElement;
+    Feature const* fFeature;
+    std::string fText;
+    Spot fSpot;
+  };
+  std::vector<Derived> fDerived;
   std::size_t fOffset = 0;
   std::size_t fFound = 0;
   std::unordered_map<Metaclass const*, std::size_t> fCounts;

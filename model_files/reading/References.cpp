@@ -65,26 +65,30 @@ void References::resolveAll(Pending const& aReferences) {
   };
   for (std::size_t first = 0; first < words.size(); ++first) {
     std::size_t last = first;
-    while (last < words.size() && last < first + kMostWords &&
-           find(joined(first, last), aReferences.fSpot.fFile) == nullptr)
-      ++last;
-    if (last == words.size() || last == first + kMostWords) last = first;
-    resolve({aReferences.fElement, aReferences.fFeature, joined(first, last), aReferences.fSpot, false});
+    Element* value = nullptr;
+    for (; last < words.size() && last < first + kMostWords; ++last)
+      if ((value = find(joined(first, last), aReferences.fSpot.fFile)) != nullptr) break;
+    if (value == nullptr) last = first;
+    settle({aReferences.fElement, aReferences.fFeature, joined(first, last), aReferences.fSpot, false},
+           value);
     first = last;
   }
 }
 
 void References::resolve(Pending const& aReference) {
-  auto const path = [&] { return pathOf(*aReference.fElement, fDeviant); };
   Feature const& feature = *aReference.fFeature;
-  if (aReference.fIsList) return resolveAll(aReference);
   if (feature.fDerived && !feature.fComposite)
     return fFindings.add(Findings::Weight::Note, "derived feature", feature.fName, "follows from others",
-                         aReference.fSpot, path);
-  if (Element* const value = find(aReference.fAddress, aReference.fSpot.fFile))
-    return link(aReference, *value);
+                         aReference.fSpot, [] { return std::string(); });
+  if (aReference.fIsList) return resolveAll(aReference);
+  settle(aReference, find(aReference.fAddress, aReference.fSpot.fFile));
+}
+
+void References::settle(Pending const& aReference, Element* aValue) {
+  if (aValue != nullptr) return link(aReference, *aValue);
+  Feature const& feature = *aReference.fFeature;
   fFindings.add(Findings::Weight::Fault, "unresolved reference", feature.fName, "kept as written",
-                aReference.fSpot, path);
+                aReference.fSpot, [&] { return pathOf(*aReference.fElement, fDeviant); });
   fFiles.fDangling.push_back(
       {ElementPtr(aReference.fElement), &feature, std::string(aReference.fAddress), aReference.fSpot});
 }

@@ -66,6 +66,8 @@ class References {
   Element* primitive(std::string_view aName, std::string_view aAddress);
   void resolve(Pending const& aReference);
   void resolveAll(Pending const& aReferences);
+  /// Null for a value that is nowhere.
+  void settle(Pending const& aReference, Element* aValue);
   void resolveApplications();
   void resolveEntries();
   void link(Pending const& aReference, Element& aValue);

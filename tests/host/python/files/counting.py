@@ -14,8 +14,13 @@ OLDER = {"InteractionOccurrence": "InteractionUse", "Implementation": "Interface
          "CollaborationOccurrence": "CollaborationUse", "Stop": "DestructionOccurrenceSpecification"}
 # Where the metamodel doesn't say what a tag without a type is.
 MEANT = {"localPrecondition": "Constraint", "localPostcondition": "Constraint", "result": "OutputPin",
-         "returnValue": "OutputPin", "ownedNode": None, "when": "TimeExpression"}
-SKIP, TOP, UNKNOWN, EXTENSION = "skip", "top", "unknown", "extension"
+         "argument": "InputPin", "ownedStereotype": "Stereotype", "when": "TimeExpression"}
+# The same in what the metamodel lacks: state machines, structured nodes, the rarer actions.
+UNCOVERED = dict.fromkeys(("trigger", "deferrableTrigger"), "Trigger") | {"endData": "LinkEndCreationData"} \
+    | dict.fromkeys(("guard", "preCondition", "postCondition", "stateInvariant"), "Constraint") \
+    | dict.fromkeys(("value", "collection", "exception", "replyValue", "loopVariableInput", "structuredNodeInput"), "InputPin") \
+    | dict.fromkeys(("loopVariable", "structuredNodeOutput"), "OutputPin")
+SKIP, TOP, UNKNOWN, EXTENSION, TEMPLATE = "skip", "top", "unknown", "extension", "template"
 
 
 class Metamodel:
@@ -46,8 +51,12 @@ class Metamodel:
 
     def untyped(self, owner, tag, attributes):
         """What a tag without a type is, in an owner: a metaclass or what it is else."""
+        if owner == TEMPLATE:
+            return UNKNOWN
+        if tag == "ownedTemplateSignature":
+            return TEMPLATE
         if owner == UNKNOWN:
-            return (self.by_name.get(tag) if attributes else None) or UNKNOWN
+            return (UNCOVERED.get(tag) or MEANT.get(tag) or self.by_name.get(tag) if attributes else None) or UNKNOWN
         if tag not in self.features[owner]:
             return MEANT.get(tag) or UNKNOWN
         kind, meant = self.features[owner][tag]

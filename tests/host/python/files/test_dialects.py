@@ -41,15 +41,15 @@ CASES = {
     "names of lists that follow from others": (OLD, """
 <uml:Class xmi:id="c"><ownedPort xmi:type="uml:Port" xmi:id="p"/><ownedPort xmi:id="q" name="Q"/>
 <ownedMember xmi:type="uml:Class" xmi:id="n"/><ownedMember xmi:type="uml:Constraint" xmi:id="r"/></uml:Class>
-<uml:Profile xmi:id="f"><ownedStereotype xmi:id="s"/></uml:Profile>""",
-        {"Class": 2, "Port": 2, "Constraint": 1, "Profile": 1, "Stereotype": 1},
-        "list(c.ownedAttribute) == [p, q] and n.owner is c and list(c.ownedRule) == [r] and s.owner is f"),
+<uml:Profile xmi:id="f"><ownedStereotype xmi:id="s"/></uml:Profile><uml:Package xmi:id="o"><ownedStereotype xmi:id="v"/></uml:Package>""",
+        {"Class": 2, "Port": 2, "Constraint": 1, "Profile": 1, "Stereotype": 2, "Package": 1},
+        "list(c.ownedAttribute) == [p, q] and n.owner is c and list(c.ownedRule) == [r] and s.owner is f and v.owner is o"),
     "inside what isn't covered": (ECLIPSE, """
-<uml:StateMachine xmi:id="m"><region xmi:id="g"><transition xmi:id="t" guard="r"><ownedRule xmi:id="r" name="R"/>
+<uml:StateMachine xmi:id="m"><region xmi:id="g"><transition xmi:id="t" guard="r"><trigger xmi:id="tr" name="T"/><ownedRule xmi:id="r" name="R"/>
 <ownedComment xmi:id="k" body="why"/><effect xmi:type="uml:Activity" xmi:id="e"/></transition></region>
-<ownedAttribute xmi:id="a" name="A"/><eAnnotations><contents xmi:type="uml:Class"/></eAnnotations></uml:StateMachine>
+<ownedAttribute xmi:id="a" name="A"/><ownedTemplateSignature xmi:id="ts"><ownedParameter xmi:id="tp"/></ownedTemplateSignature><eAnnotations><contents xmi:type="uml:Class"/></eAnnotations></uml:StateMachine>
 <uml:Class xmi:id="c"/>""",
-        {"Constraint": 1, "Comment": 1, "Activity": 1, "Property": 1, "Class": 1}, "r.name == 'R' and k.body == 'why'"),
+        {"Constraint": 1, "Comment": 1, "Activity": 1, "Property": 1, "Class": 1, "Trigger": 1}, "r.name == 'R' and k.body == 'why'"),
     "features that the metamodel lacks": (ECLIPSE, """
 <uml:Activity xmi:id="a"><node xmi:type="uml:OpaqueAction" xmi:id="o"><localPrecondition xmi:id="l" name="L"/></node>
 <node xmi:type="uml:AddStructuralFeatureValueAction" xmi:id="v"><result xmi:id="r" name="R"/></node>
@@ -77,6 +77,11 @@ CASES = {
         for kind, value in [("Integer", "*"), ("Integer", "-1"), ("UnlimitedNatural", "-1"), ("UnlimitedNatural", "n")]),
         {"Property": 4, "LiteralInteger": 2, "LiteralUnlimitedNatural": 2},
         "[str(e.upper) for e in model.rootElements()] == ['*'] * 4"),
+    "what follows from others, and is written all the same": (OMG, """
+<uml:Property xmi:id="p" upper="*" default="5" isComposite="true"><upperValue xmi:type="uml:LiteralInteger" value="3"/>
+<defaultValue xmi:type="uml:LiteralString" value="q"/></uml:Property><uml:Property xmi:id="r" upper="*"/>""",
+        {"Property": 2, "LiteralInteger": 1, "LiteralString": 1}, """(str(p.upper), p.default, p.isComposite, str(r.upper)) == ('3', 'q', True, '*')
+        and model.rootElements() == [p, r]"""),
     "kinds of metaclasses that are gone": (OLD, """
 <uml:Interaction xmi:id="i"><fragment xmi:type="uml:ExecutionOccurrence"/><fragment xmi:type="uml:InteractionOccurrence"/>
 <formalGate xmi:type="gate"/></uml:Interaction>""",
