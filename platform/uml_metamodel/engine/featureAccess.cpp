@@ -133,7 +133,8 @@ namespace {
 [[gnu::always_inline]] inline Object readValue(Element const& aElement, Deviant const& aDeviant,
                                                Feature const& aFeature) {
   checkReadable(aElement, aDeviant, kSource);
-  // A redefinition has the storage of its root: what stands in its own record needs no look at that of the root.
+  // A redefinition has the storage of its root: what stands in its own record needs no look at that of the
+  // root.
   switch (aFeature.fStorage) {
     case Storage::String:
       return readText(aElement, aFeature);
