@@ -141,10 +141,22 @@ bool Patcher::isAtHome(Element& aElement, Element& aRead, std::size_t aName) {
 
 void Patcher::patch(Element& aElement, Element&, Tag const& aTag, Feature const& aFeature) {
   if (aFeature.fKind != Kind::Reference) return patchValue(aElement, aTag, aFeature);
+  removeDerived(aElement, aTag, aFeature);
   if (aFeature.fComposite)
     fChangedOwners.insert(&aElement);
   else
     patchReferences(aElement, aTag, aFeature, elementsOf(aElement, aFeature, fComparison.deviant()));
+}
+
+void Patcher::removeDerived(Element& aElement, Tag const& aTag, Feature const& aFeature) {
+  constexpr std::string_view kValue = "Value";
+  if (!aFeature.fComposite || !aFeature.fName.ends_with(kValue)) return;
+  std::string_view const name = aFeature.fName.substr(0, aFeature.fName.size() - kValue.size());
+  Feature const* const derived = metaclassOf(aElement).feature(name);
+  if (derived == nullptr || !derived->fDerived) return;
+  if (auto const* const attribute = attributeCalled(aTag, aElement, *derived)) removeAttribute(*attribute);
+  for (markup::Child const& child : childrenCalled(aTag, aElement, *derived))
+    removeTag(child.fFrom, child.fTo);
 }
 
 void Patcher::patchValue(Element& aElement, Tag const& aTag, Feature const& aFeature) {

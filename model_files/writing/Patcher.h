@@ -42,6 +42,8 @@ class Patcher {
   void compare(std::size_t aNumber);
   bool isAtHome(Element& aElement, Element& aRead, std::size_t aName);
   void patch(Element& aElement, Element& aRead, Tag const& aTag, Feature const& aFeature);
+  /// Removes "upper" where "upperValue" has changed, from which it follows.
+  void removeDerived(Element& aElement, Tag const& aTag, Feature const& aFeature);
   void patchValue(Element& aElement, Tag const& aTag, Feature const& aFeature);
   void patchReferences(Element& aElement, Tag const& aTag, Feature const& aFeature,
                        std::vector<Element*> const& aValues);

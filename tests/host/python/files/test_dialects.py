@@ -138,3 +138,15 @@ def test_addresses_of_other_files(tmp_path):
     model.save()
     assert shop.read_bytes() == before and b'name="C"' in part.read_bytes()
     assert len(umlmm.load(shop).unresolved) == 8
+
+
+def test_what_followed_goes_with_what_it_follows_from(tmp_path):
+    path = tmp_path / "a.xmi"
+    path.write_bytes(document('<uml:Property xmi:id="p" upper="*" name="P"/><uml:Property xmi:id="q" default="5">'
+                              '<defaultValue xmi:type="uml:LiteralString" xmi:id="v" value="w"/></uml:Property>'))
+    model = umlmm.load(path)
+    model.by_id("p").upper = 7
+    model.by_id("v").destroy()
+    model.save()
+    assert b'<uml:Property xmi:id="p" name="P">' in path.read_bytes() and b"default" not in path.read_bytes()
+    assert str(umlmm.load(path).by_id("p").upper) == "7"
