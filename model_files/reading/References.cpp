@@ -66,9 +66,10 @@ void References::resolveAll(Pending const& aReferences) {
   for (std::size_t first = 0; first < words.size(); ++first) {
     std::size_t last = first;
     Element* value = nullptr;
-    for (; last < words.size() && last < first + kMostWords; ++last)
-      if ((value = find(joined(first, last), aReferences.fSpot.fFile)) != nullptr) break;
-    if (value == nullptr) last = first;
+    std::size_t const end = std::min(words.size(), first + kMostWords);
+    for (; last < end && value == nullptr; ++last) value = find(joined(first, last), aReferences.fSpot.fFile);
+    // Back to the last word of what was found.
+    last = value == nullptr ? first : last - 1;
     settle({aReferences.fElement, aReferences.fFeature, joined(first, last), aReferences.fSpot, false},
            value);
     first = last;
