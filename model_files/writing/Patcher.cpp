@@ -122,7 +122,7 @@ void Patcher::compare(std::size_t aNumber) {
     if (!isWritten(*feature) || fComparison.isSame(element, read, *feature)) continue;
     if (!isLooked) tag = tagOf(name);
     isLooked = true;
-    patch(element, read, tag, *feature);
+    patch(element, tag, *feature);
   }
 }
 
@@ -135,11 +135,14 @@ bool Patcher::isAtHome(Element& aElement, Element& aRead, std::size_t aName) {
   if (!fChangedOwners.contains(owner)) return true;
   Feature const* const feature = featureCalled(metaclassOf(*owner), markup::nameAt(fText, aName));
   if (feature == nullptr || !feature->fComposite) return true;
-  auto const parts = elementsOf(*owner, *feature, fComparison.deviant());
-  return std::ranges::find(parts, &aElement) != parts.end();
+  auto const [known, isNew] = fMembers.try_emplace({owner, feature});
+  if (isNew)
+    for (Element const* const part : elementsOf(*owner, *feature, fComparison.deviant()))
+      known->second.insert(part);
+  return known->second.contains(&aElement);
 }
 
-void Patcher::patch(Element& aElement, Element&, Tag const& aTag, Feature const& aFeature) {
+void Patcher::patch(Element& aElement, Tag const& aTag, Feature const& aFeature) {
   if (aFeature.fKind != Kind::Reference) return patchValue(aElement, aTag, aFeature);
   removeDerived(aElement, aTag, aFeature);
   if (aFeature.fComposite)
@@ -231,23 +234,23 @@ void Patcher::patchParts(Element& aOwner) {
   // The owner is new: it is written with all its parts.
   if (node == fNodes.end()) return;
   Tag const tag = tagOf(fFile.fMade[node->second].fOffset);
+  PartPlaces const places = placesOf(aOwner, fComparison.deviant());
   for (Feature const* const feature : metaclassOf(aOwner).fOrder) {
     if (!isWritten(*feature) || feature->fKind != Kind::Reference || !feature->fComposite) continue;
     auto const parts = elementsOf(aOwner, *feature, fComparison.deviant());
-    if (!parts.empty()) patchParts(aOwner, tag, *feature, parts);
+    if (!parts.empty()) patchParts(aOwner, tag, *feature, parts, places);
     auto named = parts;
-    std::erase_if(named, [&](Element* aPart) { return !isNamed(aOwner, tag, *feature, *aPart); });
+    std::erase_if(named, [&](Element* aPart) { return !isNamed(aOwner, tag, *feature, *aPart, places); });
     patchReferences(aOwner, tag, *feature, named);
   }
 }
 
 void Patcher::patchParts(Element& aOwner, Tag const& aTag, Feature const& aFeature,
-                         std::vector<Element*> const& aParts) {
+                         std::vector<Element*> const& aParts, PartPlaces const& aPlaces) {
   // Places of the tags that stay, in the order of the text.
   std::unordered_map<std::size_t, markup::Child const*> byName;
   for (markup::Child const& child : aTag.fChildren) byName.emplace(child.fName, &child);
   std::vector<markup::Child> slots;
-  std::vector<Element*> settled;
   auto const slotOf = [&](Element* aPart) -> markup::Child const* {
     auto const node = fNodes.find(aPart);
     if (node == fNodes.end() || fHomeless.contains(aPart)) return nullptr;
@@ -255,10 +258,7 @@ void Patcher::patchParts(Element& aOwner, Tag const& aTag, Feature const& aFeatu
     return found == byName.end() ? nullptr : found->second;
   };
   for (Element* const part : aParts)
-    if (auto const* const slot = slotOf(part)) {
-      slots.push_back(*slot);
-      settled.push_back(part);
-    }
+    if (auto const* const slot = slotOf(part)) slots.push_back(*slot);
   std::ranges::sort(slots, {}, &markup::Child::fFrom);
   std::string name(slots.empty() ? aFeature.fName : markup::nameAt(fText, slots.front().fName));
   if (featureCalled(metaclassOf(aOwner), name) != &aFeature) name = aFeature.fName;
@@ -278,7 +278,7 @@ void Patcher::patchParts(Element& aOwner, Tag const& aTag, Feature const& aFeatu
       continue;
     }
     bool const isElsewhere = fFiles.hasTag(*part) && !fNodes.contains(part);
-    if (isElsewhere || featureOf(aOwner, *part, fComparison.deviant()) != &aFeature) continue;
+    if (isElsewhere || aPlaces.at(part) != &aFeature) continue;
     if (behind == 0 && !slots.empty()) {
       // In front of all that are there.
       std::string const gap = fTags.layout().fLineEnd + std::string(indentAt(fText, slots.front().fFrom));
@@ -293,13 +293,12 @@ void Patcher::patchParts(Element& aOwner, Tag const& aTag, Feature const& aFeatu
   }
 }
 
-bool Patcher::isNamed(Element& aOwner, Tag const& aTag, Feature const& aFeature, Element& aPart) const {
+bool Patcher::isNamed(Element& aOwner, Tag const& aTag, Feature const& aFeature, Element& aPart,
+                      PartPlaces const& aPlaces) const {
   auto const node = fNodes.find(&aPart);
-  if (node == fNodes.end() || fHomeless.contains(&aPart))
-    return featureOf(aOwner, aPart, fComparison.deviant()) != &aFeature;
+  if (node == fNodes.end() || fHomeless.contains(&aPart)) return aPlaces.at(&aPart) != &aFeature;
   std::size_t const name = fFile.fMade[node->second].fOffset;
-  bool const isHere =
-      std::ranges::any_of(aTag.fChildren, [&](auto const& aChild) { return aChild.fName == name; });
+  bool const isHere = std::ranges::binary_search(aTag.fChildren, name, {}, &markup::Child::fName);
   Feature const* const written = featureCalled(metaclassOf(aOwner), markup::nameAt(fText, name));
   bool const isPlace = written != nullptr && !written->fDerived;
   return !isHere || (isPlace && written != &aFeature);

@@ -41,7 +41,7 @@ class Patcher {
 
   void compare(std::size_t aNumber);
   bool isAtHome(Element& aElement, Element& aRead, std::size_t aName);
-  void patch(Element& aElement, Element& aRead, Tag const& aTag, Feature const& aFeature);
+  void patch(Element& aElement, Tag const& aTag, Feature const& aFeature);
   /// Removes "upper" where "upperValue" has changed, from which it follows.
   void removeDerived(Element& aElement, Tag const& aTag, Feature const& aFeature);
   void patchValue(Element& aElement, Tag const& aTag, Feature const& aFeature);
@@ -49,9 +49,10 @@ class Patcher {
                        std::vector<Element*> const& aValues);
   void patchParts(Element& aOwner);
   void patchParts(Element& aOwner, Tag const& aTag, Feature const& aFeature,
-                  std::vector<Element*> const& aParts);
+                  std::vector<Element*> const& aParts, PartPlaces const& aPlaces);
   /// Whether a part of the feature stands under another tag, so that the feature has to name it.
-  bool isNamed(Element& aOwner, Tag const& aTag, Feature const& aFeature, Element& aPart) const;
+  bool isNamed(Element& aOwner, Tag const& aTag, Feature const& aFeature, Element& aPart,
+               PartPlaces const& aPlaces) const;
   void patchTop();
   void removeApplications();
   void addIds();
@@ -87,6 +88,8 @@ class Patcher {
   /// The tags of elements, by their numbers.
   std::unordered_map<Element const*, std::size_t> fNodes;
   std::unordered_set<Element const*> fHomeless;
+  /// What changed features of owners hold, for those that were asked for.
+  std::map<std::pair<Element const*, Feature const*>, std::unordered_set<Element const*>> fMembers;
   std::unordered_set<Element*> fChangedOwners;
   std::unordered_set<Element const*> fGivenIds;
   /// Children of tags that have none, by the place of the tag's name.

@@ -2,6 +2,7 @@
 #include <chrono>
 #include <filesystem>
 
+#include "kelm/ModelElementIntf.h"
 #include "model_files/reading/Reading.h"
 #include "model_files/store/ModelFiles.h"
 #include "model_files/text/writeFile.h"
@@ -149,6 +150,15 @@ class Saving {
   std::vector<std::vector<Element*>> fOrders;
 };
 
+/// A file without an element would be no model that anybody can read.
+void checkHasRoot(Kelm::Model const& aModel, std::string const& aPath) {
+  ModelFiles const* const files = ModelFiles::find(aModel);
+  if (auto const* const roots = aModel.object().roots())
+    for (Element* const root : *roots)
+      if (root != nullptr && (files == nullptr || files->standIn(*root) == nullptr)) return;
+  throw Error(aPath + " was not saved: the model is closed or has no elements");
+}
+
 }  // namespace
 
 std::string textOf(Kelm::Model const& aModel, SaveOptions const& aOptions, std::string_view aFile) {
@@ -173,6 +183,7 @@ void save(Kelm::Model const& aModel, SaveOptions const& aOptions) {
     throw Error("A model is saved in another dialect to a path of its own; name one");
   Saving saving(aModel, files);
   if (saving.isUnchanged()) return;
+  checkHasRoot(aModel, files.fFiles.front().fText.name());
   auto const texts = saving.texts();
   std::vector<std::string> bytes;
   for (std::size_t at = 0; at < texts.size(); ++at) {
@@ -200,6 +211,7 @@ void save(Kelm::Model const& aModel, SaveOptions const& aOptions) {
 }
 
 void save(Kelm::Model const& aModel, std::string const& aPath, SaveOptions const& aOptions) {
+  checkHasRoot(aModel, aPath);
   if (isLoaded(aModel)) return writeFile(aPath, textOf(aModel, aOptions));
   // A model made in memory has its file from now on.
   auto files = std::make_unique<ModelFiles>();

@@ -27,16 +27,16 @@ bool isSubsetOf(Feature const& aSpecial, Feature const& aGeneral) {
 
 }  // namespace
 
-Feature const* featureOf(Element const& aOwner, Element const& aPart, Kelm::Deviant const& aDeviant) {
-  Feature const* chosen = nullptr;
+PartPlaces placesOf(Element const& aOwner, Kelm::Deviant const& aDeviant) {
+  PartPlaces places;
   for (Feature const* const feature : metaclassOf(aOwner).fOrder) {
     if (!feature->fComposite || !isWritten(*feature) || feature->fKind != Kind::Reference) continue;
-    if (!metaclassOf(aPart).isA(*feature->fType)) continue;
-    if (chosen != nullptr && !isSubsetOf(*chosen, *feature)) continue;
-    auto const parts = elementsOf(aOwner, *feature, aDeviant);
-    if (std::ranges::find(parts, &aPart) != parts.end()) chosen = feature;
+    for (Element const* const part : elementsOf(aOwner, *feature, aDeviant)) {
+      auto const [known, isNew] = places.try_emplace(part, feature);
+      if (!isNew && isSubsetOf(*known->second, *feature)) known->second = feature;
+    }
   }
-  return chosen;
+  return places;
 }
 
 Tags::Tags(Kelm::Model const& aModel, Kelm::Model const& aRead, Style const& aStyle, Layout aLayout)
@@ -66,50 +66,68 @@ bool Tags::writesEnd(Feature const& aFeature) const {
   return isRequired || !isOtherRequired;
 }
 
+void Tags::newLine(std::string_view aIndent, std::string& aOut) const {
+  if (!fLayout.fLineEnd.empty()) (aOut += fLayout.fLineEnd) += aIndent;
+}
+
 void Tags::write(Element& aElement, std::string_view aTagName, Feature const* aFeature,
                  std::string const& aIndent, std::string& aOut) {
+  // Models may be deeper than the stack.
+  std::vector<Open> open;
+  start(aElement, aTagName, aFeature, aIndent, aOut, open);
+  while (!open.empty()) {
+    Open& last = open.back();
+    if (last.fNext == last.fParts.size()) {
+      newLine(last.fIndent, aOut);
+      ((aOut += "</") += last.fTagName) += '>';
+      open.pop_back();
+      continue;
+    }
+    auto const [part, feature] = last.fParts[last.fNext++];
+    std::string const inner = last.fIndent + fLayout.fUnit;
+    newLine(inner, aOut);
+    start(*part, feature->fName, feature, inner, aOut, open);
+  }
+}
+
+void Tags::start(Element& aElement, std::string_view aTagName, Feature const* aFeature,
+                 std::string const& aIndent, std::string& aOut, std::vector<Open>& aOpen) {
   if (fWriteKnown && fWriteKnown(aElement, aTagName, aFeature, aOut)) return;
   if (fOrder != nullptr) fOrder->push_back(&aElement);
   std::string attributes;
   std::vector<std::string> children;
-  std::string const inner = aIndent + fLayout.fUnit;
   if (needsType(aElement, aFeature)) attribute(attributes, fStyle.fTypeName, typeOf(aElement));
   attribute(attributes, fStyle.fIdName, idOf(aElement));
   Metaclass const& metaclass = metaclassOf(aElement);
+  for (Feature const* const feature : metaclass.fOrder)
+    if (isWritten(*feature) && feature->fKind != Kind::Reference)
+      writeValues(aElement, *feature, attributes, children);
+  PartPlaces const places = placesOf(aElement, fDeviant);
+  Open open{std::string(aTagName), aIndent, {}};
   for (Feature const* const feature : metaclass.fOrder) {
-    if (!isWritten(*feature) || feature->fKind == Kind::Reference) continue;
-    writeValues(aElement, *feature, attributes, children);
-  }
-  for (Feature const* const feature : metaclass.fOrder) {
-    if (!isWritten(*feature) || feature->fKind != Kind::Reference || !writesEnd(*feature)) continue;
+    if (!isWritten(*feature) || feature->fKind != Kind::Reference) continue;
     auto values = elementsOf(aElement, *feature, fDeviant);
-    if (feature->fComposite)
-      std::erase_if(values, [&](Element* aPart) { return featureOf(aElement, *aPart, fDeviant) == feature; });
-    writeReferences(*feature, values, attributes, children);
+    if (feature->fComposite) {
+      auto const isHere = [&](Element* aPart) { return places.at(aPart) == feature; };
+      for (Element* const part : values)
+        if (isHere(part)) open.fParts.emplace_back(part, feature);
+      std::erase_if(values, isHere);
+    }
+    if (writesEnd(*feature)) writeReferences(*feature, values, attributes, children);
   }
   if (fKept)
     for (std::string& text : fKept(aElement)) children.push_back(std::move(text));
   ((aOut += '<') += aTagName) += attributes;
-  bool hasParts = false;
-  auto const child = [&](auto aWrite) {
-    if (!hasParts) aOut += '>';
-    hasParts = true;
-    (aOut += fLayout.fLineEnd) += fLayout.fLineEnd.empty() ? "" : inner;
-    aWrite();
-  };
-  for (std::string const& text : children) child([&] { aOut += text; });
-  for (Feature const* const feature : metaclass.fOrder) {
-    if (!isWritten(*feature) || feature->fKind != Kind::Reference || !feature->fComposite) continue;
-    for (Element* const part : elementsOf(aElement, *feature, fDeviant))
-      if (featureOf(aElement, *part, fDeviant) == feature)
-        child([&] { write(*part, feature->fName, feature, inner, aOut); });
-  }
-  if (!hasParts) {
+  if (children.empty() && open.fParts.empty()) {
     aOut += "/>";
     return;
   }
-  (aOut += fLayout.fLineEnd) += fLayout.fLineEnd.empty() ? "" : aIndent;
-  ((aOut += "</") += aTagName) += '>';
+  aOut += '>';
+  for (std::string const& text : children) {
+    newLine(aIndent + fLayout.fUnit, aOut);
+    aOut += text;
+  }
+  aOpen.push_back(std::move(open));
 }
 
 void Tags::writeValues(Element& aElement, Feature const& aFeature, std::string& aAttributes,

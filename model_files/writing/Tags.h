@@ -13,6 +13,11 @@
 
 namespace umlmm::files {
 
+/// The feature under which each part of an owner is written: of those that hold it the most general. The
+/// others name it by its id.
+using PartPlaces = std::unordered_map<Element const*, Feature const*>;
+PartPlaces placesOf(Element const& aOwner, Kelm::Deviant const& aDeviant);
+
 /// Writes elements as new tags, in a style.
 class Tags {
  public:
@@ -60,6 +65,17 @@ class Tags {
   std::unordered_map<Element const*, std::string> const& newIds() const noexcept { return fNewIds; }
 
  private:
+  /// A tag that is open: its parts, and the one that comes next.
+  struct Open {
+    std::string fTagName;
+    std::string fIndent;
+    std::vector<std::pair<Element*, Feature const*>> fParts;
+    std::size_t fNext = 0;
+  };
+  /// A start tag and what comes before the parts; what has parts is left open.
+  void start(Element& aElement, std::string_view aTagName, Feature const* aFeature,
+             std::string const& aIndent, std::string& aOut, std::vector<Open>& aOpen);
+  void newLine(std::string_view aIndent, std::string& aOut) const;
   void writeValues(Element& aElement, Feature const& aFeature, std::string& aAttributes,
                    std::vector<std::string>& aChildren);
   void writeReferences(Feature const& aFeature, std::vector<Element*> const& aValues,
@@ -77,9 +93,5 @@ class Tags {
   std::unordered_map<Metaclass const*, ElementPtr> fPristine;
   std::vector<Element*>* fOrder = nullptr;
 };
-
-/// The feature of its owner under which a part is written: of those that hold it the most general. The others
-/// name it by its id.
-Feature const* featureOf(Element const& aOwner, Element const& aPart, Kelm::Deviant const& aDeviant);
 
 }  // namespace umlmm::files

@@ -70,3 +70,22 @@ def test_converted_models_are_equal(dialect, namespace):
 def told(model):
     return [(type(element), element.body if isinstance(element, umlmm.Comment) else element.qualifiedName)
             for element in model.allElements()]
+
+
+def test_a_model_deeper_than_the_stack_is_written():
+    depth = 50_000
+    tag = b'<packagedElement xmi:type="uml:Package">'
+    model = umlmm.load(ECLIPSE.replace(b"</uml:Model>", tag * depth + b"</packagedElement>" * depth + b"</uml:Model>"))
+    text = files.text(model, dialect="omg-2.5.1")
+    assert umlmm.load(text).report.element_count == model.report.element_count == depth + 4
+
+
+def test_a_model_without_elements_is_not_written(tmp_path):
+    path = tmp_path / "shop.uml"
+    path.write_bytes(ECLIPSE)
+    model = umlmm.load(path)
+    model.by_id("_m").destroy()
+    for target in (None, tmp_path / "other.uml"):
+        with pytest.raises(files.Error, match="no elements"):
+            model.save(target)
+    assert path.read_bytes() == ECLIPSE and os.listdir(tmp_path) == ["shop.uml"]
