@@ -6,6 +6,7 @@
 #include "model_files/reading/Reading.h"
 #include "model_files/store/ModelFiles.h"
 #include "model_files/text/writeFile.h"
+#include "model_files/writing/ApplicationCheck.h"
 #include "model_files/writing/Comparison.h"
 #include "model_files/writing/Patcher.h"
 #include "model_files/writing/WholeFile.h"
@@ -44,7 +45,9 @@ class Saving {
   }
 
   /// Whether the files are what the model is.
-  bool isUnchanged() const { return fModel.object().revision() == fFiles.fRevision; }
+  bool isUnchanged() const {
+    return fModel.object().revision() == fFiles.fRevision && fFiles.fChanges.empty();
+  }
   /// The new texts, by file.
   std::vector<std::string> texts() {
     std::vector<std::string> texts;
@@ -58,6 +61,7 @@ class Saving {
     for (std::uint32_t file = 0; file < fFiles.fFiles.size(); ++file) {
       Patcher patcher(fModel, fFiles, file, readFiles, comparison);
       texts.push_back(patcher.write(fOrders.emplace_back()));
+      fApplications.push_back(patcher.applications());
     }
     return texts;
   }
@@ -85,6 +89,9 @@ class Saving {
     for (Kept& kept : readFiles.fKept) toModel(kept.fElement);
     for (Dangling& dangling : readFiles.fDangling) toModel(dangling.fElement);
     for (Application& application : readFiles.fApplications) toModel(application.fElement);
+    ApplicationCheck applications(fModel, fFiles, readFiles);
+    for (std::uint32_t file = 0; file < fApplications.size(); ++file)
+      applications.check(file, fApplications[file]);
   }
 
   /// The new texts, which were checked, are the model's files from now on.
@@ -95,8 +102,10 @@ class Saving {
     fFiles.fKept = std::move(readFiles.fKept);
     fFiles.fDangling = std::move(readFiles.fDangling);
     fFiles.fApplications = std::move(readFiles.fApplications);
+    fFiles.fAdded.clear();
+    fFiles.fChanges.clear();
     if (fFiles.fReport.fFiles.empty()) fFiles.fReport = std::move(readFiles.fReport);
-    fFiles.forgetTags();
+    fFiles.forget();
     fFiles.fRevision = fModel.object().revision();
   }
 
@@ -148,6 +157,8 @@ class Saving {
   Kelm::Model fRead;
   /// Elements of each file in the order of their tags.
   std::vector<std::vector<Element*>> fOrders;
+  /// The numbers of its applications in the order of theirs.
+  std::vector<std::vector<std::uint32_t>> fApplications;
 };
 
 /// A file without an element would be no model that anybody can read.

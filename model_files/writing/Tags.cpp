@@ -182,22 +182,26 @@ std::string const& Tags::idOf(Element& aElement) {
   id = fKnownId ? fKnownId(aElement) : std::string();
   if (id.empty()) id = externalIdOf(aElement, fDeviant);
   if (id.empty()) {
-    id = newId(aElement);
+    id = newId(seedOf(aElement));
     fNewIds[&aElement] = id;
   }
   return id;
 }
 
-std::string Tags::newId(Element& aElement) {
-  static constexpr char kDigits[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_";
+std::string Tags::seedOf(Element& aElement) {
   // From where the element stands and what it is called, so that the same change gives the same id.
   std::string seed(metaclassOf(aElement).fName);
   if (Element* const owner = containerOf(aElement, fDeviant)) seed += idOf(*owner);
   if (Feature const* const name = metaclassOf(aElement).feature("name"))
     for (std::string const& text : textsOf(aElement, *name, fDeviant)) seed += text;
+  return seed;
+}
+
+std::string Tags::newId(std::string_view aSeed) {
+  static constexpr char kDigits[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_";
   for (unsigned attempt = 0;; ++attempt) {
-    std::uint64_t halves[] = {hashOf(seed, 0xcbf29ce484222325ULL + attempt), 0};
-    halves[1] = hashOf(seed, halves[0]);
+    std::uint64_t halves[] = {hashOf(aSeed, 0xcbf29ce484222325ULL + attempt), 0};
+    halves[1] = hashOf(aSeed, halves[0]);
     std::string id = "_";
     for (int at = 0; at < 22; ++at) {
       id += kDigits[halves[at / 11] & 63];

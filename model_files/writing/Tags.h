@@ -59,6 +59,8 @@ class Tags {
   /// The id by which this text names an element; empty for one that other texts hold.
   std::string localId(Element& aElement);
   std::string const& idOf(Element& aElement);
+  /// One that nobody has, the same for the same text.
+  std::string newId(std::string_view aSeed);
   std::string const& idName() const noexcept { return fStyle.fIdName; }
   Layout const& layout() const noexcept { return fLayout; }
   Style const& style() const noexcept { return fStyle; }
@@ -81,7 +83,7 @@ class Tags {
   void writeReferences(Feature const& aFeature, std::vector<Element*> const& aValues,
                        std::string& aAttributes, std::vector<std::string>& aChildren);
   Element& pristine(Metaclass const& aMetaclass);
-  std::string newId(Element& aElement);
+  std::string seedOf(Element& aElement);
 
   Kelm::Deviant fDeviant;
   Kelm::Model fReadModel;

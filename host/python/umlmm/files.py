@@ -17,7 +17,8 @@ import sys
 
 import umlmm
 from umlmm import _host  # type: ignore[attr-defined]
-from umlmm._answers import DuplicateId, Finding, Report, ReportFile, Stereotype, Unknown, Unresolved, decoded
+from umlmm._answers import DuplicateId, Finding, Report, ReportFile, Unknown, Unresolved, decoded
+from umlmm._stereotypes import Stereotype, Stereotypes
 
 TYPE_CHECKING = False  # but for checkers: the module typing takes longer to bring in than a file to read
 if TYPE_CHECKING:
@@ -32,7 +33,7 @@ if TYPE_CHECKING:
     Progress = Union[None, bool, Callable[[float], object]]
 
 __all__ = ["DuplicateId", "Error", "Finding", "MissingFile", "NotUml", "ReadError", "Report", "ReportFile", "Stereotype",
-           "Unknown", "Unresolved", "by_id", "is_loaded", "load", "load_all", "report", "save", "stereotyped",
+           "Stereotypes", "Unknown", "Unresolved", "by_id", "is_loaded", "load", "load_all", "report", "save", "stereotyped",
            "stereotypes", "text", "unknown", "unresolved"]
 
 _host.load("uml_model_files_mi")
@@ -229,13 +230,14 @@ def unknown(element: Kelm.ImmutableClassObject) -> list[Unknown]:
     return [Unknown(*answer) for answer in decoded(_call("unknown", element))]
 
 
-def stereotypes(element: Kelm.ImmutableClassObject) -> list[Stereotype]:
-    """The stereotypes that are applied to the element, with their tagged values, as they stand in its file."""
-    return [Stereotype(*answer) for answer in decoded(_call("stereotypes", element))]
+def stereotypes(element: Kelm.ImmutableClassObject) -> Stereotypes:
+    """The stereotypes that are applied to the element, with their tagged values. They can be changed: what is changed
+    is seen at once, and comes into the file when it is saved."""
+    return Stereotypes(element, _call, decoded(_call("stereotypes", element)))
 
 
 def stereotyped(model: Kelm.Model, name: str) -> list[Kelm.ClassObject]:
-    """The elements to which a stereotype of this name is applied, in document order."""
+    """The elements to which a stereotype of this name is applied, each once, in the order of the applications."""
     return list(_call("stereotyped", model, name)) if is_loaded(model) else []
 
 
