@@ -206,6 +206,10 @@ UMLMM_API void removeStereotype(Kelm::ClassObject const& aElement, std::uint32_t
 UMLMM_API std::uint32_t applyStereotype(Kelm::ClassObject const& aElement, std::string_view aName,
                                         std::string_view aProfile = {});
 
+/// Gives a copy of all elements of a model, made by `copyInto` in an empty one, what belongs to the files of
+/// the model: ids, applied stereotypes, what is kept. The copy has to be saved to a path of its own.
+UMLMM_API void copyFiles(Kelm::Model const& aFrom, Kelm::Model const& aTo);
+
 struct SaveOptions {
   /// "", as it was read or else the standard's own form; "omg-2.5.1"; "eclipse".
   std::string fDialect;

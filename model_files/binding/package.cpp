@@ -74,6 +74,8 @@ Elements stereotypedElements(Model const& aModel, String const& aName) {
   return Elements(stereotyped(aModel, aName.to_string()), aModel.getDeviant());
 }
 
+void copyAll(ImmutableModel const& aModel, Model const& aCopy) { copyFiles(Model(aModel), aCopy); }
+
 void saveFiles(ImmutableModel const& aModel, String const& aDialect, bool aForce) {
   save(Model(aModel), saveOptions(aDialect, aForce));
 }
@@ -129,6 +131,7 @@ constexpr MethodRow kFunctions[] = {
     function<&applyOne>("applyStereotype", "element, name, profile", kNumber, {kElement, kText, kText}),
     function<&stereotypedElements>("stereotyped", "model, name", kElements, {kModel, kText}),
 
+    function<&copyAll>("copyFiles", "model, copy", kNothing, {kAnyModel, kModel}),
     function<&saveFiles>("save", "model, dialect, force", kNothing, {kAnyModel, kText, kTruth}),
     function<&saveTo>("saveTo", "model, path, dialect, force", kNothing, {kAnyModel, kText, kText, kTruth}),
     function<&writeText>("text", "model, file, dialect, descriptor", kNothing,

@@ -1,30 +1,19 @@
 #include <algorithm>
-#include <chrono>
 #include <filesystem>
 
 #include "kelm/ModelElementIntf.h"
-#include "model_files/reading/Reading.h"
 #include "model_files/store/ModelFiles.h"
 #include "model_files/text/writeFile.h"
 #include "model_files/writing/ApplicationCheck.h"
 #include "model_files/writing/Comparison.h"
 #include "model_files/writing/Patcher.h"
 #include "model_files/writing/WholeFile.h"
+#include "model_files/writing/readAgain.h"
 #include "uml_metamodel/umlmm/models.h"
 
 namespace umlmm::files {
 
 namespace {
-
-/// Texts, by file, read into a model of its own as those of another were.
-Kelm::Model readAgain(std::vector<Input> aTexts, ModelFiles const& aFiles) {
-  LoadOptions options;
-  options.fPaths = aFiles.fPlaces;
-  Reading reading(std::move(aTexts), std::move(options), true);
-  while (!reading.step(std::chrono::hours(1))) {
-  }
-  return reading.model();
-}
 
 void pairStandIns(Comparison& aComparison, ModelFiles const& aFiles, ModelFiles const& aRead) {
   for (auto const& [name, standIn] : aFiles.fStandIns)
@@ -51,8 +40,7 @@ class Saving {
   /// The new texts, by file.
   std::vector<std::string> texts() {
     std::vector<std::string> texts;
-    Kelm::Model const read =
-        readAgain(inputs([&](std::size_t aFile) { return fFiles.fFiles[aFile].fText.utf8(); }), fFiles);
+    Kelm::Model const read = readAgain(fFiles);
     ModelFiles const& readFiles = ModelFiles::of(read);
     Comparison comparison(fModel, read);
     for (std::size_t file = 0; file < fFiles.fFiles.size(); ++file)
@@ -70,7 +58,7 @@ class Saving {
   /// is.
   void check(std::vector<std::string> const& aTexts) {
     if (fOrders.empty()) return;
-    fRead = readAgain(inputs([&](std::size_t aFile) { return std::string_view(aTexts[aFile]); }), fFiles);
+    fRead = readAgain(fFiles, aTexts);
     ModelFiles& readFiles = ModelFiles::of(fRead);
     Comparison comparison(fModel, fRead);
     for (std::size_t file = 0; file < aTexts.size(); ++file)
@@ -110,16 +98,6 @@ class Saving {
   }
 
  private:
-  template <class TextOf>
-  std::vector<Input> inputs(TextOf aTextOf) const {
-    std::vector<Input> inputs;
-    for (std::size_t file = 0; file < fFiles.fFiles.size(); ++file) {
-      SourceText const& text = fFiles.fFiles[file].fText;
-      inputs.push_back({text.name(), text.encoded(aTextOf(file))});
-    }
-    return inputs;
-  }
-
   static void pairMade(Comparison& aComparison, std::vector<Made> const& aMade,
                        std::vector<Made> const& aRead) {
     for (std::size_t at = 0; at < aMade.size() && at < aRead.size(); ++at)
@@ -203,7 +181,8 @@ void save(Kelm::Model const& aModel, SaveOptions const& aOptions) {
     bytes.push_back(texts[at] == text.utf8() ? std::string() : text.encoded(texts[at]));
     if (bytes.back().empty()) continue;
     if (file.fPath.empty())
-      throw Error(text.name() + " was given as bytes, and lies nowhere; save to a path");
+      throw Error(text.name() +
+                  " lies nowhere: it was given as bytes, or the model is a copy; save to a path");
     if (!aOptions.fForce && stampOf(file.fPath) != file.fStamp)
       throw Error(text.name() + " has changed on disk since it was read; save with force to write over it");
   }

@@ -66,6 +66,12 @@ bool Tags::writesEnd(Feature const& aFeature) const {
   return isRequired || !isOtherRequired;
 }
 
+std::string Tags::innerIndent(std::string const& aIndent) const {
+  // Blanks would outweigh all else in a very deep model.
+  constexpr std::size_t kMost = 256;
+  return aIndent.size() < kMost ? aIndent + fLayout.fUnit : aIndent;
+}
+
 void Tags::newLine(std::string_view aIndent, std::string& aOut) const {
   if (!fLayout.fLineEnd.empty()) (aOut += fLayout.fLineEnd) += aIndent;
 }
@@ -84,7 +90,7 @@ void Tags::write(Element& aElement, std::string_view aTagName, Feature const* aF
       continue;
     }
     auto const [part, feature] = last.fParts[last.fNext++];
-    std::string const inner = last.fIndent + fLayout.fUnit;
+    std::string const inner = innerIndent(last.fIndent);
     newLine(inner, aOut);
     start(*part, feature->fName, feature, inner, aOut, open);
   }
@@ -124,7 +130,7 @@ void Tags::start(Element& aElement, std::string_view aTagName, Feature const* aF
   }
   aOut += '>';
   for (std::string const& text : children) {
-    newLine(aIndent + fLayout.fUnit, aOut);
+    newLine(innerIndent(aIndent), aOut);
     aOut += text;
   }
   aOpen.push_back(std::move(open));

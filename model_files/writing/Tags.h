@@ -77,6 +77,7 @@ class Tags {
   /// A start tag and what comes before the parts; what has parts is left open.
   void start(Element& aElement, std::string_view aTagName, Feature const* aFeature,
              std::string const& aIndent, std::string& aOut, std::vector<Open>& aOpen);
+  std::string innerIndent(std::string const& aIndent) const;
   void newLine(std::string_view aIndent, std::string& aOut) const;
   void writeValues(Element& aElement, Feature const& aFeature, std::string& aAttributes,
                    std::vector<std::string>& aChildren);

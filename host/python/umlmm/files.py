@@ -188,6 +188,12 @@ def save(model: Kelm.Model, path: Target | None = None, *, dialect: str | None =
         _call("saveTo", model, os.fsdecode(os.fspath(path)), dialect or "", bool(force))
 
 
+def copy_files(model: Kelm.ImmutableModel, copy: Kelm.Model) -> None:
+    """Gives a copy of a model, which `copy.deepcopy` has made, what belongs to the model's files."""
+    if is_loaded(model):
+        _call("copyFiles", model, copy)
+
+
 def text(model: Kelm.Model, file: Path | None = None, *, dialect: str | None = None) -> bytes:
     """What `save` would write: the bytes of a model's file, of the first one if none is named."""
     with _passage() as passage:

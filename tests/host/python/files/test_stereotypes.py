@@ -1,5 +1,6 @@
 """Applied stereotypes: what is changed is seen at once, and saving changes the text where they stand and nowhere else."""
 
+import copy
 import pickle
 import random
 
@@ -105,7 +106,8 @@ def test_a_change_is_seen_at_once_and_changes_its_place_alone(tmp_path, name):
         expected = expected.replace(old, new)
     now = told(model)
     assert (now == told(umlmm.load(TEXT))) == (expected == TEXT)
-    assert told(pickle.loads(pickle.dumps(model))) == now
+    assert told(pickle.loads(pickle.dumps(model))) == now == told(copy.deepcopy(model))
+    assert files.text(copy.deepcopy(model)) == expected
     model.save()
     assert path.read_bytes() == expected and told(model) == told(umlmm.load(path)) == now
     for dialect in ("omg-2.5.1", "eclipse"):
