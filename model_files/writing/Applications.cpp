@@ -161,6 +161,23 @@ std::string Applications::wordsThere(std::string_view aAddress) const {
   return left;
 }
 
+void Applications::nameInside() {
+  for (Application const& row : fFiles.fApplications) {
+    if (row.fSpot.fFile != fNumber || row.fIsInExtension || !isThere(row) || fFiles.isRemoved(row)) continue;
+    auto const base = static_cast<std::size_t>(row.fBase);
+    bool const isChild = fText[base - 1] == '<';
+    for (markup::Attribute const& attribute :
+         isChild ? markup::attributes(fText, base) : std::vector{markup::attribute(fText, base)}) {
+      std::string const address = attribute.value();
+      bool const isInFile =
+          address.find('#', 1) != std::string::npos && address.find(' ') == std::string::npos;
+      if (!isInFile || (isChild && attribute.fName != "href")) continue;
+      std::string const id = fTags.idOf(*row.fElement);
+      fEdits.setAttribute({}, &attribute, attribute.fName, isChild ? '#' + id : id);
+    }
+  }
+}
+
 void Applications::removeFromEntry(std::size_t aEntry, std::string_view aStereotype) {
   auto const raw = markup::escaped(aStereotype, '"');
   for (markup::Child const& child : fEdits.tagOf(aEntry).fChildren)

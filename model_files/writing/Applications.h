@@ -28,6 +28,8 @@ class Applications {
 
   /// Edits all tags. `aCuts` stand in the order of where they begin, inner ones behind outer ones.
   void patch(std::span<Cut const> aCuts);
+  /// Names elements without their file, for a text that holds all of the model.
+  void nameInside();
   /// Tags that need a new place, if `patch` has found none.
   std::vector<Edits::Write> takeHomeless() { return std::move(fHomeless); }
   /// The numbers of those whose tags stand in the text, as they are written.

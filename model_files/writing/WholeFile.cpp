@@ -71,6 +71,7 @@ std::string WholeFile::write(std::vector<Element*>& aOrder) {
     TagEdits edits(fFiles->fFiles[file].fText.utf8(), '"');
     Applications all(*fFiles, file, fModel.getDeviant(), edits, tags);
     all.patch({});
+    all.nameInside();
     edits.flushChildren();
     edits.sort();
     all.forEachText([&](Application const& aApplication, std::string aText) {

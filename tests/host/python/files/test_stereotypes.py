@@ -210,6 +210,8 @@ def test_files_that_apply_stereotypes_to_each_other(tmp_path):
     model.by_id("k").stereotypes.add("Table", "http://p/2")
     model.save()
     assert b'</uml:Model>\n<P_1:Table xmlns:P_1="http://p/2" ' in shop.read_bytes() and told(umlmm.load_all([shop, profile])) == told(model)
+    model.save(tmp_path / "both.xmi", dialect="omg-2.5.1")
+    assert told(umlmm.load(tmp_path / "both.xmi")) == told(model)
     model.by_id("k").destroy()
     model.save()
     assert b"P_1" not in shop.read_bytes() and b"shop.uml" not in profile.read_bytes()
