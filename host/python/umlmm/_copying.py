@@ -38,7 +38,7 @@ class _Model:
         try:
             copy = _host.copy(self, made)
             if files := sys.modules.get("umlmm.files"):  # else no model came from files
-                files.copy_files(self, copy)
+                files._copy_files(self, copy)
             return copy
         except BaseException:
             made.close()

@@ -188,7 +188,7 @@ def save(model: Kelm.Model, path: Target | None = None, *, dialect: str | None =
         _call("saveTo", model, os.fsdecode(os.fspath(path)), dialect or "", bool(force))
 
 
-def copy_files(model: Kelm.ImmutableModel, copy: Kelm.Model) -> None:
+def _copy_files(model: Kelm.ImmutableModel, copy: Kelm.Model) -> None:
     """Gives a copy of a model, which `copy.deepcopy` has made, what belongs to the model's files."""
     if is_loaded(model):
         _call("copyFiles", model, copy)
