@@ -14,6 +14,17 @@ namespace umlmm::files {
 template <class Visit>
 void forEachEntry(pugi::xml_node aExtension, Visit aVisit);
 
+/// A child of an entry, and an attribute of it.
+struct EntryPlace {
+  char const* fTag;
+  char const* fAttribute;
+};
+/// Where the stereotype stands, and where all are listed:
+/// "…@STEREO;Name=Order;FQName=Shop::Order;@ENDSTEREO;…" between "$XREFPROP=" and "$ENDXREF;".
+inline constexpr EntryPlace kStereotypePlaces[] = {{"properties", "stereotype"},
+                                                   {"stereotype", "stereotype"}};
+inline constexpr EntryPlace kXrefs{"xrefs", "value"};
+
 /// The attribute with the stereotype's name; none if it has no stereotype.
 pugi::xml_attribute stereotypeIn(pugi::xml_node aEntry);
 /// The profile that a stereotype is from; empty if the entry doesn't tell.

@@ -31,11 +31,6 @@ bool isDeclaration(std::string_view aName) noexcept {
   return aName.starts_with("xmlns") && (aName.size() == 5 || aName[5] == ':');
 }
 
-/// "base_Class".
-bool isBase(std::string_view aName) noexcept {
-  return aName.starts_with("base_") || aName.starts_with("base-");
-}
-
 }  // namespace
 
 Builder::Builder(ModelFiles& aFiles, std::uint32_t aFile, Kelm::Model const& aModel, Findings& aFindings,
@@ -307,16 +302,20 @@ bool Builder::handleApplication(pugi::xml_node aNode, QualifiedName aName) {
   bool isApplication = false;
   // The parser's text goes when all is read.
   std::string_view const name = fOwn.fText.utf8().substr(offsetOf(aName.fName.data()), aName.fName.size());
-  auto const add = [&](std::string_view aAddress) {
+  auto const add = [&](std::string_view aAddress, char const* aBase) {
     isApplication = true;
-    forEachWord(aAddress, [&](auto aWord) { fReferences.addApplication(name, aWord, spotOf(aNode)); });
+    forEachWord(aAddress,
+                [&](auto aWord) { fReferences.addApplication(name, aWord, spotOf(aNode), offsetOf(aBase)); });
   };
   for (pugi::xml_attribute const attribute : aNode.attributes())
-    if (isBase(attribute.name())) add(attribute.value());
+    if (isBase(attribute.name())) add(attribute.value(), attribute.name());
   for (pugi::xml_node const child : aNode.children()) {
     if (!isBase(child.name())) continue;
     Head const head = headOf(child);
-    add(!head.fIdref.empty() ? head.fIdref : !head.fHref.empty() ? head.fHref : child.text().get());
+    add(!head.fIdref.empty()  ? head.fIdref
+        : !head.fHref.empty() ? head.fHref
+                              : child.text().get(),
+        child.name());
   }
   if (isApplication) ++fFiles.fReport.fStereotypeCount;
   return isApplication;

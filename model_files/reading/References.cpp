@@ -221,10 +221,13 @@ Element* References::primitive(std::string_view aName, std::string_view aAddress
 }
 
 void References::resolveApplications() {
+  std::vector<Application>& rows = fFiles.fApplications;
   for (PendingApplication const& application : fApplications) {
     Element* const base = find(application.fAddress, application.fSpot.fFile);
     if (base != nullptr) {
-      fFiles.fApplications.push_back({ElementPtr(base), application.fName, application.fSpot});
+      bool const isSame = !rows.empty() && rows.back().fSpot == application.fSpot;
+      std::uint32_t const number = isSame ? rows.back().fNumber : fFiles.fApplicationCount++;
+      rows.push_back({ElementPtr(base), application.fName, application.fSpot, application.fBase, number});
       continue;
     }
     fFindings.add(Findings::Weight::Fault, "stereotype on an unknown element", application.fName,
@@ -242,8 +245,8 @@ void References::resolveEntries() {
     Element* const element = find(entry.fAddress, entry.fSpot.fFile);
     if (element == nullptr) continue;
     bool const isNew = !entry.fName.empty() && known.emplace(element, entry.fName).second;
-    fFiles.fApplications.push_back(
-        {ElementPtr(element), isNew ? entry.fName : std::string_view(), entry.fSpot, true});
+    fFiles.fApplications.push_back({ElementPtr(element), isNew ? entry.fName : std::string_view(),
+                                    entry.fSpot, entry.fBase, fFiles.fApplicationCount++, true});
     if (isNew) ++fFiles.fReport.fStereotypeCount;
   }
 }

@@ -28,12 +28,12 @@ class References {
     if (!aPath.empty()) fPaths.try_emplace(aAddress, aPath);
   }
   /// A stereotype's reference to what it extends.
-  void addApplication(std::string_view aName, std::string_view aAddress, Spot aSpot) {
-    fApplications.push_back({aName, aAddress, aSpot});
+  void addApplication(std::string_view aName, std::string_view aAddress, Spot aSpot, std::uint64_t aBase) {
+    fApplications.push_back({aName, aAddress, aSpot, aBase});
   }
   /// The same of what a tool keeps in its extension; the name is empty for no stereotype.
   void addEntry(std::string_view aName, std::string_view aAddress, Spot aSpot) {
-    fEntries.push_back({aName, aAddress, aSpot});
+    fEntries.push_back({aName, aAddress, aSpot, 0});
   }
 
   /// Resolves some more; true when none is left.
@@ -56,6 +56,8 @@ class References {
     std::string_view fName;
     std::string_view fAddress;
     Spot fSpot;
+    /// The attribute or child that has the address.
+    std::uint64_t fBase;
   };
 
   Element* find(std::string_view aAddress, std::uint32_t aFile);

@@ -9,8 +9,9 @@
 #include "model_files/dialect/Style.h"
 #include "model_files/store/ModelFiles.h"
 #include "model_files/text/markup.h"
+#include "model_files/writing/Applications.h"
 #include "model_files/writing/Comparison.h"
-#include "model_files/writing/Edits.h"
+#include "model_files/writing/TagEdits.h"
 #include "model_files/writing/Tags.h"
 
 namespace umlmm::files {
@@ -25,18 +26,11 @@ class Patcher {
 
   /// The new text. `aOrder` receives the elements in the order of their tags.
   std::string write(std::vector<Element*>& aOrder);
+  /// The numbers of the applications, in the order of theirs.
+  std::vector<std::uint32_t> const& applications() const noexcept { return fApplications.order(); }
 
  private:
-  /// The tag of an element with its children, looked at when something in it changes.
-  struct Tag {
-    std::vector<markup::Attribute> fAttributes;
-    std::vector<markup::Child> fChildren;
-    std::size_t fName = 0;
-    /// Behind the last attribute.
-    std::size_t fLast = 0;
-    /// Of the end tag; 0 for none.
-    std::size_t fEnd = 0;
-  };
+  using Tag = TagEdits::Tag;
   using Write = Edits::Write;
 
   void compare(std::size_t aNumber);
@@ -54,23 +48,14 @@ class Patcher {
   bool isNamed(Element& aOwner, Tag const& aTag, Feature const& aFeature, Element& aPart,
                PartPlaces const& aPlaces) const;
   void patchTop();
-  void removeApplications();
+  /// Further tags beside the roots; a root that stands alone gets a frame.
+  void addAtTop(std::vector<Write> aAdded);
   void addIds();
-  /// New tags in the place of old ones, one after another; those that are too many go, those that lack a
-  /// place come behind.
-  void replaceChildren(Tag const& aTag, std::vector<markup::Child> const& aOld, std::vector<Write> aNew);
 
-  Tag tagOf(std::size_t aName) const;
   std::vector<markup::Child> childrenCalled(Tag const& aTag, Element const& aElement,
                                             Feature const& aFeature) const;
   markup::Attribute const* attributeCalled(Tag const& aTag, Element const& aElement,
                                            Feature const& aFeature) const;
-  void setAttribute(Tag const& aTag, markup::Attribute const* aOld, std::string_view aName,
-                    std::string const& aValue);
-  void removeAttribute(markup::Attribute const& aAttribute);
-  void removeTag(std::size_t aFrom, std::size_t aTo);
-  void addChild(Tag const& aTag, std::size_t aBehind, Write aChild);
-  void flushChildren();
   std::string render();
   std::string addressOf(Element& aElement) const;
   void noteCopied(std::size_t aFrom, std::size_t aTo);
@@ -84,7 +69,7 @@ class Patcher {
   ModelFiles const& fRead;
   Comparison& fComparison;
   std::string_view fText;
-  Edits fEdits;
+  TagEdits fEdits;
   /// The tags of elements, by their numbers.
   std::unordered_map<Element const*, std::size_t> fNodes;
   std::unordered_set<Element const*> fHomeless;
@@ -92,10 +77,10 @@ class Patcher {
   std::map<std::pair<Element const*, Feature const*>, std::unordered_set<Element const*>> fMembers;
   std::unordered_set<Element*> fChangedOwners;
   std::unordered_set<Element const*> fGivenIds;
-  /// Children of tags that have none, by the place of the tag's name.
-  std::map<std::size_t, std::vector<Write>> fFirstChildren;
   std::vector<Element*>* fOrder = nullptr;
   Tags fTags;
+  Applications fApplications;
+  std::vector<Applications::Cut> fCuts;
 };
 
 }  // namespace umlmm::files

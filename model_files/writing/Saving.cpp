@@ -1,29 +1,19 @@
 #include <algorithm>
-#include <chrono>
 #include <filesystem>
 
 #include "kelm/ModelElementIntf.h"
-#include "model_files/reading/Reading.h"
 #include "model_files/store/ModelFiles.h"
 #include "model_files/text/writeFile.h"
+#include "model_files/writing/ApplicationCheck.h"
 #include "model_files/writing/Comparison.h"
 #include "model_files/writing/Patcher.h"
 #include "model_files/writing/WholeFile.h"
+#include "model_files/writing/readAgain.h"
 #include "uml_metamodel/umlmm/models.h"
 
 namespace umlmm::files {
 
 namespace {
-
-/// Texts, by file, read into a model of its own as those of another were.
-Kelm::Model readAgain(std::vector<Input> aTexts, ModelFiles const& aFiles) {
-  LoadOptions options;
-  options.fPaths = aFiles.fPlaces;
-  Reading reading(std::move(aTexts), std::move(options), true);
-  while (!reading.step(std::chrono::hours(1))) {
-  }
-  return reading.model();
-}
 
 void pairStandIns(Comparison& aComparison, ModelFiles const& aFiles, ModelFiles const& aRead) {
   for (auto const& [name, standIn] : aFiles.fStandIns)
@@ -44,12 +34,13 @@ class Saving {
   }
 
   /// Whether the files are what the model is.
-  bool isUnchanged() const { return fModel.object().revision() == fFiles.fRevision; }
+  bool isUnchanged() const {
+    return fModel.object().revision() == fFiles.fRevision && fFiles.fChanges.empty();
+  }
   /// The new texts, by file.
   std::vector<std::string> texts() {
     std::vector<std::string> texts;
-    Kelm::Model const read =
-        readAgain(inputs([&](std::size_t aFile) { return fFiles.fFiles[aFile].fText.utf8(); }), fFiles);
+    Kelm::Model const read = readAgain(fFiles);
     ModelFiles const& readFiles = ModelFiles::of(read);
     Comparison comparison(fModel, read);
     for (std::size_t file = 0; file < fFiles.fFiles.size(); ++file)
@@ -58,6 +49,7 @@ class Saving {
     for (std::uint32_t file = 0; file < fFiles.fFiles.size(); ++file) {
       Patcher patcher(fModel, fFiles, file, readFiles, comparison);
       texts.push_back(patcher.write(fOrders.emplace_back()));
+      fApplications.push_back(patcher.applications());
     }
     return texts;
   }
@@ -66,7 +58,7 @@ class Saving {
   /// is.
   void check(std::vector<std::string> const& aTexts) {
     if (fOrders.empty()) return;
-    fRead = readAgain(inputs([&](std::size_t aFile) { return std::string_view(aTexts[aFile]); }), fFiles);
+    fRead = readAgain(fFiles, aTexts);
     ModelFiles& readFiles = ModelFiles::of(fRead);
     Comparison comparison(fModel, fRead);
     for (std::size_t file = 0; file < aTexts.size(); ++file)
@@ -85,6 +77,9 @@ class Saving {
     for (Kept& kept : readFiles.fKept) toModel(kept.fElement);
     for (Dangling& dangling : readFiles.fDangling) toModel(dangling.fElement);
     for (Application& application : readFiles.fApplications) toModel(application.fElement);
+    ApplicationCheck applications(fModel, fFiles, readFiles);
+    for (std::uint32_t file = 0; file < fApplications.size(); ++file)
+      applications.check(file, fApplications[file]);
   }
 
   /// The new texts, which were checked, are the model's files from now on.
@@ -95,22 +90,14 @@ class Saving {
     fFiles.fKept = std::move(readFiles.fKept);
     fFiles.fDangling = std::move(readFiles.fDangling);
     fFiles.fApplications = std::move(readFiles.fApplications);
+    fFiles.fAdded.clear();
+    fFiles.fChanges.clear();
     if (fFiles.fReport.fFiles.empty()) fFiles.fReport = std::move(readFiles.fReport);
-    fFiles.forgetTags();
+    fFiles.forget();
     fFiles.fRevision = fModel.object().revision();
   }
 
  private:
-  template <class TextOf>
-  std::vector<Input> inputs(TextOf aTextOf) const {
-    std::vector<Input> inputs;
-    for (std::size_t file = 0; file < fFiles.fFiles.size(); ++file) {
-      SourceText const& text = fFiles.fFiles[file].fText;
-      inputs.push_back({text.name(), text.encoded(aTextOf(file))});
-    }
-    return inputs;
-  }
-
   static void pairMade(Comparison& aComparison, std::vector<Made> const& aMade,
                        std::vector<Made> const& aRead) {
     for (std::size_t at = 0; at < aMade.size() && at < aRead.size(); ++at)
@@ -148,6 +135,8 @@ class Saving {
   Kelm::Model fRead;
   /// Elements of each file in the order of their tags.
   std::vector<std::vector<Element*>> fOrders;
+  /// The numbers of its applications in the order of theirs.
+  std::vector<std::vector<std::uint32_t>> fApplications;
 };
 
 /// A file without an element would be no model that anybody can read.
@@ -192,7 +181,8 @@ void save(Kelm::Model const& aModel, SaveOptions const& aOptions) {
     bytes.push_back(texts[at] == text.utf8() ? std::string() : text.encoded(texts[at]));
     if (bytes.back().empty()) continue;
     if (file.fPath.empty())
-      throw Error(text.name() + " was given as bytes, and lies nowhere; save to a path");
+      throw Error(text.name() +
+                  " lies nowhere: it was given as bytes, or the model is a copy; save to a path");
     if (!aOptions.fForce && stampOf(file.fPath) != file.fStamp)
       throw Error(text.name() + " has changed on disk since it was read; save with force to write over it");
   }

@@ -66,6 +66,12 @@ bool Tags::writesEnd(Feature const& aFeature) const {
   return isRequired || !isOtherRequired;
 }
 
+std::string Tags::innerIndent(std::string const& aIndent) const {
+  // Blanks would outweigh all else in a very deep model.
+  constexpr std::size_t kMost = 256;
+  return aIndent.size() < kMost ? aIndent + fLayout.fUnit : aIndent;
+}
+
 void Tags::newLine(std::string_view aIndent, std::string& aOut) const {
   if (!fLayout.fLineEnd.empty()) (aOut += fLayout.fLineEnd) += aIndent;
 }
@@ -84,7 +90,7 @@ void Tags::write(Element& aElement, std::string_view aTagName, Feature const* aF
       continue;
     }
     auto const [part, feature] = last.fParts[last.fNext++];
-    std::string const inner = last.fIndent + fLayout.fUnit;
+    std::string const inner = innerIndent(last.fIndent);
     newLine(inner, aOut);
     start(*part, feature->fName, feature, inner, aOut, open);
   }
@@ -124,7 +130,7 @@ void Tags::start(Element& aElement, std::string_view aTagName, Feature const* aF
   }
   aOut += '>';
   for (std::string const& text : children) {
-    newLine(aIndent + fLayout.fUnit, aOut);
+    newLine(innerIndent(aIndent), aOut);
     aOut += text;
   }
   aOpen.push_back(std::move(open));
@@ -182,22 +188,26 @@ std::string const& Tags::idOf(Element& aElement) {
   id = fKnownId ? fKnownId(aElement) : std::string();
   if (id.empty()) id = externalIdOf(aElement, fDeviant);
   if (id.empty()) {
-    id = newId(aElement);
+    id = newId(seedOf(aElement));
     fNewIds[&aElement] = id;
   }
   return id;
 }
 
-std::string Tags::newId(Element& aElement) {
-  static constexpr char kDigits[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_";
+std::string Tags::seedOf(Element& aElement) {
   // From where the element stands and what it is called, so that the same change gives the same id.
   std::string seed(metaclassOf(aElement).fName);
   if (Element* const owner = containerOf(aElement, fDeviant)) seed += idOf(*owner);
   if (Feature const* const name = metaclassOf(aElement).feature("name"))
     for (std::string const& text : textsOf(aElement, *name, fDeviant)) seed += text;
+  return seed;
+}
+
+std::string Tags::newId(std::string_view aSeed) {
+  static constexpr char kDigits[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_";
   for (unsigned attempt = 0;; ++attempt) {
-    std::uint64_t halves[] = {hashOf(seed, 0xcbf29ce484222325ULL + attempt), 0};
-    halves[1] = hashOf(seed, halves[0]);
+    std::uint64_t halves[] = {hashOf(aSeed, 0xcbf29ce484222325ULL + attempt), 0};
+    halves[1] = hashOf(aSeed, halves[0]);
     std::string id = "_";
     for (int at = 0; at < 22; ++at) {
       id += kDigits[halves[at / 11] & 63];

@@ -59,6 +59,8 @@ class Tags {
   /// The id by which this text names an element; empty for one that other texts hold.
   std::string localId(Element& aElement);
   std::string const& idOf(Element& aElement);
+  /// One that nobody has, the same for the same text.
+  std::string newId(std::string_view aSeed);
   std::string const& idName() const noexcept { return fStyle.fIdName; }
   Layout const& layout() const noexcept { return fLayout; }
   Style const& style() const noexcept { return fStyle; }
@@ -75,13 +77,14 @@ class Tags {
   /// A start tag and what comes before the parts; what has parts is left open.
   void start(Element& aElement, std::string_view aTagName, Feature const* aFeature,
              std::string const& aIndent, std::string& aOut, std::vector<Open>& aOpen);
+  std::string innerIndent(std::string const& aIndent) const;
   void newLine(std::string_view aIndent, std::string& aOut) const;
   void writeValues(Element& aElement, Feature const& aFeature, std::string& aAttributes,
                    std::vector<std::string>& aChildren);
   void writeReferences(Feature const& aFeature, std::vector<Element*> const& aValues,
                        std::string& aAttributes, std::vector<std::string>& aChildren);
   Element& pristine(Metaclass const& aMetaclass);
-  std::string newId(Element& aElement);
+  std::string seedOf(Element& aElement);
 
   Kelm::Deviant fDeviant;
   Kelm::Model fReadModel;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <map>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -37,6 +38,9 @@ class WholeFile {
 
  private:
   std::vector<std::string> keptBy(Element const& aElement) const;
+  /// Sees to it that the text of an application has its namespace, there or in the root.
+  void declare(Application const& aApplication, std::string& aText,
+               std::map<std::string, std::string>& aPrefixes);
 
   Kelm::Model fModel;
   Dialect const& fDialect;
