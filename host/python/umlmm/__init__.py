@@ -36,7 +36,7 @@ def _show(name, package):
 
 def _add():
     """Adds this package's own members to the published classes, before the first of these is made."""
-    from umlmm import _copying, _file_members, _making, _pickling, _values
+    from umlmm import _copying, _file_members, _finding, _making, _pickling, _values
 
 
 _host.before_first_class(_add)
@@ -49,7 +49,7 @@ _show(__name__, "umlmm")
 # What this package adds to itself is brought in when it is first asked for: by name, the module that has it.
 _LATER = {name: "files" for name in ("files", "load", "load_all")} | {
     name: "relations" for name in ("associate", "connect", "depend", "generalize", "realize", "relations", "send")} | {
-    name: "changes" for name in ("changes", "new_model", "remove")}
+    name: "changes" for name in ("changes", "new_model", "remove")} | {"primitives": "primitives"}
 
 
 def __getattr__(name):

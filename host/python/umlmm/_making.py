@@ -44,10 +44,10 @@ class _MultiplicityElement:
 @_front.adds_to(_front.MODELS)
 class _Model:
     @property
-    def primitives(self) -> "umlmm._recipes.Primitives":
-        """The primitive types of the standard by name, `model.primitives.String`: one of each for the model, made
-        when it is first asked for. Files have the standard's addresses for them."""
-        return (_recipes or _loaded()).Primitives(self)
+    def primitives(self) -> "umlmm.primitives.Primitives":
+        """The primitive types of the standard by name, as in `model.primitives.String`."""
+        from umlmm import primitives
+        return primitives.Primitives(self)
 
     def __enter__(self) -> "typing_extensions.Self":
         """`with umlmm.new_model() as model:` closes the model at the end."""

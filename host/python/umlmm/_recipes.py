@@ -221,31 +221,3 @@ def set_bounds(element, lower, upper):
         element.lower = before
         raise
 
-
-# --- primitive types
-
-class Primitives:
-    """The standard's primitive types in a model: attributes of that name, and an iteration over all."""
-
-    NAMES = ("Boolean", "Integer", "Real", "String", "UnlimitedNatural")
-
-    def __init__(self, model):
-        self._model = model
-
-    def __getattr__(self, name) -> umlmm.PrimitiveType:
-        if name not in self.NAMES:
-            raise AttributeError(f"The standard has no primitive type '{name}'; it has {', '.join(self.NAMES)}")
-        return self._find(name) or umlmm.PrimitiveType(self._model, name=name)
-
-    def __iter__(self):
-        return (getattr(self, name) for name in self.NAMES)
-
-    def __dir__(self):
-        return self.NAMES
-
-    def _find(self, name):
-        """A reading has made those that its files name."""
-        for element in self._model.instancesOf(umlmm.PrimitiveType.MetaClass()):
-            if element.name == name and element.owner is None and not element.externalId:
-                return element
-        return None

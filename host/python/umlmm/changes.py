@@ -28,7 +28,7 @@ class Removed(_Record):
         return f"{self.kind} {self.name}".rstrip()
 
 
-def remove(element: Kelm.ClassObject) -> list[Removed]:
+def remove(element: umlmm.Element) -> list[Removed]:
     """Destroys an element and the relations that mean nothing without it, and answers all that went: the element
     first, then what goes with it, without the parts of either.
 
@@ -36,15 +36,19 @@ def remove(element: Kelm.ClassObject) -> list[Removed]:
     dependency with its only client or supplier, an association when one end is left or one of its types goes, with the
     attribute that is its other end; a connector, a flow and a message with either end. All else that refers to the
     element loses it."""
-    going = [element]
+    going = {element: None}  # in order
+    waiting = [element]
     gone = set()
-    for at in going:  # grows while it is walked
+    while waiting:
+        at = waiting.pop()
         parts = [at, *at.allOwnedElements()]
         gone.update(parts)
         for part in parts:
             for other in part.referencedBy():
-                going += [mutable for mutable in _going_with(other.asMutable(), gone) if mutable not in gone
-                          and mutable not in going]
+                for lost in _going_with(other.asMutable(), gone):
+                    if lost not in gone and lost not in going:
+                        going[lost] = None
+                        waiting.append(lost)
     answer = [Removed(at.MetaClass().name, _name(at)) for at in going]
     for at in going:
         if at.isvalid():

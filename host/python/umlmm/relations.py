@@ -47,7 +47,7 @@ def associate(first: umlmm.Type, second: umlmm.Type, *, name: str = "", ends: tu
         made.memberEnd = [end for end, _ in properties]
         for end, there in properties:
             if end.owner is None:
-                there.ownedAttribute.append(end)
+                there.ownedAttribute.append(end)  # type: ignore[attr-defined]
         _put(made, owner or _package_of(first))
         return made
 
@@ -69,7 +69,7 @@ def realize(implementer: umlmm.NamedElement, contract: umlmm.NamedElement, *, na
         with _Making() as making:
             return making.new(umlmm.InterfaceRealization, implementer.modelKelm, name=name, contract=contract,
                               implementingClassifier=implementer)
-    return depend(implementer, contract, name=name, kind=umlmm.Realization)
+    return depend(implementer, contract, name=name, kind=umlmm.Realization)  # type: ignore[return-value]
 
 
 def depend(client: umlmm.NamedElement, supplier: umlmm.NamedElement, *, name: str = "",
