@@ -395,7 +395,8 @@ Ref objectShownBy(PyObject* list) {
     raise(PyExc_TypeError, "A list that can be changed is expected, not " + shortRepr(list));
   PyInstance& instance = instanceOf(list);
   ClassFront& front = frontOf(instance);
-  VeskValue const object = front.elementType().isClass() ? front.fSequence->shownObject(&instance) : VeskValue();
+  VeskValue const object =
+      front.elementType().isClass() ? front.fSequence->shownObject(&instance) : VeskValue();
   return object.array() ? toPython(host::OwnedValue(front.elementType(), object)) : Ref::shared(Py_None);
 }
 
