@@ -1,0 +1,72 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <cstring>
+#include <string>
+#include <string_view>
+
+namespace umlmm::files {
+
+/// Remembers what names mean. Files have few names and use them again and again, so that most questions are
+/// answered by a look at one row; a table of the standard's hash took a fifth of the time of a reading.
+template <class Value>
+class Memo {
+ public:
+  /// What `aFind()` answers for the name, which may depend on the context as well.
+  template <class Find>
+  Value const& get(std::uintptr_t aContext, std::string_view aName, Find aFind) {
+    Words const words(aName);
+    Row& row = fRows[words.hash(aContext)];
+    bool const isKnown = row.fContext == aContext && row.fWords == words &&
+                         (aName.size() <= 2 * sizeof(std::uint64_t) || row.fName == aName);
+    if (!isKnown) [[unlikely]] {
+      Value const value = aFind();
+      row.fName = aName;
+      row.fValue = value;
+      row.fContext = aContext;
+      row.fWords = words;
+    }
+    return row.fValue;
+  }
+
+ private:
+  static constexpr unsigned kBits = 8;
+
+  /// The first and the last bytes of a name, which are all of a short one.
+  struct Words {
+    std::uint64_t fFirst = 0;
+    std::uint64_t fLast = 0;
+    std::size_t fLength = SIZE_MAX;
+
+    Words() = default;
+    explicit Words(std::string_view aName) noexcept : fLength(aName.size()) {
+      char const* const text = aName.data();
+      if (fLength >= sizeof fFirst) {
+        std::memcpy(&fFirst, text, sizeof fFirst);
+        std::memcpy(&fLast, text + fLength - sizeof fLast, sizeof fLast);
+      } else if (fLength >= sizeof(std::uint32_t)) {
+        std::memcpy(&fFirst, text, sizeof(std::uint32_t));
+        std::memcpy(&fLast, text + fLength - sizeof(std::uint32_t), sizeof(std::uint32_t));
+      } else {
+        for (char const byte : aName) fFirst = fFirst << 8 | static_cast<unsigned char>(byte);
+      }
+    }
+    bool operator==(Words const&) const = default;
+    std::size_t hash(std::uintptr_t aContext) const noexcept {
+      constexpr std::uint64_t kMix = 0x9E3779B97F4A7C15;
+      std::uint64_t const mixed = ((fFirst * kMix) ^ fLast) + aContext * 31 + fLength;
+      return mixed * kMix >> (64 - kBits);
+    }
+  };
+  struct Row {
+    std::uintptr_t fContext = 0;
+    Words fWords;
+    std::string fName;
+    Value fValue{};
+  };
+
+  std::array<Row, std::size_t{1} << kBits> fRows;
+};
+
+}  // namespace umlmm::files
