@@ -47,6 +47,7 @@ Builder::Builder(ModelFiles& aFiles, std::uint32_t aFile, Kelm::Model const& aMo
       fFindings(aFindings),
       fReferences(aReferences),
       fPieces(fOwn.fText.utf8(), fOwn.fDecoded),
+      fCounts(Metamodel::instance().size()),
       fIsAgain(aIsAgain) {
   // Hardly a text has more, and what is not used takes no memory.
   constexpr std::size_t kLeastTag = 64;
@@ -112,10 +113,12 @@ void Builder::finish() {
     while (made->fElement.get() != &aElement) ++made;
     fFiles.fReport.fDuplicateIds.emplace_back(aId, fFiles.place({fFile, made->fOffset}));
   });
-  for (auto const& [metaclass, count] : fCounts) {
-    fFiles.fReport.fElements[std::string(metaclass->fName)] += count;
+  Metamodel::instance().forEach([this](Metaclass const& aMetaclass) {
+    std::size_t const count = fCounts[aMetaclass.fNumber];
+    if (count == 0) return;
+    fFiles.fReport.fElements[std::string(aMetaclass.fName)] += count;
     fFiles.fReport.fElementCount += count;
-  }
+  });
 }
 
 void Builder::handle(pugi::xml_node aNode) {
@@ -139,8 +142,10 @@ void Builder::handle(pugi::xml_node aNode) {
 }
 
 void Builder::enter(pugi::xml_node aNode, Element* aElement, Metaclass const* aMetaclass, bool aIsUncovered) {
+  pugi::xml_node const first = aNode.first_child();
+  if (!first) return;
   std::uint64_t const offset = fPieces.offsetOf(aNode.name());
-  fFrames.push_back({aNode.first_child(), aElement, aMetaclass, fTags.open(), aIsUncovered, offset});
+  fFrames.push_back({first, aElement, aMetaclass, fTags.open(), aIsUncovered, offset});
 }
 
 void Builder::handleTop(pugi::xml_node aNode, QualifiedName aName, Head const& aHead) {
@@ -365,7 +370,7 @@ Element& Builder::make(Metaclass const& aMetaclass, pugi::xml_node aNode, Head c
       createElement(fModel, Kelm::ImmutableClass(aMetaclass.fClass, Kelm::metaDeviant()));
   Element& element = *made.get();
   fOwn.fMade.push_back({ElementPtr(&element), fOffset});
-  ++fCounts[&aMetaclass];
+  ++fCounts[aMetaclass.fNumber];
   if (!aHead.fId.empty()) fOwn.fIds.add(fPieces.lasting(aHead.fId), element);
   for (TagReader::Attribute const& attribute : fTags.attributes())
     readAttribute(element, aMetaclass, attribute);
@@ -378,11 +383,14 @@ Element& Builder::make(Metaclass const& aMetaclass, pugi::xml_node aNode, Head c
 void Builder::own(Element& aOwner, Feature const& aFeature, Element& aPart, pugi::xml_node aNode) {
   try {
     Kelm::ClassObject const part(&aPart, fDeviant);
-    if (aFeature.fMany)
-      aFeature.fMethods->getSequenceEntry(&aOwner, fDeviant, aFeature.fId)
-          ->generic_push_back(fDeviant, Kelm::Generic::RefAccess<Kelm::ClassObject>::make(part));
-    else
-      aFeature.fMethods->setEntry(&aOwner, fDeviant, aFeature.fId, Kelm::Object(&aPart, fDeviant));
+    if (!aFeature.fMany)
+      return aFeature.fMethods->setEntry(&aOwner, fDeviant, aFeature.fId, Kelm::Object(&aPart, fDeviant));
+    if (fPartsOwner != &aOwner || fPartsFeature != &aFeature) {
+      fParts = aFeature.fMethods->getSequenceEntry(&aOwner, fDeviant, aFeature.fId);
+      fPartsOwner = &aOwner;
+      fPartsFeature = &aFeature;
+    }
+    fParts->generic_push_back(fDeviant, Kelm::Generic::RefAccess<Kelm::ClassObject>::make(part));
   } catch (Kelm::Exception const& refusal) {
     fault("value refused", std::string(aFeature.fName) + ": " + refusal.what(), kAtTop, spotOf(aNode));
   }

@@ -3,7 +3,6 @@
 #include <pugixml.hpp>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 #include "model_files/reading/Findings.h"
@@ -113,7 +112,12 @@ class Builder {
   std::vector<Derived> fDerived;
   std::size_t fOffset = 0;
   std::size_t fFound = 0;
-  std::unordered_map<Metaclass const*, std::size_t> fCounts;
+  /// Elements by metaclass.
+  std::vector<std::size_t> fCounts;
+  /// The list that got a part last; the next one mostly goes there as well.
+  Element const* fPartsOwner = nullptr;
+  Feature const* fPartsFeature = nullptr;
+  Kelm::Generic::SequenceIntf* fParts = nullptr;
   std::string fScratch;
   bool fIsAgain;
 };

@@ -17,12 +17,13 @@ class Memo {
   template <class Find>
   Value const& get(std::uintptr_t aContext, std::string_view aName, Find aFind) {
     Words const words(aName);
-    Row& row = fRows[words.hash(aContext)];
+    std::size_t const number = words.hash(aContext);
+    Row& row = fRows[number];
     bool const isKnown = row.fContext == aContext && row.fWords == words &&
-                         (aName.size() <= 2 * sizeof(std::uint64_t) || row.fName == aName);
+                         (aName.size() <= 2 * sizeof(std::uint64_t) || fLongNames[number] == aName);
     if (!isKnown) [[unlikely]] {
       Value const value = aFind();
-      row.fName = aName;
+      fLongNames[number] = aName;
       row.fValue = value;
       row.fContext = aContext;
       row.fWords = words;
@@ -62,11 +63,11 @@ class Memo {
   struct Row {
     std::uintptr_t fContext = 0;
     Words fWords;
-    std::string fName;
     Value fValue{};
   };
 
   std::array<Row, std::size_t{1} << kBits> fRows;
+  std::array<std::string, std::size_t{1} << kBits> fLongNames;
 };
 
 }  // namespace umlmm::files

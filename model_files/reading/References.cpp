@@ -63,11 +63,14 @@ void References::finish() {
 }
 
 void References::addAll(Element& aElement, Feature const& aFeature, std::string_view aText, Spot aSpot) {
-  constexpr std::string_view kBlanks = " \t\r\n";
-  std::size_t const from = aText.find_first_not_of(kBlanks);
-  if (from == std::string_view::npos) return;
-  aText = aText.substr(from, aText.find_last_not_of(kBlanks) - from + 1);
-  fPending.push_back({aElement, aFeature, aText, aSpot, aText.find_first_of(kBlanks) != aText.npos});
+  // Each byte of every reference comes by: no sets of characters here, which took a twentieth of a reading.
+  auto const isBlank = [](char aByte) {
+    return aByte == ' ' || aByte == '\t' || aByte == '\r' || aByte == '\n';
+  };
+  while (!aText.empty() && isBlank(aText.front())) aText.remove_prefix(1);
+  while (!aText.empty() && isBlank(aText.back())) aText.remove_suffix(1);
+  if (aText.empty()) return;
+  fPending.push_back({aElement, aFeature, aText, aSpot, std::ranges::any_of(aText, isBlank)});
 }
 
 void References::resolveAll(Pending const& aReferences) {

@@ -13,8 +13,8 @@ bool isDeclaration(std::string_view aName) noexcept {
 }  // namespace
 
 TagReader::Head TagReader::read(pugi::xml_node aNode) {
-  collect(aNode, fAttributes);
-  declare(fAttributes);
+  if (collect(aNode, fAttributes)) [[unlikely]]
+    declare(fAttributes);
   return headOf(fAttributes);
 }
 
@@ -23,10 +23,15 @@ TagReader::Head TagReader::headOf(pugi::xml_node aNode) {
   return headOf(fInner);
 }
 
-void TagReader::collect(pugi::xml_node aNode, std::vector<Attribute>& aOut) const {
+bool TagReader::collect(pugi::xml_node aNode, std::vector<Attribute>& aOut) {
+  bool declares = false;
   aOut.clear();
-  for (pugi::xml_attribute at = aNode.first_attribute(); at; at = at.next_attribute())
-    aOut.push_back({at.name(), at.value(), Role::Plain});
+  for (pugi::xml_attribute at = aNode.first_attribute(); at; at = at.next_attribute()) {
+    char const* const name = at.name();
+    declares |= name[0] == 'x' && name[1] == 'm' && name[2] == 'l';
+    aOut.push_back({name, at.value(), Role::Plain});
+  }
+  return declares;
 }
 
 void TagReader::declare(std::vector<Attribute> const& aAttributes) {

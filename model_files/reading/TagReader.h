@@ -66,7 +66,8 @@ class TagReader {
   std::string_view xmiAddress() const noexcept { return fXmiAddress; }
 
  private:
-  void collect(pugi::xml_node aNode, std::vector<Attribute>& aOut) const;
+  /// Answers whether prefixes may be declared there.
+  static bool collect(pugi::xml_node aNode, std::vector<Attribute>& aOut);
   void declare(std::vector<Attribute> const& aAttributes);
   Head headOf(std::vector<Attribute>& aAttributes);
   Role roleOf(std::string_view aName) const;
