@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "kelm/kernel/containers/Ref.h"
-#include "model_files/dialect/extensions.h"
 #include "model_files/dialect/older.h"
 #include "model_files/dialect/values.h"
 #include "uml_metamodel/umlmm/MetamodelExtension.h"
@@ -12,9 +11,6 @@
 namespace umlmm::files {
 
 namespace {
-
-constexpr std::string_view kKept = "kept as written";
-constexpr std::string_view kAtTop = "stands at the top level of the model";
 
 /// All text of a tag, also where it stands in pieces.
 std::string_view contentOf(pugi::xml_node aNode, std::string& aScratch) {
@@ -28,11 +24,6 @@ std::string_view contentOf(pugi::xml_node aNode, std::string& aScratch) {
   for (pugi::xml_node more = next; more; more = more.next_sibling())
     if (more.type() == pugi::node_pcdata || more.type() == pugi::node_cdata) aScratch += more.value();
   return aScratch;
-}
-
-/// "base_Class".
-bool isBase(std::string_view aName) noexcept {
-  return aName.starts_with("base_") || aName.starts_with("base-");
 }
 
 }  // namespace
@@ -55,7 +46,7 @@ Builder::Builder(ModelFiles& aFiles, std::uint32_t aFile, Kelm::Model const& aMo
   fOwn.fMade.reserve(tags);
   fOwn.fIds.reserve(tags);
   fReferences.reserve(tags);
-  fFrames.push_back({{}, nullptr, nullptr, 0, false, 0});
+  fFrames.push_back({{}, nullptr, nullptr, 0, Content::Covered, 0});
 }
 
 pugi::xml_parse_result Builder::parse() {
@@ -99,9 +90,14 @@ Builder::Progress Builder::step(std::size_t aCount) {
   return Progress::Done;
 }
 
-bool Builder::waitsForRest(pugi::xml_node aNode) {
+bool Builder::goesOn(pugi::xml_node aNode) const noexcept {
+  // Each tag that goes on is entered.
   std::size_t const depth = fFrames.size() - 1;
-  if (depth >= fPieces.open().size() || fPieces.open()[depth] != aNode) return false;
+  return depth < fPieces.open().size() && fPieces.open()[depth] == aNode;
+}
+
+bool Builder::waitsForRest(pugi::xml_node aNode) {
+  if (!goesOn(aNode)) return false;
   fFrom = fPieces.offsetOf(aNode.name()) - 1;
   fLength = fPieces.longerFrom(fFrom);
   return fIsWaiting = true;
@@ -125,27 +121,33 @@ void Builder::handle(pugi::xml_node aNode) {
   fOffset = fPieces.offsetOf(aNode.name());
   std::size_t const open = fTags.open();
   std::size_t const depth = fFrames.size();
-  QualifiedName const name(aNode.name());
-  Head const head = fTags.read(aNode);
   Frame const frame = fFrames.back();
-  if (frame.fIsUncovered)
-    handleUncovered(frame, aNode, name, head);
-  else if (frame.fElement == nullptr)
-    handleTop(aNode, name, head);
-  else
-    handleInside(frame, aNode, name, head);
+  if (frame.fContent > Content::Uncovered) {
+    handleBeside(frame, aNode);
+  } else {
+    QualifiedName const name(aNode.name());
+    Head const head = fTags.read(aNode);
+    if (frame.fContent == Content::Uncovered)
+      handleUncovered(frame, aNode, name, head);
+    else if (frame.fElement == nullptr)
+      handleTop(aNode, name, head);
+    else
+      handleInside(frame, aNode, name, head);
+  }
   // What the tag declares holds as long as its children are being handled.
   if (fFrames.size() > depth)
     fFrames.back().fOpen = open;
   else
     fTags.close(open);
+  if (fFrames.size() == depth && !fIsWaiting && goesOn(aNode))
+    enter(aNode, nullptr, nullptr, Content::Nothing);
 }
 
-void Builder::enter(pugi::xml_node aNode, Element* aElement, Metaclass const* aMetaclass, bool aIsUncovered) {
+void Builder::enter(pugi::xml_node aNode, Element* aElement, Metaclass const* aMetaclass, Content aContent) {
   pugi::xml_node const first = aNode.first_child();
   if (!first) return;
   std::uint64_t const offset = fPieces.offsetOf(aNode.name());
-  fFrames.push_back({first, aElement, aMetaclass, fTags.open(), aIsUncovered, offset});
+  fFrames.push_back({first, aElement, aMetaclass, fTags.open(), aContent, offset});
 }
 
 void Builder::handleTop(pugi::xml_node aNode, QualifiedName aName, Head const& aHead) {
@@ -165,11 +167,13 @@ void Builder::handleTop(pugi::xml_node aNode, QualifiedName aName, Head const& a
     }
     fault("metaclass", type, kKept, spotOf(aNode));
     keep(nullptr, spotOf(aNode));
-    return enter(aNode, nullptr, nullptr, true);
+    return enter(aNode, nullptr, nullptr, Content::Uncovered);
   }
-  if (waitsForRest(aNode)) return;
-  if (aName.fPrefix.empty() && aName.fName == "documentation") noteTool(aNode);
-  handlePrefixed({{}, nullptr, nullptr, 0, false, 0}, aNode, aName, aHead);
+  if (aName.fPrefix.empty() && aName.fName == "documentation") {
+    if (waitsForRest(aNode)) return;
+    noteTool(aNode);
+  }
+  handlePrefixed({{}, nullptr, nullptr, 0, Content::Covered, 0}, aNode, aName, aHead);
 }
 
 void Builder::handleInside(Frame const& aFrame, pugi::xml_node aNode, QualifiedName aName,
@@ -178,7 +182,6 @@ void Builder::handleInside(Frame const& aFrame, pugi::xml_node aNode, QualifiedN
   Feature const* const feature = featureOf(*aFrame.fMetaclass, aName.fName);
   if (feature != nullptr && feature->fKind == Kind::Reference && !aHead.fIsNil)
     return handleReference(aFrame, *feature, aNode, aName.fName, aHead);
-  if (waitsForRest(aNode)) return;
   if (feature != nullptr) return aHead.fIsNil ? void() : handleValue(aFrame, *feature, aNode, aHead);
   keep(aFrame.fElement, spotOf(aNode));
   if (aName.fName == "eAnnotations") return note("annotation", "eAnnotations", kKept, spotOf(aNode));
@@ -188,7 +191,6 @@ void Builder::handleInside(Frame const& aFrame, pugi::xml_node aNode, QualifiedN
 
 void Builder::handleUncovered(Frame const& aFrame, pugi::xml_node aNode, QualifiedName aName,
                               Head const& aHead) {
-  if (waitsForRest(aNode)) return;
   if (aName.fName == "eAnnotations" || !aHead.fHref.empty() || !aHead.fIdref.empty()) return;
   Space const space = fTags.space(aName.fPrefix);
   Metaclass const* metaclass = nullptr;
@@ -206,11 +208,12 @@ void Builder::handleUncovered(Frame const& aFrame, pugi::xml_node aNode, Qualifi
     return enter(aNode, &element, metaclass);
   }
   if (space != Space::Xmi && space != Space::Other && aNode.first_child())
-    enter(aNode, nullptr, nullptr, true);
+    enter(aNode, nullptr, nullptr, Content::Uncovered);
 }
 
 void Builder::handleValue(Frame const& aFrame, Feature const& aFeature, pugi::xml_node aNode,
                           Head const& aHead) {
+  if (waitsForRest(aNode)) return;
   Spot const spot = spotOf(aNode);
   if (!aHead.fHref.empty() || !aHead.fIdref.empty() ||
       !setValue(*aFrame.fElement, aFeature, contentOf(aNode, fScratch), spot))
@@ -224,7 +227,7 @@ void Builder::handleReference(Frame const& aFrame, Feature const& aFeature, pugi
   bool const isText =
       address.empty() && aHead.fType.empty() && !aFeature.fComposite && !aNode.first_attribute();
   bool const isUml = aHead.fType.empty() || aHead.fTypeSaid.fSpace == Space::Uml;
-  if ((!address.empty() || isText || !isUml) && waitsForRest(aNode)) return;
+  if ((!address.empty() || isText) && waitsForRest(aNode)) return;
   address = fPieces.lasting(address);
   if (!address.empty() && fIsAgain) fOwn.fStyle.note(aFeature, false);
   if (!address.empty()) {
@@ -257,7 +260,7 @@ void Builder::handleReference(Frame const& aFrame, Feature const& aFeature, pugi
     else
       fault("metaclass", QualifiedName(aHead.fType).fName, kKept, spot);
     ++fFound;
-    return enter(aNode, nullptr, nullptr, true);
+    return enter(aNode, nullptr, nullptr, Content::Uncovered);
   }
   if (fIsAgain) noteStyle(aNode, &aFeature, *metaclass);
   Element& part = make(*metaclass, aNode, aHead);
@@ -269,73 +272,6 @@ void Builder::handleReference(Frame const& aFrame, Feature const& aFeature, pugi
   else
     fault("element without a feature", in(*aFrame.fMetaclass, aNode.name()), kAtTop, spot);
   enter(aNode, &part, metaclass);
-}
-
-void Builder::handlePrefixed(Frame const& aFrame, pugi::xml_node aNode, QualifiedName aName,
-                             Head const& aHead) {
-  if (waitsForRest(aNode)) return;
-  Spot const spot = spotOf(aNode);
-  switch (fTags.space(aName.fPrefix)) {
-    case Space::Xmi:
-    case Space::Xsi:
-      keep(aFrame.fElement, spot);
-      if (aName.fName == "Documentation" || aName.fName == "documentation") return noteTool(aNode);
-      note("extension", aNode.name(), kKept, spot);
-      forEachEntry(aNode, [&](pugi::xml_node aEntry, std::string_view aId) {
-        std::string_view const stereotype = stereotypeIn(aEntry).value();
-        fReferences.addEntry(fPieces.lasting(stereotype), fPieces.lasting(aId), spotOf(aEntry));
-      });
-      // One tool keeps parts of the element itself there.
-      if (pugi::xml_node const more = aNode.child("modelExtension"); more && aFrame.fElement != nullptr)
-        enter(more, aFrame.fElement, aFrame.fMetaclass);
-      return;
-    case Space::Uml: {
-      Metaclass const* const metaclass = metaclassCalled(aName.fName);
-      if (aFrame.fElement == nullptr || metaclass == nullptr || metaclass->fAbstract) break;
-      Feature const* const place = placeOf(*aFrame.fMetaclass, *metaclass);
-      fault("element without a feature", aNode.name(),
-            place != nullptr ? "taken as " + std::string(place->fName) : std::string(kAtTop), spot);
-      Element& part = make(*metaclass, aNode, aHead);
-      if (place != nullptr) own(*aFrame.fElement, *place, part, aNode);
-      return enter(aNode, &part, metaclass);
-    }
-    default:
-      if (handleApplication(aNode, aName)) return;
-      break;
-  }
-  keep(aFrame.fElement, spot);
-  note("namespace", aNode.name(), kKept, spot);
-}
-
-void Builder::noteTool(pugi::xml_node aNode) {
-  Report::File& file = fFiles.fReport.fFiles[fFile];
-  auto const read = [&](std::string_view aName, std::string& aOut) {
-    for (pugi::xml_attribute const attribute : aNode.attributes())
-      if (QualifiedName(attribute.name()).fName == aName) aOut = attribute.value();
-    for (pugi::xml_node const child : aNode.children())
-      if (QualifiedName(child.name()).fName == aName) aOut = child.text().get();
-  };
-  read("exporter", file.fTool);
-  read("exporterVersion", file.fToolVersion);
-}
-
-bool Builder::handleApplication(pugi::xml_node aNode, QualifiedName aName) {
-  bool isApplication = false;
-  std::string_view const name = fPieces.lasting(aName.fName);
-  auto const add = [&](std::string_view aAddress) {
-    isApplication = true;
-    forEachWord(fPieces.lasting(aAddress),
-                [&](auto aWord) { fReferences.addApplication(name, aWord, spotOf(aNode)); });
-  };
-  for (pugi::xml_attribute const attribute : aNode.attributes())
-    if (isBase(attribute.name())) add(attribute.value());
-  for (pugi::xml_node const child : aNode.children()) {
-    if (!isBase(child.name())) continue;
-    Head const head = fTags.headOf(child);
-    add(!head.fIdref.empty() ? head.fIdref : !head.fHref.empty() ? head.fHref : child.text().get());
-  }
-  if (isApplication) ++fFiles.fReport.fStereotypeCount;
-  return isApplication;
 }
 
 void Builder::noteStyle(pugi::xml_node aNode, Feature const* aFeature, Metaclass const& aMetaclass) {
@@ -475,8 +411,9 @@ void Builder::fault(std::string_view aKind, std::string_view aWhat, std::string_
 
 std::string Builder::path() const {
   std::string path;
+  Element const* last = nullptr;
   for (Frame const& frame : fFrames) {
-    if (frame.fElement == nullptr) continue;
+    if (frame.fElement == nullptr || std::exchange(last, frame.fElement) == frame.fElement) continue;
     if (!path.empty()) path += "::";
     Feature const* const name = frame.fMetaclass->feature("name");
     Kelm::Object const value =

@@ -36,6 +36,14 @@ class Builder {
   std::string_view xmiAddress() const noexcept { return fTags.xmiAddress(); }
 
  private:
+  /// What the children of a tag are.
+  enum class Content : std::uint8_t {
+    Covered,    ///< Elements and their values.
+    Uncovered,  ///< The same in an element that no metaclass covers.
+    Extension,  ///< A tool's own.
+    Entries,    ///< The same, with entries about elements.
+    Nothing     ///< Nothing to be read.
+  };
   /// A tag whose children are being handled.
   struct Frame {
     pugi::xml_node fNext;
@@ -43,19 +51,23 @@ class Builder {
     Element* fElement;
     Metaclass const* fMetaclass;
     std::size_t fOpen;
-    /// In an element that no metaclass covers.
-    bool fIsUncovered;
+    Content fContent;
     /// Of the tag's name.
     std::uint64_t fOffset;
   };
   using Head = TagReader::Head;
+  // What becomes of things that were not understood.
+  static constexpr std::string_view kKept = "kept as written";
+  static constexpr std::string_view kAtTop = "stands at the top level of the model";
 
   Spot spotOf(char const* aName) const noexcept { return {fFile, fPieces.offsetOf(aName)}; }
   Spot spotOf(pugi::xml_node aNode) const noexcept { return spotOf(aNode.name()); }
 
   /// Whether the piece ends inside of what the tag is about, and that has to be there as a whole: it is
-  /// handled again when it is. To be asked before anything is done, unless the tag is entered.
+  /// handled again when it is. To be asked before anything is done, where more than the tag is read.
   bool waitsForRest(pugi::xml_node aNode);
+  /// Whether the piece ends inside of it.
+  bool goesOn(pugi::xml_node aNode) const noexcept;
   void handle(pugi::xml_node aNode);
   void handleTop(pugi::xml_node aNode, QualifiedName aName, Head const& aHead);
   void handleInside(Frame const& aFrame, pugi::xml_node aNode, QualifiedName aName, Head const& aHead);
@@ -64,6 +76,7 @@ class Builder {
   void handleReference(Frame const& aFrame, Feature const& aFeature, pugi::xml_node aNode,
                        std::string_view aName, Head const& aHead);
   void handlePrefixed(Frame const& aFrame, pugi::xml_node aNode, QualifiedName aName, Head const& aHead);
+  void handleBeside(Frame const& aFrame, pugi::xml_node aNode);
   void noteTool(pugi::xml_node aNode);
   bool handleApplication(pugi::xml_node aNode, QualifiedName aName);
 
@@ -77,7 +90,8 @@ class Builder {
   bool assign(Element& aElement, Feature const& aFeature, std::string_view aText, Spot aSpot);
   /// What files say of features that follow from others, when those are known.
   void setDerived();
-  void enter(pugi::xml_node aNode, Element* aElement, Metaclass const* aMetaclass, bool aIsUncovered = false);
+  void enter(pugi::xml_node aNode, Element* aElement, Metaclass const* aMetaclass,
+             Content aContent = Content::Covered);
 
   void keep(Element* aElement, Spot aSpot, bool aIsAttribute = false) {
     fFiles.fKept.push_back({ElementPtr(aElement), aSpot, aIsAttribute});

@@ -43,15 +43,22 @@ class Memo {
     Words() = default;
     explicit Words(std::string_view aName) noexcept : fLength(aName.size()) {
       char const* const text = aName.data();
-      if (fLength >= sizeof fFirst) {
-        std::memcpy(&fFirst, text, sizeof fFirst);
-        std::memcpy(&fLast, text + fLength - sizeof fLast, sizeof fLast);
+      if (fLength >= sizeof(std::uint64_t)) {
+        fFirst = load<std::uint64_t>(text);
+        fLast = load<std::uint64_t>(text + fLength - sizeof(std::uint64_t));
       } else if (fLength >= sizeof(std::uint32_t)) {
-        std::memcpy(&fFirst, text, sizeof(std::uint32_t));
-        std::memcpy(&fLast, text + fLength - sizeof(std::uint32_t), sizeof(std::uint32_t));
+        fFirst = load<std::uint32_t>(text);
+        fLast = load<std::uint32_t>(text + fLength - sizeof(std::uint32_t));
       } else {
         for (char const byte : aName) fFirst = fFirst << 8 | static_cast<unsigned char>(byte);
       }
+    }
+    /// By way of a value of its own size: the processor waits where a part of a word has just been stored.
+    template <class Word>
+    static Word load(char const* aText) noexcept {
+      Word word;
+      std::memcpy(&word, aText, sizeof word);
+      return word;
     }
     bool operator==(Words const&) const = default;
     std::size_t hash(std::uintptr_t aContext) const noexcept {

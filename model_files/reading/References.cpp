@@ -28,6 +28,12 @@ std::string decoded(std::string_view aText) {
   return text;
 }
 
+/// Has the memory of an element come, as far as a link needs it of most.
+void prefetch(Element const* aElement) noexcept {
+  auto const* const bytes = reinterpret_cast<char const*>(aElement);
+  for (std::size_t at = 0; at < 192; at += 64) __builtin_prefetch(bytes + at, 1);
+}
+
 }  // namespace
 
 References::References(ModelFiles& aFiles, Kelm::Model const& aModel, Findings& aFindings)
@@ -45,8 +51,8 @@ bool References::step(std::size_t aCount) {
       ids[at] = some[at].fIsList || some[at].fFile != file ? std::string_view() : some[at].address();
     fFiles.fFiles[file].fIds.find(std::span(ids).first(some.size()), found);
     for (std::size_t at = 0; at < some.size(); ++at) {
-      __builtin_prefetch(some[at].fElement, 1);
-      __builtin_prefetch(found[at], 1);
+      prefetch(some[at].fElement);
+      prefetch(found[at]);
     }
     // A failure ends the reading: what is left does not matter then.
     fNext += some.size();
