@@ -22,7 +22,7 @@ class IdTable {
 
  public:
   /// Questions that are asked together.
-  static constexpr std::size_t kTogether = 16;
+  static constexpr std::size_t kTogether = 32;
 
   /// The id is found when all have been entered.
   void add(std::string_view aId, Element& aElement) {
