@@ -179,7 +179,7 @@ void Builder::handleTop(pugi::xml_node aNode, QualifiedName aName, Head const& a
 void Builder::handleInside(Frame const& aFrame, pugi::xml_node aNode, QualifiedName aName,
                            Head const& aHead) {
   if (!aName.fPrefix.empty()) return handlePrefixed(aFrame, aNode, aName, aHead);
-  Feature const* const feature = featureOf(*aFrame.fMetaclass, aName.fName);
+  Feature const* const feature = featureOf(*aFrame.fMetaclass, aName.fName, NameWords(aName.fName));
   if (feature != nullptr && feature->fKind == Kind::Reference && !aHead.fIsNil)
     return handleReference(aFrame, *feature, aNode, aName.fName, aHead);
   if (feature != nullptr) return aHead.fIsNil ? void() : handleValue(aFrame, *feature, aNode, aHead);
@@ -295,8 +295,9 @@ void Builder::noteStyle(pugi::xml_node aNode, Feature const* aFeature, Metaclass
   }
 }
 
-Feature const* Builder::featureOf(Metaclass const& aMetaclass, std::string_view aName) {
-  return fFeatures.get(reinterpret_cast<std::uintptr_t>(&aMetaclass), aName,
+Feature const* Builder::featureOf(Metaclass const& aMetaclass, std::string_view aName,
+                                  NameWords const& aWords) {
+  return fFeatures.get(reinterpret_cast<std::uintptr_t>(&aMetaclass), aName, aWords,
                        [&] { return featureCalled(aMetaclass, aName); });
 }
 
@@ -338,7 +339,7 @@ void Builder::readAttribute(Element& aElement, Metaclass const& aMetaclass,
   if (aAttribute.fRole != Role::Plain && aAttribute.fRole != Role::Foreign) return;
   Spot const spot = spotOf(aAttribute.fName.data());
   if (aAttribute.fRole == Role::Foreign) return keep(&aElement, spot, true);
-  Feature const* const feature = featureOf(aMetaclass, aAttribute.fName);
+  Feature const* const feature = featureOf(aMetaclass, aAttribute.fName, aAttribute.fWords);
   if (feature == nullptr) {
     fault("feature", in(aMetaclass, aAttribute.fName), kKept, spot);
     return keep(&aElement, spot, true);

@@ -82,7 +82,7 @@ class Builder {
 
   void noteStyle(pugi::xml_node aNode, Feature const* aFeature, Metaclass const& aMetaclass);
   /// Null if the metaclass has none.
-  Feature const* featureOf(Metaclass const& aMetaclass, std::string_view aName);
+  Feature const* featureOf(Metaclass const& aMetaclass, std::string_view aName, NameWords const& aWords);
   Element& make(Metaclass const& aMetaclass, pugi::xml_node aNode, Head const& aHead);
   void own(Element& aOwner, Feature const& aFeature, Element& aPart, pugi::xml_node aNode);
   void readAttribute(Element& aElement, Metaclass const& aMetaclass, TagReader::Attribute const& aAttribute);

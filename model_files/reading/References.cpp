@@ -69,14 +69,17 @@ void References::finish() {
 }
 
 void References::addAll(Element& aElement, Feature const& aFeature, std::string_view aText, Spot aSpot) {
-  // Each byte of every reference comes by: no sets of characters here, which took a twentieth of a reading.
-  auto const isBlank = [](char aByte) {
-    return aByte == ' ' || aByte == '\t' || aByte == '\r' || aByte == '\n';
-  };
-  while (!aText.empty() && isBlank(aText.front())) aText.remove_prefix(1);
-  while (!aText.empty() && isBlank(aText.back())) aText.remove_suffix(1);
   if (aText.empty()) return;
-  fPending.push_back({aElement, aFeature, aText, aSpot, std::ranges::any_of(aText, isBlank)});
+  // Each byte of every reference comes by here: several are looked at in a step, as there is no way out of
+  // the loop. Sets of characters took a twentieth of a reading.
+  bool hasBlanks = false;
+  for (char const byte : aText) hasBlanks |= static_cast<unsigned char>(byte) <= ' ';
+  if (!hasBlanks) return add(aElement, aFeature, aText, aSpot);
+  constexpr std::string_view kBlanks = " \t\r\n";
+  std::size_t const from = aText.find_first_not_of(kBlanks);
+  if (from == std::string_view::npos) return;
+  aText = aText.substr(from, aText.find_last_not_of(kBlanks) - from + 1);
+  fPending.push_back({aElement, aFeature, aText, aSpot, aText.find_first_of(kBlanks) != aText.npos});
 }
 
 void References::resolveAll(Pending const& aReferences) {

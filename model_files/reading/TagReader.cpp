@@ -29,7 +29,8 @@ bool TagReader::collect(pugi::xml_node aNode, std::vector<Attribute>& aOut) {
   for (pugi::xml_attribute at = aNode.first_attribute(); at; at = at.next_attribute()) {
     char const* const name = at.name();
     declares |= name[0] == 'x' && name[1] == 'm' && name[2] == 'l';
-    aOut.push_back({name, at.value(), Role::Plain});
+    std::string_view const text = name;
+    aOut.push_back({text, at.value(), Role::Plain, NameWords(text)});
   }
   return declares;
 }
@@ -50,7 +51,8 @@ void TagReader::declare(std::vector<Attribute> const& aAttributes) {
 TagReader::Head TagReader::headOf(std::vector<Attribute>& aAttributes) {
   Head head;
   for (Attribute& attribute : aAttributes) {
-    attribute.fRole = fRoles.get(fScope, attribute.fName, [&] { return roleOf(attribute.fName); });
+    attribute.fRole =
+        fRoles.get(fScope, attribute.fName, attribute.fWords, [&] { return roleOf(attribute.fName); });
     switch (attribute.fRole) {
       case Role::Plain:
         if (attribute.fName == "href") head.fHref = attribute.fValue;
@@ -72,7 +74,8 @@ TagReader::Head TagReader::headOf(std::vector<Attribute>& aAttributes) {
     }
   }
   if (!head.fType.empty())
-    head.fTypeSaid = fTypes.get(fScope, head.fType, [&] { return typeOf(head.fType); });
+    head.fTypeSaid =
+        fTypes.get(fScope, head.fType, NameWords(head.fType), [&] { return typeOf(head.fType); });
   return head;
 }
 

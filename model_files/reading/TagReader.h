@@ -30,6 +30,7 @@ class TagReader {
     std::string_view fName;
     std::string_view fValue;
     Role fRole;
+    NameWords fWords;
   };
   struct Type {
     Space fSpace = Space::None;
