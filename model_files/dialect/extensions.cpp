@@ -30,12 +30,10 @@ bool isOneOf(pugi::xml_node aNode, std::array<std::string_view, 4> const& aNames
 
 }  // namespace
 
-bool detail::hasEntries(pugi::xml_node aExtension) {
-  return aExtension.attribute("extender").value() == kExtender;
-}
+bool hasEntries(pugi::xml_node aExtension) { return aExtension.attribute("extender").value() == kExtender; }
 
 bool detail::isEntry(pugi::xml_node aNode) { return isOneOf(aNode, kEntries); }
-bool detail::holdsEntries(pugi::xml_node aNode) { return isOneOf(aNode, kLists); }
+bool holdsEntries(pugi::xml_node aNode) { return isOneOf(aNode, kLists); }
 
 pugi::xml_attribute stereotypeIn(pugi::xml_node aEntry) { return attributeAt(aEntry, kStereotypePlaces); }
 

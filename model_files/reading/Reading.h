@@ -25,13 +25,9 @@ class Reading {
   Kelm::Model model() const { return fIsDone ? fModel : Kelm::Model(); }
 
  private:
-  struct Parsed {
-    std::string fBuffer;
-    pugi::xml_document fDocument;
-  };
-
   bool advance();
   void startFile();
+  void parse();
   [[noreturn]] void refuse(ModelFile const& aFile, pugi::xml_parse_result const& aResult);
   void endFile();
   void finish();
@@ -45,11 +41,7 @@ class Reading {
   References fReferences;
   /// Seconds of all steps.
   double fTime = 0;
-  std::string fBuffer;
-  pugi::xml_document fDocument;
   std::unique_ptr<Builder> fBuilder;
-  /// Addresses of references lie in the parser's texts, which stay until they are resolved.
-  std::vector<Parsed> fParsed;
   std::size_t fAt = 0;
   bool fIsDone = false;
 };

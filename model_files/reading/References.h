@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <map>
 #include <span>
 #include <string_view>
@@ -19,7 +20,12 @@ class References {
   /// `aAddress` is an id, or an address with a file or a path: "a.uml#x", "#//shop/Order". The text lives
   /// until all is resolved.
   void add(Element& aElement, Feature const& aFeature, std::string_view aAddress, Spot aSpot) {
-    fPending.push_back({&aElement, &aFeature, aAddress, aSpot, false});
+    fPending.push_back({aElement, aFeature, aAddress, aSpot, false});
+  }
+  /// Makes room for so many more.
+  void reserve(std::size_t aCount) {
+    std::size_t const all = fPending.size() + aCount;
+    if (all > fPending.capacity()) fPending.reserve(std::max(all, 2 * fPending.capacity()));
   }
   /// All addresses of a text.
   void addAll(Element& aElement, Feature const& aFeature, std::string_view aText, Spot aSpot);
@@ -44,13 +50,27 @@ class References {
   std::size_t done() const noexcept { return fNext; }
 
  private:
+  /// Small, as there are millions.
   struct Pending {
     Element* fElement;
     Feature const* fFeature;
-    std::string_view fAddress;
-    Spot fSpot;
+    char const* fText;
+    std::uint32_t fLength;
+    std::uint32_t fFile;
+    std::uint64_t fOffset : 63;
     /// Several addresses with blanks between.
-    bool fIsList;
+    std::uint64_t fIsList : 1;
+
+    Pending(Element& aElement, Feature const& aFeature, std::string_view aAddress, Spot aSpot, bool aIsList)
+        : fElement(&aElement),
+          fFeature(&aFeature),
+          fText(aAddress.data()),
+          fLength(static_cast<std::uint32_t>(aAddress.size())),
+          fFile(aSpot.fFile),
+          fOffset(aSpot.fOffset),
+          fIsList(aIsList) {}
+    std::string_view address() const noexcept { return {fText, fLength}; }
+    Spot spot() const noexcept { return {fFile, fOffset}; }
   };
   struct PendingApplication {
     std::string_view fName;
@@ -66,7 +86,8 @@ class References {
   ModelFile* fileAt(std::string_view aFile, std::uint32_t aFrom);
   ModelFile* searchFile(std::string_view aFile, std::uint32_t aFrom);
   Element* primitive(std::string_view aName, std::string_view aAddress);
-  void resolve(Pending const& aReference);
+  /// `aFound`: what has the address for its id in the reference's own file, or null.
+  void resolve(Pending const& aReference, Element* aFound);
   void resolveAll(Pending const& aReferences);
   /// Null for a value that is nowhere.
   void settle(Pending const& aReference, Element* aValue);
