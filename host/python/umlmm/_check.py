@@ -92,7 +92,11 @@ class _Feature:
 
     def values(self, element):
         value = element.getProperty(self.name)
-        return value if self._is_multivalued else () if value is None else (value,)
+        if value is None:
+            return ()
+        # What redefines a list reads as one, also where it takes a single value.
+        is_list = self._is_multivalued or (self._is_reference and not hasattr(value, "MetaClass"))
+        return value if is_list else (value,)
 
     def wrong_counts(self, element, values):
         count = len(values)
