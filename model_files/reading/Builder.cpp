@@ -165,7 +165,12 @@ void Builder::handleInside(Frame const& aFrame, pugi::xml_node aNode, QualifiedN
   if (!aName.fPrefix.empty()) return handlePrefixed(aFrame, aNode, aName, aHead);
   Feature const* const feature = featureCalled(*aFrame.fMetaclass, aName.fName);
   if (feature != nullptr) {
-    if (aHead.fIsNil) return;
+    if (aHead.fIsNil) {
+      // What has a default is written so when it has no value.
+      if (!feature->fMany && !feature->fDerived && feature->fKind != Kind::Reference)
+        feature->fMethods->unsetEntry(aFrame.fElement, fDeviant, feature->fId);
+      return;
+    }
     if (feature->fKind == Kind::Reference) return handleReference(aFrame, *feature, aNode, aHead);
     return handleValue(aFrame, *feature, aNode, aHead);
   }

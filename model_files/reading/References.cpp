@@ -86,12 +86,26 @@ void References::resolve(Pending const& aReference) {
 }
 
 void References::settle(Pending const& aReference, Element* aValue) {
-  if (aValue != nullptr) return link(aReference, *aValue);
+  if (aValue != nullptr) return link(aReference, partMeant(aReference, *aValue));
   Feature const& feature = *aReference.fFeature;
   fFindings.add(Findings::Weight::Fault, "unresolved reference", feature.fName, "kept as written",
                 aReference.fSpot, [&] { return pathOf(*aReference.fElement, fDeviant); });
   fFiles.fDangling.push_back(
       {ElementPtr(aReference.fElement), &feature, std::string(aReference.fAddress), aReference.fSpot});
+}
+
+Element& References::partMeant(Pending const& aReference, Element& aValue) {
+  if (!aReference.fFeature->fComposite) return aValue;
+  if (!fDuplicateIds) {
+    fDuplicateIds.emplace();
+    for (auto const& [id, place] : fFiles.fReport.fDuplicateIds) fDuplicateIds->insert(id);
+  }
+  if (!fDuplicateIds->contains(aReference.fAddress) || containerOf(aValue, fDeviant) == aReference.fElement)
+    return aValue;
+  Feature const& parts = *Metamodel::instance().metaclassOf(*aReference.fElement).feature("ownedElement");
+  for (Element* const part : elementsOf(*aReference.fElement, parts, fDeviant))
+    if (fFiles.idOf(*part) == aReference.fAddress) return *part;
+  return aValue;
 }
 
 void References::link(Pending const& aReference, Element& aValue) {

@@ -23,8 +23,12 @@ class Patcher {
   Patcher(Kelm::Model const& aModel, ModelFiles const& aFiles, std::uint32_t aFile, ModelFiles const& aRead,
           Comparison& aComparison);
 
-  /// The new text. `aOrder` receives the elements in the order of their tags.
-  std::string write(std::vector<Element*>& aOrder);
+  /// The new text. `aOrder` receives the elements in the order of their tags; `aRenewed` has the answer of
+  /// `renewed` of a writing before.
+  std::string write(std::vector<Element*>& aOrder, Tags::NewIds const& aRenewed);
+  /// Elements that got another id, as theirs means another element. If there are more than before, the text
+  /// has to be written again, as references to them may stand where nothing else has changed.
+  Tags::NewIds renewed() const;
 
  private:
   /// The tag of an element with its children, looked at when something in it changes.
