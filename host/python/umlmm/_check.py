@@ -11,8 +11,15 @@ def findings(model):
     for reference in files.unresolved(model):
         dangling.add((reference.element, reference.feature.rpartition(".")[2]))
         if _is_local(reference.address):
+            target = model.by_id(reference.address, reference.file)
+            why = "which is not in the file" if target is None else \
+                f"a {target.MetaClass().name}, which it does not take"
             yield (f"{reference.file}:{reference.line}: {shown(reference.element)}: {reference.feature} names "
-                   f"'{reference.address}', which is not in the file")
+                   f"'{reference.address}', {why}")
+    for finding in files.report(model).findings:
+        if finding.kind == "value":
+            times = f", {finding.count} times" * (finding.count > 1)
+            yield f"{finding.file}:{finding.line}: {finding.what} is no value{times}"
     yield from _wrong_owners(model)
     features = _Features()
     for element in model.allElements():
