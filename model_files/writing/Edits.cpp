@@ -18,9 +18,13 @@ void Edits::write(std::size_t aFrom, std::size_t aTo, std::string& aOut, Copied 
     aCopied(at, aEnd);
     aOut += fText.substr(at, aEnd - at);
   };
+  // What comes in front of a part or behind it does not belong to it, but for the whole text.
+  bool const isWhole = aFrom == 0 && aTo == fText.size();
+  std::size_t const behind = isWhole ? aTo + 1 : aTo;
   auto edit = std::ranges::lower_bound(fEdits, aFrom, {}, &Edit::fFrom);
-  for (; edit != fEdits.end() && edit->fFrom < aTo; ++edit) {
+  for (; edit != fEdits.end() && edit->fFrom < behind; ++edit) {
     if (edit->fFrom < at || edit->fTo > aTo) continue;
+    if (!isWhole && edit->fFrom == aFrom && edit->fTo == aFrom) continue;
     if (edit->fFrom <= aFrom && edit->fTo >= aTo) continue;
     copy(edit->fFrom);
     if (edit->fWrite)

@@ -120,8 +120,12 @@ void Patcher::compare(std::size_t aNumber) {
   auto const cut = [&] {
     std::string_view const whole = markup::element(fText, name);
     removeTag(name - 1, name - 1 + whole.size());
+    return name - 1 + whole.size();
   };
-  if (!fComparison.isThere(element)) return cut();
+  if (!fComparison.isThere(element)) {
+    fGoneTo = std::max(fGoneTo, cut());
+    return;
+  }
   if (!isAtHome(element, read, name)) {
     fHomeless.insert(&element);
     if (Element* const owner = containerOf(element, fComparison.deviant())) fChangedOwners.insert(owner);
@@ -141,7 +145,8 @@ bool Patcher::isAtHome(Element& aElement, Element& aRead, std::size_t aName) {
   Element* const owner = containerOf(aElement, fComparison.deviant());
   Element* const readOwner = containerOf(aRead, fComparison.readDeviant());
   if ((owner == nullptr) != (readOwner == nullptr)) return false;
-  if (owner == nullptr) return true;
+  // One at the top may stand in the tag of another one that goes.
+  if (owner == nullptr) return aName >= fGoneTo;
   if (fComparison.toModel(readOwner) != owner) return false;
   if (!fChangedOwners.contains(owner)) return true;
   Feature const* const feature = featureCalled(metaclassOf(*owner), markup::nameAt(fText, aName));

@@ -92,6 +92,8 @@ class Patcher {
   /// The tags of elements, by their numbers.
   std::unordered_map<Element const*, std::size_t> fNodes;
   std::unordered_set<Element const*> fHomeless;
+  /// The end of the last tag that goes with its element.
+  std::size_t fGoneTo = 0;
   /// What changed features of owners hold, for those that were asked for.
   std::map<std::pair<Element const*, Feature const*>, std::unordered_set<Element const*>> fMembers;
   std::unordered_set<Element*> fChangedOwners;

@@ -115,6 +115,7 @@ class Saving {
     Comparison comparison(fModel, fRead);
     for (std::size_t file = 0; file < aTexts.size(); ++file)
       pairOrder(comparison, file, readFiles.fFiles[file]);
+    checkNoneIsLost(comparison);
     pairStandIns(comparison, fFiles, readFiles);
     verify(comparison);
     // What stood with elements of the new reading stands with those of the model.
@@ -173,6 +174,14 @@ class Saving {
                     pathOf(*order[at], fModel.getDeviant()) + " twice");
       aComparison.pair(*order[at], *aRead.fMade[at].fElement);
     }
+  }
+
+  void checkNoneIsLost(Comparison const& aComparison) const {
+    for (ModelFile const& file : fFiles.fFiles)
+      for (Made const& made : file.fMade)
+        if (aComparison.isThere(*made.fElement) && aComparison.toRead(made.fElement.get()) == nullptr)
+          throw Error(file.fText.name() + " was not saved: its new text would lack " +
+                      pathOf(*made.fElement, fModel.getDeviant()));
   }
 
   /// A text that would not be read as the model is must not be written.

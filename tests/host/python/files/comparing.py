@@ -41,7 +41,7 @@ def roots(model):
     """What stands at the top, the primitive types that a reading adds by name."""
     elements = [element for element in model.rootElements() if not _check.is_standard(element)]
     # New ones come behind the others in a file; their order means nothing.
-    elements.sort(key=lambda element: (element.MetaClass().name, getattr(element, "name", "")))
+    elements.sort(key=lambda element: (element.MetaClass().name, getattr(element, "name", ""), element.externalId))
     standard = {element.name: element for element in model.rootElements() if _check.is_standard(element)}
     return elements, standard
 
@@ -90,6 +90,7 @@ def _pair(where, parts, others, images):
     kinds, other_kinds = ([part.MetaClass().name for part in some] for some in (parts, others))
     if kinds != other_kinds:
         yield f"{where} has {' '.join(kinds)} and {' '.join(other_kinds)}"
+        return
     for part, other in zip(parts, others):
         if images.setdefault(part, other) != other:
             yield f"{where}: {_check.shown(part)} is two in the other model"
