@@ -180,9 +180,17 @@ void Builder::handleInside(Frame const& aFrame, pugi::xml_node aNode, QualifiedN
                            Head const& aHead) {
   if (!aName.fPrefix.empty()) return handlePrefixed(aFrame, aNode, aName, aHead);
   Feature const* const feature = featureOf(*aFrame.fMetaclass, aName.fName, NameWords(aName.fName));
-  if (feature != nullptr && feature->fKind == Kind::Reference && !aHead.fIsNil)
-    return handleReference(aFrame, *feature, aNode, aName.fName, aHead);
-  if (feature != nullptr) return aHead.fIsNil ? void() : handleValue(aFrame, *feature, aNode, aHead);
+  if (feature != nullptr) {
+    if (aHead.fIsNil) {
+      // What has a default is written so when it has no value.
+      if (!feature->fMany && !feature->fDerived && feature->fKind != Kind::Reference)
+        feature->fMethods->unsetEntry(aFrame.fElement, fDeviant, feature->fId);
+      return;
+    }
+    if (feature->fKind == Kind::Reference)
+      return handleReference(aFrame, *feature, aNode, aName.fName, aHead);
+    return handleValue(aFrame, *feature, aNode, aHead);
+  }
   keep(aFrame.fElement, spotOf(aNode));
   if (aName.fName == "eAnnotations") return note("annotation", "eAnnotations", kKept, spotOf(aNode));
   fault("feature", in(*aFrame.fMetaclass, aName.fName), kKept, spotOf(aNode));

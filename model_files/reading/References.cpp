@@ -116,12 +116,26 @@ void References::resolve(Pending const& aReference, Element* aFound) {
 }
 
 void References::settle(Pending const& aReference, Element* aValue) {
-  if (aValue != nullptr) return link(aReference, *aValue);
+  if (aValue != nullptr) return link(aReference, partMeant(aReference, *aValue));
   Feature const& feature = *aReference.fFeature;
   fFindings.add(Findings::Weight::Fault, "unresolved reference", feature.fName, "kept as written",
                 aReference.spot(), [&] { return pathOf(*aReference.fElement, fDeviant); });
   fFiles.fDangling.push_back(
       {ElementPtr(aReference.fElement), &feature, std::string(aReference.address()), aReference.spot()});
+}
+
+Element& References::partMeant(Pending const& aReference, Element& aValue) {
+  if (!aReference.fFeature->fComposite) return aValue;
+  if (!fDuplicateIds) {
+    fDuplicateIds.emplace();
+    for (auto const& [id, place] : fFiles.fReport.fDuplicateIds) fDuplicateIds->insert(id);
+  }
+  if (!fDuplicateIds->contains(aReference.address()) || containerOf(aValue, fDeviant) == aReference.fElement)
+    return aValue;
+  Feature const& parts = *Metamodel::instance().metaclassOf(*aReference.fElement).feature("ownedElement");
+  for (Element* const part : elementsOf(*aReference.fElement, parts, fDeviant))
+    if (fFiles.idOf(*part) == aReference.address()) return *part;
+  return aValue;
 }
 
 void References::link(Pending const& aReference, Element& aValue) {

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <map>
+#include <optional>
 #include <span>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "model_files/reading/Findings.h"
@@ -94,6 +96,9 @@ class References {
   void resolveApplications();
   void resolveEntries();
   void link(Pending const& aReference, Element& aValue);
+  /// The part that a composite feature means by an id. Of several with this id it is one of its own: it would
+  /// take another one away from where it stands.
+  Element& partMeant(Pending const& aReference, Element& aValue);
   /// Puts lists into the order in which the files name their values: links came as their other ends were
   /// read.
   void order();
@@ -117,6 +122,8 @@ class References {
   };
   std::vector<Linked> fLinked;
   std::size_t fNext = 0;
+  /// Made when the first composite feature is resolved.
+  std::optional<std::unordered_set<std::string_view>> fDuplicateIds;
 };
 
 }  // namespace umlmm::files

@@ -27,7 +27,7 @@ Patcher::Patcher(Kelm::Model const& aModel, ModelFiles const& aFiles, std::uint3
       fTags(aModel, aComparison.readModel(), aRead.fFiles[aFile].fStyle, fEdits.layout()),
       fApplications(aFiles, aFile, aComparison.deviant(), fEdits, fTags) {
   for (std::size_t at = 0; at < fFile.fMade.size(); ++at) fNodes.emplace(fFile.fMade[at].fElement.get(), at);
-  fFile.fIds.forEach([this](std::string_view aId, Element const&) { fTags.useId(aId); });
+  fFile.fIds.forEach([this](std::string_view aId, Element const& aElement) { fTags.useId(aId, aElement); });
   fTags.fKnownId = [this](Element& aElement) { return fFiles.idOf(aElement); };
   fTags.fForeignAddress = [this](Element& aElement) { return addressOf(aElement); };
   fTags.fWriteKnown = [this](Element& aElement, std::string_view aName, Feature const* aFeature,
@@ -38,7 +38,11 @@ Patcher::Patcher(Kelm::Model const& aModel, ModelFiles const& aFiles, std::uint3
   };
 }
 
-std::string Patcher::write(std::vector<Element*>& aOrder) {
+std::string Patcher::write(std::vector<Element*>& aOrder, Tags::NewIds const& aRenewed) {
+  for (auto const& [element, id] : aRenewed) {
+    fTags.renew(*element, id);
+    if (Element* const owner = containerOf(*element, fComparison.deviant())) fChangedOwners.insert(owner);
+  }
   fOrder = &aOrder;
   fTags.order(aOrder);
   for (std::size_t at = 0; at < fFile.fMade.size(); ++at) compare(at);
@@ -54,6 +58,13 @@ std::string Patcher::write(std::vector<Element*>& aOrder) {
     text = render();
   }
   return text;
+}
+
+Tags::NewIds Patcher::renewed() const {
+  Tags::NewIds renewed;
+  for (auto const& [element, id] : fTags.newIds())
+    if (fNodes.contains(element) && !fFiles.idOf(*element).empty()) renewed.emplace(element, id);
+  return renewed;
 }
 
 std::string Patcher::render() {
@@ -90,8 +101,12 @@ void Patcher::compare(std::size_t aNumber) {
     std::size_t const end = name - 1 + markup::element(fText, name).size();
     fEdits.removeTag(name - 1, end);
     fCuts.push_back({name - 1, end, aIsMoved});
+    return end;
   };
-  if (!fComparison.isThere(element)) return cut(false);
+  if (!fComparison.isThere(element)) {
+    fGoneTo = std::max(fGoneTo, cut(false));
+    return;
+  }
   if (!isAtHome(element, read, name)) {
     fHomeless.insert(&element);
     if (Element* const owner = containerOf(element, fComparison.deviant())) fChangedOwners.insert(owner);
@@ -111,7 +126,8 @@ bool Patcher::isAtHome(Element& aElement, Element& aRead, std::size_t aName) {
   Element* const owner = containerOf(aElement, fComparison.deviant());
   Element* const readOwner = containerOf(aRead, fComparison.readDeviant());
   if ((owner == nullptr) != (readOwner == nullptr)) return false;
-  if (owner == nullptr) return true;
+  // One at the top may stand in the tag of another one that goes.
+  if (owner == nullptr) return aName >= fGoneTo;
   if (fComparison.toModel(readOwner) != owner) return false;
   if (!fChangedOwners.contains(owner)) return true;
   Feature const* const feature = featureCalled(metaclassOf(*owner), markup::nameAt(fText, aName));
@@ -150,12 +166,12 @@ void Patcher::patchValue(Element& aElement, Tag const& aTag, Feature const& aFea
   auto const children = childrenCalled(aTag, aElement, aFeature);
   bool const asAttribute = children.empty() && (attribute != nullptr ? texts.size() < 2 : !aFeature.fMany);
   if (attribute != nullptr && (texts.empty() || !asAttribute)) fEdits.removeAttribute(*attribute);
-  if (asAttribute) {
-    if (!texts.empty()) fEdits.setAttribute(aTag, attribute, aFeature.fName, texts.front());
-    return;
-  }
   std::vector<Write> written;
-  written.reserve(texts.size());
+  if (asAttribute && !texts.empty()) return fEdits.setAttribute(aTag, attribute, aFeature.fName, texts.front());
+  if (fTags.needsNil(aElement, aFeature))
+    written.emplace_back([&aFeature](std::string& aOut) { Tags::writeNil(aFeature.fName, aOut); });
+  if (asAttribute && written.empty()) return;
+  written.reserve(written.size() + texts.size());
   std::string const name(children.empty() ? aFeature.fName : markup::nameAt(fText, children.front().fName));
   for (std::string& text : texts)
     written.emplace_back([name, text](std::string& aOut) { markup::writeValue(name, text, aOut); });
@@ -217,6 +233,11 @@ void Patcher::patchParts(Element& aOwner) {
   if (node == fNodes.end()) return;
   Tag const tag = fEdits.tagOf(fFile.fMade[node->second].fOffset);
   PartPlaces const places = placesOf(aOwner, fComparison.deviant());
+  // Among its parts an id means one alone.
+  if (!fRead.fReport.fDuplicateIds.empty())
+    for (Element* const part :
+         elementsOf(aOwner, *metaclassOf(aOwner).feature("ownedElement"), fComparison.deviant()))
+      if (!fFiles.idOf(*part).empty()) fTags.idOf(*part);
   for (Feature const* const feature : metaclassOf(aOwner).fOrder) {
     if (!isWritten(*feature) || feature->fKind != Kind::Reference || !feature->fComposite) continue;
     auto const parts = elementsOf(aOwner, *feature, fComparison.deviant());
@@ -259,7 +280,8 @@ void Patcher::patchParts(Element& aOwner, Tag const& aTag, Feature const& aFeatu
       behind = slots[next++].fTo;
       continue;
     }
-    bool const isElsewhere = fFiles.hasTag(*part) && !fNodes.contains(part);
+    // It has a tag that stays where it is: in another file, or in what a tool puts around it.
+    bool const isElsewhere = fFiles.hasTag(*part) && !fHomeless.contains(part);
     if (isElsewhere || aPlaces.at(part) != &aFeature) continue;
     if (behind == 0 && !slots.empty()) {
       // In front of all that are there.
@@ -283,7 +305,8 @@ bool Patcher::isNamed(Element& aOwner, Tag const& aTag, Feature const& aFeature,
   bool const isHere = std::ranges::binary_search(aTag.fChildren, name, {}, &markup::Child::fName);
   Feature const* const written = featureCalled(metaclassOf(aOwner), markup::nameAt(fText, name));
   bool const isPlace = written != nullptr && !written->fDerived;
-  return !isHere || (isPlace && written != &aFeature);
+  bool const isInside = !isHere && name > aTag.fName && name < aTag.fEnd;
+  return (!isHere && !isInside) || (isPlace && written != &aFeature);
 }
 
 void Patcher::patchTop() {
@@ -328,7 +351,10 @@ void Patcher::addIds() {
   for (auto const& [element, id] : fTags.newIds()) {
     auto const node = fNodes.find(element);
     if (node == fNodes.end() || !fGivenIds.insert(element).second) continue;
-    fEdits.setAttribute(fEdits.tagOf(fFile.fMade[node->second].fOffset), nullptr, fTags.idName(), id);
+    Tag const tag = fEdits.tagOf(fFile.fMade[node->second].fOffset);
+    // Another element has the id that stands there.
+    auto const old = std::ranges::find(tag.fAttributes, fTags.idName(), &markup::Attribute::fName);
+    fEdits.setAttribute(tag, old == tag.fAttributes.end() ? nullptr : &*old, fTags.idName(), id);
   }
 }
 

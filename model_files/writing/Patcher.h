@@ -24,8 +24,12 @@ class Patcher {
   Patcher(Kelm::Model const& aModel, ModelFiles const& aFiles, std::uint32_t aFile, ModelFiles const& aRead,
           Comparison& aComparison);
 
-  /// The new text. `aOrder` receives the elements in the order of their tags.
-  std::string write(std::vector<Element*>& aOrder);
+  /// The new text. `aOrder` receives the elements in the order of their tags; `aRenewed` has the answer of
+  /// `renewed` of a writing before.
+  std::string write(std::vector<Element*>& aOrder, Tags::NewIds const& aRenewed);
+  /// Elements that got another id, as theirs means another element. If there are more than before, the text
+  /// has to be written again, as references to them may stand where nothing else has changed.
+  Tags::NewIds renewed() const;
   /// The numbers of the applications, in the order of theirs.
   std::vector<std::uint32_t> const& applications() const noexcept { return fApplications.order(); }
 
@@ -73,6 +77,8 @@ class Patcher {
   /// The tags of elements, by their numbers.
   std::unordered_map<Element const*, std::size_t> fNodes;
   std::unordered_set<Element const*> fHomeless;
+  /// The end of the last tag that goes with its element.
+  std::size_t fGoneTo = 0;
   /// What changed features of owners hold, for those that were asked for.
   std::map<std::pair<Element const*, Feature const*>, std::unordered_set<Element const*>> fMembers;
   std::unordered_set<Element*> fChangedOwners;

@@ -9,6 +9,7 @@
 #include "model_files/writing/Patcher.h"
 #include "model_files/writing/WholeFile.h"
 #include "model_files/writing/readAgain.h"
+#include "uml_metamodel/umlmm/MetamodelExtension.h"
 #include "uml_metamodel/umlmm/models.h"
 
 namespace umlmm::files {
@@ -21,10 +22,45 @@ void pairStandIns(Comparison& aComparison, ModelFiles const& aFiles, ModelFiles 
       aComparison.pair(*standIn.fElement, *found->second.fElement);
 }
 
+bool isChanged(Element const& aStandIn, std::string_view aName, Kelm::Deviant const& aDeviant,
+               Element const& aFresh, Kelm::Deviant const& aFreshDeviant) {
+  if (containerOf(aStandIn, aDeviant) != nullptr) return true;
+  for (Feature const* const feature : Metamodel::instance().metaclassOf(aStandIn).fOrder) {
+    if (!isWritten(*feature)) continue;
+    if (feature->fKind == Kind::Reference) {
+      // Others tell of the links that have another end.
+      bool const isOwn = feature->fComposite || feature->fOpposite == nullptr;
+      if (isOwn && !elementsOf(aStandIn, *feature, aDeviant).empty()) return true;
+      continue;
+    }
+    auto expected = textsOf(aFresh, *feature, aFreshDeviant);
+    if (feature->fName == "name") expected = {std::string(aName)};
+    if (textsOf(aStandIn, *feature, aDeviant) != expected) return true;
+  }
+  return false;
+}
+
+/// Primitive types of the standard that somebody has changed are the model's own from now on, as no file of
+/// it could tell of the change.
+void releaseChangedStandIns(Kelm::Model const& aModel, ModelFiles& aFiles) {
+  if (aFiles.fStandIns.empty()) return;
+  Kelm::Model const fresh = createNewModel();
+  Metaclass const& metaclass = *Metamodel::instance().metaclass("PrimitiveType");
+  Kelm::ClassObject const made =
+      createElement(fresh, Kelm::ImmutableClass(metaclass.fClass, Kelm::metaDeviant()));
+  std::erase_if(aFiles.fStandIns, [&](auto const& aNamed) {
+    Element const& standIn = *aNamed.second.fElement;
+    return standIn.deviant_isValid(aModel.getDeviant()) &&
+           isChanged(standIn, aNamed.first, aModel.getDeviant(), *made.get(), fresh.getDeviant());
+  });
+}
+
 /// One saving: what files hold now, what they shall hold, and the model's knowledge of them afterwards.
 class Saving {
  public:
-  Saving(Kelm::Model const& aModel, ModelFiles& aFiles) : fModel(aModel), fFiles(aFiles) {}
+  Saving(Kelm::Model const& aModel, ModelFiles& aFiles) : fModel(aModel), fFiles(aFiles) {
+    if (!isUnchanged()) releaseChangedStandIns(aModel, aFiles);
+  }
 
   /// The one file of a model that had none.
   std::string whole(Dialect const& aDialect) {
@@ -47,9 +83,18 @@ class Saving {
       pairMade(comparison, fFiles.fFiles[file].fMade, readFiles.fFiles[file].fMade);
     pairStandIns(comparison, fFiles, readFiles);
     for (std::uint32_t file = 0; file < fFiles.fFiles.size(); ++file) {
-      Patcher patcher(fModel, fFiles, file, readFiles, comparison);
-      texts.push_back(patcher.write(fOrders.emplace_back()));
-      fApplications.push_back(patcher.applications());
+      std::vector<Element*>& order = fOrders.emplace_back();
+      std::string& text = texts.emplace_back();
+      std::vector<std::uint32_t>& applications = fApplications.emplace_back();
+      Tags::NewIds renewed;
+      for (bool isDone = false; !isDone;) {
+        order.clear();
+        Patcher patcher(fModel, fFiles, file, readFiles, comparison);
+        text = patcher.write(order, renewed);
+        applications = patcher.applications();
+        isDone = patcher.renewed().size() == renewed.size();
+        renewed = patcher.renewed();
+      }
     }
     return texts;
   }
@@ -63,6 +108,7 @@ class Saving {
     Comparison comparison(fModel, fRead);
     for (std::size_t file = 0; file < aTexts.size(); ++file)
       pairOrder(comparison, file, readFiles.fFiles[file]);
+    checkNoneIsLost(comparison);
     pairStandIns(comparison, fFiles, readFiles);
     verify(comparison);
     // What stood with elements of the new reading stands with those of the model.
@@ -110,7 +156,20 @@ class Saving {
       throw Error(aRead.fText.name() + " was not saved: its new text has " +
                   std::to_string(aRead.fMade.size()) + " elements where the model has " +
                   std::to_string(order.size()));
-    for (std::size_t at = 0; at < order.size(); ++at) aComparison.pair(*order[at], *aRead.fMade[at].fElement);
+    for (std::size_t at = 0; at < order.size(); ++at) {
+      if (aComparison.toRead(order[at]) != nullptr)
+        throw Error(aRead.fText.name() + " was not saved: its new text would have " +
+                    pathOf(*order[at], fModel.getDeviant()) + " twice");
+      aComparison.pair(*order[at], *aRead.fMade[at].fElement);
+    }
+  }
+
+  void checkNoneIsLost(Comparison const& aComparison) const {
+    for (ModelFile const& file : fFiles.fFiles)
+      for (Made const& made : file.fMade)
+        if (aComparison.isThere(*made.fElement) && aComparison.toRead(made.fElement.get()) == nullptr)
+          throw Error(file.fText.name() + " was not saved: its new text would lack " +
+                      pathOf(*made.fElement, fModel.getDeviant()));
   }
 
   /// A text that would not be read as the model is must not be written.
@@ -120,8 +179,11 @@ class Saving {
       for (Element* const element : order) {
         Metaclass const& metaclass = metamodel.metaclassOf(*element);
         for (Feature const* const feature : metaclass.fOrder) {
-          if (!isWritten(*feature) || aComparison.isSame(*element, *aComparison.toRead(element), *feature))
-            continue;
+          Element& read = *aComparison.toRead(element);
+          if (!isWritten(*feature) || aComparison.isSame(*element, read, *feature)) continue;
+          // The end of a link that the text leaves to the other end comes in the order of the others.
+          bool const isEnd = feature->fOpposite != nullptr && feature->fMany && !feature->fOrdered;
+          if (isEnd && aComparison.isSameSet(*element, read, *feature)) continue;
           throw Error("The model was not saved: " + std::string(metaclass.fName) + " " +
                       externalIdOf(*element, fModel.getDeviant()) + " can't be written with its " +
                       std::string(feature->fName));
@@ -153,6 +215,7 @@ void checkHasRoot(Kelm::Model const& aModel, std::string const& aPath) {
 std::string textOf(Kelm::Model const& aModel, SaveOptions const& aOptions, std::string_view aFile) {
   ModelFiles* const own = ModelFiles::find(aModel);
   if (own == nullptr || !aOptions.fDialect.empty()) {
+    if (own != nullptr) releaseChangedStandIns(aModel, *own);
     std::vector<Element*> order;
     return WholeFile(aModel, dialectCalled(aOptions.fDialect)).write(order);
   }

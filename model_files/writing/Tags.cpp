@@ -57,6 +57,16 @@ bool Tags::needsType(Element const& aElement, Feature const* aFeature) const {
   return fStyle.writesTypes() || impliedType(*aFeature) != &metaclassOf(aElement);
 }
 
+bool Tags::needsNil(Element const& aElement, Feature const& aFeature) {
+  return !aFeature.fMany && textsOf(aElement, aFeature, fDeviant).empty() &&
+         !textsOf(pristine(metaclassOf(aElement)), aFeature, fReadModel.getDeviant()).empty();
+}
+
+void Tags::writeNil(std::string_view aName, std::string& aOut) {
+  (aOut += '<') += aName;
+  aOut += " xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\" xsi:nil=\"true\"/>";
+}
+
 bool Tags::writesEnd(Feature const& aFeature) const {
   if (aFeature.fOpposite == nullptr || fStyle.isWritten(aFeature)) return true;
   if (fStyle.isWritten(*aFeature.fOpposite)) return false;
@@ -140,6 +150,7 @@ void Tags::writeValues(Element& aElement, Feature const& aFeature, std::string& 
                        std::vector<std::string>& aChildren) {
   auto const texts = textsOf(aElement, aFeature, fDeviant);
   if (texts == textsOf(pristine(metaclassOf(aElement)), aFeature, fReadModel.getDeviant())) return;
+  if (needsNil(aElement, aFeature)) writeNil(aFeature.fName, aChildren.emplace_back());
   for (std::string const& text : texts) {
     if (!aFeature.fMany) {
       attribute(aAttributes, aFeature.fName, text);
@@ -185,25 +196,34 @@ std::string Tags::localId(Element& aElement) {
 std::string const& Tags::idOf(Element& aElement) {
   std::string& id = fIds[&aElement];
   if (!id.empty()) return id;
-  id = fKnownId ? fKnownId(aElement) : std::string();
-  if (id.empty()) id = externalIdOf(aElement, fDeviant);
-  if (id.empty()) {
-    id = newId(seedOf(aElement));
+  id = givenId(aElement);
+  // Of several elements with an id one keeps it: the one that it means.
+  bool const isUsed = !id.empty() && fUsedIds.try_emplace(id, &aElement).first->second != &aElement;
+  if (id.empty() || isUsed) {
+    id = newId(seedOf(aElement), &aElement);
     fNewIds[&aElement] = id;
   }
   return id;
 }
 
+std::string Tags::givenId(Element& aElement) const {
+  std::string id = fKnownId ? fKnownId(aElement) : std::string();
+  return id.empty() ? externalIdOf(aElement, fDeviant) : id;
+}
+
 std::string Tags::seedOf(Element& aElement) {
   // From where the element stands and what it is called, so that the same change gives the same id.
   std::string seed(metaclassOf(aElement).fName);
-  if (Element* const owner = containerOf(aElement, fDeviant)) seed += idOf(*owner);
+  if (Element* const owner = containerOf(aElement, fDeviant)) {
+    std::string const id = givenId(*owner);
+    seed += id.empty() ? idOf(*owner) : id;
+  }
   if (Feature const* const name = metaclassOf(aElement).feature("name"))
     for (std::string const& text : textsOf(aElement, *name, fDeviant)) seed += text;
   return seed;
 }
 
-std::string Tags::newId(std::string_view aSeed) {
+std::string Tags::newId(std::string_view aSeed, Element const* aElement) {
   static constexpr char kDigits[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_";
   for (unsigned attempt = 0;; ++attempt) {
     std::uint64_t halves[] = {hashOf(aSeed, 0xcbf29ce484222325ULL + attempt), 0};
@@ -213,7 +233,7 @@ std::string Tags::newId(std::string_view aSeed) {
       id += kDigits[halves[at / 11] & 63];
       halves[at / 11] >>= 6;
     }
-    if (fUsedIds.insert(id).second) return id;
+    if (fUsedIds.try_emplace(id, aElement).second) return id;
   }
 }
 

@@ -4,7 +4,6 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 #include "model_files/dialect/Style.h"
@@ -40,7 +39,10 @@ class Tags {
   /// Further tags that stand in an element, as they are.
   std::function<std::vector<std::string>(Element&)> fKept;
 
-  void useId(std::string_view aId) { fUsedIds.emplace(aId); }
+  /// The text names an element by this id, and so no other one.
+  void useId(std::string_view aId, Element const& aElement) {
+    fUsedIds.try_emplace(std::string(aId), &aElement);
+  }
   void order(std::vector<Element*>& aOrder) noexcept { fOrder = &aOrder; }
 
   /// An element as a part of a feature, or as a root: `aTagName` is "ownedAttribute" or "uml:Class". Without
@@ -53,6 +55,10 @@ class Tags {
   std::string typeOf(Element const& aElement) const;
   /// Whether the type has to be written beside a tag of the feature.
   bool needsType(Element const& aElement, Feature const* aFeature) const;
+  /// Whether the element lacks a value that it would have if nothing were written.
+  bool needsNil(Element const& aElement, Feature const& aFeature);
+  /// A tag that says so.
+  static void writeNil(std::string_view aName, std::string& aOut);
   /// Whether this end of a link is written, and not only the other one.
   bool writesEnd(Feature const& aFeature) const;
 
@@ -60,11 +66,18 @@ class Tags {
   std::string localId(Element& aElement);
   std::string const& idOf(Element& aElement);
   /// One that nobody has, the same for the same text.
-  std::string newId(std::string_view aSeed);
+  std::string newId(std::string_view aSeed, Element const* aElement = nullptr);
   std::string const& idName() const noexcept { return fStyle.fIdName; }
   Layout const& layout() const noexcept { return fLayout; }
   Style const& style() const noexcept { return fStyle; }
-  std::unordered_map<Element const*, std::string> const& newIds() const noexcept { return fNewIds; }
+  using NewIds = std::unordered_map<Element*, std::string>;
+  /// Of elements that had none, or one that means another element.
+  NewIds const& newIds() const noexcept { return fNewIds; }
+  /// The new id of an element that was asked for before.
+  void renew(Element& aElement, std::string const& aId) {
+    useId(aId, aElement);
+    fIds[&aElement] = fNewIds[&aElement] = aId;
+  }
 
  private:
   /// A tag that is open: its parts, and the one that comes next.
@@ -84,15 +97,17 @@ class Tags {
   void writeReferences(Feature const& aFeature, std::vector<Element*> const& aValues,
                        std::string& aAttributes, std::vector<std::string>& aChildren);
   Element& pristine(Metaclass const& aMetaclass);
+  /// The id that an element has already; empty for none.
+  std::string givenId(Element& aElement) const;
   std::string seedOf(Element& aElement);
 
   Kelm::Deviant fDeviant;
   Kelm::Model fReadModel;
   Style const& fStyle;
   Layout fLayout;
-  std::unordered_set<std::string> fUsedIds;
+  std::unordered_map<std::string, Element const*> fUsedIds;
   std::unordered_map<Element const*, std::string> fIds;
-  std::unordered_map<Element const*, std::string> fNewIds;
+  NewIds fNewIds;
   std::unordered_map<Metaclass const*, ElementPtr> fPristine;
   std::vector<Element*>* fOrder = nullptr;
 };

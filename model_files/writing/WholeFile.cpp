@@ -55,7 +55,7 @@ std::string WholeFile::write(std::vector<Element*>& aOrder) {
   tags.order(aOrder);
   if (fFiles != nullptr)
     for (ModelFile const& file : fFiles->fFiles)
-      file.fIds.forEach([&](std::string_view aId, Element const&) { tags.useId(aId); });
+      file.fIds.forEach([&](std::string_view aId, Element const& aElement) { tags.useId(aId, aElement); });
   tags.fForeignAddress = [this](Element& aElement) {
     StandIn const* const standIn = fFiles == nullptr ? nullptr : fFiles->standIn(aElement);
     if (standIn == nullptr) return std::string();
