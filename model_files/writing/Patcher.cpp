@@ -167,7 +167,8 @@ void Patcher::patchValue(Element& aElement, Tag const& aTag, Feature const& aFea
   bool const asAttribute = children.empty() && (attribute != nullptr ? texts.size() < 2 : !aFeature.fMany);
   if (attribute != nullptr && (texts.empty() || !asAttribute)) fEdits.removeAttribute(*attribute);
   std::vector<Write> written;
-  if (asAttribute && !texts.empty()) return fEdits.setAttribute(aTag, attribute, aFeature.fName, texts.front());
+  if (asAttribute && !texts.empty())
+    return fEdits.setAttribute(aTag, attribute, aFeature.fName, texts.front());
   if (fTags.needsNil(aElement, aFeature))
     written.emplace_back([&aFeature](std::string& aOut) { Tags::writeNil(aFeature.fName, aOut); });
   if (asAttribute && written.empty()) return;
