@@ -3,6 +3,50 @@ that through which it was asked can."""
 
 from umlmm import _front
 
+_look = None  # the library's functions, from the first look-up on
+
+
+def _looking():
+    global _look
+    import umlmm
+    umlmm._host.load("uml_finding_mi")
+    _look = umlmm._show("umlmm._look", "umlmm_finding")
+    return _look
+
+
+def _found(owner, path):
+    """What a path leads to from a model or an element, or None; as changeable as that."""
+    if not isinstance(path, str):
+        return None
+    from umlmm import Kelm
+    look = _look or _looking()
+    changeable = owner.asMutable()
+    if isinstance(owner, Kelm.ImmutableModel):
+        found = look.find(changeable, path)
+    else:
+        found = look.findIn(changeable.modelKelm, changeable, path)
+    if not found:
+        return None
+    return found if changeable is owner else found.asImmutable()
+
+
+def _at(owner, path):
+    found = _found(owner, path)
+    if found is not None:
+        return found
+    if not isinstance(path, str):
+        raise TypeError(f"Elements are found by their path, a text such as 'shop::Order', not by {path!r}")
+    # Where the path breaks off, and what is there instead.
+    names = path.split("::")
+    known = owner
+    while len(names) > 1 and (part := _found(known, names[0])) is not None:
+        known, names = part, names[1:]
+    from umlmm import Kelm
+    import difflib
+    inside = known.rootElements() if isinstance(known, Kelm.ImmutableModel) else known.containeeKelm
+    near = difflib.get_close_matches(names[0], [name for part in inside if (name := getattr(part, "name", ""))], 1)
+    raise KeyError(f"{known!r} has no part {names[0]!r}" + (f"; did you mean {near[0]!r}?" if near else ""))
+
 
 def _each(elements, kind):
     if kind is None:
@@ -28,6 +72,16 @@ class _Model:
     def __iter__(self) -> "collections.abc.Iterator[umlmm.Kelm.ClassObject]":
         return iter(self.allElements())
 
+    def __getitem__(self, path: str) -> "typing.Any":
+        """The element at a path of names: `model["shop::Order"]`. A look-up, in large models too."""
+        return _at(self, path)
+
+    def __contains__(self, path: object) -> bool:
+        """Whether a path leads to an element, or an element is in the model."""
+        if isinstance(path, str):
+            return _found(self, path) is not None
+        return bool(path) and getattr(path, "modelKelm", None) == self.asMutable()
+
 
 @_front.adds_to(_front.ELEMENTS)
 class _Element:
@@ -45,6 +99,16 @@ class _Element:
                 found.append(part)
             walks.append(iter(part.containeeKelm))
         return found
+
+    def __getitem__(self, path: str) -> "typing.Any":
+        """The part at a path of names: `shop["Order::items"]`. A look-up, in large models too."""
+        return _at(self, path)
+
+    def __contains__(self, path: object) -> bool:
+        """Whether a path leads to a part, or an element is one, directly or further down."""
+        if isinstance(path, str):
+            return _found(self, path) is not None
+        return self in path.ancestors() if hasattr(path, "ancestors") else False
 
     def ancestors(self, kind: "type[_T] | None" = None) -> "list[_T]":
         """The owner, its owner and so on to the top; those of a class if one is given."""
