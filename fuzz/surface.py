@@ -138,7 +138,7 @@ class World:
 
     def close(self):
         if self.random.random() < 0.2:
-            self.models.pop(self.random.randrange(len(self.models))).close()
+            self.models.pop(self.random.randrange(len(self.models))).__exit__()
             self.refresh()
 
     # --- steps
@@ -381,7 +381,7 @@ def run(seed, steps, seconds):
         done += 1
     world.depth = 10  # nothing is disturbed any more
     while world.models:
-        world.models.pop().close()
+        world.models.pop().__exit__()  # it may be closed already
     world.things.clear()
     world.recent.clear()
     world.references.clear()

@@ -52,24 +52,27 @@ def make_in(values, kind, keywords):
 
 
 class _Recipe:
-    """What is known of a class: the names that it takes, those of parts among them, and its places in owners."""
+    """What is known of a class: the names that it takes, those of parts among them, and its places in owners. It holds
+    no objects of the library, as it stays for good."""
 
     @classmethod
     def of(cls, made):
+        if not isinstance(made, type):
+            raise TypeError(f"A class makes elements, not {made!r}")
         recipe = _recipes[made] = cls(made)
         return recipe
 
     def __init__(self, cls):
-        features = {python_name(feature.name): feature for feature in cls.MetaClass().allProperties()}
+        features = list(cls.MetaClass().allProperties())
         self.cls = cls
-        self.features = features
-        self.settable = {name for name, feature in features.items() if not feature.isReadOnly}
+        self.known = {python_name(feature.name) for feature in features}
+        self.settable = {python_name(feature.name) for feature in features if not feature.isReadOnly}
         self.settable |= {name for name in dir(cls) if getattr(_static(cls, name), "fset", None)}
-        self.of_parts = {name for name, feature in features.items() if feature.isComposite}
+        self.of_parts = {python_name(feature.name) for feature in features if feature.isComposite}
         self.places = {}
 
     def refuse(self, name):
-        if name in self.features:
+        if name in self.known:
             raise TypeError(f"'{name}' of {_named(self.cls)} is read-only and cannot be given")
         import difflib
         near = difflib.get_close_matches(name, [*self.settable, "owner"], 1)

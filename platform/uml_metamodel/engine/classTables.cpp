@@ -11,6 +11,7 @@
 #include "engine/links.h"
 #include "engine/metaobjects.h"
 #include "kelm/scriptNames.h"
+#include "uml_metamodel/umlmm/detail/metamodel.h"
 
 namespace umlmm::engine {
 
@@ -138,7 +139,7 @@ ElementClass const* shapeOf(Metaclass const& aMetaclass) {
 void hideOtherInterfaces(Entry& aEntry, Metaclass const& aMetaclass) {
   for (int index = 0; index < kMetaclassCount; ++index) {
     auto const tag =
-        Kelm::CooperativeVisitor::internal::GetTag(*kInterfaceTypes[index], typeid(Kelm::VisitationDomain));
+        Kelm::CooperativeVisitor::internal::GetTag(*kInterfaceTypes[index], typeid(VisitationDomain));
     if (tag < aEntry.fOffsets.size() && std::ranges::count(aMetaclass.fAncestors, index) == 0)
       aEntry.fOffsets[tag] = ClassTable::kNoInterface;
   }
