@@ -19,7 +19,7 @@ constexpr char kKey = 0;
 
 /// Empty for an element that has none.
 std::string nameOf(Element const& aElement, Kelm::Deviant const& aDeviant) {
-  auto* const named = Kelm::queryInterface<NSInterface::NamedElementIntf>(&aElement);
+  auto* const named = Kelm::queryInterface<NSInterface::NamedElementIntf, VisitationDomain>(&aElement);
   if (named == nullptr) return {};
   return Kelm::toUtf8(ImmutableNamedElement(named, aDeviant).getName().text());
 }

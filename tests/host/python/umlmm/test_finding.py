@@ -1,0 +1,54 @@
+"""Look-ups by name, held against a walk over the model while it is changed at random."""
+
+import random
+
+import pytest
+
+import umlmm
+
+NAMES = ["a", "b", "c", "d", ""]
+
+
+def by_walk(model):
+    """Each path with the first element that it leads to."""
+    found = {}
+    waiting = [("", list(model.rootElements()))]
+    while waiting:
+        prefix, parts = waiting.pop()
+        for part in parts:
+            if part.name and prefix + part.name not in found:
+                found[prefix + part.name] = part
+                waiting.append((f"{prefix}{part.name}::", list(part.containeeKelm)))
+    return found
+
+
+def change(model, rng):
+    """Makes, names, moves, orders or destroys a package."""
+    packages = model.all(umlmm.Package)
+    one, other = (rng.choice(packages) for _ in range(2)) if packages else (None, None)
+    action = rng.random()
+    if one is None or action < 0.4:
+        umlmm.Package(owner=model if one is None or rng.random() < 0.1 else one, name=rng.choice(NAMES))
+    elif action < 0.6:
+        one.name = rng.choice(NAMES)
+    elif action < 0.8 and other not in [one, *one.descendants()]:
+        other.packagedElement.append(one)
+    elif action < 0.85:
+        one.packagedElement.reverse()
+    elif action < 0.93 and one.owner is not None:
+        one.owner.packagedElement.remove(one)
+    elif action > 0.93:
+        one.destroy()
+
+
+@pytest.mark.parametrize("seed", range(3))
+def test_look_ups_find_what_a_walk_finds(seed):
+    rng = random.Random(seed)
+    with umlmm.new_model() as model:
+        for step in range(600):
+            change(model, rng)
+            if step % 10:
+                continue
+            expected = by_walk(model)
+            paths = [*expected, *("::".join(rng.choices("abcd", k=rng.randrange(1, 4))) for _ in range(10))]
+            assert {path: model[path] for path in paths if path in model} == expected
