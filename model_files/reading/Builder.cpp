@@ -101,7 +101,8 @@ Builder::Head Builder::headOf(pugi::xml_node aNode) const {
     if (space != Space::Xmi && space != Space::Xsi) continue;
     if (name.fName == "type") head.fType = attribute.value();
     if (name.fName == "id") head.fId = attribute.value();
-    if (name.fName == "idref") head.fIdref = attribute.value();
+    if (name.fName == "uuid") head.fUuid = attribute.value();
+    if (name.fName == "idref" || name.fName == "uuidref") head.fIdref = attribute.value();
     if (name.fName == "nil") head.fIsNil = attribute.as_bool();
   }
   if (!head.fType.empty()) {
@@ -129,13 +130,20 @@ void Builder::handle(pugi::xml_node aNode) {
     handleInside(frame, aNode, name, head);
   // What the tag declares holds as long as its children are being handled.
   if (fFrames.size() > depth)
-    fFrames.back().fOpen = open;
+    fFrames[depth].fOpen = open;
   else
     fPrefixes.close(open);
 }
 
 void Builder::enter(pugi::xml_node aNode, Element* aElement, Metaclass const* aMetaclass, bool aIsUncovered) {
   fFrames.push_back({aNode.first_child(), aElement, aMetaclass, fPrefixes.open(), aIsUncovered});
+}
+
+void Builder::enterExtension(Frame const& aFrame, pugi::xml_node aNode) {
+  // The first comes up last.
+  for (pugi::xml_node child = aNode.last_child(); child; child = child.previous_sibling())
+    if (std::string_view(child.name()) == "modelExtension")
+      enter(child, aFrame.fElement, aFrame.fMetaclass, aFrame.fIsUncovered);
 }
 
 void Builder::handleTop(pugi::xml_node aNode, QualifiedName aName, Head const& aHead) {
@@ -187,14 +195,18 @@ void Builder::handleUncovered(Frame const& aFrame, pugi::xml_node aNode, Qualifi
   // Parameters of templates are something else than those of behaviors.
   bool const isTemplate = std::string_view(aNode.parent().name()) == "ownedTemplateSignature";
   bool const isPlain = aHead.fType.empty() && aName.fPrefix.empty() && aNode.first_attribute();
-  if (metaclass == nullptr && isPlain && !isTemplate) metaclass = impliedType(aFrame.fMetaclass, aName.fName);
+  if (metaclass == nullptr && isPlain && !isTemplate) {
+    std::string_view const type = headOf(aNode.parent()).fType;
+    std::string_view const owner = type.empty() ? aNode.parent().name() : type;
+    metaclass = impliedType(aFrame.fMetaclass, aName.fName, QualifiedName(owner).fName);
+  }
   if (metaclass != nullptr && !metaclass->fAbstract) {
     note("element of an owner that is not covered", metaclass->fName, kAtTop, spotOf(aNode));
     Element& element = make(*metaclass, aNode, aHead);
     return enter(aNode, &element, metaclass);
   }
-  if (space != Space::Xmi && space != Space::Other && aNode.first_child())
-    enter(aNode, nullptr, nullptr, true);
+  if (space == Space::Xmi) return enterExtension(aFrame, aNode);
+  if (space != Space::Other && aNode.first_child()) enter(aNode, nullptr, nullptr, true);
 }
 
 void Builder::handleValue(Frame const& aFrame, Feature const& aFeature, pugi::xml_node aNode,
@@ -246,7 +258,13 @@ void Builder::handleReference(Frame const& aFrame, Feature const& aFeature, pugi
   }
   if (fIsAgain) noteStyle(aNode, &aFeature, *metaclass);
   Element& part = make(*metaclass, aNode, aHead);
-  Feature const* const place = aFeature.fDerived ? placeOf(*aFrame.fMetaclass, *metaclass) : &aFeature;
+  bool const isOfAnotherKind = aFeature.fComposite && !metaclass->isA(*aFeature.fType);
+  Feature const* place = &aFeature;
+  if (aFeature.fDerived || isOfAnotherKind) place = placeOf(*aFrame.fMetaclass, *metaclass);
+  if (place == nullptr && isOfAnotherKind) place = &aFeature;
+  if (place != &aFeature && !aFeature.fDerived)
+    note("part of another kind", in(*aFrame.fMetaclass, aNode.name()),
+         "taken as " + std::string(place->fName), spot);
   if (place != nullptr && (aFeature.fComposite || !aFeature.fDerived))
     own(*aFrame.fElement, *place, part, aNode);
   else if (!aFeature.fComposite)
@@ -269,9 +287,7 @@ void Builder::handlePrefixed(Frame const& aFrame, pugi::xml_node aNode, Qualifie
         std::string_view const stereotype = stereotypeIn(aEntry).value();
         fReferences.addEntry(stereotype.empty() ? stereotype : lasting(stereotype), aId, spotOf(aEntry));
       });
-      // One tool keeps parts of the element itself there.
-      if (pugi::xml_node const more = aNode.child("modelExtension"); more && aFrame.fElement != nullptr)
-        enter(more, aFrame.fElement, aFrame.fMetaclass);
+      if (aFrame.fElement != nullptr) enterExtension(aFrame, aNode);
       return;
     case Space::Uml: {
       Metaclass const* const metaclass = metaclassCalled(aName.fName);
@@ -357,13 +373,11 @@ Element& Builder::make(Metaclass const& aMetaclass, pugi::xml_node aNode, Head c
   fOwn.fMade.push_back({ElementPtr(&element), offsetOf(aNode.name())});
   ++fCounts[&aMetaclass];
   if (!aHead.fId.empty()) {
-    // Ids live in the file's text, unless they stand there in another form.
-    std::string_view const text = fOwn.fText.utf8();
-    std::string_view id = text.substr(offsetOf(aHead.fId.data()), aHead.fId.size());
-    if (id != aHead.fId) id = fOwn.fDecoded.emplace_back(aHead.fId);
+    std::string_view const id = lasting(aHead.fId);
     if (!fOwn.fIds.insert(id, element))
       fFiles.fReport.fDuplicateIds.emplace_back(id, fFiles.place(spotOf(aNode)));
   }
+  if (!aHead.fUuid.empty()) fReferences.addUuid(aHead.fUuid, element);
   readAttributes(element, aMetaclass, aNode);
   if (aMetaclass.fReentrant != nullptr && isReentrantByDefault(fUmlAddress) &&
       !aNode.attribute("isReentrant"))

@@ -49,6 +49,7 @@ class Builder {
     std::string_view fType;
     Space fTypeSpace = Space::None;
     std::string_view fId;
+    std::string_view fUuid;
     std::string_view fIdref;
     std::string_view fHref;
     bool fIsNil = false;
@@ -83,6 +84,8 @@ class Builder {
   bool assign(Element& aElement, Feature const& aFeature, std::string_view aText, Spot aSpot);
   /// What files say of features that follow from others, when those are known.
   void setDerived();
+  /// What one tool keeps of an element in the extension beside it.
+  void enterExtension(Frame const& aFrame, pugi::xml_node aNode);
   void enter(pugi::xml_node aNode, Element* aElement, Metaclass const* aMetaclass, bool aIsUncovered = false);
 
   void keep(Element* aElement, Spot aSpot, bool aIsAttribute = false) {

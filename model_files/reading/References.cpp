@@ -118,6 +118,7 @@ Element* References::find(std::string_view aAddress, std::uint32_t aFile) {
   if (Element* const found = own.fIds.find(aAddress)) return found;
   std::size_t const hash = aAddress.find('#');
   if (hash == std::string_view::npos && aAddress.starts_with('/')) return walk(own, aAddress);
+  if (Element* const found = findUuid(aAddress)) return found;
   if (hash == std::string_view::npos && aAddress.find('/') == std::string_view::npos) return nullptr;
   std::string_view const fragment = aAddress.substr(std::min(hash, aAddress.size() - 1) + 1);
   if (hash == 0) return findInFile(own, fragment);
@@ -134,7 +135,17 @@ Element* References::findInFile(ModelFile& aFile, std::string_view aFragment) {
     if (Element* const found = aFile.fIds.find(id)) return found;
   std::string const plain = decoded(aFragment);
   if (Element* const found = aFile.fIds.find(plain)) return found;
+  if (Element* const found = findUuid(aFragment)) return found;
   return plain.empty() || plain.starts_with('/') ? walk(aFile, plain) : nullptr;
+}
+
+Element* References::findUuid(std::string_view aUuid) {
+  if (fUuids.empty()) return nullptr;
+  // Of equal ones the first.
+  if (!fIsSorted) std::ranges::stable_sort(fUuids, {}, &decltype(fUuids)::value_type::first);
+  fIsSorted = true;
+  auto const found = std::ranges::lower_bound(fUuids, aUuid, {}, &decltype(fUuids)::value_type::first);
+  return found == fUuids.end() || found->first != aUuid ? nullptr : found->second;
 }
 
 Element* References::walk(ModelFile& aFile, std::string_view aPath) {

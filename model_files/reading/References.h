@@ -27,6 +27,8 @@ class References {
   void addPath(std::string_view aAddress, std::string_view aPath) {
     if (!aPath.empty()) fPaths.try_emplace(aAddress, aPath);
   }
+  /// An element by its universal id, where no id of a file is meant.
+  void addUuid(std::string_view aUuid, Element& aElement) { fUuids.emplace_back(aUuid, &aElement); }
   /// A stereotype's reference to what it extends.
   void addApplication(std::string_view aName, std::string_view aAddress, Spot aSpot) {
     fApplications.push_back({aName, aAddress, aSpot});
@@ -59,6 +61,7 @@ class References {
   };
 
   Element* find(std::string_view aAddress, std::uint32_t aFile);
+  Element* findUuid(std::string_view aUuid);
   Element* findInFile(ModelFile& aFile, std::string_view aFragment);
   Element* walk(ModelFile& aFile, std::string_view aPath);
   ModelFile* fileAt(std::string_view aFile, std::uint32_t aFrom);
@@ -83,6 +86,9 @@ class References {
   /// Answers of `fileAt`.
   std::map<std::pair<std::uint32_t, std::string_view>, ModelFile*> fFilesAt;
   std::vector<Pending> fPending;
+  /// Sorted from the first question on.
+  std::vector<std::pair<std::string_view, Element*>> fUuids;
+  bool fIsSorted = false;
   std::unordered_map<std::string_view, std::string_view> fPaths;
   std::vector<PendingApplication> fApplications;
   std::vector<PendingApplication> fEntries;

@@ -133,7 +133,8 @@ bool Patcher::isAtHome(Element& aElement, Element& aRead, std::size_t aName) {
   if (owner == nullptr) return true;
   if (fComparison.toModel(readOwner) != owner) return false;
   if (!fChangedOwners.contains(owner)) return true;
-  Feature const* const feature = featureCalled(metaclassOf(*owner), markup::nameAt(fText, aName));
+  Feature const* const feature =
+      placeCalled(metaclassOf(*owner), markup::nameAt(fText, aName), metaclassOf(aElement));
   if (feature == nullptr || !feature->fComposite) return true;
   auto const [known, isNew] = fMembers.try_emplace({owner, feature});
   if (isNew)
@@ -299,7 +300,8 @@ bool Patcher::isNamed(Element& aOwner, Tag const& aTag, Feature const& aFeature,
   if (node == fNodes.end() || fHomeless.contains(&aPart)) return aPlaces.at(&aPart) != &aFeature;
   std::size_t const name = fFile.fMade[node->second].fOffset;
   bool const isHere = std::ranges::binary_search(aTag.fChildren, name, {}, &markup::Child::fName);
-  Feature const* const written = featureCalled(metaclassOf(aOwner), markup::nameAt(fText, name));
+  Feature const* const written =
+      placeCalled(metaclassOf(aOwner), markup::nameAt(fText, name), metaclassOf(aPart));
   bool const isPlace = written != nullptr && !written->fDerived;
   return !isHere || (isPlace && written != &aFeature);
 }
