@@ -53,7 +53,8 @@ Reading::Reading(std::vector<Input> aInputs, LoadOptions aOptions, bool aIsAgain
       fIsAgain(aIsAgain),
       fModel(createNewModel()),
       fFindings(*fFiles, fOptions.fStrict),
-      fReferences(*fFiles, fModel, fFindings) {
+      fReferences(*fFiles, fModel, fFindings),
+      fAsked(fInputs.size()) {
   fFiles->fPlaces = fOptions.fPaths;
 }
 
@@ -75,7 +76,9 @@ double Reading::progress() const noexcept {
   double const references = fReferences.count() == 0 ? 0
                                                      : static_cast<double>(fReferences.done()) /
                                                            static_cast<double>(fReferences.count());
-  return kTags * part + (1 - kTags) * references;
+  // More files may be found on the way.
+  fTold = std::max(fTold, kTags * part + (1 - kTags) * references);
+  return fTold;
 }
 
 bool Reading::advance() {
@@ -84,8 +87,15 @@ bool Reading::advance() {
     endFile();
     return false;
   }
+  if (fAt == fInputs.size() && fReferences.done() == 0)
+    for (std::string& path : fReferences.wanted()) fInputs.push_back({std::move(path), std::nullopt});
   if (fAt < fInputs.size()) {
-    startFile();
+    try {
+      startFile();
+    } catch (Error const&) {
+      if (fAt < fAsked) throw;
+      dropFile();
+    }
     return false;
   }
   fIsDone = fReferences.step(kChunk);
@@ -95,6 +105,10 @@ bool Reading::advance() {
 void Reading::startFile() {
   Input& input = fInputs[fAt];
   bool const isOnDisk = !input.fBytes.has_value() && !input.fPath.empty();
+  if (isOnDisk && !fLocations.insert(locationOf(input.fPath)).second) {
+    ++fAt;
+    return;
+  }
   auto const number = static_cast<std::uint32_t>(fFiles->fFiles.size());
   ModelFile& file =
       fFiles->fFiles.emplace_back(input.fBytes ? SourceText::fromBytes(std::move(*input.fBytes), input.fPath)
@@ -129,6 +143,7 @@ void Reading::refuse(ModelFile const& aFile, pugi::xml_parse_result const& aResu
 
 void Reading::endFile() {
   ModelFile& file = fFiles->fFiles.back();
+  if (fBuilder->found() == 0 && fAt >= fAsked) return dropFile();
   if (fBuilder->found() == 0) throw NotUml(whatItIs(file.fText));
   fBuilder->finish();
   fFiles->fReport.fFiles.back().fDialect = dialectOf(*fBuilder);
@@ -138,6 +153,20 @@ void Reading::endFile() {
   fParsed.push_back({std::move(fBuffer), std::move(fDocument)});
   fDocument = pugi::xml_document();
   fBuffer = {};
+  ++fAt;
+}
+
+void Reading::dropFile() {
+  fBuilder.reset();
+  fDocument = pugi::xml_document();
+  // One that can't be opened has not come so far.
+  if (fFiles->fReport.fFiles.size() > fParsed.size()) {
+    auto const number = static_cast<std::uint32_t>(fFiles->fFiles.size() - 1);
+    std::erase_if(fFiles->fKept, [&](Kept const& aKept) { return aKept.fSpot.fFile == number; });
+    fReferences.drop(number);
+    fFiles->fReport.fFiles.pop_back();
+    fFiles->fFiles.pop_back();
+  }
   ++fAt;
 }
 

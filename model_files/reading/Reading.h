@@ -1,8 +1,10 @@
 #pragma once
 
 #include <chrono>
+#include <filesystem>
 #include <memory>
 #include <pugixml.hpp>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -34,6 +36,8 @@ class Reading {
   void startFile();
   [[noreturn]] void refuse(ModelFile const& aFile, pugi::xml_parse_result const& aResult);
   void endFile();
+  /// Takes back a file that nobody asked for and that can't be read.
+  void dropFile();
   void finish();
 
   std::vector<Input> fInputs;
@@ -51,6 +55,10 @@ class Reading {
   /// Addresses of references lie in the parser's texts, which stay until they are resolved.
   std::vector<Parsed> fParsed;
   std::size_t fAt = 0;
+  /// Files that were asked for; the rest is needed by these.
+  std::size_t fAsked;
+  std::set<std::filesystem::path> fLocations;
+  mutable double fTold = 0;
   bool fIsDone = false;
 };
 

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <filesystem>
 #include <map>
+#include <set>
 #include <span>
+#include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
@@ -38,6 +41,12 @@ class References {
     fEntries.push_back({aName, aAddress, aSpot});
   }
 
+  /// Files that are not read, are there, and hold parts of elements that were read, or things at addresses
+  /// whose place was told. Each is named once.
+  std::vector<std::string> wanted();
+  /// A file holds nothing.
+  void drop(std::uint32_t aFile);
+
   /// Resolves some more; true when none is left.
   bool step(std::size_t aCount);
   /// What comes when all are resolved.
@@ -66,6 +75,9 @@ class References {
   Element* walk(ModelFile& aFile, std::string_view aPath);
   ModelFile* fileAt(std::string_view aFile, std::uint32_t aFrom);
   ModelFile* searchFile(std::string_view aFile, std::uint32_t aFrom);
+  /// The path that an address means, seen from a file; empty for one that lies nowhere.
+  std::filesystem::path whereIs(std::string_view aFile, std::uint32_t aFrom, bool& aIsTold) const;
+  std::filesystem::path const& location(std::size_t aFile);
   Element* primitive(std::string_view aName, std::string_view aAddress);
   void resolve(Pending const& aReference);
   void resolveAll(Pending const& aReferences);
@@ -85,6 +97,10 @@ class References {
   Findings& fFindings;
   /// Answers of `fileAt`.
   std::map<std::pair<std::uint32_t, std::string_view>, ModelFile*> fFilesAt;
+  std::vector<std::filesystem::path> fLocations;
+  /// Addresses that were looked at for files that are wanted, and how far.
+  std::set<std::pair<std::uint32_t, std::string_view>> fLookedAt;
+  std::size_t fSeen = 0;
   std::vector<Pending> fPending;
   /// Sorted from the first question on.
   std::vector<std::pair<std::string_view, Element*>> fUuids;
@@ -97,7 +113,10 @@ class References {
     Element* fElement;
     Feature const* fFeature;
     Element* fValue;
+    std::uint64_t fOffset;
   };
+  /// Parts that stand in their owner itself, between those that it names.
+  void addParts(std::span<Linked const> aLinked, std::vector<Element*>& aValues);
   std::vector<Linked> fLinked;
   std::size_t fNext = 0;
 };

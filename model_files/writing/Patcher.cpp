@@ -38,19 +38,25 @@ Tags::Layout layoutOf(std::string_view aText) {
 }  // namespace
 
 Patcher::Patcher(Kelm::Model const& aModel, ModelFiles const& aFiles, std::uint32_t aFile,
-                 ModelFiles const& aRead, Comparison& aComparison)
+                 ModelFiles const& aRead, Comparison& aComparison, Elements const& aMoved)
     : fModel(aModel),
       fFiles(aFiles),
       fFile(aFiles.fFiles[aFile]),
       fNumber(aFile),
       fRead(aRead),
       fComparison(aComparison),
+      fMoved(aMoved),
       fText(fFile.fText.utf8()),
       fEdits(fText),
       fTags(aModel, aComparison.readModel(), aRead.fFiles[aFile].fStyle, layoutOf(fText)) {
   for (std::size_t at = 0; at < fFile.fMade.size(); ++at) fNodes.emplace(fFile.fMade[at].fElement.get(), at);
   fFile.fIds.forEach([this](std::string_view aId, Element const&) { fTags.useId(aId); });
-  fTags.fKnownId = [this](Element& aElement) { return fFiles.idOf(aElement); };
+  fTags.fKnownId = [this](Element& aElement) {
+    std::string id = fFiles.idOf(aElement);
+    bool const isTaken = fMoved.contains(&aElement) && fFile.fIds.find(id) != nullptr;
+    return isTaken ? std::string() : id;
+  };
+  fTags.fKept = [this](Element& aElement) { return keptBy(aElement); };
   fTags.fForeignAddress = [this](Element& aElement) { return addressOf(aElement); };
   fTags.fWriteKnown = [this](Element& aElement, std::string_view aName, Feature const* aFeature,
                              std::string& aOut) {
@@ -63,19 +69,18 @@ Patcher::Patcher(Kelm::Model const& aModel, ModelFiles const& aFiles, std::uint3
 std::string Patcher::write(std::vector<Element*>& aOrder) {
   fOrder = &aOrder;
   fTags.order(aOrder);
+  if (!std::exchange(fIsCompared, true)) compareAll();
+  addIds();
+  return render();
+}
+
+void Patcher::compareAll() {
   for (std::size_t at = 0; at < fFile.fMade.size(); ++at) compare(at);
   for (Element* const owner : fChangedOwners) patchParts(*owner);
   patchTop();
   removeApplications();
+  if (!fMoved.empty()) patchApplications();
   flushChildren();
-  // Writing may name elements that have no id in the text yet.
-  std::string text = render();
-  for (std::size_t known = 0; known != fTags.newIds().size();) {
-    known = fTags.newIds().size();
-    addIds();
-    text = render();
-  }
-  return text;
 }
 
 std::string Patcher::render() {
@@ -96,10 +101,71 @@ std::string Patcher::addressOf(Element& aElement) const {
   if (StandIn const* const standIn = fFiles.standIn(aElement)) return standIn->fAddress;
   int const file = fFiles.fileOf(aElement, fComparison.deviant());
   if (file == static_cast<int>(fNumber)) return {};
-  std::filesystem::path const path = fFiles.fFiles[static_cast<std::size_t>(file)].fText.name();
-  auto const beside = std::filesystem::path(fFile.fText.name()).parent_path();
-  return path.lexically_relative(beside.empty() ? "." : beside).generic_string() + '#' +
-         externalIdOf(aElement, fComparison.deviant());
+  auto const number = static_cast<std::uint32_t>(file);
+  std::string const id = '#' + fIdIn(number, aElement);
+  if (auto const known = fFile.fSpellings.find(number); known != fFile.fSpellings.end())
+    return known->second + id;
+  auto const path = locationOf(fFiles.fFiles[number].fText.name());
+  auto const beside = locationOf(fFile.fText.name()).parent_path();
+  std::string address;
+  for (char const letter : path.lexically_relative(beside).generic_string()) {
+    constexpr std::string_view kSigns = " %#?";
+    constexpr std::string_view kCodes = "2025233F";
+    std::size_t const sign = kSigns.find(letter);
+    if (sign == kSigns.npos)
+      address += letter;
+    else
+      (address += '%') += kCodes.substr(2 * sign, 2);
+  }
+  return address + id;
+}
+
+bool Patcher::isForeign(Element& aElement) const {
+  return fFiles.fFiles.size() > 1 &&
+         fFiles.fileOf(aElement, fComparison.deviant()) != static_cast<int>(fNumber);
+}
+
+bool Patcher::namesMoved(Element& aElement, Feature const& aFeature) const {
+  if (fMoved.empty() || aFeature.fKind != Kind::Reference || fMoved.contains(&aElement)) return false;
+  return std::ranges::any_of(elementsOf(aElement, aFeature, fComparison.deviant()),
+                             [&](Element const* aValue) { return fMoved.contains(aValue); });
+}
+
+std::vector<std::string> Patcher::keptBy(Element& aElement) {
+  std::vector<std::string> kept;
+  if (!fMoved.contains(&aElement)) return kept;
+  for (Kept const* const one : fFiles.keptBy(aElement)) {
+    kept.push_back(files::textOf(fFiles.fFiles[one->fSpot.fFile].fText.utf8(), *one));
+    declarePrefixes(one->fSpot.fFile, kept.back());
+  }
+  for (Dangling const* const one : fFiles.danglingOf(aElement)) kept.push_back(files::textOf(*one));
+  return kept;
+}
+
+void Patcher::declarePrefixes(std::uint32_t aFile, std::string& aTag) {
+  auto const prefixesOf = [&](std::uint32_t aNumber) -> auto const& {
+    auto const [prefixes, isNew] = fPrefixes.try_emplace(aNumber);
+    std::string_view const text = fFiles.fFiles[aNumber].fText.utf8();
+    if (isNew)
+      for (std::size_t const place : markup::declarations(text)) {
+        auto const attribute = markup::attribute(text, place);
+        prefixes->second.try_emplace(std::string(attribute.fName), attribute.value());
+      }
+    return prefixes->second;
+  };
+  auto const& own = prefixesOf(fNumber);
+  for (auto const& [declaration, address] : prefixesOf(aFile)) {
+    auto const known = own.find(declaration);
+    std::size_t const colon = declaration.find(':');
+    bool const isKnown = known != own.end() && known->second == address;
+    if (isKnown || colon == std::string::npos ||
+        aTag.find(declaration.substr(colon + 1) + ':') == aTag.npos ||
+        aTag.find(declaration + '=') != aTag.npos)
+      continue;
+    std::string text;
+    fTags.attribute(text, declaration, address);
+    aTag.insert(1 + markup::nameAt(aTag, 1).size(), text);
+  }
 }
 
 void Patcher::compare(std::size_t aNumber) {
@@ -119,7 +185,8 @@ void Patcher::compare(std::size_t aNumber) {
   Tag tag;
   bool isLooked = false;
   for (Feature const* const feature : metaclassOf(element).fOrder) {
-    if (!isWritten(*feature) || fComparison.isSame(element, read, *feature)) continue;
+    if (!isWritten(*feature)) continue;
+    if (fComparison.isSame(element, read, *feature) && !namesMoved(element, *feature)) continue;
     if (!isLooked) tag = tagOf(name);
     isLooked = true;
     patch(element, tag, *feature);
@@ -129,6 +196,10 @@ void Patcher::compare(std::size_t aNumber) {
 bool Patcher::isAtHome(Element& aElement, Element& aRead, std::size_t aName) {
   Element* const owner = containerOf(aElement, fComparison.deviant());
   Element* const readOwner = containerOf(aRead, fComparison.readDeviant());
+  auto const isOutside = [&](Element* aOwner) { return aOwner == nullptr || isForeign(*aOwner); };
+  bool const isTop = fFiles.fFiles.size() > 1 && fFiles.isTop({fNumber, aName});
+  if (isTop && isOutside(owner) && isOutside(readOwner == nullptr ? nullptr : fComparison.toModel(readOwner)))
+    return true;
   if ((owner == nullptr) != (readOwner == nullptr)) return false;
   if (owner == nullptr) return true;
   if (fComparison.toModel(readOwner) != owner) return false;
@@ -192,6 +263,13 @@ void Patcher::patchReferences(Element& aElement, Tag const& aTag, Feature const&
         return aAttribute.fName == "href" || aAttribute.fName.ends_with(":idref");
       });
     });
+  if (aFeature.fComposite && fFiles.fFiles.size() > 1) {
+    auto const foreign = foreignParts(aElement, aTag, aFeature);
+    std::erase_if(children, [&](auto const& aChild) {
+      return std::ranges::any_of(foreign,
+                                 [&](auto const& aPart) { return aPart.second.fName == aChild.fName; });
+    });
+  }
   if (attribute == nullptr && children.empty() && !fTags.writesEnd(aFeature)) return;
   // References that led nowhere stay, unless something else has come into their one place.
   std::unordered_set<std::size_t> kept;
@@ -239,7 +317,7 @@ void Patcher::patchParts(Element& aOwner) {
   for (Feature const* const feature : metaclassOf(aOwner).fOrder) {
     if (!isWritten(*feature) || feature->fKind != Kind::Reference || !feature->fComposite) continue;
     auto const parts = elementsOf(aOwner, *feature, fComparison.deviant());
-    if (!parts.empty()) patchParts(aOwner, tag, *feature, parts, places);
+    patchParts(aOwner, tag, *feature, parts, places);
     auto named = parts;
     std::erase_if(named, [&](Element* aPart) { return !isNamed(aOwner, tag, *feature, *aPart, places); });
     patchReferences(aOwner, tag, *feature, named);
@@ -252,7 +330,12 @@ void Patcher::patchParts(Element& aOwner, Tag const& aTag, Feature const& aFeatu
   std::unordered_map<std::size_t, markup::Child const*> byName;
   for (markup::Child const& child : aTag.fChildren) byName.emplace(child.fName, &child);
   std::vector<markup::Child> slots;
+  auto const foreign = foreignParts(aOwner, aTag, aFeature);
+  std::unordered_set<Element const*> const parts(aParts.begin(), aParts.end());
+  for (auto const& [part, child] : foreign)
+    if (!parts.contains(part)) removeTag(child.fFrom, child.fTo);
   auto const slotOf = [&](Element* aPart) -> markup::Child const* {
+    if (auto const found = foreign.find(aPart); found != foreign.end()) return &found->second;
     auto const node = fNodes.find(aPart);
     if (node == fNodes.end() || fHomeless.contains(aPart)) return nullptr;
     auto const found = byName.find(fFile.fMade[node->second].fOffset);
@@ -264,6 +347,8 @@ void Patcher::patchParts(Element& aOwner, Tag const& aTag, Feature const& aFeatu
   std::string name(slots.empty() ? aFeature.fName : markup::nameAt(fText, slots.front().fName));
   if (featureCalled(metaclassOf(aOwner), name) != &aFeature) name = aFeature.fName;
   auto const written = [&](Element* aPart) -> Write {
+    if (isForeign(*aPart))
+      return [this, name, aPart](std::string& aOut) { fTags.writeReference(name, *aPart, aOut); };
     return [this, aPart, name, &aFeature,
             indent = std::string(indentAt(fText, aTag.fName - 1))](std::string& aOut) {
       fTags.write(*aPart, name, &aFeature, indent + fTags.layout().fUnit, aOut);
@@ -278,8 +363,7 @@ void Patcher::patchParts(Element& aOwner, Tag const& aTag, Feature const& aFeatu
       behind = slots[next++].fTo;
       continue;
     }
-    bool const isElsewhere = fFiles.hasTag(*part) && !fNodes.contains(part);
-    if (isElsewhere || aPlaces.at(part) != &aFeature) continue;
+    if (aPlaces.at(part) != &aFeature) continue;
     if (behind == 0 && !slots.empty()) {
       // In front of all that are there.
       std::string const gap = fTags.layout().fLineEnd + std::string(indentAt(fText, slots.front().fFrom));
@@ -297,13 +381,38 @@ void Patcher::patchParts(Element& aOwner, Tag const& aTag, Feature const& aFeatu
 bool Patcher::isNamed(Element& aOwner, Tag const& aTag, Feature const& aFeature, Element& aPart,
                       PartPlaces const& aPlaces) const {
   auto const node = fNodes.find(&aPart);
-  if (node == fNodes.end() || fHomeless.contains(&aPart)) return aPlaces.at(&aPart) != &aFeature;
+  if (node == fNodes.end() || fHomeless.contains(&aPart) || isForeign(aPart))
+    return aPlaces.at(&aPart) != &aFeature;
   std::size_t const name = fFile.fMade[node->second].fOffset;
   bool const isHere = std::ranges::binary_search(aTag.fChildren, name, {}, &markup::Child::fName);
   Feature const* const written =
       placeCalled(metaclassOf(aOwner), markup::nameAt(fText, name), metaclassOf(aPart));
   bool const isPlace = written != nullptr && !written->fDerived;
   return !isHere || (isPlace && written != &aFeature);
+}
+
+std::unordered_map<Element const*, markup::Child> Patcher::foreignParts(Element& aOwner, Tag const& aTag,
+                                                                        Feature const& aFeature) const {
+  std::unordered_map<Element const*, markup::Child> parts;
+  if (fFiles.fFiles.size() == 1) return parts;
+  std::unordered_set<std::size_t> dangling;
+  for (Dangling const* const one : fFiles.danglingOf(aOwner)) dangling.insert(one->fSpot.fOffset);
+  auto children = childrenCalled(aTag, aOwner, aFeature);
+  std::erase_if(children, [&](markup::Child const& aChild) {
+    auto const isAddress = [](auto const& aAttribute) { return aAttribute.fName == "href"; };
+    return dangling.contains(aChild.fName) ||
+           std::ranges::none_of(markup::attributes(fText, aChild.fName), isAddress);
+  });
+  std::vector<Element const*> named;
+  for (Element const* const part :
+       elementsOf(*fComparison.toRead(&aOwner), aFeature, fComparison.readDeviant())) {
+    Element const* const known = fComparison.toModel(part);
+    if (known == nullptr || !fNodes.contains(known)) named.push_back(known);
+  }
+  // Both stand in the order of the text.
+  if (named.size() == children.size())
+    for (std::size_t at = 0; at < named.size(); ++at) parts.emplace(named[at], children[at]);
+  return parts;
 }
 
 void Patcher::patchTop() {
@@ -349,6 +458,29 @@ void Patcher::removeApplications() {
       isNeeded[application.fSpot.fOffset] |= fComparison.isThere(*application.fElement);
   for (auto const& [name, needed] : isNeeded)
     if (!needed) removeTag(name - 1, name - 1 + markup::element(fText, name).size());
+}
+
+void Patcher::patchApplications() {
+  for (Application const& application : fFiles.fApplications) {
+    if (application.fSpot.fFile != fNumber || application.fIsInExtension ||
+        !fMoved.contains(application.fElement.get()) || !fComparison.isThere(*application.fElement))
+      continue;
+    Element* const element = application.fElement.get();
+    Tag const tag = tagOf(application.fSpot.fOffset);
+    auto const write = [this, element](std::string_view aName) -> Write {
+      return [this, element, name = std::string(aName)](std::string& aOut) {
+        fTags.writeReference(name, *element, aOut);
+      };
+    };
+    for (markup::Attribute const& attribute : tag.fAttributes) {
+      if (!attribute.fName.starts_with("base_") || attribute.value() != fFiles.idOf(*element)) continue;
+      removeAttribute(attribute);
+      addChild(tag, 0, write(attribute.fName));
+    }
+    for (markup::Child const& child : tag.fChildren)
+      if (std::string_view const name = markup::nameAt(fText, child.fName); name.starts_with("base_"))
+        fEdits.replace(child.fFrom, child.fTo, write(name));
+  }
 }
 
 void Patcher::addIds() {

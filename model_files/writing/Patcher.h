@@ -19,11 +19,22 @@ namespace umlmm::files {
 /// text does.
 class Patcher {
  public:
-  /// `aRead` is what the files hold now, read anew; its elements are paired with those of the model.
-  Patcher(Kelm::Model const& aModel, ModelFiles const& aFiles, std::uint32_t aFile, ModelFiles const& aRead,
-          Comparison& aComparison);
+  using Elements = std::unordered_set<Element const*>;
 
-  /// The new text. `aOrder` receives the elements in the order of their tags.
+  /// `aRead` is what the files hold now, read anew; its elements are paired with those of the model.
+  /// `aMoved` have come into another file than their tags stand in, and are named in other ways now.
+  Patcher(Kelm::Model const& aModel, ModelFiles const& aFiles, std::uint32_t aFile, ModelFiles const& aRead,
+          Comparison& aComparison, Elements const& aMoved);
+
+  /// The id by which an element of another file is known there.
+  std::function<std::string(std::size_t aFile, Element&)> fIdIn;
+  /// The id of an element in this file.
+  std::string const& idOf(Element& aElement) { return fTags.idOf(aElement); }
+  /// Ids that elements get; more are given as texts are written that name them.
+  std::size_t newIds() const noexcept { return fTags.newIds().size(); }
+
+  /// The new text. `aOrder` receives the elements in the order of their tags. To be called again as long as
+  /// there are more new ids.
   std::string write(std::vector<Element*>& aOrder);
 
  private:
@@ -39,7 +50,11 @@ class Patcher {
   };
   using Write = Edits::Write;
 
+  void compareAll();
   void compare(std::size_t aNumber);
+  bool isForeign(Element& aElement) const;
+  /// Whether a feature names something that has moved.
+  bool namesMoved(Element& aElement, Feature const& aFeature) const;
   bool isAtHome(Element& aElement, Element& aRead, std::size_t aName);
   void patch(Element& aElement, Tag const& aTag, Feature const& aFeature);
   /// Removes "upper" where "upperValue" has changed, from which it follows.
@@ -54,7 +69,16 @@ class Patcher {
   bool isNamed(Element& aOwner, Tag const& aTag, Feature const& aFeature, Element& aPart,
                PartPlaces const& aPlaces) const;
   void patchTop();
+  /// Tags of an owner that name parts in other files, by what they name.
+  std::unordered_map<Element const*, markup::Child> foreignParts(Element& aOwner, Tag const& aTag,
+                                                                 Feature const& aFeature) const;
   void removeApplications();
+  /// Stereotypes name what they are applied to, wherever that is now.
+  void patchApplications();
+  /// What stands beside an element that comes from another file.
+  std::vector<std::string> keptBy(Element& aElement);
+  /// Declares the prefixes of a tag of another file that this one lacks.
+  void declarePrefixes(std::uint32_t aFile, std::string& aTag);
   void addIds();
   /// New tags in the place of old ones, one after another; those that are too many go, those that lack a
   /// place come behind.
@@ -83,6 +107,10 @@ class Patcher {
   std::uint32_t fNumber;
   ModelFiles const& fRead;
   Comparison& fComparison;
+  Elements const& fMoved;
+  bool fIsCompared = false;
+  /// Of files from which elements have come.
+  std::map<std::uint32_t, std::map<std::string, std::string>> fPrefixes;
   std::string_view fText;
   Edits fEdits;
   /// The tags of elements, by their numbers.

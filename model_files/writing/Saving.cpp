@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <chrono>
 #include <filesystem>
+#include <numeric>
 
 #include "kelm/ModelElementIntf.h"
 #include "model_files/reading/Reading.h"
@@ -55,9 +56,23 @@ class Saving {
     for (std::size_t file = 0; file < fFiles.fFiles.size(); ++file)
       pairMade(comparison, fFiles.fFiles[file].fMade, readFiles.fFiles[file].fMade);
     pairStandIns(comparison, fFiles, readFiles);
+    auto const moved = movedElements();
+    std::deque<Patcher> patchers;
     for (std::uint32_t file = 0; file < fFiles.fFiles.size(); ++file) {
-      Patcher patcher(fModel, fFiles, file, readFiles, comparison);
-      texts.push_back(patcher.write(fOrders.emplace_back()));
+      patchers.emplace_back(fModel, fFiles, file, readFiles, comparison, moved).fIdIn =
+          [&](std::size_t aFile, Element& aElement) { return patchers[aFile].idOf(aElement); };
+      fOrders.emplace_back();
+    }
+    texts.resize(patchers.size());
+    // Writing may name elements that have no id in their text yet.
+    auto const newIds = [&] {
+      return std::accumulate(patchers.begin(), patchers.end(), std::size_t{0},
+                             [](std::size_t aSum, Patcher const& aOne) { return aSum + aOne.newIds(); });
+    };
+    for (std::optional<std::size_t> known; known != newIds();) {
+      known = newIds();
+      for (std::size_t file = 0; file < patchers.size(); ++file)
+        texts[file] = patchers[file].write(fOrders[file]);
     }
     return texts;
   }
@@ -109,6 +124,19 @@ class Saving {
       inputs.push_back({text.name(), text.encoded(aTextOf(file))});
     }
     return inputs;
+  }
+
+  /// Those that belong to another file than their tags stand in.
+  Patcher::Elements movedElements() const {
+    Patcher::Elements moved;
+    if (fFiles.fFiles.size() == 1) return moved;
+    for (std::size_t file = 0; file < fFiles.fFiles.size(); ++file)
+      for (Made const& made : fFiles.fFiles[file].fMade) {
+        bool const isThere = made.fElement->deviant_isValid(fModel.getDeviant());
+        if (isThere && fFiles.fileOf(*made.fElement, fModel.getDeviant()) != static_cast<int>(file))
+          moved.insert(made.fElement.get());
+      }
+    return moved;
   }
 
   static void pairMade(Comparison& aComparison, std::vector<Made> const& aMade,
@@ -167,14 +195,14 @@ std::string textOf(Kelm::Model const& aModel, SaveOptions const& aOptions, std::
     std::vector<Element*> order;
     return WholeFile(aModel, dialectCalled(aOptions.fDialect)).write(order);
   }
-  ModelFiles const& files = *own;
-  auto const file = std::ranges::find_if(
-      files.fFiles, [&](ModelFile const& aOne) { return aFile.empty() || aOne.fText.name() == aFile; });
-  if (file == files.fFiles.end()) throw Error("The model has no file " + std::string(aFile));
+  ModelFile const* const file = aFile.empty() ? &own->fFiles.front() : own->fileCalled(aFile);
+  if (file == nullptr) throw Error("The model has no file " + std::string(aFile));
   Saving saving(aModel, *own);
   if (saving.isUnchanged()) return file->fText.encoded(file->fText.utf8());
   auto const texts = saving.texts();
-  return file->fText.encoded(texts[static_cast<std::size_t>(file - files.fFiles.begin())]);
+  auto const isIt = [&](ModelFile const& aOne) { return &aOne == file; };
+  auto const number = std::ranges::find_if(own->fFiles, isIt) - own->fFiles.begin();
+  return file->fText.encoded(texts[static_cast<std::size_t>(number)]);
 }
 
 void save(Kelm::Model const& aModel, SaveOptions const& aOptions) {
@@ -212,7 +240,14 @@ void save(Kelm::Model const& aModel, SaveOptions const& aOptions) {
 
 void save(Kelm::Model const& aModel, std::string const& aPath, SaveOptions const& aOptions) {
   checkHasRoot(aModel, aPath);
-  if (isLoaded(aModel)) return writeFile(aPath, textOf(aModel, aOptions));
+  if (ModelFiles const* const loaded = ModelFiles::find(aModel)) {
+    SaveOptions options = aOptions;
+    // Several files become one, which none of their texts is.
+    if (options.fDialect.empty() && loaded->fFiles.size() > 1)
+      options.fDialect =
+          loaded->fReport.fFiles.front().fDialect.starts_with("Eclipse") ? "eclipse" : "omg-2.5.1";
+    return writeFile(aPath, textOf(aModel, options));
+  }
   // A model made in memory has its file from now on.
   auto files = std::make_unique<ModelFiles>();
   Saving saving(aModel, *files);

@@ -39,6 +39,21 @@ PartPlaces placesOf(Element const& aOwner, Kelm::Deviant const& aDeviant) {
   return places;
 }
 
+std::string textOf(std::string_view aText, Kept const& aKept) {
+  if (!aKept.fIsAttribute) return std::string(markup::element(aText, aKept.fSpot.fOffset));
+  auto const attribute = markup::attribute(aText, aKept.fSpot.fOffset);
+  std::string text;
+  markup::writeValue(std::string(attribute.fName), attribute.value(), text);
+  return text;
+}
+
+std::string textOf(Dangling const& aDangling) {
+  std::string const quoted = markup::escaped(aDangling.fAddress, '"');
+  bool const isId = aDangling.fAddress.find('#') == std::string::npos;
+  return '<' + std::string(aDangling.fFeature->fName) + (isId ? " xmi:idref=\"" : " href=\"") + quoted +
+         "\"/>";
+}
+
 Tags::Tags(Kelm::Model const& aModel, Kelm::Model const& aRead, Style const& aStyle, Layout aLayout)
     : fDeviant(aModel.getDeviant()), fReadModel(aRead), fStyle(aStyle), fLayout(std::move(aLayout)) {}
 
@@ -108,7 +123,10 @@ void Tags::start(Element& aElement, std::string_view aTagName, Feature const* aF
     if (!isWritten(*feature) || feature->fKind != Kind::Reference) continue;
     auto values = elementsOf(aElement, *feature, fDeviant);
     if (feature->fComposite) {
-      auto const isHere = [&](Element* aPart) { return places.at(aPart) == feature; };
+      // What stands at the top of another text is named.
+      auto const isHere = [&](Element* aPart) {
+        return places.at(aPart) == feature && (!fForeignAddress || fForeignAddress(*aPart).empty());
+      };
       for (Element* const part : values)
         if (isHere(part)) open.fParts.emplace_back(part, feature);
       std::erase_if(values, isHere);
@@ -179,8 +197,7 @@ std::string Tags::localId(Element& aElement) {
 std::string const& Tags::idOf(Element& aElement) {
   std::string& id = fIds[&aElement];
   if (!id.empty()) return id;
-  id = fKnownId ? fKnownId(aElement) : std::string();
-  if (id.empty()) id = externalIdOf(aElement, fDeviant);
+  id = fKnownId ? fKnownId(aElement) : externalIdOf(aElement, fDeviant);
   if (id.empty()) {
     id = newId(aElement);
     fNewIds[&aElement] = id;

@@ -18,6 +18,11 @@ namespace umlmm::files {
 using PartPlaces = std::unordered_map<Element const*, Feature const*>;
 PartPlaces placesOf(Element const& aOwner, Kelm::Deviant const& aDeviant);
 
+/// What is kept beside an element of a text, as a tag.
+std::string textOf(std::string_view aText, Kept const& aKept);
+/// The same of a reference that leads nowhere.
+std::string textOf(Dangling const& aDangling);
+
 /// Writes elements as new tags, in a style.
 class Tags {
  public:
@@ -32,7 +37,7 @@ class Tags {
 
   /// Whether an element has a tag in this text, or gets one; others are named by file and id.
   std::function<std::string(Element&)> fForeignAddress;
-  /// The id that an element has in a text already; empty for none.
+  /// The id that an element has already and keeps in this text; empty for none.
   std::function<std::string(Element&)> fKnownId;
   /// Writes an element that has a tag already; false for one that has none.
   std::function<bool(Element&, std::string_view aTagName, Feature const*, std::string&)> fWriteKnown;

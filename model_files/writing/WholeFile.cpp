@@ -69,6 +69,10 @@ std::string WholeFile::write(std::vector<Element*>& aOrder) {
     Feature const& name = *Metamodel::instance().metaclassOf(aElement).feature("name");
     return std::string(fDialect.fPrimitives) + textsOf(aElement, name, fModel.getDeviant()).front();
   };
+  tags.fKnownId = [this](Element& aElement) {
+    std::string id = externalIdOf(aElement, fModel.getDeviant());
+    return fGivenIds.insert(id).second ? id : std::string();
+  };
   tags.fKept = [this](Element& aElement) { return keptBy(aElement); };
 
   // Stereotypes stand beside the roots, as they were written.
@@ -115,14 +119,10 @@ std::vector<std::string> WholeFile::keptBy(Element const& aElement) const {
     std::string_view const name = markup::nameAt(text, one->fSpot.fOffset);
     // Extensions and annotations are a tool's own.
     bool const isOwn = name.find(':') != std::string_view::npos || name == "eAnnotations";
-    if (!one->fIsAttribute && !isOwn) kept.emplace_back(markup::element(text, one->fSpot.fOffset));
+    if (!isOwn) kept.push_back(textOf(text, *one));
   }
   for (Dangling const* const one : fFiles->danglingOf(aElement)) {
-    std::string tag = "<" + std::string(one->fFeature->fName);
-    std::string const quoted = markup::escaped(one->fAddress, '"');
-    bool const isId = one->fAddress.find('#') == std::string::npos;
-    tag += isId ? " xmi:idref=\"" + quoted : " href=\"" + quoted;
-    kept.push_back(tag + "\"/>");
+    kept.push_back(textOf(*one));
   }
   return kept;
 }

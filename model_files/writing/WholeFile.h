@@ -3,6 +3,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "model_files/store/ModelFiles.h"
@@ -41,6 +42,8 @@ class WholeFile {
   Kelm::Model fModel;
   Dialect const& fDialect;
   ModelFiles* fFiles;
+  /// Files may use the same ids, and one text can't.
+  std::unordered_set<std::string> fGivenIds;
 };
 
 }  // namespace umlmm::files
