@@ -31,6 +31,7 @@ constexpr Renamed kFeatures[] = {
     {"BehavioralFeature", "formalParameter", "ownedParameter"},
     {"BehavioralFeature", "returnResult", "ownedParameter"},
     {"Parameter", "kind", "direction"},
+    {"Interface", "nestedInterface", "nestedClassifier"},
     {"ProfileApplication", "importedProfile", "appliedProfile"},
     {"ProfileApplication", "importedPackage", "appliedProfile"},
 };
@@ -55,6 +56,7 @@ constexpr std::pair<std::string_view, std::string_view> kLacking[] = {
     {"result", "OutputPin"},
     {"argument", "InputPin"},
     {"ownedStereotype", "Stereotype"},
+    {"nestedInterface", "Interface"},
 };
 
 /// Features of owners that the metamodel lacks.

@@ -99,11 +99,16 @@ Builder::Head Builder::headOf(pugi::xml_node aNode) const {
     QualifiedName const name(text);
     Space const space = name.fPrefix == "xmi" ? Space::Xmi : fPrefixes.find(name.fPrefix);
     if (space != Space::Xmi && space != Space::Xsi) continue;
-    if (name.fName == "type") head.fType = attribute.value();
-    if (name.fName == "id") head.fId = attribute.value();
-    if (name.fName == "uuid") head.fUuid = attribute.value();
-    if (name.fName == "idref" || name.fName == "uuidref") head.fIdref = attribute.value();
-    if (name.fName == "nil") head.fIsNil = attribute.as_bool();
+    if (name.fName == "id")
+      head.fId = attribute.value();
+    else if (name.fName == "type")
+      head.fType = attribute.value();
+    else if (name.fName == "idref" || name.fName == "uuidref")
+      head.fIdref = attribute.value();
+    else if (name.fName == "uuid")
+      head.fUuid = attribute.value();
+    else if (name.fName == "nil")
+      head.fIsNil = attribute.as_bool();
   }
   if (!head.fType.empty()) {
     QualifiedName const type(head.fType);
@@ -258,7 +263,8 @@ void Builder::handleReference(Frame const& aFrame, Feature const& aFeature, pugi
   }
   if (fIsAgain) noteStyle(aNode, &aFeature, *metaclass);
   Element& part = make(*metaclass, aNode, aHead);
-  bool const isOfAnotherKind = aFeature.fComposite && !metaclass->isA(*aFeature.fType);
+  bool const isOfAnotherKind =
+      aFeature.fComposite && metaclass != aFeature.fType && !metaclass->isA(*aFeature.fType);
   Feature const* place = &aFeature;
   if (aFeature.fDerived || isOfAnotherKind) place = placeOf(*aFrame.fMetaclass, *metaclass);
   if (place == nullptr && isOfAnotherKind) place = &aFeature;

@@ -111,7 +111,8 @@ void Tags::start(Element& aElement, std::string_view aTagName, Feature const* aF
   if (fOrder != nullptr) fOrder->push_back(&aElement);
   std::string attributes;
   std::vector<std::string> children;
-  if (needsType(aElement, aFeature)) attribute(attributes, fStyle.fTypeName, typeOf(aElement));
+  bool const isTold = aFeature != nullptr || aTagName.find(':') != std::string_view::npos;
+  if (!isTold || needsType(aElement, aFeature)) attribute(attributes, fStyle.fTypeName, typeOf(aElement));
   attribute(attributes, fStyle.fIdName, idOf(aElement));
   Metaclass const& metaclass = metaclassOf(aElement);
   for (Feature const* const feature : metaclass.fOrder)

@@ -48,8 +48,8 @@ class Tags {
   void useId(std::string_view aId) { fUsedIds.emplace(aId); }
   void order(std::vector<Element*>& aOrder) noexcept { fOrder = &aOrder; }
 
-  /// An element as a part of a feature, or as a root: `aTagName` is "ownedAttribute" or "uml:Class". Without
-  /// blanks before and behind.
+  /// An element as a part of a feature, or as a root: `aTagName` is "ownedAttribute" or "uml:Class"; or under
+  /// a name that no feature has. Without blanks before and behind.
   void write(Element& aElement, std::string_view aTagName, Feature const* aFeature,
              std::string const& aIndent, std::string& aOut);
   /// A reference as a tag of its own.

@@ -29,6 +29,12 @@ Style styleOf(Dialect const& aDialect) {
   return style;
 }
 
+/// Extensions and annotations are a tool's own.
+bool hasPlace(ModelFile const& aFile, Kept const& aKept) {
+  std::string_view const name = markup::nameAt(aFile.fText.utf8(), aKept.fSpot.fOffset);
+  return name.find(':') == std::string_view::npos && name != "eAnnotations";
+}
+
 /// Prefixes that the tags of a file use, beside those of every file.
 void collectPrefixes(ModelFile& aFile, std::uint64_t aTag, std::map<std::string, std::string>& aOut) {
   std::string_view const text = aFile.fText.utf8();
@@ -73,7 +79,9 @@ std::string WholeFile::write(std::vector<Element*>& aOrder) {
     std::string id = externalIdOf(aElement, fModel.getDeviant());
     return fGivenIds.insert(id).second ? id : std::string();
   };
-  tags.fKept = [this](Element& aElement) { return keptBy(aElement); };
+  auto const inside = inUncovered();
+  std::erase_if(roots, [&](Element const* aRoot) { return inside.contains(aRoot); });
+  tags.fKept = [this, &tags](Element& aElement) { return keptBy(aElement, tags); };
 
   // Stereotypes stand beside the roots, as they were written.
   std::vector<std::string> applications;
@@ -111,19 +119,54 @@ std::string WholeFile::write(std::vector<Element*>& aOrder) {
   return text;
 }
 
-std::vector<std::string> WholeFile::keptBy(Element const& aElement) const {
+bool WholeFile::isRoot(Element const& aElement) const {
+  Kelm::Deviant const& deviant = fModel.getDeviant();
+  return aElement.deviant_isValid(deviant) && containerOf(aElement, deviant) == nullptr;
+}
+
+std::span<Made const> WholeFile::madeIn(Spot aTag) const {
+  ModelFile const& file = fFiles->fFiles[aTag.fFile];
+  std::size_t const end = aTag.fOffset + markup::element(file.fText.utf8(), aTag.fOffset).size();
+  auto const first = std::ranges::lower_bound(file.fMade, aTag.fOffset, {}, &Made::fOffset);
+  return {first, std::ranges::lower_bound(first, file.fMade.end(), end, {}, &Made::fOffset)};
+}
+
+std::unordered_set<Element const*> WholeFile::inUncovered() const {
+  std::unordered_set<Element const*> elements;
+  if (fFiles == nullptr) return elements;
+  for (Kept const& kept : fFiles->fKept) {
+    bool const isWritten = kept.fElement != nullptr && kept.fElement->deviant_isValid(fModel.getDeviant());
+    if (!isWritten || !hasPlace(fFiles->fFiles[kept.fSpot.fFile], kept) || kept.fIsAttribute) continue;
+    for (Made const& made : madeIn(kept.fSpot))
+      if (isRoot(*made.fElement)) elements.insert(made.fElement.get());
+  }
+  return elements;
+}
+
+std::string WholeFile::keptText(Spot aTag, Tags& aTags) const {
+  std::string_view const text = fFiles->fFiles[aTag.fFile].fText.utf8();
+  std::size_t const end = aTag.fOffset - 1 + markup::element(text, aTag.fOffset).size();
+  std::size_t at = aTag.fOffset - 1;
+  std::string written;
+  for (Made const& made : madeIn(aTag)) {
+    if (made.fOffset < at) continue;
+    written += text.substr(at, made.fOffset - 1 - at);
+    if (isRoot(*made.fElement))
+      aTags.write(*made.fElement, markup::nameAt(text, made.fOffset), nullptr, "", written);
+    at = made.fOffset - 1 + markup::element(text, made.fOffset).size();
+  }
+  return written += text.substr(at, end - at);
+}
+
+std::vector<std::string> WholeFile::keptBy(Element const& aElement, Tags& aTags) const {
   std::vector<std::string> kept;
   if (fFiles == nullptr) return kept;
   for (Kept const* const one : fFiles->keptBy(aElement)) {
-    std::string_view const text = fFiles->fFiles[one->fSpot.fFile].fText.utf8();
-    std::string_view const name = markup::nameAt(text, one->fSpot.fOffset);
-    // Extensions and annotations are a tool's own.
-    bool const isOwn = name.find(':') != std::string_view::npos || name == "eAnnotations";
-    if (!isOwn) kept.push_back(textOf(text, *one));
+    ModelFile const& file = fFiles->fFiles[one->fSpot.fFile];
+    if (hasPlace(file, *one))
+      kept.push_back(one->fIsAttribute ? textOf(file.fText.utf8(), *one) : keptText(one->fSpot, aTags));
   }
-  for (Dangling const* const one : fFiles->danglingOf(aElement)) {
-    kept.push_back(textOf(*one));
-  }
+  for (Dangling const* const one : fFiles->danglingOf(aElement)) kept.push_back(textOf(*one));
   return kept;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -9,6 +10,8 @@
 #include "model_files/store/ModelFiles.h"
 
 namespace umlmm::files {
+
+class Tags;
 
 /// A form in which a model is written from scratch.
 struct Dialect {
@@ -37,7 +40,14 @@ class WholeFile {
   std::string write(std::vector<Element*>& aOrder);
 
  private:
-  std::vector<std::string> keptBy(Element const& aElement) const;
+  std::vector<std::string> keptBy(Element const& aElement, Tags& aTags) const;
+  /// Roots of the model that stand in what no metaclass covers, and are written there.
+  std::unordered_set<Element const*> inUncovered() const;
+  /// Elements that were made from a tag or what stands in it.
+  std::span<Made const> madeIn(Spot aTag) const;
+  /// What was kept, with the elements in it as they are now.
+  std::string keptText(Spot aTag, Tags& aTags) const;
+  bool isRoot(Element const& aElement) const;
 
   Kelm::Model fModel;
   Dialect const& fDialect;
