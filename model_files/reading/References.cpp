@@ -320,7 +320,7 @@ void References::order() {
     values.clear();
     for (; to < fLinked.size() && key(fLinked[to]) == key(fLinked[from]); ++to)
       values.push_back(fLinked[to].fValue);
-    if (fLinked[from].fFeature->fComposite) addParts({fLinked.begin() + from, fLinked.begin() + to}, values);
+    if (fLinked[from].fFeature->fComposite) addParts(std::span(fLinked).subspan(from, to - from), values);
     if (values.size() > 1) order(*fLinked[from].fElement, *fLinked[from].fFeature, values);
     from = to;
   }
