@@ -23,13 +23,22 @@ void Edits::write(std::size_t aFrom, std::size_t aTo, std::string& aOut, Copied 
     if (edit->fFrom < at || edit->fTo > aTo) continue;
     if (edit->fFrom <= aFrom && edit->fTo >= aTo) continue;
     copy(edit->fFrom);
-    if (edit->fWrite)
-      edit->fWrite(aOut);
-    else
-      aOut += edit->fText;
+    write(*edit, aOut);
     at = edit->fTo;
   }
   copy(aTo);
+}
+
+void Edits::writeEnd(std::string& aOut) const {
+  auto const first = std::ranges::lower_bound(fEdits, fText.size(), {}, &Edit::fFrom);
+  for (auto edit = first; edit != fEdits.end(); ++edit) write(*edit, aOut);
+}
+
+void Edits::write(Edit const& aEdit, std::string& aOut) {
+  if (aEdit.fWrite)
+    aEdit.fWrite(aOut);
+  else
+    aOut += aEdit.fText;
 }
 
 }  // namespace umlmm::files

@@ -88,6 +88,7 @@ std::string Patcher::render() {
   fEdits.sort();
   std::string text;
   fEdits.write(0, fText.size(), text, [this](std::size_t aFrom, std::size_t aTo) { noteCopied(aFrom, aTo); });
+  fEdits.writeEnd(text);
   return text;
 }
 
@@ -101,15 +102,18 @@ void Patcher::compare(std::size_t aNumber) {
   Element& element = *fFile.fMade[aNumber].fElement;
   std::size_t const name = fFile.fMade[aNumber].fOffset;
   Element& read = *fRead.fFiles[fNumber].fMade[aNumber].fElement;
-  auto const cut = [&] {
-    std::string_view const whole = markup::element(fText, name);
-    removeTag(name - 1, name - 1 + whole.size());
+  auto const cut = [&](bool aForGood) {
+    std::size_t const end = name - 1 + markup::element(fText, name).size();
+    removeTag(name - 1, end);
+    if (aForGood) fLostEnd = std::max(fLostEnd, end);
   };
-  if (!fComparison.isThere(element)) return cut();
-  if (!isAtHome(element, read, name)) {
+  if (!fComparison.isThere(element)) return cut(true);
+  Element* const owner = containerOf(element, fComparison.deviant());
+  bool const isLost = name < fLostEnd && owner == nullptr;
+  if (isLost || !isAtHome(element, read, name)) {
     fHomeless.insert(&element);
-    if (Element* const owner = containerOf(element, fComparison.deviant())) fChangedOwners.insert(owner);
-    cut();
+    if (owner != nullptr) fChangedOwners.insert(owner);
+    cut(isForeign(element));
   }
   Tag tag;
   bool isLooked = false;

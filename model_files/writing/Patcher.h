@@ -109,6 +109,8 @@ class Patcher {
   Comparison& fComparison;
   Elements const& fMoved;
   bool fIsCompared = false;
+  /// Where the tags that went so far end: what stood in an uncovered part of them has lost its place.
+  std::size_t fLostEnd = 0;
   /// Of files from which elements have come.
   std::map<std::uint32_t, std::map<std::string, std::string>> fPrefixes;
   std::string_view fText;

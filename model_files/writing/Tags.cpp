@@ -39,12 +39,30 @@ PartPlaces placesOf(Element const& aOwner, Kelm::Deviant const& aDeviant) {
   return places;
 }
 
-std::string textOf(std::string_view aText, Kept const& aKept) {
-  if (!aKept.fIsAttribute) return std::string(markup::element(aText, aKept.fSpot.fOffset));
-  auto const attribute = markup::attribute(aText, aKept.fSpot.fOffset);
+std::span<Made const> madeIn(ModelFile const& aFile, std::uint64_t aTag) {
+  std::uint64_t const end = aTag + markup::element(aFile.fText.utf8(), aTag).size();
+  auto const first = std::ranges::lower_bound(aFile.fMade, aTag, {}, &Made::fOffset);
+  return {first, std::ranges::lower_bound(first, aFile.fMade.end(), end, {}, &Made::fOffset)};
+}
+
+std::string textOf(ModelFile const& aFile, Kept const& aKept,
+                   std::function<void(Made const&, std::string&)> const& aWrite) {
+  std::string_view const source = aFile.fText.utf8();
   std::string text;
-  markup::writeValue(std::string(attribute.fName), attribute.value(), text);
-  return text;
+  if (aKept.fIsAttribute) {
+    auto const attribute = markup::attribute(source, aKept.fSpot.fOffset);
+    markup::writeValue(std::string(attribute.fName), attribute.value(), text);
+    return text;
+  }
+  std::size_t at = aKept.fSpot.fOffset - 1;
+  std::size_t const end = at + markup::element(source, aKept.fSpot.fOffset).size();
+  for (Made const& made : madeIn(aFile, aKept.fSpot.fOffset)) {
+    if (made.fOffset < at) continue;
+    text += source.substr(at, made.fOffset - 1 - at);
+    aWrite(made, text);
+    at = made.fOffset - 1 + markup::element(source, made.fOffset).size();
+  }
+  return text += source.substr(at, end - at);
 }
 
 std::string textOf(Dangling const& aDangling) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -18,8 +19,11 @@ namespace umlmm::files {
 using PartPlaces = std::unordered_map<Element const*, Feature const*>;
 PartPlaces placesOf(Element const& aOwner, Kelm::Deviant const& aDeviant);
 
-/// What is kept beside an element of a text, as a tag.
-std::string textOf(std::string_view aText, Kept const& aKept);
+/// Elements that were made from a tag or what stands in it.
+std::span<Made const> madeIn(ModelFile const& aFile, std::uint64_t aTag);
+/// What is kept beside an element, as a tag; `aWrite` writes the elements that stand in it.
+std::string textOf(ModelFile const& aFile, Kept const& aKept,
+                   std::function<void(Made const&, std::string& aOut)> const& aWrite);
 /// The same of a reference that leads nowhere.
 std::string textOf(Dangling const& aDangling);
 

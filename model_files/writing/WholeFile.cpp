@@ -124,38 +124,17 @@ bool WholeFile::isRoot(Element const& aElement) const {
   return aElement.deviant_isValid(deviant) && containerOf(aElement, deviant) == nullptr;
 }
 
-std::span<Made const> WholeFile::madeIn(Spot aTag) const {
-  ModelFile const& file = fFiles->fFiles[aTag.fFile];
-  std::size_t const end = aTag.fOffset + markup::element(file.fText.utf8(), aTag.fOffset).size();
-  auto const first = std::ranges::lower_bound(file.fMade, aTag.fOffset, {}, &Made::fOffset);
-  return {first, std::ranges::lower_bound(first, file.fMade.end(), end, {}, &Made::fOffset)};
-}
-
 std::unordered_set<Element const*> WholeFile::inUncovered() const {
   std::unordered_set<Element const*> elements;
   if (fFiles == nullptr) return elements;
   for (Kept const& kept : fFiles->fKept) {
     bool const isWritten = kept.fElement != nullptr && kept.fElement->deviant_isValid(fModel.getDeviant());
-    if (!isWritten || !hasPlace(fFiles->fFiles[kept.fSpot.fFile], kept) || kept.fIsAttribute) continue;
-    for (Made const& made : madeIn(kept.fSpot))
+    ModelFile const& file = fFiles->fFiles[kept.fSpot.fFile];
+    if (!isWritten || !hasPlace(file, kept) || kept.fIsAttribute) continue;
+    for (Made const& made : madeIn(file, kept.fSpot.fOffset))
       if (isRoot(*made.fElement)) elements.insert(made.fElement.get());
   }
   return elements;
-}
-
-std::string WholeFile::keptText(Spot aTag, Tags& aTags) const {
-  std::string_view const text = fFiles->fFiles[aTag.fFile].fText.utf8();
-  std::size_t const end = aTag.fOffset - 1 + markup::element(text, aTag.fOffset).size();
-  std::size_t at = aTag.fOffset - 1;
-  std::string written;
-  for (Made const& made : madeIn(aTag)) {
-    if (made.fOffset < at) continue;
-    written += text.substr(at, made.fOffset - 1 - at);
-    if (isRoot(*made.fElement))
-      aTags.write(*made.fElement, markup::nameAt(text, made.fOffset), nullptr, "", written);
-    at = made.fOffset - 1 + markup::element(text, made.fOffset).size();
-  }
-  return written += text.substr(at, end - at);
 }
 
 std::vector<std::string> WholeFile::keptBy(Element const& aElement, Tags& aTags) const {
@@ -163,8 +142,11 @@ std::vector<std::string> WholeFile::keptBy(Element const& aElement, Tags& aTags)
   if (fFiles == nullptr) return kept;
   for (Kept const* const one : fFiles->keptBy(aElement)) {
     ModelFile const& file = fFiles->fFiles[one->fSpot.fFile];
-    if (hasPlace(file, *one))
-      kept.push_back(one->fIsAttribute ? textOf(file.fText.utf8(), *one) : keptText(one->fSpot, aTags));
+    if (!hasPlace(file, *one)) continue;
+    kept.push_back(textOf(file, *one, [&](Made const& aMade, std::string& aOut) {
+      std::string_view const name = markup::nameAt(file.fText.utf8(), aMade.fOffset);
+      if (isRoot(*aMade.fElement)) aTags.write(*aMade.fElement, name, nullptr, "", aOut);
+    }));
   }
   for (Dangling const* const one : fFiles->danglingOf(aElement)) kept.push_back(textOf(*one));
   return kept;

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -43,10 +42,6 @@ class WholeFile {
   std::vector<std::string> keptBy(Element const& aElement, Tags& aTags) const;
   /// Roots of the model that stand in what no metaclass covers, and are written there.
   std::unordered_set<Element const*> inUncovered() const;
-  /// Elements that were made from a tag or what stands in it.
-  std::span<Made const> madeIn(Spot aTag) const;
-  /// What was kept, with the elements in it as they are now.
-  std::string keptText(Spot aTag, Tags& aTags) const;
   bool isRoot(Element const& aElement) const;
 
   Kelm::Model fModel;

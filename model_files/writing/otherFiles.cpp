@@ -44,7 +44,8 @@ std::vector<std::string> Patcher::keptBy(Element& aElement) {
   std::vector<std::string> kept;
   if (!fMoved.contains(&aElement)) return kept;
   for (Kept const* const one : fFiles.keptBy(aElement)) {
-    kept.push_back(files::textOf(fFiles.fFiles[one->fSpot.fFile].fText.utf8(), *one));
+    // Elements in it stay in their file.
+    kept.push_back(files::textOf(fFiles.fFiles[one->fSpot.fFile], *one, [](Made const&, std::string&) {}));
     declarePrefixes(one->fSpot.fFile, kept.back());
   }
   for (Dangling const* const one : fFiles.danglingOf(aElement)) kept.push_back(files::textOf(*one));
