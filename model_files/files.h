@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <optional>
@@ -100,6 +101,8 @@ struct StereotypeApplication {
   std::string fProfileUri;
   /// Tagged values in the order in which they stand; of one with several values each by itself.
   std::vector<std::pair<std::string, std::string>> fValues;
+  /// By which the functions below know it, as long as the model lives.
+  std::uint32_t fNumber = 0;
 };
 
 /// What reading has met.
@@ -133,9 +136,9 @@ struct Report {
   UMLMM_API std::string json() const;
 };
 
-/// Beside the files that are asked for, those are read that they have parts in: `<packagedElement href=`. What
-/// merely is referred to stays unresolved, but for addresses that `fPaths` tells the place of. Files that are
-/// not there, or are something else, stay unresolved, too.
+/// Beside the files that are asked for, those are read that they have parts in: `<packagedElement href=`.
+/// What merely is referred to stays unresolved, but for addresses that `fPaths` tells the place of. Files
+/// that are not there, or are something else, stay unresolved, too.
 struct LoadOptions {
   /// Raise ReadError at the first finding, instead of noting it.
   bool fStrict = false;
@@ -188,8 +191,27 @@ UMLMM_API Kelm::ClassObject byId(Kelm::Model const& aModel, std::string_view aId
 /// What stood with the element beside what the metaclasses cover.
 UMLMM_API std::vector<Unknown> unknown(Kelm::ClassObject const& aElement);
 UMLMM_API std::vector<StereotypeApplication> stereotypes(Kelm::ClassObject const& aElement);
-/// Elements to which a stereotype of this name is applied, in document order.
+/// Elements to which a stereotype of this name is applied, each once, in the order of the applications.
 UMLMM_API std::vector<Kelm::ClassObject> stereotyped(Kelm::Model const& aModel, std::string_view aName);
+
+/// One of the applications of an element. It and the functions below raise Error for one that is gone, those
+/// that change something also for what a tool keeps in its extension, and have changed nothing then. What
+/// they change is seen at once, and comes into the file when it is saved.
+UMLMM_API StereotypeApplication stereotype(Kelm::ClassObject const& aElement, std::uint32_t aNumber);
+/// Gives a tag these values in the place of all that it has; without any it goes.
+UMLMM_API void setTaggedValues(Kelm::ClassObject const& aElement, std::uint32_t aNumber,
+                               std::string_view aTag, std::vector<std::string> const& aValues);
+/// Takes an application away, from all elements that it names.
+UMLMM_API void removeStereotype(Kelm::ClassObject const& aElement, std::uint32_t aNumber);
+/// Applies a stereotype of a profile from which stereotypes are applied already; answers its number. The
+/// profile is the prefix or the address of its namespace, and may be left out if the stereotype is applied
+/// somewhere, from one profile alone.
+UMLMM_API std::uint32_t applyStereotype(Kelm::ClassObject const& aElement, std::string_view aName,
+                                        std::string_view aProfile = {});
+
+/// Gives a copy of all elements of a model, made by `copyInto` in an empty one, what belongs to the files of
+/// the model: ids, applied stereotypes, what is kept. The copy has to be saved to a path of its own.
+UMLMM_API void copyFiles(Kelm::Model const& aFrom, Kelm::Model const& aTo);
 
 struct SaveOptions {
   /// "", as it was read or else the standard's own form; "omg-2.5.1"; "eclipse".

@@ -30,6 +30,7 @@ LITERAL = re.compile(r'"(?:[^"\\]|\\.)*"|\'(?:[^\'\\]|\\.)*\'')
 MADE = re.compile(r"\b([A-Z]\w+) ([A-Za-z_]\w*)(?: named (@\d+@))?")
 MADE_FROM = re.compile(r"(?<!\.)\b([A-Z]\w+)\((?!(elsewhere|null)\))")
 GONE = object()
+FAILURES = Kelm.Error, RuntimeError, TypeError, ValueError, AttributeError, LookupError
 
 
 class Case:
@@ -99,7 +100,7 @@ class Case:
     def check(self, text):
         if " !! " in text:
             statement, words = text.split(" !! ")
-            with pytest.raises((Kelm.Error, RuntimeError, TypeError, ValueError), match=re.escape(self.written(words))):
+            with pytest.raises(FAILURES, match=re.escape(self.written(words))):
                 self.execute(statement)
         elif " -> " in text:
             got, expected = (self.shown(eval(self.python(side), self.scope)) for side in text.split(" -> "))

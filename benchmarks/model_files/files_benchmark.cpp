@@ -1,10 +1,12 @@
 // Loading a model file against its two unavoidable parts, a bare parse by the same parser and making the same
 // elements by the typed interface; saving it unchanged against the bare parse. All are told in nanoseconds a
-// byte of the file.
+// byte of the file. What begins with "first" is about a fresh process: it does everything once, and tells
+// memory in bytes a byte of the file.
 
 #include <benchmark/benchmark.h>
 
 #include <chrono>
+#include <fstream>
 #include <map>
 #include <pugixml.hpp>
 #include <string>
@@ -60,29 +62,32 @@ void parse(benchmark::State& aState) {
   count(aState, text);
 }
 
+Kelm::Model created(int aClasses) {
+  Kelm::Model const model = umlmm::createNewModel();
+  auto const root = umlmm::Model::create(model);
+  std::vector<umlmm::Class> all;
+  for (int at = 0; at < aClasses; ++at) {
+    umlmm::Class const& added = all.emplace_back(umlmm::Class::create(model));
+    added.setName("Class" + std::to_string(at));
+    root.getPackagedElement().push_back(added);
+    for (int number = 0; number < kAttributes; ++number) {
+      auto const attribute = umlmm::Property::create(model);
+      attribute.setName("attribute" + std::to_string(number));
+      attribute.setVisibility(umlmm::VisibilityKind::Private);
+      added.getOwnedAttribute().push_back(attribute);
+    }
+  }
+  for (int at = 0; at < aClasses; ++at)
+    for (int number = 0; number < kAttributes; ++number)
+      all[static_cast<std::size_t>(at)].getOwnedAttribute().at(number).setType(
+          all[static_cast<std::size_t>((at * 7 + number) % aClasses)]);
+  return model;
+}
+
 void create(benchmark::State& aState) {
   std::string const& text = textOf(aState);
-  auto const classes = static_cast<int>(aState.range(0));
   for ([[maybe_unused]] auto _ : aState) {
-    Kelm::Model const model = umlmm::createNewModel();
-    auto const root = umlmm::Model::create(model);
-    std::vector<umlmm::Class> all;
-    for (int at = 0; at < classes; ++at) {
-      umlmm::Class const& added = all.emplace_back(umlmm::Class::create(model));
-      added.setName("Class" + std::to_string(at));
-      root.getPackagedElement().push_back(added);
-      for (int number = 0; number < kAttributes; ++number) {
-        auto const attribute = umlmm::Property::create(model);
-        attribute.setName("attribute" + std::to_string(number));
-        attribute.setVisibility(umlmm::VisibilityKind::Private);
-        added.getOwnedAttribute().push_back(attribute);
-      }
-    }
-    for (int at = 0; at < classes; ++at)
-      for (int number = 0; number < kAttributes; ++number)
-        all[static_cast<std::size_t>(at)].getOwnedAttribute().at(number).setType(
-            all[static_cast<std::size_t>((at * 7 + number) % classes)]);
-    benchmark::DoNotOptimize(model.get());
+    Kelm::Model const model = created(static_cast<int>(aState.range(0)));
     aState.PauseTiming();
     model.object().close();
     aState.ResumeTiming();
@@ -115,6 +120,37 @@ void saveUnchanged(benchmark::State& aState) {
   count(aState, text);
 }
 
+/// Of this process, in bytes: "VmRSS" is what it holds, "VmHWM" the most that it has held.
+double memory(std::string const& aRow) {
+  std::ifstream status("/proc/self/status");
+  for (std::string name, value, rest; status >> name >> value && std::getline(status, rest);)
+    if (name == aRow + ":") return 1024 * std::stod(value);
+  return 0;
+}
+
+/// Counters: by how much the process grows, and by how much at most in between.
+template <class Make>
+void first(benchmark::State& aState, Make aMake) {
+  std::string const& text = textOf(aState);
+  auto const size = static_cast<double>(text.size());
+  // Forgets what was held before.
+  std::ofstream("/proc/self/clear_refs") << "5";
+  double const before = memory("VmRSS");
+  Kelm::Model model;
+  for ([[maybe_unused]] auto _ : aState) model = aMake(text);
+  aState.counters["memory"] = (memory("VmRSS") - before) / size;
+  aState.counters["peak"] = (memory("VmHWM") - before) / size;
+  count(aState, text);
+}
+
+void firstCreate(benchmark::State& aState) {
+  first(aState, [&](std::string const&) { return created(static_cast<int>(aState.range(0))); });
+}
+
+void firstLoad(benchmark::State& aState) { first(aState, read); }
+
+BENCHMARK(firstCreate)->Arg(320'000)->Iterations(1);
+BENCHMARK(firstLoad)->Arg(8'000)->Arg(320'000)->Iterations(1);
 BENCHMARK(parse)->Arg(8'000)->Arg(320'000);
 BENCHMARK(create)->Arg(8'000)->Arg(320'000);
 BENCHMARK(load)->Arg(8'000)->Arg(320'000);

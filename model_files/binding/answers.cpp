@@ -47,7 +47,11 @@ std::string toJson(std::vector<StereotypeApplication> const& aApplications) {
   Json json;
   json.open('[');
   for (StereotypeApplication const& application : aApplications) {
-    json.open('[').value(application.fName).value(application.fProfile).value(application.fProfileUri);
+    json.open('[')
+        .value(application.fNumber)
+        .value(application.fName)
+        .value(application.fProfile)
+        .value(application.fProfileUri);
     put(json, application.fValues);
     json.close(']');
   }

@@ -52,9 +52,29 @@ String unknownJson(ImmutableClassObject const& aElement) {
 String stereotypesJson(ImmutableClassObject const& aElement) {
   return text(toJson(stereotypes(ClassObject(aElement))));
 }
+String stereotypeJson(ImmutableClassObject const& aElement, int aNumber) {
+  return text(toJson({stereotype(ClassObject(aElement), static_cast<std::uint32_t>(aNumber))}));
+}
+/// Each value has a separator in front, which no XML can hold.
+void setValues(ClassObject const& aElement, int aNumber, String const& aTag, String const& aValues) {
+  constexpr char kSeparator = '\x1f';
+  std::string const all = aValues.to_string();
+  std::vector<std::string> values;
+  for (std::size_t at = 0; at < all.size(); at += values.back().size() + 1)
+    values.push_back(all.substr(at + 1, all.find(kSeparator, at + 1) - at - 1));
+  setTaggedValues(aElement, static_cast<std::uint32_t>(aNumber), aTag.to_string(), values);
+}
+void removeOne(ClassObject const& aElement, int aNumber) {
+  removeStereotype(aElement, static_cast<std::uint32_t>(aNumber));
+}
+int applyOne(ClassObject const& aElement, String const& aName, String const& aProfile) {
+  return static_cast<int>(applyStereotype(aElement, aName.to_string(), aProfile.to_string()));
+}
 Elements stereotypedElements(Model const& aModel, String const& aName) {
   return Elements(stereotyped(aModel, aName.to_string()), aModel.getDeviant());
 }
+
+void copyAll(ImmutableModel const& aModel, Model const& aCopy) { copyFiles(Model(aModel), aCopy); }
 
 void saveFiles(ImmutableModel const& aModel, String const& aDialect, bool aForce) {
   save(Model(aModel), saveOptions(aDialect, aForce));
@@ -104,8 +124,14 @@ constexpr MethodRow kFunctions[] = {
     function<&elementById>("byId", "model, id, file", kElement, {kModel, kText, kText}),
     function<&unknownJson>("unknown", "element", kText, {kAnyElement}),
     function<&stereotypesJson>("stereotypes", "element", kText, {kAnyElement}),
+    function<&stereotypeJson>("stereotype", "element, number", kText, {kAnyElement, kNumber}),
+    function<&setValues>("setTaggedValues", "element, number, tag, values", kNothing,
+                         {kElement, kNumber, kText, kText}),
+    function<&removeOne>("removeStereotype", "element, number", kNothing, {kElement, kNumber}),
+    function<&applyOne>("applyStereotype", "element, name, profile", kNumber, {kElement, kText, kText}),
     function<&stereotypedElements>("stereotyped", "model, name", kElements, {kModel, kText}),
 
+    function<&copyAll>("copyFiles", "model, copy", kNothing, {kAnyModel, kModel}),
     function<&saveFiles>("save", "model, dialect, force", kNothing, {kAnyModel, kText, kTruth}),
     function<&saveTo>("saveTo", "model, path, dialect, force", kNothing, {kAnyModel, kText, kText, kTruth}),
     function<&writeText>("text", "model, file, dialect, descriptor", kNothing,

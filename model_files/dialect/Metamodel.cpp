@@ -33,6 +33,7 @@ Metamodel::Metamodel() {
   auto const classes = package.get()->classes();
   for (ClassIntf const* const type : classes) {
     Metaclass& added = fMetaclasses.emplace_back();
+    added.fNumber = fMetaclasses.size() - 1;
     added.fName = type->getName();
     added.fClass = type;
     added.fAbstract = type->isAbstract();

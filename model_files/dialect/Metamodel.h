@@ -38,6 +38,8 @@ struct Metaclass {
   std::string_view fName;
   Kelm::NSInterface::ClassIntf const* fClass = nullptr;
   bool fAbstract = false;
+  /// Among all metaclasses, from 0 on.
+  std::size_t fNumber = 0;
   /// Of behaviors, whose default in files is not that of the metamodel; null for others.
   Feature const* fReentrant = nullptr;
   /// By name, own and inherited ones; a redefinition stands for what it redefines.
@@ -62,6 +64,7 @@ class Metamodel {
     auto const found = fByName.find(aName);
     return found == fByName.end() ? nullptr : found->second;
   }
+  std::size_t size() const noexcept { return fMetaclasses.size(); }
   template <class Visit>
   void forEach(Visit aVisit) const {
     for (Metaclass const& metaclass : fMetaclasses) aVisit(metaclass);

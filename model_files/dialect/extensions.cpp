@@ -11,11 +11,7 @@ constexpr std::string_view kExtender = "Enterprise Architect";
 constexpr std::array<std::string_view, 4> kLists{"elements", "attributes", "operations", "connectors"};
 constexpr std::array<std::string_view, 4> kEntries{"element", "attribute", "operation", "connector"};
 
-struct Place {
-  char const* fTag;
-  char const* fAttribute;
-};
-constexpr Place kStereotypes[] = {{"properties", "stereotype"}, {"stereotype", "stereotype"}};
+using Place = EntryPlace;
 constexpr Place kDocumentation[] = {{"properties", "documentation"}, {"documentation", "value"}};
 
 /// The first that says something.
@@ -34,18 +30,16 @@ bool isOneOf(pugi::xml_node aNode, std::array<std::string_view, 4> const& aNames
 
 }  // namespace
 
-bool detail::hasEntries(pugi::xml_node aExtension) {
-  return aExtension.attribute("extender").value() == kExtender;
-}
+bool hasEntries(pugi::xml_node aExtension) { return aExtension.attribute("extender").value() == kExtender; }
 
 bool detail::isEntry(pugi::xml_node aNode) { return isOneOf(aNode, kEntries); }
-bool detail::holdsEntries(pugi::xml_node aNode) { return isOneOf(aNode, kLists); }
+bool holdsEntries(pugi::xml_node aNode) { return isOneOf(aNode, kLists); }
 
-pugi::xml_attribute stereotypeIn(pugi::xml_node aEntry) { return attributeAt(aEntry, kStereotypes); }
+pugi::xml_attribute stereotypeIn(pugi::xml_node aEntry) { return attributeAt(aEntry, kStereotypePlaces); }
 
 std::string profileIn(pugi::xml_node aEntry, std::string_view aStereotype) {
   // "Name=Order;FQName=Shop::Order;"
-  std::string_view const text = aEntry.child("xrefs").attribute("value").value();
+  std::string_view const text = aEntry.child(kXrefs.fTag).attribute(kXrefs.fAttribute).value();
   std::string const end = "::" + std::string(aStereotype) + ';';
   std::size_t const to = text.find(end);
   if (to == std::string_view::npos) return {};

@@ -46,6 +46,11 @@ class Prefixes {
   std::vector<Declaration> fDeclared;
 };
 
+/// Whether it is a name by which an applied stereotype names its element: "base_Class".
+inline bool isBase(std::string_view aName) noexcept {
+  return aName.starts_with("base_") || aName.starts_with("base-");
+}
+
 /// "uml:Class" as prefix and name.
 struct QualifiedName {
   std::string_view fPrefix;

@@ -70,14 +70,19 @@ Kelm::Object literal(Kelm::EnumerationType const& aType, std::string_view aText)
 Kelm::Object textObject(std::string_view aText) {
   std::array<char16_t, 256> wide;
   std::size_t const length = aText.size();
-  Kelm::StringObject* record = nullptr;
-  if (length <= wide.size() &&
-      std::ranges::all_of(aText, [](char aCharacter) { return static_cast<signed char>(aCharacter) >= 0; })) {
-    std::ranges::copy(aText, wide.begin());
-    record = Kelm::StringObject::make({wide.data(), length});
-  } else {
-    record = Kelm::StringObject::make(Kelm::toUtf16(aText));
+  std::u16string rest;
+  bool isAscii = length <= wide.size();
+  if (isAscii) {
+    // Without a way out of the loop, so that it takes several characters in a step.
+    signed char all = 0;
+    for (std::size_t at = 0; at < length; ++at) {
+      all |= static_cast<signed char>(aText[at]);
+      wide[at] = static_cast<unsigned char>(aText[at]);
+    }
+    isAscii = all >= 0;
   }
+  Kelm::StringObject* const record = Kelm::StringObject::make(
+      isAscii ? std::u16string_view(wide.data(), length) : std::u16string_view(rest = Kelm::toUtf16(aText)));
   Kelm::Object const object(record, Kelm::Deviant());
   record->decRef();
   return object;

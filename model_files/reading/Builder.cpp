@@ -1,17 +1,17 @@
 #include "model_files/reading/Builder.h"
 
+#include <span>
+#include <utility>
+
 #include "kelm/kernel/containers/Ref.h"
-#include "model_files/dialect/extensions.h"
 #include "model_files/dialect/older.h"
 #include "model_files/dialect/values.h"
+#include "model_files/text/markup.h"
 #include "uml_metamodel/umlmm/MetamodelExtension.h"
 
 namespace umlmm::files {
 
 namespace {
-
-constexpr std::string_view kKept = "kept as written";
-constexpr std::string_view kAtTop = "stands at the top level of the model";
 
 /// All text of a tag, also where it stands in pieces.
 std::string_view contentOf(pugi::xml_node aNode, std::string& aScratch) {
@@ -27,19 +27,10 @@ std::string_view contentOf(pugi::xml_node aNode, std::string& aScratch) {
   return aScratch;
 }
 
-bool isDeclaration(std::string_view aName) noexcept {
-  return aName.starts_with("xmlns") && (aName.size() == 5 || aName[5] == ':');
-}
-
-/// "base_Class".
-bool isBase(std::string_view aName) noexcept {
-  return aName.starts_with("base_") || aName.starts_with("base-");
-}
-
 }  // namespace
 
 Builder::Builder(ModelFiles& aFiles, std::uint32_t aFile, Kelm::Model const& aModel, Findings& aFindings,
-                 References& aReferences, char const* aText, bool aIsAgain)
+                 References& aReferences, bool aIsAgain)
     : fFiles(aFiles),
       fOwn(aFiles.fFiles[aFile]),
       fFile(aFile),
@@ -47,120 +38,129 @@ Builder::Builder(ModelFiles& aFiles, std::uint32_t aFile, Kelm::Model const& aMo
       fDeviant(aModel.getDeviant()),
       fFindings(aFindings),
       fReferences(aReferences),
-      fText(aText),
-      fIsAgain(aIsAgain) {}
-
-void Builder::start(pugi::xml_document const& aDocument) {
-  fFrames.push_back({aDocument.first_child(), nullptr, nullptr, 0, false});
+      fPieces(fOwn.fText.utf8(), fOwn.fDecoded),
+      fCounts(Metamodel::instance().size()),
+      fIsAgain(aIsAgain) {
+  // Hardly a text has more, and what is not used takes no memory.
+  constexpr std::size_t kLeastTag = 64;
+  std::size_t const tags = fPieces.text().size() / kLeastTag;
+  fOwn.fMade.reserve(tags);
+  fOwn.fIds.reserve(tags);
+  fReferences.reserve(tags);
+  fFrames.push_back({{}, nullptr, nullptr, 0, Content::Covered, 0});
 }
 
-bool Builder::step(std::size_t aCount) {
+pugi::xml_parse_result Builder::parse() {
+  std::vector<std::string_view> names;
+  for (Frame const& frame : std::span(fFrames).subspan(1)) {
+    std::string_view const name = fPieces.text().substr(frame.fOffset);
+    names.push_back(name.substr(0, name.find_first_of(" \t\r\n/>")));
+  }
+  pugi::xml_parse_result const result = fPieces.parse(fFrom, fLength, names);
+  // Each goes on behind the next inner one, the innermost with what the piece begins with.
+  pugi::xml_node at = fPieces.tree().first_child();
+  for (std::size_t depth = 0; result && depth < fFrames.size(); ++depth) {
+    bool const isInnermost = depth + 1 == fFrames.size();
+    fFrames[depth].fNext = isInnermost ? at : at.next_sibling();
+    if (!isInnermost) at = at.first_child();
+  }
+  return result;
+}
+
+Builder::Progress Builder::step(std::size_t aCount) {
   while (!fFrames.empty()) {
-    if (aCount-- == 0) return false;
+    if (aCount-- == 0) return Progress::Going;
     Frame& frame = fFrames.back();
     pugi::xml_node const node = frame.fNext;
     if (!node) {
-      fPrefixes.close(frame.fOpen);
+      fTags.close(frame.fOpen);
       fFrames.pop_back();
       continue;
     }
+    if (node == fPieces.end()) {
+      fFrom = fPieces.endOffset();
+      fLength = 0;
+      return Progress::NeedsPiece;
+    }
     frame.fNext = node.next_sibling();
-    if (node.type() == pugi::node_element) handle(node);
+    if (node.type() != pugi::node_element) continue;
+    handle(node);
+    if (std::exchange(fIsWaiting, false)) return Progress::NeedsPiece;
   }
   setDerived();
-  return true;
+  return Progress::Done;
+}
+
+bool Builder::goesOn(pugi::xml_node aNode) const noexcept {
+  // Each tag that goes on is entered.
+  std::size_t const depth = fFrames.size() - 1;
+  return depth < fPieces.open().size() && fPieces.open()[depth] == aNode;
+}
+
+bool Builder::waitsForRest(pugi::xml_node aNode) {
+  if (!goesOn(aNode)) return false;
+  fFrom = fPieces.offsetOf(aNode.name()) - 1;
+  fLength = fPieces.longerFrom(fFrom);
+  return fIsWaiting = true;
 }
 
 void Builder::finish() {
-  for (auto const& [metaclass, count] : fCounts) {
-    fFiles.fReport.fElements[std::string(metaclass->fName)] += count;
+  auto made = fOwn.fMade.begin();
+  fOwn.fIds.enter([&](std::string_view aId, Element const& aElement) {
+    while (made->fElement.get() != &aElement) ++made;
+    fFiles.fReport.fDuplicateIds.emplace_back(aId, fFiles.place({fFile, made->fOffset}));
+  });
+  Metamodel::instance().forEach([this](Metaclass const& aMetaclass) {
+    std::size_t const count = fCounts[aMetaclass.fNumber];
+    if (count == 0) return;
+    fFiles.fReport.fElements[std::string(aMetaclass.fName)] += count;
     fFiles.fReport.fElementCount += count;
-  }
-}
-
-void Builder::declarePrefixes(pugi::xml_node aNode) {
-  for (pugi::xml_attribute const attribute : aNode.attributes()) {
-    std::string_view const name = attribute.name();
-    if (!isDeclaration(name)) continue;
-    std::string_view const prefix = name.size() > 6 ? name.substr(6) : std::string_view();
-    fPrefixes.declare(prefix, attribute.value());
-    Space const space = fPrefixes.all().back().fSpace;
-    if (space == Space::Uml && fUmlAddress.empty()) fUmlAddress = attribute.value();
-    if (space == Space::Xmi && fXmiAddress.empty()) fXmiAddress = attribute.value();
-  }
-}
-
-Builder::Head Builder::headOf(pugi::xml_node aNode) const {
-  Head head;
-  for (pugi::xml_attribute const attribute : aNode.attributes()) {
-    std::string_view const text = attribute.name();
-    if (text == "href") head.fHref = attribute.value();
-    if (text.find(':') == std::string_view::npos) continue;
-    QualifiedName const name(text);
-    Space const space = name.fPrefix == "xmi" ? Space::Xmi : fPrefixes.find(name.fPrefix);
-    if (space != Space::Xmi && space != Space::Xsi) continue;
-    if (name.fName == "id")
-      head.fId = attribute.value();
-    else if (name.fName == "type")
-      head.fType = attribute.value();
-    else if (name.fName == "idref" || name.fName == "uuidref")
-      head.fIdref = attribute.value();
-    else if (name.fName == "uuid")
-      head.fUuid = attribute.value();
-    else if (name.fName == "nil")
-      head.fIsNil = attribute.as_bool();
-  }
-  if (!head.fType.empty()) {
-    QualifiedName const type(head.fType);
-    // Without a prefix it is one of UML in a file that has to do with UML.
-    bool const isPlain = type.fPrefix.empty() && !fUmlAddress.empty();
-    head.fTypeSpace = isPlain ? Space::Uml : fPrefixes.find(type.fPrefix);
-  }
-  return head;
+  });
 }
 
 void Builder::handle(pugi::xml_node aNode) {
-  fOffset = offsetOf(aNode.name());
-  std::size_t const open = fPrefixes.open();
+  fOffset = fPieces.offsetOf(aNode.name());
+  std::size_t const open = fTags.open();
   std::size_t const depth = fFrames.size();
-  declarePrefixes(aNode);
-  QualifiedName const name(aNode.name());
-  Head const head = headOf(aNode);
   Frame const frame = fFrames.back();
-  if (frame.fIsUncovered)
-    handleUncovered(frame, aNode, name, head);
-  else if (frame.fElement == nullptr)
-    handleTop(aNode, name, head);
-  else
-    handleInside(frame, aNode, name, head);
+  if (frame.fContent > Content::Uncovered) {
+    handleBeside(frame, aNode);
+  } else {
+    QualifiedName const name(aNode.name());
+    Head const head = fTags.read(aNode);
+    if (frame.fContent == Content::Uncovered)
+      handleUncovered(frame, aNode, name, head);
+    else if (frame.fElement == nullptr)
+      handleTop(aNode, name, head);
+    else
+      handleInside(frame, aNode, name, head);
+  }
   // What the tag declares holds as long as its children are being handled.
   if (fFrames.size() > depth)
-    fFrames[depth].fOpen = open;
+    fFrames.back().fOpen = open;
   else
-    fPrefixes.close(open);
+    fTags.close(open);
+  if (fFrames.size() == depth && !fIsWaiting && goesOn(aNode))
+    enter(aNode, nullptr, nullptr, Content::Nothing);
 }
 
-void Builder::enter(pugi::xml_node aNode, Element* aElement, Metaclass const* aMetaclass, bool aIsUncovered) {
-  fFrames.push_back({aNode.first_child(), aElement, aMetaclass, fPrefixes.open(), aIsUncovered});
-}
-
-void Builder::enterExtension(Frame const& aFrame, pugi::xml_node aNode) {
-  // The first comes up last.
-  for (pugi::xml_node child = aNode.last_child(); child; child = child.previous_sibling())
-    if (std::string_view(child.name()) == "modelExtension")
-      enter(child, aFrame.fElement, aFrame.fMetaclass, aFrame.fIsUncovered);
+void Builder::enter(pugi::xml_node aNode, Element* aElement, Metaclass const* aMetaclass, Content aContent) {
+  pugi::xml_node const first = aNode.first_child();
+  if (!first) return;
+  std::uint64_t const offset = fPieces.offsetOf(aNode.name());
+  fFrames.push_back({first, aElement, aMetaclass, fTags.open(), aContent, offset});
 }
 
 void Builder::handleTop(pugi::xml_node aNode, QualifiedName aName, Head const& aHead) {
-  if (aName.fPrefix.empty() && aName.fName == "documentation") noteTool(aNode);
-  Space const space = fPrefixes.find(aName.fPrefix);
+  Space const space = fTags.space(aName.fPrefix);
   if (aName.fName == "XMI") return enter(aNode, nullptr, nullptr);
   bool const isElsewhere = !aHead.fHref.empty() || !aHead.fIdref.empty();
-  if (!isElsewhere && (space == Space::Uml || aHead.fTypeSpace == Space::Uml)) {
+  if (!isElsewhere && (space == Space::Uml || aHead.fTypeSaid.fSpace == Space::Uml)) {
     ++fFound;
     std::string_view const type =
-        aHead.fTypeSpace == Space::Uml ? QualifiedName(aHead.fType).fName : aName.fName;
-    Metaclass const* const metaclass = metaclassCalled(type);
+        aHead.fTypeSaid.fSpace == Space::Uml ? QualifiedName(aHead.fType).fName : aName.fName;
+    Metaclass const* const metaclass =
+        aHead.fTypeSaid.fSpace == Space::Uml ? aHead.fTypeSaid.fMetaclass : metaclassCalled(type);
     if (metaclass != nullptr && !metaclass->fAbstract) {
       if (fIsAgain) noteStyle(aNode, nullptr, *metaclass);
       Element& element = make(*metaclass, aNode, aHead);
@@ -168,18 +168,28 @@ void Builder::handleTop(pugi::xml_node aNode, QualifiedName aName, Head const& a
     }
     fault("metaclass", type, kKept, spotOf(aNode));
     keep(nullptr, spotOf(aNode));
-    return enter(aNode, nullptr, nullptr, true);
+    return enter(aNode, nullptr, nullptr, Content::Uncovered);
   }
-  handlePrefixed({{}, nullptr, nullptr, 0, false}, aNode, aName, aHead);
+  if (aName.fPrefix.empty() && aName.fName == "documentation") {
+    if (waitsForRest(aNode)) return;
+    noteTool(aNode);
+  }
+  handlePrefixed({{}, nullptr, nullptr, 0, Content::Covered, 0}, aNode, aName, aHead);
 }
 
 void Builder::handleInside(Frame const& aFrame, pugi::xml_node aNode, QualifiedName aName,
                            Head const& aHead) {
   if (!aName.fPrefix.empty()) return handlePrefixed(aFrame, aNode, aName, aHead);
-  Feature const* const feature = featureCalled(*aFrame.fMetaclass, aName.fName);
+  Feature const* const feature = featureOf(*aFrame.fMetaclass, aName.fName, NameWords(aName.fName));
   if (feature != nullptr) {
-    if (aHead.fIsNil) return;
-    if (feature->fKind == Kind::Reference) return handleReference(aFrame, *feature, aNode, aHead);
+    if (aHead.fIsNil) {
+      // What has a default is written so when it has no value.
+      if (!feature->fMany && !feature->fDerived && feature->fKind != Kind::Reference)
+        feature->fMethods->unsetEntry(aFrame.fElement, fDeviant, feature->fId);
+      return;
+    }
+    if (feature->fKind == Kind::Reference)
+      return handleReference(aFrame, *feature, aNode, aName.fName, aHead);
     return handleValue(aFrame, *feature, aNode, aHead);
   }
   keep(aFrame.fElement, spotOf(aNode));
@@ -191,31 +201,39 @@ void Builder::handleInside(Frame const& aFrame, pugi::xml_node aNode, QualifiedN
 void Builder::handleUncovered(Frame const& aFrame, pugi::xml_node aNode, QualifiedName aName,
                               Head const& aHead) {
   if (aName.fName == "eAnnotations" || !aHead.fHref.empty() || !aHead.fIdref.empty()) return;
-  Space const space = fPrefixes.find(aName.fPrefix);
+  Space const space = fTags.space(aName.fPrefix);
   Metaclass const* metaclass = nullptr;
-  if (aHead.fTypeSpace == Space::Uml)
-    metaclass = metaclassCalled(QualifiedName(aHead.fType).fName);
+  if (aHead.fTypeSaid.fSpace == Space::Uml)
+    metaclass = aHead.fTypeSaid.fMetaclass;
   else if (aHead.fType.empty() && space == Space::Uml)
     metaclass = metaclassCalled(aName.fName);
   // Parameters of templates are something else than those of behaviors.
   bool const isTemplate = std::string_view(aNode.parent().name()) == "ownedTemplateSignature";
   bool const isPlain = aHead.fType.empty() && aName.fPrefix.empty() && aNode.first_attribute();
-  if (metaclass == nullptr && isPlain && !isTemplate) {
-    std::string_view const type = headOf(aNode.parent()).fType;
-    std::string_view const owner = type.empty() ? aNode.parent().name() : type;
-    metaclass = impliedType(aFrame.fMetaclass, aName.fName, QualifiedName(owner).fName);
-  }
+  if (metaclass == nullptr && isPlain && !isTemplate)
+    metaclass = aFrame.fMetaclass != nullptr ? impliedType(aFrame.fMetaclass, aName.fName)
+                                             : impliedType(nullptr, aName.fName, typeSaidOf(aFrame));
   if (metaclass != nullptr && !metaclass->fAbstract) {
     note("element of an owner that is not covered", metaclass->fName, kAtTop, spotOf(aNode));
     Element& element = make(*metaclass, aNode, aHead);
     return enter(aNode, &element, metaclass);
   }
-  if (space == Space::Xmi) return enterExtension(aFrame, aNode);
-  if (space != Space::Other && aNode.first_child()) enter(aNode, nullptr, nullptr, true);
+  if (space == Space::Xmi) return enter(aNode, nullptr, nullptr, Content::UncoveredExtension);
+  if (space != Space::Other && aNode.first_child()) enter(aNode, nullptr, nullptr, Content::Uncovered);
+}
+
+std::string Builder::typeSaidOf(Frame const& aFrame) const {
+  // In a further piece the tag stands without its attributes.
+  std::string_view const text = fPieces.text();
+  for (markup::Attribute const& attribute : markup::attributes(text, aFrame.fOffset))
+    if (fTags.roleOf(attribute.fName) == TagReader::Role::Type)
+      return std::string(QualifiedName(attribute.fRaw).fName);
+  return std::string(QualifiedName(markup::nameAt(text, aFrame.fOffset)).fName);
 }
 
 void Builder::handleValue(Frame const& aFrame, Feature const& aFeature, pugi::xml_node aNode,
                           Head const& aHead) {
+  if (waitsForRest(aNode)) return;
   Spot const spot = spotOf(aNode);
   if (!aHead.fHref.empty() || !aHead.fIdref.empty() ||
       !setValue(*aFrame.fElement, aFeature, contentOf(aNode, fScratch), spot))
@@ -223,35 +241,38 @@ void Builder::handleValue(Frame const& aFrame, Feature const& aFeature, pugi::xm
 }
 
 void Builder::handleReference(Frame const& aFrame, Feature const& aFeature, pugi::xml_node aNode,
-                              Head const& aHead) {
+                              std::string_view aName, Head const& aHead) {
   Spot const spot = spotOf(aNode);
-  std::string_view const address = aHead.fIdref.empty() ? aHead.fHref : aHead.fIdref;
+  std::string_view address = aHead.fIdref.empty() ? aHead.fHref : aHead.fIdref;
+  bool const isText =
+      address.empty() && aHead.fType.empty() && !aFeature.fComposite && !aNode.first_attribute();
+  bool const isUml = aHead.fType.empty() || aHead.fTypeSaid.fSpace == Space::Uml;
+  if ((!address.empty() || isText) && waitsForRest(aNode)) return;
+  address = fPieces.lasting(address);
   if (!address.empty() && fIsAgain) fOwn.fStyle.note(aFeature, false);
   if (!address.empty()) {
     if (pugi::xml_node const more = aNode.first_child())
-      fReferences.addPath(address, more.child("referenceExtension").attribute("referentPath").value());
+      fReferences.addPath(
+          address, fPieces.lasting(more.child("referenceExtension").attribute("referentPath").value()));
     if (!aHead.fIdref.empty()) return fReferences.addAll(*aFrame.fElement, aFeature, address, spot);
     return fReferences.add(*aFrame.fElement, aFeature, address, spot);
   }
-  if (aHead.fType.empty() && !aFeature.fComposite && !aNode.first_attribute()) {
+  if (isText) {
     // An id as the text of a tag.
-    pugi::xml_text const text = aNode.text();
-    if (text) fReferences.addAll(*aFrame.fElement, aFeature, text.get(), spot);
+    fReferences.addAll(*aFrame.fElement, aFeature, fPieces.lasting(aNode.text().get()), spot);
     return;
   }
   // A name that tells no place of its own may tell the type.
-  bool const isOwnName = aFeature.fName == aNode.name();
-  Feature const* const written = isOwnName ? &aFeature : aFrame.fMetaclass->feature(aNode.name());
+  bool const isOwnName = aFeature.fName == aName;
+  Feature const* const written = isOwnName ? &aFeature : aFrame.fMetaclass->feature(aName);
   Feature const& named = written == nullptr || impliedType(*written) == nullptr ? aFeature : *written;
-  bool const isUml = aHead.fType.empty() || aHead.fTypeSpace == Space::Uml;
   if (!isUml) {
     keep(aFrame.fElement, spot);
     return note("namespace", aHead.fType, kKept, spot);
   }
-  Metaclass const* metaclass =
-      aHead.fType.empty() ? impliedType(named) : metaclassCalled(QualifiedName(aHead.fType).fName);
+  Metaclass const* metaclass = aHead.fType.empty() ? impliedType(named) : aHead.fTypeSaid.fMetaclass;
   if (metaclass == nullptr && aHead.fType.empty() && !isOwnName)
-    metaclass = impliedType(aFrame.fMetaclass, aNode.name());
+    metaclass = impliedType(aFrame.fMetaclass, aName);
   if (metaclass == nullptr || metaclass->fAbstract) {
     keep(aFrame.fElement, spot);
     if (aHead.fType.empty())
@@ -259,7 +280,7 @@ void Builder::handleReference(Frame const& aFrame, Feature const& aFeature, pugi
     else
       fault("metaclass", QualifiedName(aHead.fType).fName, kKept, spot);
     ++fFound;
-    return enter(aNode, nullptr, nullptr, true);
+    return enter(aNode, nullptr, nullptr, Content::Uncovered);
   }
   if (fIsAgain) noteStyle(aNode, &aFeature, *metaclass);
   Element& part = make(*metaclass, aNode, aHead);
@@ -280,77 +301,13 @@ void Builder::handleReference(Frame const& aFrame, Feature const& aFeature, pugi
   enter(aNode, &part, metaclass);
 }
 
-void Builder::handlePrefixed(Frame const& aFrame, pugi::xml_node aNode, QualifiedName aName,
-                             Head const& aHead) {
-  Spot const spot = spotOf(aNode);
-  switch (fPrefixes.find(aName.fPrefix)) {
-    case Space::Xmi:
-    case Space::Xsi:
-      keep(aFrame.fElement, spot);
-      if (aName.fName == "Documentation" || aName.fName == "documentation") return noteTool(aNode);
-      note("extension", aNode.name(), kKept, spot);
-      forEachEntry(aNode, [&](pugi::xml_node aEntry, std::string_view aId) {
-        std::string_view const stereotype = stereotypeIn(aEntry).value();
-        fReferences.addEntry(stereotype.empty() ? stereotype : lasting(stereotype), aId, spotOf(aEntry));
-      });
-      if (aFrame.fElement != nullptr) enterExtension(aFrame, aNode);
-      return;
-    case Space::Uml: {
-      Metaclass const* const metaclass = metaclassCalled(aName.fName);
-      if (aFrame.fElement == nullptr || metaclass == nullptr || metaclass->fAbstract) break;
-      Feature const* const place = placeOf(*aFrame.fMetaclass, *metaclass);
-      fault("element without a feature", aNode.name(),
-            place != nullptr ? "taken as " + std::string(place->fName) : std::string(kAtTop), spot);
-      Element& part = make(*metaclass, aNode, aHead);
-      if (place != nullptr) own(*aFrame.fElement, *place, part, aNode);
-      return enter(aNode, &part, metaclass);
-    }
-    default:
-      if (handleApplication(aNode, aName)) return;
-      break;
-  }
-  keep(aFrame.fElement, spot);
-  note("namespace", aNode.name(), kKept, spot);
-}
-
-void Builder::noteTool(pugi::xml_node aNode) {
-  Report::File& file = fFiles.fReport.fFiles[fFile];
-  auto const read = [&](std::string_view aName, std::string& aOut) {
-    for (pugi::xml_attribute const attribute : aNode.attributes())
-      if (QualifiedName(attribute.name()).fName == aName) aOut = attribute.value();
-    for (pugi::xml_node const child : aNode.children())
-      if (QualifiedName(child.name()).fName == aName) aOut = child.text().get();
-  };
-  read("exporter", file.fTool);
-  read("exporterVersion", file.fToolVersion);
-}
-
-bool Builder::handleApplication(pugi::xml_node aNode, QualifiedName aName) {
-  bool isApplication = false;
-  // The parser's text goes when all is read.
-  std::string_view const name = fOwn.fText.utf8().substr(offsetOf(aName.fName.data()), aName.fName.size());
-  auto const add = [&](std::string_view aAddress) {
-    isApplication = true;
-    forEachWord(aAddress, [&](auto aWord) { fReferences.addApplication(name, aWord, spotOf(aNode)); });
-  };
-  for (pugi::xml_attribute const attribute : aNode.attributes())
-    if (isBase(attribute.name())) add(attribute.value());
-  for (pugi::xml_node const child : aNode.children()) {
-    if (!isBase(child.name())) continue;
-    Head const head = headOf(child);
-    add(!head.fIdref.empty() ? head.fIdref : !head.fHref.empty() ? head.fHref : child.text().get());
-  }
-  if (isApplication) ++fFiles.fReport.fStereotypeCount;
-  return isApplication;
-}
-
 void Builder::noteStyle(pugi::xml_node aNode, Feature const* aFeature, Metaclass const& aMetaclass) {
   Style& style = fOwn.fStyle;
   bool isTyped = false;
   for (pugi::xml_attribute const attribute : aNode.attributes()) {
     QualifiedName const name(attribute.name());
-    Space const space = name.fPrefix.empty() ? Space::None : fPrefixes.find(name.fPrefix);
-    if (style.fQuote == 0) style.fQuote = fOwn.fText.utf8()[offsetOf(attribute.value()) - 1];
+    Space const space = name.fPrefix.empty() ? Space::None : fTags.space(name.fPrefix);
+    if (style.fQuote == 0) style.fQuote = fPieces.text()[fPieces.offsetOf(attribute.value()) - 1];
     if (space != Space::Xmi && space != Space::Xsi) continue;
     if (name.fName == "id" && style.fIdName.empty()) style.fIdName = attribute.name();
     if (name.fName != "type") continue;
@@ -365,10 +322,10 @@ void Builder::noteStyle(pugi::xml_node aNode, Feature const* aFeature, Metaclass
   }
 }
 
-std::string_view Builder::lasting(std::string_view aParsed) {
-  // It lives in the file's text, unless it stands there in another form.
-  std::string_view const text = fOwn.fText.utf8().substr(offsetOf(aParsed.data()), aParsed.size());
-  return text == aParsed ? text : fOwn.fDecoded.emplace_back(aParsed);
+Feature const* Builder::featureOf(Metaclass const& aMetaclass, std::string_view aName,
+                                  NameWords const& aWords) {
+  return fFeatures.get(reinterpret_cast<std::uintptr_t>(&aMetaclass), aName, aWords,
+                       [&] { return featureCalled(aMetaclass, aName); });
 }
 
 Element& Builder::make(Metaclass const& aMetaclass, pugi::xml_node aNode, Head const& aHead) {
@@ -376,16 +333,13 @@ Element& Builder::make(Metaclass const& aMetaclass, pugi::xml_node aNode, Head c
   Kelm::ClassObject const made =
       createElement(fModel, Kelm::ImmutableClass(aMetaclass.fClass, Kelm::metaDeviant()));
   Element& element = *made.get();
-  fOwn.fMade.push_back({ElementPtr(&element), offsetOf(aNode.name())});
-  ++fCounts[&aMetaclass];
-  if (!aHead.fId.empty()) {
-    std::string_view const id = lasting(aHead.fId);
-    if (!fOwn.fIds.insert(id, element))
-      fFiles.fReport.fDuplicateIds.emplace_back(id, fFiles.place(spotOf(aNode)));
-  }
-  if (!aHead.fUuid.empty()) fReferences.addUuid(aHead.fUuid, element);
-  readAttributes(element, aMetaclass, aNode);
-  if (aMetaclass.fReentrant != nullptr && isReentrantByDefault(fUmlAddress) &&
+  fOwn.fMade.push_back({ElementPtr(&element), fOffset});
+  ++fCounts[aMetaclass.fNumber];
+  if (!aHead.fId.empty()) fOwn.fIds.add(fPieces.lasting(aHead.fId), element);
+  if (!aHead.fUuid.empty()) fReferences.addUuid(fPieces.lasting(aHead.fUuid), element);
+  for (TagReader::Attribute const& attribute : fTags.attributes())
+    readAttribute(element, aMetaclass, attribute);
+  if (aMetaclass.fReentrant != nullptr && isReentrantByDefault(umlAddress()) &&
       !aNode.attribute("isReentrant"))
     setValue(element, *aMetaclass.fReentrant, "true", spotOf(aNode));
   return element;
@@ -394,39 +348,34 @@ Element& Builder::make(Metaclass const& aMetaclass, pugi::xml_node aNode, Head c
 void Builder::own(Element& aOwner, Feature const& aFeature, Element& aPart, pugi::xml_node aNode) {
   try {
     Kelm::ClassObject const part(&aPart, fDeviant);
-    if (aFeature.fMany)
-      aFeature.fMethods->getSequenceEntry(&aOwner, fDeviant, aFeature.fId)
-          ->generic_push_back(fDeviant, Kelm::Generic::RefAccess<Kelm::ClassObject>::make(part));
-    else
-      aFeature.fMethods->setEntry(&aOwner, fDeviant, aFeature.fId, Kelm::Object(&aPart, fDeviant));
+    if (!aFeature.fMany)
+      return aFeature.fMethods->setEntry(&aOwner, fDeviant, aFeature.fId, Kelm::Object(&aPart, fDeviant));
+    if (fPartsOwner != &aOwner || fPartsFeature != &aFeature) {
+      fParts = aFeature.fMethods->getSequenceEntry(&aOwner, fDeviant, aFeature.fId);
+      fPartsOwner = &aOwner;
+      fPartsFeature = &aFeature;
+    }
+    fParts->generic_push_back(fDeviant, Kelm::Generic::RefAccess<Kelm::ClassObject>::make(part));
   } catch (Kelm::Exception const& refusal) {
     fault("value refused", std::string(aFeature.fName) + ": " + refusal.what(), kAtTop, spotOf(aNode));
   }
 }
 
-void Builder::readAttributes(Element& aElement, Metaclass const& aMetaclass, pugi::xml_node aNode) {
-  for (pugi::xml_attribute const attribute : aNode.attributes())
-    readAttribute(aElement, aMetaclass, attribute);
-}
-
-void Builder::readAttribute(Element& aElement, Metaclass const& aMetaclass, pugi::xml_attribute aAttribute) {
-  std::string_view const name = aAttribute.name();
-  if (name.find(':') != std::string_view::npos || name == "xmlns") {
-    if (isDeclaration(name)) return;
-    Space const space = fPrefixes.find(QualifiedName(name).fPrefix);
-    if (space == Space::Xmi || space == Space::Xsi) return;
-    return keep(&aElement, spotOf(aAttribute.name()), true);
-  }
-  Spot const spot = spotOf(aAttribute.name());
-  Feature const* const feature = featureCalled(aMetaclass, name);
+void Builder::readAttribute(Element& aElement, Metaclass const& aMetaclass,
+                            TagReader::Attribute const& aAttribute) {
+  using Role = TagReader::Role;
+  if (aAttribute.fRole != Role::Plain && aAttribute.fRole != Role::Foreign) return;
+  Spot const spot = spotOf(aAttribute.fName.data());
+  if (aAttribute.fRole == Role::Foreign) return keep(&aElement, spot, true);
+  Feature const* const feature = featureOf(aMetaclass, aAttribute.fName, aAttribute.fWords);
   if (feature == nullptr) {
-    fault("feature", in(aMetaclass, name), kKept, spot);
+    fault("feature", in(aMetaclass, aAttribute.fName), kKept, spot);
     return keep(&aElement, spot, true);
   }
   if (feature->fKind == Kind::Reference && fIsAgain) fOwn.fStyle.note(*feature, true);
   if (feature->fKind == Kind::Reference)
-    return fReferences.addAll(aElement, *feature, aAttribute.value(), spot);
-  if (!setValue(aElement, *feature, aAttribute.value(), spot)) keep(&aElement, spot, true);
+    return fReferences.addAll(aElement, *feature, fPieces.lasting(aAttribute.fValue), spot);
+  if (!setValue(aElement, *feature, aAttribute.fValue, spot)) keep(&aElement, spot, true);
 }
 
 bool Builder::setValue(Element& aElement, Feature const& aFeature, std::string_view aText, Spot aSpot) {
@@ -491,8 +440,9 @@ void Builder::fault(std::string_view aKind, std::string_view aWhat, std::string_
 
 std::string Builder::path() const {
   std::string path;
+  Element const* last = nullptr;
   for (Frame const& frame : fFrames) {
-    if (frame.fElement == nullptr) continue;
+    if (frame.fElement == nullptr || std::exchange(last, frame.fElement) == frame.fElement) continue;
     if (!path.empty()) path += "::";
     Feature const* const name = frame.fMetaclass->feature("name");
     Kelm::Object const value =

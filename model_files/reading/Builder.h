@@ -3,12 +3,12 @@
 #include <pugixml.hpp>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
-#include "model_files/dialect/namespaces.h"
 #include "model_files/reading/Findings.h"
+#include "model_files/reading/Pieces.h"
 #include "model_files/reading/References.h"
+#include "model_files/reading/TagReader.h"
 #include "model_files/store/ModelFiles.h"
 
 namespace umlmm::files {
@@ -16,24 +16,35 @@ namespace umlmm::files {
 /// Makes elements from the tags of one file, each with its values; references wait in `References`.
 class Builder {
  public:
-  /// `aText` is where the parser has put the file's text: offsets count from its start. `aIsAgain`: for
-  /// writing, with a look at how the file writes things.
-  Builder(ModelFiles& aFiles, std::uint32_t aFile, Kelm::Model const& aModel, Findings& aFindings,
-          References& aReferences, char const* aText, bool aIsAgain);
+  enum class Progress { Going, NeedsPiece, Done };
 
-  void start(pugi::xml_document const& aDocument);
-  /// Handles some more tags; true when none is left.
-  bool step(std::size_t aCount);
+  /// `aIsAgain`: for writing, with a look at how the file writes things.
+  Builder(ModelFiles& aFiles, std::uint32_t aFile, Kelm::Model const& aModel, Findings& aFindings,
+          References& aReferences, bool aIsAgain);
+
+  /// Parses the next piece of the text. First, and whenever `step` asks for one.
+  pugi::xml_parse_result parse();
+  /// Handles some more tags.
+  Progress step(std::size_t aCount);
   /// What comes when none is left.
   void finish();
   /// Offset of the tag that comes next.
   std::size_t offset() const noexcept { return fOffset; }
   /// Elements of UML 2 that were found, known metaclass or not.
   std::size_t found() const noexcept { return fFound; }
-  std::string_view umlAddress() const noexcept { return fUmlAddress; }
-  std::string_view xmiAddress() const noexcept { return fXmiAddress; }
+  std::string_view umlAddress() const noexcept { return fTags.umlAddress(); }
+  std::string_view xmiAddress() const noexcept { return fTags.xmiAddress(); }
 
  private:
+  /// What the children of a tag are.
+  enum class Content : std::uint8_t {
+    Covered,             ///< Elements and their values.
+    Uncovered,           ///< The same in an element that no metaclass covers.
+    Extension,           ///< A tool's own.
+    UncoveredExtension,  ///< The same in an element that no metaclass covers.
+    Entries,             ///< A tool's own, with entries about elements.
+    Nothing              ///< Nothing to be read.
+  };
   /// A tag whose children are being handled.
   struct Frame {
     pugi::xml_node fNext;
@@ -41,52 +52,49 @@ class Builder {
     Element* fElement;
     Metaclass const* fMetaclass;
     std::size_t fOpen;
-    /// In an element that no metaclass covers.
-    bool fIsUncovered;
+    Content fContent;
+    /// Of the tag's name.
+    std::uint64_t fOffset;
   };
-  /// What the attributes of a tag say of the tag itself.
-  struct Head {
-    std::string_view fType;
-    Space fTypeSpace = Space::None;
-    std::string_view fId;
-    std::string_view fUuid;
-    std::string_view fIdref;
-    std::string_view fHref;
-    bool fIsNil = false;
-  };
+  using Head = TagReader::Head;
+  // What becomes of things that were not understood.
+  static constexpr std::string_view kKept = "kept as written";
+  static constexpr std::string_view kAtTop = "stands at the top level of the model";
 
-  std::uint64_t offsetOf(char const* aName) const noexcept {
-    return static_cast<std::uint64_t>(aName - fText);
-  }
-  Spot spotOf(char const* aName) const noexcept { return {fFile, offsetOf(aName)}; }
+  Spot spotOf(char const* aName) const noexcept { return {fFile, fPieces.offsetOf(aName)}; }
   Spot spotOf(pugi::xml_node aNode) const noexcept { return spotOf(aNode.name()); }
 
-  void declarePrefixes(pugi::xml_node aNode);
-  Head headOf(pugi::xml_node aNode) const;
+  /// Whether the piece ends inside of what the tag is about, and that has to be there as a whole: it is
+  /// handled again when it is. To be asked before anything is done, where more than the tag is read.
+  bool waitsForRest(pugi::xml_node aNode);
+  /// Whether the piece ends inside of it.
+  bool goesOn(pugi::xml_node aNode) const noexcept;
   void handle(pugi::xml_node aNode);
   void handleTop(pugi::xml_node aNode, QualifiedName aName, Head const& aHead);
   void handleInside(Frame const& aFrame, pugi::xml_node aNode, QualifiedName aName, Head const& aHead);
   void handleUncovered(Frame const& aFrame, pugi::xml_node aNode, QualifiedName aName, Head const& aHead);
+  /// What the file calls the owner that no metaclass covers.
+  std::string typeSaidOf(Frame const& aFrame) const;
   void handleValue(Frame const& aFrame, Feature const& aFeature, pugi::xml_node aNode, Head const& aHead);
-  void handleReference(Frame const& aFrame, Feature const& aFeature, pugi::xml_node aNode, Head const& aHead);
+  void handleReference(Frame const& aFrame, Feature const& aFeature, pugi::xml_node aNode,
+                       std::string_view aName, Head const& aHead);
   void handlePrefixed(Frame const& aFrame, pugi::xml_node aNode, QualifiedName aName, Head const& aHead);
+  void handleBeside(Frame const& aFrame, pugi::xml_node aNode);
   void noteTool(pugi::xml_node aNode);
   bool handleApplication(pugi::xml_node aNode, QualifiedName aName);
 
   void noteStyle(pugi::xml_node aNode, Feature const* aFeature, Metaclass const& aMetaclass);
-  /// The same text where it lives as long as the file.
-  std::string_view lasting(std::string_view aParsed);
+  /// Null if the metaclass has none.
+  Feature const* featureOf(Metaclass const& aMetaclass, std::string_view aName, NameWords const& aWords);
   Element& make(Metaclass const& aMetaclass, pugi::xml_node aNode, Head const& aHead);
   void own(Element& aOwner, Feature const& aFeature, Element& aPart, pugi::xml_node aNode);
-  void readAttributes(Element& aElement, Metaclass const& aMetaclass, pugi::xml_node aNode);
-  void readAttribute(Element& aElement, Metaclass const& aMetaclass, pugi::xml_attribute aAttribute);
+  void readAttribute(Element& aElement, Metaclass const& aMetaclass, TagReader::Attribute const& aAttribute);
   bool setValue(Element& aElement, Feature const& aFeature, std::string_view aText, Spot aSpot);
   bool assign(Element& aElement, Feature const& aFeature, std::string_view aText, Spot aSpot);
   /// What files say of features that follow from others, when those are known.
   void setDerived();
-  /// What one tool keeps of an element in the extension beside it.
-  void enterExtension(Frame const& aFrame, pugi::xml_node aNode);
-  void enter(pugi::xml_node aNode, Element* aElement, Metaclass const* aMetaclass, bool aIsUncovered = false);
+  void enter(pugi::xml_node aNode, Element* aElement, Metaclass const* aMetaclass,
+             Content aContent = Content::Covered);
 
   void keep(Element* aElement, Spot aSpot, bool aIsAttribute = false) {
     fFiles.fKept.push_back({ElementPtr(aElement), aSpot, aIsAttribute});
@@ -104,8 +112,13 @@ class Builder {
   Kelm::Deviant fDeviant;
   Findings& fFindings;
   References& fReferences;
-  char const* fText;
-  Prefixes fPrefixes;
+  Pieces fPieces;
+  TagReader fTags{fPieces};
+  Memo<Feature const*> fFeatures;
+  /// Where the next piece begins, and how long it has to be at least.
+  std::size_t fFrom = 0;
+  std::size_t fLength = 0;
+  bool fIsWaiting = false;
   std::vector<Frame> fFrames;
   struct Derived {
     Element* fElement;
@@ -116,9 +129,12 @@ class Builder {
   std::vector<Derived> fDerived;
   std::size_t fOffset = 0;
   std::size_t fFound = 0;
-  std::unordered_map<Metaclass const*, std::size_t> fCounts;
-  std::string_view fUmlAddress;
-  std::string_view fXmiAddress;
+  /// Elements by metaclass.
+  std::vector<std::size_t> fCounts;
+  /// The list that got a part last; the next one mostly goes there as well.
+  Element const* fPartsOwner = nullptr;
+  Feature const* fPartsFeature = nullptr;
+  Kelm::Generic::SequenceIntf* fParts = nullptr;
   std::string fScratch;
   bool fIsAgain;
 };

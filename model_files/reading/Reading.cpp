@@ -72,7 +72,8 @@ double Reading::progress() const noexcept {
   auto const files = static_cast<double>(fInputs.size());
   double part = static_cast<double>(fAt) / files;
   if (fBuilder)
-    part += static_cast<double>(fBuilder->offset()) / static_cast<double>(fBuffer.size() + 1) / files;
+    part += static_cast<double>(fBuilder->offset()) /
+            static_cast<double>(fFiles->fFiles.back().fText.utf8().size() + 1) / files;
   double const references = fReferences.count() == 0 ? 0
                                                      : static_cast<double>(fReferences.done()) /
                                                            static_cast<double>(fReferences.count());
@@ -83,8 +84,9 @@ double Reading::progress() const noexcept {
 
 bool Reading::advance() {
   if (fBuilder) {
-    if (!fBuilder->step(kChunk)) return false;
-    endFile();
+    auto const progress = fBuilder->step(kChunk);
+    if (progress == Builder::Progress::NeedsPiece) parse();
+    if (progress == Builder::Progress::Done) endFile();
     return false;
   }
   if (fAt == fInputs.size() && fReferences.done() == 0)
@@ -119,18 +121,27 @@ void Reading::startFile() {
   fFiles->fReport.fFiles.push_back(
       {file.fText.name(), "", "", "", file.fText.encoding(), file.fText.bytes()});
   if (isNoXml(text)) throw NotUml(whatItIs(file.fText));
-  // The parser writes into its text.
+  if (fAt >= fAsked) checkWhole(file);
+  fBuilder = std::make_unique<Builder>(*fFiles, number, fModel, fFindings, fReferences, fIsAgain);
+  parse();
+}
+
+void Reading::parse() {
   auto const start = Clock::now();
-  fBuffer.assign(text);
-  constexpr unsigned kFlags = pugi::parse_cdata | pugi::parse_escapes | pugi::parse_wconv_attribute |
-                              pugi::parse_eol | pugi::parse_embed_pcdata;
-  pugi::xml_parse_result const result =
-      fDocument.load_buffer_inplace(fBuffer.data(), fBuffer.size(), kFlags, pugi::encoding_utf8);
+  pugi::xml_parse_result const result = fBuilder->parse();
   fFiles->fReport.fParseTime += since(start);
-  if (!result) refuse(file, result);
-  fBuilder =
-      std::make_unique<Builder>(*fFiles, number, fModel, fFindings, fReferences, fBuffer.data(), fIsAgain);
-  fBuilder->start(fDocument);
+  if (!result) refuse(fFiles->fFiles.back(), result);
+}
+
+void Reading::checkWhole(ModelFile const& aFile) {
+  // Elements that were built of its first pieces could not be taken back.
+  auto const start = Clock::now();
+  std::string_view const text = aFile.fText.utf8();
+  pugi::xml_document document;
+  pugi::xml_parse_result const result = document.load_buffer(
+      text.data(), text.size(), pugi::parse_minimal | pugi::parse_fragment, pugi::encoding_utf8);
+  fFiles->fReport.fParseTime += since(start);
+  if (!result) refuse(aFile, result);
 }
 
 void Reading::refuse(ModelFile const& aFile, pugi::xml_parse_result const& aResult) {
@@ -150,17 +161,14 @@ void Reading::endFile() {
   file.fStyle.fReentrant = isReentrantByDefault(fBuilder->umlAddress());
   file.fStyle.complete();
   fBuilder.reset();
-  fParsed.push_back({std::move(fBuffer), std::move(fDocument)});
-  fDocument = pugi::xml_document();
-  fBuffer = {};
+  ++fReadCount;
   ++fAt;
 }
 
 void Reading::dropFile() {
   fBuilder.reset();
-  fDocument = pugi::xml_document();
   // One that can't be opened has not come so far.
-  if (fFiles->fReport.fFiles.size() > fParsed.size()) {
+  if (fFiles->fReport.fFiles.size() > fReadCount) {
     auto const number = static_cast<std::uint32_t>(fFiles->fFiles.size() - 1);
     std::erase_if(fFiles->fKept, [&](Kept const& aKept) { return aKept.fSpot.fFile == number; });
     fReferences.drop(number);
@@ -173,7 +181,6 @@ void Reading::dropFile() {
 void Reading::finish() {
   auto const start = Clock::now();
   fReferences.finish();
-  fParsed.clear();
   if (fOptions.fBind && !fFiles->fFiles.empty()) bindTo(fModel, fFiles->fReport.fFiles.front().fPath);
   fFiles->fRevision = fModel.object().revision();
   fFiles->fReport.fBuildTime = fTime + since(start) - fFiles->fReport.fParseTime;

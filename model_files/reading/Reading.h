@@ -27,13 +27,11 @@ class Reading {
   Kelm::Model model() const { return fIsDone ? fModel : Kelm::Model(); }
 
  private:
-  struct Parsed {
-    std::string fBuffer;
-    pugi::xml_document fDocument;
-  };
-
   bool advance();
   void startFile();
+  void parse();
+  /// Raises Error for a text that can't be parsed to its end.
+  void checkWhole(ModelFile const& aFile);
   [[noreturn]] void refuse(ModelFile const& aFile, pugi::xml_parse_result const& aResult);
   void endFile();
   /// Takes back a file that nobody asked for and that can't be read.
@@ -49,12 +47,10 @@ class Reading {
   References fReferences;
   /// Seconds of all steps.
   double fTime = 0;
-  std::string fBuffer;
-  pugi::xml_document fDocument;
   std::unique_ptr<Builder> fBuilder;
-  /// Addresses of references lie in the parser's texts, which stay until they are resolved.
-  std::vector<Parsed> fParsed;
   std::size_t fAt = 0;
+  /// Files that were read to their end.
+  std::size_t fReadCount = 0;
   /// Files that were asked for; the rest is needed by these.
   std::size_t fAsked;
   std::set<std::filesystem::path> fLocations;

@@ -1,6 +1,7 @@
 #include "model_files/reading/References.h"
 
 #include <algorithm>
+#include <array>
 #include <filesystem>
 #include <functional>
 #include <set>
@@ -27,13 +28,36 @@ std::string decoded(std::string_view aText) {
   return text;
 }
 
+/// Has the memory of an element come, as far as a link needs it of most.
+void prefetch(Element const* aElement) noexcept {
+  auto const* const bytes = reinterpret_cast<char const*>(aElement);
+  for (std::size_t at = 0; at < 192; at += 64) __builtin_prefetch(bytes + at, 1);
+}
+
 }  // namespace
 
 References::References(ModelFiles& aFiles, Kelm::Model const& aModel, Findings& aFindings)
     : fFiles(aFiles), fModel(aModel), fDeviant(aModel.getDeviant()), fFindings(aFindings) {}
 
 bool References::step(std::size_t aCount) {
-  for (; fNext < fPending.size() && aCount > 0; --aCount) resolve(fPending[fNext++]);
+  std::array<std::string_view, IdTable::kTogether> ids;
+  std::array<Element*, IdTable::kTogether> found{};
+  for (std::size_t done = 0; fNext < fPending.size() && done < aCount; done += ids.size()) {
+    std::span const some =
+        std::span<Pending const>(fPending).subspan(fNext, std::min(ids.size(), fPending.size() - fNext));
+    // Nearly all lead to ids of their own files.
+    std::uint32_t const file = some.front().fFile;
+    for (std::size_t at = 0; at < some.size(); ++at)
+      ids[at] = some[at].fIsList || some[at].fFile != file ? std::string_view() : some[at].address();
+    fFiles.fFiles[file].fIds.find(std::span(ids).first(some.size()), found);
+    for (std::size_t at = 0; at < some.size(); ++at) {
+      prefetch(some[at].fElement);
+      prefetch(found[at]);
+    }
+    // A failure ends the reading: what is left does not matter then.
+    fNext += some.size();
+    for (std::size_t at = 0; at < some.size(); ++at) resolve(some[at], found[at]);
+  }
   return fNext == fPending.size();
 }
 
@@ -45,17 +69,23 @@ void References::finish() {
 }
 
 void References::addAll(Element& aElement, Feature const& aFeature, std::string_view aText, Spot aSpot) {
+  if (aText.empty()) return;
+  // Each byte of every reference comes by here: several are looked at in a step, as there is no way out of
+  // the loop. Sets of characters took a twentieth of a reading.
+  bool hasBlanks = false;
+  for (char const byte : aText) hasBlanks |= static_cast<unsigned char>(byte) <= ' ';
+  if (!hasBlanks) return add(aElement, aFeature, aText, aSpot);
   constexpr std::string_view kBlanks = " \t\r\n";
   std::size_t const from = aText.find_first_not_of(kBlanks);
   if (from == std::string_view::npos) return;
   aText = aText.substr(from, aText.find_last_not_of(kBlanks) - from + 1);
-  fPending.push_back({&aElement, &aFeature, aText, aSpot, aText.find_first_of(kBlanks) != aText.npos});
+  fPending.push_back({aElement, aFeature, aText, aSpot, aText.find_first_of(kBlanks) != aText.npos});
 }
 
 void References::resolveAll(Pending const& aReferences) {
   // Ids may have blanks in them: what is no id may be one together with what follows.
   constexpr std::size_t kMostWords = 8;
-  std::string_view const text = aReferences.fAddress;
+  std::string_view const text = aReferences.address();
   std::vector<std::string_view> words;
   forEachWord(text, [&](auto aWord) { words.push_back(aWord); });
   auto const joined = [&](std::size_t aFirst, std::size_t aLast) {
@@ -67,31 +97,45 @@ void References::resolveAll(Pending const& aReferences) {
     std::size_t last = first;
     Element* value = nullptr;
     std::size_t const end = std::min(words.size(), first + kMostWords);
-    for (; last < end && value == nullptr; ++last) value = find(joined(first, last), aReferences.fSpot.fFile);
+    for (; last < end && value == nullptr; ++last) value = find(joined(first, last), aReferences.fFile);
     // Back to the last word of what was found.
     last = value == nullptr ? first : last - 1;
-    settle({aReferences.fElement, aReferences.fFeature, joined(first, last), aReferences.fSpot, false},
+    settle({*aReferences.fElement, *aReferences.fFeature, joined(first, last), aReferences.spot(), false},
            value);
     first = last;
   }
 }
 
-void References::resolve(Pending const& aReference) {
+void References::resolve(Pending const& aReference, Element* aFound) {
   Feature const& feature = *aReference.fFeature;
   if (feature.fDerived && !feature.fComposite)
     return fFindings.add(Findings::Weight::Note, "derived feature", feature.fName, "follows from others",
-                         aReference.fSpot, [] { return std::string(); });
+                         aReference.spot(), [] { return std::string(); });
   if (aReference.fIsList) return resolveAll(aReference);
-  settle(aReference, find(aReference.fAddress, aReference.fSpot.fFile));
+  settle(aReference, aFound != nullptr ? aFound : find(aReference.address(), aReference.fFile));
 }
 
 void References::settle(Pending const& aReference, Element* aValue) {
-  if (aValue != nullptr) return link(aReference, *aValue);
+  if (aValue != nullptr) return link(aReference, partMeant(aReference, *aValue));
   Feature const& feature = *aReference.fFeature;
   fFindings.add(Findings::Weight::Fault, "unresolved reference", feature.fName, "kept as written",
-                aReference.fSpot, [&] { return pathOf(*aReference.fElement, fDeviant); });
+                aReference.spot(), [&] { return pathOf(*aReference.fElement, fDeviant); });
   fFiles.fDangling.push_back(
-      {ElementPtr(aReference.fElement), &feature, std::string(aReference.fAddress), aReference.fSpot});
+      {ElementPtr(aReference.fElement), &feature, std::string(aReference.address()), aReference.spot()});
+}
+
+Element& References::partMeant(Pending const& aReference, Element& aValue) {
+  if (!aReference.fFeature->fComposite) return aValue;
+  if (!fDuplicateIds) {
+    fDuplicateIds.emplace();
+    for (auto const& [id, place] : fFiles.fReport.fDuplicateIds) fDuplicateIds->insert(id);
+  }
+  if (!fDuplicateIds->contains(aReference.address()) || containerOf(aValue, fDeviant) == aReference.fElement)
+    return aValue;
+  Feature const& parts = *Metamodel::instance().metaclassOf(*aReference.fElement).feature("ownedElement");
+  for (Element* const part : elementsOf(*aReference.fElement, parts, fDeviant))
+    if (fFiles.idOf(*part) == aReference.address()) return *part;
+  return aValue;
 }
 
 void References::link(Pending const& aReference, Element& aValue) {
@@ -103,13 +147,13 @@ void References::link(Pending const& aReference, Element& aValue) {
     feature.fMethods->getSequenceEntry(aReference.fElement, fDeviant, feature.fId)
         ->generic_push_back(fDeviant, Kelm::Generic::RefAccess<Kelm::ClassObject>::make(
                                           Kelm::ClassObject(&aValue, fDeviant)));
-    fLinked.push_back({aReference.fElement, &feature, &aValue, aReference.fSpot.fOffset});
+    fLinked.push_back({aReference.fElement, &feature, &aValue, aReference.fOffset});
   } catch (Kelm::Exception const& refusal) {
     fFindings.add(Findings::Weight::Fault, "value refused",
-                  std::string(feature.fName) + ": " + refusal.what(), "kept as written", aReference.fSpot,
+                  std::string(feature.fName) + ": " + refusal.what(), "kept as written", aReference.spot(),
                   [&] { return pathOf(*aReference.fElement, fDeviant); });
     fFiles.fDangling.push_back(
-        {ElementPtr(aReference.fElement), &feature, std::string(aReference.fAddress), aReference.fSpot});
+        {ElementPtr(aReference.fElement), &feature, std::string(aReference.address()), aReference.spot()});
   }
 }
 
@@ -245,10 +289,10 @@ std::vector<std::string> References::wanted() {
   std::vector<std::string> wanted;
   for (; fSeen < fPending.size(); ++fSeen) {
     Pending const& reference = fPending[fSeen];
-    std::uint32_t const from = reference.fSpot.fFile;
+    std::uint32_t const from = reference.fFile;
     bool const isPart = reference.fFeature->fComposite;
     if ((!isPart && fFiles.fPlaces.empty()) || fFiles.fFiles[from].fPath.empty()) continue;
-    forEachWord(reference.fAddress, [&](std::string_view aAddress) {
+    forEachWord(reference.address(), [&](std::string_view aAddress) {
       std::size_t const hash = aAddress.find('#');
       if (hash == 0 || hash == aAddress.npos) return;
       std::string_view const file = aAddress.substr(0, hash);
@@ -284,10 +328,13 @@ Element* References::primitive(std::string_view aName, std::string_view aAddress
 }
 
 void References::resolveApplications() {
+  std::vector<Application>& rows = fFiles.fApplications;
   for (PendingApplication const& application : fApplications) {
     Element* const base = find(application.fAddress, application.fSpot.fFile);
     if (base != nullptr) {
-      fFiles.fApplications.push_back({ElementPtr(base), application.fName, application.fSpot});
+      bool const isSame = !rows.empty() && rows.back().fSpot == application.fSpot;
+      std::uint32_t const number = isSame ? rows.back().fNumber : fFiles.fApplicationCount++;
+      rows.push_back({ElementPtr(base), application.fName, application.fSpot, application.fBase, number});
       continue;
     }
     fFindings.add(Findings::Weight::Fault, "stereotype on an unknown element", application.fName,
@@ -305,15 +352,16 @@ void References::resolveEntries() {
     Element* const element = find(entry.fAddress, entry.fSpot.fFile);
     if (element == nullptr) continue;
     bool const isNew = !entry.fName.empty() && known.emplace(element, entry.fName).second;
-    fFiles.fApplications.push_back(
-        {ElementPtr(element), isNew ? entry.fName : std::string_view(), entry.fSpot, true});
+    fFiles.fApplications.push_back({ElementPtr(element), isNew ? entry.fName : std::string_view(),
+                                    entry.fSpot, entry.fBase, fFiles.fApplicationCount++, true});
     if (isNew) ++fFiles.fReport.fStereotypeCount;
   }
 }
 
 void References::order() {
   auto const key = [](Linked const& aLink) { return std::pair(aLink.fElement, aLink.fFeature); };
-  std::ranges::stable_sort(fLinked, std::less<>(), key);
+  if (!std::ranges::is_sorted(fLinked, std::less<>(), key))
+    std::ranges::stable_sort(fLinked, std::less<>(), key);
   std::vector<Element*> values;
   for (std::size_t from = 0; from < fLinked.size();) {
     std::size_t to = from;
@@ -341,6 +389,7 @@ void References::addParts(std::span<Linked const> aLinked, std::vector<Element*>
 
 void References::order(Element& aElement, Feature const& aFeature, std::span<Element* const> aValues) {
   auto const current = elementsOf(aElement, aFeature, fDeviant);
+  if (std::ranges::equal(current, aValues)) return;
   std::unordered_map<Element const*, int> places;
   for (std::size_t at = 0; at < current.size(); ++at) places.emplace(current[at], static_cast<int>(at));
   std::vector<int> from;

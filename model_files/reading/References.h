@@ -1,12 +1,15 @@
 #pragma once
 
+#include <algorithm>
 #include <filesystem>
 #include <map>
+#include <optional>
 #include <set>
 #include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "model_files/reading/Findings.h"
@@ -22,7 +25,12 @@ class References {
   /// `aAddress` is an id, or an address with a file or a path: "a.uml#x", "#//shop/Order". The text lives
   /// until all is resolved.
   void add(Element& aElement, Feature const& aFeature, std::string_view aAddress, Spot aSpot) {
-    fPending.push_back({&aElement, &aFeature, aAddress, aSpot, false});
+    fPending.push_back({aElement, aFeature, aAddress, aSpot, false});
+  }
+  /// Makes room for so many more.
+  void reserve(std::size_t aCount) {
+    std::size_t const all = fPending.size() + aCount;
+    if (all > fPending.capacity()) fPending.reserve(std::max(all, 2 * fPending.capacity()));
   }
   /// All addresses of a text.
   void addAll(Element& aElement, Feature const& aFeature, std::string_view aText, Spot aSpot);
@@ -33,12 +41,12 @@ class References {
   /// An element by its universal id, where no id of a file is meant.
   void addUuid(std::string_view aUuid, Element& aElement) { fUuids.emplace_back(aUuid, &aElement); }
   /// A stereotype's reference to what it extends.
-  void addApplication(std::string_view aName, std::string_view aAddress, Spot aSpot) {
-    fApplications.push_back({aName, aAddress, aSpot});
+  void addApplication(std::string_view aName, std::string_view aAddress, Spot aSpot, std::uint64_t aBase) {
+    fApplications.push_back({aName, aAddress, aSpot, aBase});
   }
   /// The same of what a tool keeps in its extension; the name is empty for no stereotype.
   void addEntry(std::string_view aName, std::string_view aAddress, Spot aSpot) {
-    fEntries.push_back({aName, aAddress, aSpot});
+    fEntries.push_back({aName, aAddress, aSpot, 0});
   }
 
   /// Files that are not read, are there, and hold parts of elements that were read, or things at addresses
@@ -55,18 +63,34 @@ class References {
   std::size_t done() const noexcept { return fNext; }
 
  private:
+  /// Small, as there are millions.
   struct Pending {
     Element* fElement;
     Feature const* fFeature;
-    std::string_view fAddress;
-    Spot fSpot;
+    char const* fText;
+    std::uint32_t fLength;
+    std::uint32_t fFile;
+    std::uint64_t fOffset : 63;
     /// Several addresses with blanks between.
-    bool fIsList;
+    std::uint64_t fIsList : 1;
+
+    Pending(Element& aElement, Feature const& aFeature, std::string_view aAddress, Spot aSpot, bool aIsList)
+        : fElement(&aElement),
+          fFeature(&aFeature),
+          fText(aAddress.data()),
+          fLength(static_cast<std::uint32_t>(aAddress.size())),
+          fFile(aSpot.fFile),
+          fOffset(aSpot.fOffset),
+          fIsList(aIsList) {}
+    std::string_view address() const noexcept { return {fText, fLength}; }
+    Spot spot() const noexcept { return {fFile, fOffset}; }
   };
   struct PendingApplication {
     std::string_view fName;
     std::string_view fAddress;
     Spot fSpot;
+    /// The attribute or child that has the address.
+    std::uint64_t fBase;
   };
 
   Element* find(std::string_view aAddress, std::uint32_t aFile);
@@ -79,13 +103,17 @@ class References {
   std::filesystem::path whereIs(std::string_view aFile, std::uint32_t aFrom, bool& aIsTold) const;
   std::filesystem::path const& location(std::size_t aFile);
   Element* primitive(std::string_view aName, std::string_view aAddress);
-  void resolve(Pending const& aReference);
+  /// `aFound`: what has the address for its id in the reference's own file, or null.
+  void resolve(Pending const& aReference, Element* aFound);
   void resolveAll(Pending const& aReferences);
   /// Null for a value that is nowhere.
   void settle(Pending const& aReference, Element* aValue);
   void resolveApplications();
   void resolveEntries();
   void link(Pending const& aReference, Element& aValue);
+  /// The part that a composite feature means by an id. Of several with this id it is one of its own: it would
+  /// take another one away from where it stands.
+  Element& partMeant(Pending const& aReference, Element& aValue);
   /// Puts lists into the order in which the files name their values: links came as their other ends were
   /// read.
   void order();
@@ -119,6 +147,8 @@ class References {
   void addParts(std::span<Linked const> aLinked, std::vector<Element*>& aValues);
   std::vector<Linked> fLinked;
   std::size_t fNext = 0;
+  /// Made when the first composite feature is resolved.
+  std::optional<std::unordered_set<std::string_view>> fDuplicateIds;
 };
 
 }  // namespace umlmm::files

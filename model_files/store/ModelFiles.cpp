@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "kelm/ModelElementIntf.h"
+#include "model_files/dialect/namespaces.h"
 #include "model_files/dialect/values.h"
 #include "model_files/text/markup.h"
 
@@ -91,7 +92,54 @@ std::vector<Dangling const*> ModelFiles::danglingOf(Element const& aElement) con
 }
 
 std::vector<Application const*> ModelFiles::applicationsOf(Element const& aElement) const {
-  return fApplicationsOf.rows(fApplications, &aElement);
+  auto rows = fApplicationsOf.rows(fApplications, &aElement);
+  auto const [again, end] = std::ranges::unique(rows, {}, &Application::fNumber);
+  rows.erase(again, end);
+  if (auto const added = fAddedOf.find(&aElement); added != fAddedOf.end())
+    rows.insert(rows.end(), added->second.begin(), added->second.end());
+  std::erase_if(rows, [this](Application const* aRow) { return isRemoved(*aRow); });
+  return rows;
+}
+
+void ModelFiles::add(Application aApplication, ApplicationChange aChange) {
+  aApplication.fNumber = fApplicationCount;
+  Application const& added = fAdded.emplace_back(std::move(aApplication));
+  fAddedOf[added.fElement.get()].push_back(&added);
+  fChanges.emplace(added.fNumber, std::move(aChange));
+  ++fApplicationCount;
+}
+
+std::string ModelFiles::namespaceAt(Spot aSpot, std::string_view aPrefix) {
+  ModelFile& file = fFiles[aSpot.fFile];
+  if (!file.fDeclarations) file.fDeclarations = markup::declarations(file.fText.utf8());
+  return markup::declaration(file.fText.utf8(), *file.fDeclarations, aSpot.fOffset, aPrefix);
+}
+
+std::vector<KnownProfile> const& ModelFiles::profiles() {
+  if (fProfiles) return *fProfiles;
+  std::map<std::pair<std::string, std::string>, KnownProfile> known;
+  for (Application const& application : fApplications) {
+    if (application.fIsInExtension) continue;
+    std::string_view const text = fFiles[application.fSpot.fFile].fText.utf8();
+    std::string const prefix(QualifiedName(markup::nameAt(text, application.fSpot.fOffset)).fPrefix);
+    std::string const uri = namespaceAt(application.fSpot, prefix);
+    KnownProfile& profile = known.try_emplace({uri, prefix}, KnownProfile{prefix, uri, {}}).first->second;
+    std::size_t const end = text.find_first_of(" \t\r\n=/>", application.fBase);
+    profile.fStereotypes[std::string(application.fName)].emplace(
+        text.substr(application.fBase, end - application.fBase));
+  }
+  fProfiles.emplace();
+  for (auto& [key, profile] : known) fProfiles->push_back(std::move(profile));
+  return *fProfiles;
+}
+
+void ModelFiles::forget() noexcept {
+  fTagCount = 0;
+  fKeptOf = {};
+  fDanglingOf = {};
+  fApplicationsOf = {};
+  fAddedOf.clear();
+  fProfiles.reset();
 }
 
 ModelFile* ModelFiles::fileCalled(std::string_view aPath) {

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -36,6 +37,8 @@ using ElementPtr = boost::intrusive_ptr<Element>;
 struct Spot {
   std::uint32_t fFile = 0;
   std::uint64_t fOffset = 0;
+
+  bool operator==(Spot const&) const = default;
 };
 
 /// An element and the tag that it was made from. Those of a file stand in the order of its text.
@@ -60,12 +63,36 @@ struct Dangling {
 };
 
 /// A stereotype applied to an element; the name is that of the tag. Or what a tool keeps of an element in its
-/// extension; the name is empty then if a tag says the same.
+/// extension; the name is empty then if a tag says the same. A tag that names several elements, or one of
+/// them twice, has a row for each, one behind the other.
 struct Application {
   ElementPtr fElement;
   std::string_view fName;
+  /// The offset is 0 for one that no text has yet.
   Spot fSpot;
+  /// The attribute or child of the tag that names the element.
+  std::uint64_t fBase = 0;
+  /// The same in all rows of a tag, and when the text becomes another one.
+  std::uint32_t fNumber = 0;
   bool fIsInExtension = false;
+};
+
+/// What has become of an application since its file was read or written.
+struct ApplicationChange {
+  bool fIsRemoved = false;
+  /// Tags that were set, each with all its values; without any it is gone.
+  std::vector<std::pair<std::string, std::vector<std::string>>> fValues;
+  // Of one that no text has yet: the prefix of its namespace, the address, and how it names its element.
+  std::string fProfile;
+  std::string fProfileUri;
+  std::string fBase;
+};
+
+/// A namespace from which stereotypes are applied: each with the names by which they name elements.
+struct KnownProfile {
+  std::string fPrefix;
+  std::string fUri;
+  std::map<std::string, std::set<std::string>, std::less<>> fStereotypes;
 };
 
 /// Where a path leads, whatever its spelling.
@@ -119,7 +146,7 @@ class ModelFiles final : public Kelm::ModelCompanion, public Kelm::ExternalIds {
   /// Where the tag of an element stands. All tags are gone through when the first question is asked.
   std::optional<Spot> tagOf(Element const& aElement) const;
   /// What was asked holds no longer: other texts have come.
-  void forgetTags() noexcept { fTagCount = 0; }
+  void forget() noexcept;
   /// The id in the tag of an element; empty for none.
   std::string idOf(Element const& aElement) const;
   /// Whether a tag stands at the top of its file: it is called by its metaclass there.
@@ -127,7 +154,30 @@ class ModelFiles final : public Kelm::ModelCompanion, public Kelm::ExternalIds {
   StandIn const* standIn(Element const& aElement) const;
   std::vector<Kept const*> keptBy(Element const& aElement) const;
   std::vector<Dangling const*> danglingOf(Element const& aElement) const;
+  /// Those that were not removed, each once.
   std::vector<Application const*> applicationsOf(Element const& aElement) const;
+  /// Calls `aVisit` with the rows of all applications that were not removed.
+  template <class Visit>
+  void forEachApplication(Visit aVisit) const {
+    for (Application const& application : fApplications)
+      if (!isRemoved(application)) aVisit(application);
+    for (Application const& application : fAdded)
+      if (!isRemoved(application)) aVisit(application);
+  }
+  /// Null if nothing has become of it.
+  ApplicationChange const* changeOf(Application const& aApplication) const {
+    auto const found = fChanges.find(aApplication.fNumber);
+    return found == fChanges.end() ? nullptr : &found->second;
+  }
+  bool isRemoved(Application const& aApplication) const {
+    ApplicationChange const* const change = changeOf(aApplication);
+    return change != nullptr && change->fIsRemoved;
+  }
+  void add(Application aApplication, ApplicationChange aChange);
+  /// Namespaces of all applications that stand in texts; gone through when first asked.
+  std::vector<KnownProfile> const& profiles();
+  /// The namespace of a prefix at a place.
+  std::string namespaceAt(Spot aSpot, std::string_view aPrefix);
 
   Place place(Spot aSpot) const { return fFiles[aSpot.fFile].fText.placeOf(aSpot.fOffset); }
 
@@ -136,6 +186,12 @@ class ModelFiles final : public Kelm::ModelCompanion, public Kelm::ExternalIds {
   std::vector<Kept> fKept;
   std::vector<Dangling> fDangling;
   std::vector<Application> fApplications;
+  /// Those that no text has yet.
+  std::deque<Application> fAdded;
+  /// What was changed and not saved, by number.
+  std::map<std::uint32_t, ApplicationChange> fChanges;
+  /// Numbers that were given to applications.
+  std::uint32_t fApplicationCount = 0;
   /// The model's own PrimitiveType elements that stand for those of the standard, by name.
   std::unordered_map<std::string_view, StandIn> fStandIns;
   /// Where addresses lead, by what they start with.
@@ -152,6 +208,8 @@ class ModelFiles final : public Kelm::ModelCompanion, public Kelm::ExternalIds {
   mutable ByElement<Kept> fKeptOf;
   mutable ByElement<Dangling> fDanglingOf;
   mutable ByElement<Application> fApplicationsOf;
+  std::unordered_map<Element const*, std::vector<Application const*>> fAddedOf;
+  std::optional<std::vector<KnownProfile>> fProfiles;
 };
 
 }  // namespace umlmm::files

@@ -213,7 +213,12 @@ std::string escapedText(std::string_view aText) {
 
 void writeValue(std::string_view aName, std::string_view aText, std::string& aOut) {
   ((aOut += '<') += aName) += '>';
-  ((aOut += escapedText(aText)) += "</") += aName;
+  // Blanks alone between tags are taken for layout.
+  if (aText.find_first_not_of(kBlanks) == std::string_view::npos)
+    for (char const blank : aText) ((aOut += "&#") += std::to_string(static_cast<int>(blank))) += ';';
+  else
+    aOut += escapedText(aText);
+  (aOut += "</") += aName;
   aOut += '>';
 }
 

@@ -1,5 +1,7 @@
 #include "model_files/writing/Comparison.h"
 
+#include <algorithm>
+
 namespace umlmm::files {
 
 bool isWritten(Feature const& aFeature) noexcept {
@@ -27,6 +29,15 @@ bool Comparison::isSame(Element& aModel, Element& aRead, Feature const& aFeature
       if (isWritten(*feature) && !isSame(*values[at], *readValues[at], *feature)) return false;
   }
   return true;
+}
+
+bool Comparison::isSameSet(Element& aModel, Element& aRead, Feature const& aFeature) {
+  auto values = elementsOf(aModel, aFeature, fDeviant);
+  auto readValues = elementsOf(aRead, aFeature, fReadDeviant);
+  for (Element*& value : readValues) value = toModel(value);
+  std::ranges::sort(values);
+  std::ranges::sort(readValues);
+  return values == readValues;
 }
 
 }  // namespace umlmm::files

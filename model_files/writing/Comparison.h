@@ -33,6 +33,8 @@ class Comparison {
   /// Whether a feature has the same values on both of a pair. Parts of both that nobody has paired become a
   /// pair if they stand at the same place.
   bool isSame(Element& aModel, Element& aRead, Feature const& aFeature);
+  /// The same, in whatever order they come.
+  bool isSameSet(Element& aModel, Element& aRead, Feature const& aFeature);
 
  private:
   using Pairs = std::unordered_map<Element const*, Element*>;

@@ -14,31 +14,25 @@ void Edits::sort() {
 
 void Edits::write(std::size_t aFrom, std::size_t aTo, std::string& aOut, Copied const& aCopied) const {
   std::size_t at = aFrom;
+  // In a text without lines what comes in before or behind a part touches it.
+  bool const isPart = aFrom > 0 || aTo < fText.size();
   auto const copy = [&](std::size_t aEnd) {
     aCopied(at, aEnd);
     aOut += fText.substr(at, aEnd - at);
   };
   auto edit = std::ranges::lower_bound(fEdits, aFrom, {}, &Edit::fFrom);
-  for (; edit != fEdits.end() && edit->fFrom < aTo; ++edit) {
+  for (; edit != fEdits.end() && (edit->fFrom < aTo || !isPart); ++edit) {
     if (edit->fFrom < at || edit->fTo > aTo) continue;
     if (edit->fFrom <= aFrom && edit->fTo >= aTo) continue;
+    if (isPart && edit->fTo == aFrom) continue;
     copy(edit->fFrom);
-    write(*edit, aOut);
+    if (edit->fWrite)
+      edit->fWrite(aOut);
+    else
+      aOut += edit->fText;
     at = edit->fTo;
   }
   copy(aTo);
-}
-
-void Edits::writeEnd(std::string& aOut) const {
-  auto const first = std::ranges::lower_bound(fEdits, fText.size(), {}, &Edit::fFrom);
-  for (auto edit = first; edit != fEdits.end(); ++edit) write(*edit, aOut);
-}
-
-void Edits::write(Edit const& aEdit, std::string& aOut) {
-  if (aEdit.fWrite)
-    aEdit.fWrite(aOut);
-  else
-    aOut += aEdit.fText;
 }
 
 }  // namespace umlmm::files

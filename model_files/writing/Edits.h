@@ -33,8 +33,6 @@ class Edits {
   /// Appends a part of the text with the changes in it; those that would take the whole part away are left
   /// out.
   void write(std::size_t aFrom, std::size_t aTo, std::string& aOut, Copied const& aCopied) const;
-  /// Appends what comes behind the whole text.
-  void writeEnd(std::string& aOut) const;
 
  private:
   struct Edit {
@@ -44,8 +42,6 @@ class Edits {
     std::string fText;
     Write fWrite;
   };
-
-  static void write(Edit const& aEdit, std::string& aOut);
 
   std::string_view fText;
   std::vector<Edit> fEdits;

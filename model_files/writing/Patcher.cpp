@@ -12,29 +12,6 @@ namespace {
 
 Metaclass const& metaclassOf(Element const& aElement) { return Metamodel::instance().metaclassOf(aElement); }
 
-/// Blanks between the start of a line and an offset; nothing if there is more on the line.
-std::string_view indentAt(std::string_view aText, std::size_t aFrom) {
-  std::size_t at = aFrom;
-  while (at > 0 && (aText[at - 1] == ' ' || aText[at - 1] == '\t')) --at;
-  bool const isLine = at > 0 && (aText[at - 1] == '\n' || aText[at - 1] == '\r');
-  return isLine ? aText.substr(at, aFrom - at) : std::string_view();
-}
-
-Tags::Layout layoutOf(std::string_view aText) {
-  std::size_t const line = aText.find('\n');
-  if (line == std::string_view::npos) return {};
-  Tags::Layout layout{line > 0 && aText[line - 1] == '\r' ? "\r\n" : "\n", "  "};
-  // The first tag that is set in tells by how much.
-  for (std::size_t at = aText.find('\n'); at != std::string_view::npos; at = aText.find('\n', at + 1)) {
-    std::size_t const tag = aText.find_first_not_of(" \t", at + 1);
-    if (tag == std::string_view::npos) break;
-    if (tag == at + 1 || aText[tag] != '<') continue;
-    layout.fUnit = aText.substr(at + 1, tag - at - 1);
-    break;
-  }
-  return layout;
-}
-
 }  // namespace
 
 Patcher::Patcher(Kelm::Model const& aModel, ModelFiles const& aFiles, std::uint32_t aFile,
@@ -47,15 +24,12 @@ Patcher::Patcher(Kelm::Model const& aModel, ModelFiles const& aFiles, std::uint3
       fComparison(aComparison),
       fMoved(aMoved),
       fText(fFile.fText.utf8()),
-      fEdits(fText),
-      fTags(aModel, aComparison.readModel(), aRead.fFiles[aFile].fStyle, layoutOf(fText)) {
+      fEdits(fText, aRead.fFiles[aFile].fStyle.fQuote),
+      fTags(aModel, aComparison.readModel(), aRead.fFiles[aFile].fStyle, fEdits.layout()),
+      fApplications(aFiles, aFile, aComparison.deviant(), fEdits, fTags) {
   for (std::size_t at = 0; at < fFile.fMade.size(); ++at) fNodes.emplace(fFile.fMade[at].fElement.get(), at);
-  fFile.fIds.forEach([this](std::string_view aId, Element const&) { fTags.useId(aId); });
-  fTags.fKnownId = [this](Element& aElement) {
-    std::string id = fFiles.idOf(aElement);
-    bool const isTaken = fMoved.contains(&aElement) && fFile.fIds.find(id) != nullptr;
-    return isTaken ? std::string() : id;
-  };
+  fFile.fIds.forEach([this](std::string_view aId, Element const& aElement) { fTags.useId(aId, aElement); });
+  fTags.fKnownId = [this](Element& aElement) { return fFiles.idOf(aElement); };
   fTags.fKept = [this](Element& aElement) { return keptBy(aElement); };
   fTags.fForeignAddress = [this](Element& aElement) { return addressOf(aElement); };
   fTags.fWriteKnown = [this](Element& aElement, std::string_view aName, Feature const* aFeature,
@@ -64,6 +38,13 @@ Patcher::Patcher(Kelm::Model const& aModel, ModelFiles const& aFiles, std::uint3
     writeNode(aElement, aName, aFeature, aOut);
     return true;
   };
+}
+
+void Patcher::renew(Tags::NewIds const& aIds) {
+  for (auto const& [element, id] : aIds) {
+    fTags.renew(*element, id);
+    if (Element* const owner = containerOf(*element, fComparison.deviant())) fChangedOwners.insert(owner);
+  }
 }
 
 std::string Patcher::write(std::vector<Element*>& aOrder) {
@@ -77,18 +58,26 @@ std::string Patcher::write(std::vector<Element*>& aOrder) {
 void Patcher::compareAll() {
   for (std::size_t at = 0; at < fFile.fMade.size(); ++at) compare(at);
   for (Element* const owner : fChangedOwners) patchParts(*owner);
+  fApplications.patch(fCuts);
   patchTop();
-  removeApplications();
-  if (!fMoved.empty()) patchApplications();
-  flushChildren();
+  if (!fMoved.empty())
+    fApplications.name([this](Element const& aElement) { return fMoved.contains(&aElement); });
+  fEdits.flushChildren();
+}
+
+Tags::NewIds Patcher::renewed() const {
+  Tags::NewIds renewed;
+  for (auto const& [element, id] : fTags.newIds())
+    if (fNodes.contains(element) && !fFiles.idOf(*element).empty()) renewed.emplace(element, id);
+  return renewed;
 }
 
 std::string Patcher::render() {
   fOrder->clear();
+  fApplications.restart();
   fEdits.sort();
   std::string text;
   fEdits.write(0, fText.size(), text, [this](std::size_t aFrom, std::size_t aTo) { noteCopied(aFrom, aTo); });
-  fEdits.writeEnd(text);
   return text;
 }
 
@@ -96,31 +85,30 @@ void Patcher::noteCopied(std::size_t aFrom, std::size_t aTo) {
   auto const first = std::ranges::lower_bound(fFile.fMade, aFrom, {}, &Made::fOffset);
   for (auto made = first; made != fFile.fMade.end() && made->fOffset < aTo; ++made)
     fOrder->push_back(made->fElement.get());
+  fApplications.noteCopied(aFrom, aTo);
 }
 
 void Patcher::compare(std::size_t aNumber) {
   Element& element = *fFile.fMade[aNumber].fElement;
   std::size_t const name = fFile.fMade[aNumber].fOffset;
   Element& read = *fRead.fFiles[fNumber].fMade[aNumber].fElement;
-  auto const cut = [&](bool aForGood) {
+  bool const isThere = fComparison.isThere(element);
+  if (!isThere || !isAtHome(element, read, name)) {
+    bool const isGone = !isThere || isForeign(element);
     std::size_t const end = name - 1 + markup::element(fText, name).size();
-    removeTag(name - 1, end);
-    if (aForGood) fLostEnd = std::max(fLostEnd, end);
-  };
-  if (!fComparison.isThere(element)) return cut(true);
-  Element* const owner = containerOf(element, fComparison.deviant());
-  bool const isLost = name < fLostEnd && owner == nullptr;
-  if (isLost || !isAtHome(element, read, name)) {
+    fEdits.removeTag(name - 1, end);
+    fCuts.push_back({name - 1, end, !isGone});
+    if (isGone) fGoneTo = std::max(fGoneTo, end);
+    if (!isThere) return;
     fHomeless.insert(&element);
-    if (owner != nullptr) fChangedOwners.insert(owner);
-    cut(isForeign(element));
+    if (Element* const owner = containerOf(element, fComparison.deviant())) fChangedOwners.insert(owner);
   }
   Tag tag;
   bool isLooked = false;
   for (Feature const* const feature : metaclassOf(element).fOrder) {
     if (!isWritten(*feature)) continue;
     if (fComparison.isSame(element, read, *feature) && !namesMoved(element, *feature)) continue;
-    if (!isLooked) tag = tagOf(name);
+    if (!isLooked) tag = fEdits.tagOf(name);
     isLooked = true;
     patch(element, tag, *feature);
   }
@@ -129,6 +117,8 @@ void Patcher::compare(std::size_t aNumber) {
 bool Patcher::isAtHome(Element& aElement, Element& aRead, std::size_t aName) {
   Element* const owner = containerOf(aElement, fComparison.deviant());
   Element* const readOwner = containerOf(aRead, fComparison.readDeviant());
+  // One at the top may stand in the tag of another one that goes.
+  if (owner == nullptr && aName < fGoneTo) return false;
   auto const isOutside = [&](Element* aOwner) { return aOwner == nullptr || isForeign(*aOwner); };
   bool const isTop = fFiles.fFiles.size() > 1 && fFiles.isTop({fNumber, aName});
   if (isTop && isOutside(owner) && isOutside(readOwner == nullptr ? nullptr : fComparison.toModel(readOwner)))
@@ -162,9 +152,10 @@ void Patcher::removeDerived(Element& aElement, Tag const& aTag, Feature const& a
   std::string_view const name = aFeature.fName.substr(0, aFeature.fName.size() - kValue.size());
   Feature const* const derived = metaclassOf(aElement).feature(name);
   if (derived == nullptr || !derived->fDerived) return;
-  if (auto const* const attribute = attributeCalled(aTag, aElement, *derived)) removeAttribute(*attribute);
+  if (auto const* const attribute = attributeCalled(aTag, aElement, *derived))
+    fEdits.removeAttribute(*attribute);
   for (markup::Child const& child : childrenCalled(aTag, aElement, *derived))
-    removeTag(child.fFrom, child.fTo);
+    fEdits.removeTag(child.fFrom, child.fTo);
 }
 
 void Patcher::patchValue(Element& aElement, Tag const& aTag, Feature const& aFeature) {
@@ -172,17 +163,18 @@ void Patcher::patchValue(Element& aElement, Tag const& aTag, Feature const& aFea
   auto const* const attribute = attributeCalled(aTag, aElement, aFeature);
   auto const children = childrenCalled(aTag, aElement, aFeature);
   bool const asAttribute = children.empty() && (attribute != nullptr ? texts.size() < 2 : !aFeature.fMany);
-  if (attribute != nullptr && (texts.empty() || !asAttribute)) removeAttribute(*attribute);
-  if (asAttribute) {
-    if (!texts.empty()) setAttribute(aTag, attribute, aFeature.fName, texts.front());
-    return;
-  }
+  if (attribute != nullptr && (texts.empty() || !asAttribute)) fEdits.removeAttribute(*attribute);
   std::vector<Write> written;
-  written.reserve(texts.size());
+  if (asAttribute && !texts.empty())
+    return fEdits.setAttribute(aTag, attribute, aFeature.fName, texts.front());
+  if (fTags.needsNil(aElement, aFeature))
+    written.emplace_back([&aFeature](std::string& aOut) { Tags::writeNil(aFeature.fName, aOut); });
+  if (asAttribute && written.empty()) return;
+  written.reserve(written.size() + texts.size());
   std::string const name(children.empty() ? aFeature.fName : markup::nameAt(fText, children.front().fName));
   for (std::string& text : texts)
     written.emplace_back([name, text](std::string& aOut) { markup::writeValue(name, text, aOut); });
-  replaceChildren(aTag, children, std::move(written));
+  fEdits.replaceChildren(aTag, children, std::move(written));
 }
 
 void Patcher::patchReferences(Element& aElement, Tag const& aTag, Feature const& aFeature,
@@ -233,20 +225,25 @@ void Patcher::patchReferences(Element& aElement, Tag const& aTag, Feature const&
   }
   if (!resolved.empty() && !ids.empty()) resolved += ' ';
   resolved += ids;
-  if (resolved.empty() && attribute != nullptr) removeAttribute(*attribute);
-  if (!resolved.empty()) setAttribute(aTag, attribute, aFeature.fName, resolved);
+  if (resolved.empty() && attribute != nullptr) fEdits.removeAttribute(*attribute);
+  if (!resolved.empty()) fEdits.setAttribute(aTag, attribute, aFeature.fName, resolved);
   std::vector<markup::Child> old;
   std::ranges::copy_if(children, std::back_inserter(old),
                        [&](auto const& aChild) { return !kept.contains(aChild.fName); });
-  replaceChildren(aTag, old, std::move(written));
+  fEdits.replaceChildren(aTag, old, std::move(written));
 }
 
 void Patcher::patchParts(Element& aOwner) {
   auto const node = fNodes.find(&aOwner);
   // The owner is new: it is written with all its parts.
   if (node == fNodes.end()) return;
-  Tag const tag = tagOf(fFile.fMade[node->second].fOffset);
+  Tag const tag = fEdits.tagOf(fFile.fMade[node->second].fOffset);
   PartPlaces const places = placesOf(aOwner, fComparison.deviant());
+  // Among its parts an id means one alone.
+  if (!fRead.fReport.fDuplicateIds.empty())
+    for (Element* const part :
+         elementsOf(aOwner, *metaclassOf(aOwner).feature("ownedElement"), fComparison.deviant()))
+      if (!isForeign(*part) && !fFiles.idOf(*part).empty()) fTags.idOf(*part);
   for (Feature const* const feature : metaclassOf(aOwner).fOrder) {
     if (!isWritten(*feature) || feature->fKind != Kind::Reference || !feature->fComposite) continue;
     auto const parts = elementsOf(aOwner, *feature, fComparison.deviant());
@@ -266,7 +263,7 @@ void Patcher::patchParts(Element& aOwner, Tag const& aTag, Feature const& aFeatu
   auto const foreign = foreignParts(aOwner, aTag, aFeature);
   std::unordered_set<Element const*> const parts(aParts.begin(), aParts.end());
   for (auto const& [part, child] : foreign)
-    if (!parts.contains(part)) removeTag(child.fFrom, child.fTo);
+    if (!parts.contains(part)) fEdits.removeTag(child.fFrom, child.fTo);
   auto const slotOf = [&](Element* aPart) -> markup::Child const* {
     if (auto const found = foreign.find(aPart); found != foreign.end()) return &found->second;
     auto const node = fNodes.find(aPart);
@@ -283,7 +280,7 @@ void Patcher::patchParts(Element& aOwner, Tag const& aTag, Feature const& aFeatu
     if (isForeign(*aPart))
       return [this, name, aPart](std::string& aOut) { fTags.writeReference(name, *aPart, aOut); };
     return [this, aPart, name, &aFeature,
-            indent = std::string(indentAt(fText, aTag.fName - 1))](std::string& aOut) {
+            indent = std::string(fEdits.indentAt(aTag.fName - 1))](std::string& aOut) {
       fTags.write(*aPart, name, &aFeature, indent + fTags.layout().fUnit, aOut);
     };
   };
@@ -296,17 +293,19 @@ void Patcher::patchParts(Element& aOwner, Tag const& aTag, Feature const& aFeatu
       behind = slots[next++].fTo;
       continue;
     }
-    if (aPlaces.at(part) != &aFeature) continue;
+    // It has a tag that stays where it is, in what a tool puts around it.
+    bool const isElsewhere = fNodes.contains(part) && !fHomeless.contains(part);
+    if (isElsewhere || aPlaces.at(part) != &aFeature) continue;
     if (behind == 0 && !slots.empty()) {
       // In front of all that are there.
-      std::string const gap = fTags.layout().fLineEnd + std::string(indentAt(fText, slots.front().fFrom));
+      std::string const gap = fTags.layout().fLineEnd + std::string(fEdits.indentAt(slots.front().fFrom));
       fEdits.replace(slots.front().fFrom, slots.front().fFrom,
                      [write = written(part), gap](std::string& aOut) {
                        write(aOut);
                        aOut += gap;
                      });
     } else {
-      addChild(aTag, behind, written(part));
+      fEdits.addChild(aTag, behind, written(part));
     }
   }
 }
@@ -321,26 +320,29 @@ bool Patcher::isNamed(Element& aOwner, Tag const& aTag, Feature const& aFeature,
   Feature const* const written =
       placeCalled(metaclassOf(aOwner), markup::nameAt(fText, name), metaclassOf(aPart));
   bool const isPlace = written != nullptr && !written->fDerived;
-  return !isHere || (isPlace && written != &aFeature);
+  bool const isInside = !isHere && name > aTag.fName && name < aTag.fEnd;
+  return (!isHere && !isInside) || (isPlace && written != &aFeature);
 }
 
 void Patcher::patchTop() {
-  std::vector<Element*> added;
+  std::vector<Write> added;
   for (Element* const root : *fModel.object().roots()) {
     if (root == nullptr || fFiles.standIn(*root) != nullptr) continue;
     bool const isNew = !fFiles.hasTag(*root) && fNumber == 0;
-    if (isNew || fHomeless.contains(root)) added.push_back(root);
+    if (!isNew && !fHomeless.contains(root)) continue;
+    added.emplace_back([this, root](std::string& aOut) {
+      fTags.write(*root, fTags.typeOf(*root), nullptr, fTags.layout().fUnit, aOut);
+    });
   }
-  if (added.empty()) return;
+  for (Write& application : fApplications.takeHomeless()) added.push_back(std::move(application));
+  if (!added.empty()) addAtTop(std::move(added));
+}
+
+void Patcher::addAtTop(std::vector<Write> aAdded) {
   std::size_t const root = markup::prologEnd(fText) + 1;
-  auto const written = [&](Element* aElement) -> Write {
-    return [this, aElement](std::string& aOut) {
-      fTags.write(*aElement, fTags.typeOf(*aElement), nullptr, fTags.layout().fUnit, aOut);
-    };
-  };
   if (markup::nameAt(fText, root).ends_with("XMI")) {
-    Tag const tag = tagOf(root);
-    for (Element* const element : added) addChild(tag, 0, written(element));
+    Tag const tag = fEdits.tagOf(root);
+    for (Write& write : aAdded) fEdits.addChild(tag, 0, std::move(write));
     return;
   }
   // The one root gets a frame that has room for more, with what the root declares.
@@ -352,53 +354,23 @@ void Patcher::patchTop() {
   std::string const gap = fTags.layout().fLineEnd;
   fEdits.insert(root - 1, start + '>' + gap);
   std::size_t const behind = root - 1 + markup::element(fText, root).size();
-  for (Element* const element : added)
-    fEdits.replace(behind, behind, [gap, write = written(element)](std::string& aOut) {
+  for (Write& one : aAdded)
+    fEdits.replace(behind, behind, [gap, write = std::move(one)](std::string& aOut) {
       aOut += gap;
       write(aOut);
     });
   fEdits.insert(behind, gap + "</" + name + '>');
 }
 
-void Patcher::removeApplications() {
-  std::map<std::size_t, bool> isNeeded;
-  for (Application const& application : fFiles.fApplications)
-    if (application.fSpot.fFile == fNumber)
-      isNeeded[application.fSpot.fOffset] |= fComparison.isThere(*application.fElement);
-  for (auto const& [name, needed] : isNeeded)
-    if (!needed) removeTag(name - 1, name - 1 + markup::element(fText, name).size());
-}
-
 void Patcher::addIds() {
   for (auto const& [element, id] : fTags.newIds()) {
     auto const node = fNodes.find(element);
     if (node == fNodes.end() || !fGivenIds.insert(element).second) continue;
-    setAttribute(tagOf(fFile.fMade[node->second].fOffset), nullptr, fTags.idName(), id);
+    Tag const tag = fEdits.tagOf(fFile.fMade[node->second].fOffset);
+    // Another element has the id that stands there.
+    auto const old = std::ranges::find(tag.fAttributes, fTags.idName(), &markup::Attribute::fName);
+    fEdits.setAttribute(tag, old == tag.fAttributes.end() ? nullptr : &*old, fTags.idName(), id);
   }
-}
-
-void Patcher::replaceChildren(Tag const& aTag, std::vector<markup::Child> const& aOld,
-                              std::vector<Write> aNew) {
-  std::size_t at = 0;
-  for (; at < aOld.size() && at < aNew.size(); ++at) {
-    std::string text;
-    aNew[at](text);
-    if (text != fText.substr(aOld[at].fFrom, aOld[at].fTo - aOld[at].fFrom))
-      fEdits.replace(aOld[at].fFrom, aOld[at].fTo, std::move(text));
-  }
-  for (std::size_t more = at; more < aOld.size(); ++more) removeTag(aOld[more].fFrom, aOld[more].fTo);
-  std::size_t const behind = aOld.empty() ? 0 : aOld.back().fTo;
-  for (std::size_t more = at; more < aNew.size(); ++more) addChild(aTag, behind, std::move(aNew[more]));
-}
-
-Patcher::Tag Patcher::tagOf(std::size_t aName) const {
-  Tag tag;
-  tag.fName = aName;
-  tag.fAttributes = markup::attributes(fText, aName);
-  tag.fLast =
-      tag.fAttributes.empty() ? aName + markup::nameAt(fText, aName).size() : tag.fAttributes.back().fTo;
-  tag.fChildren = markup::children(fText, aName, tag.fEnd);
-  return tag;
 }
 
 markup::Attribute const* Patcher::attributeCalled(Tag const& aTag, Element const& aElement,
@@ -416,71 +388,6 @@ std::vector<markup::Child> Patcher::childrenCalled(Tag const& aTag, Element cons
     return featureCalled(metaclassOf(aElement), markup::nameAt(fText, aChild.fName)) == &aFeature;
   });
   return children;
-}
-
-void Patcher::setAttribute(Tag const& aTag, markup::Attribute const* aOld, std::string_view aName,
-                           std::string const& aValue) {
-  if (aOld != nullptr) {
-    if (aOld->value() == aValue) return;
-    auto const from = static_cast<std::size_t>(aOld->fRaw.data() - fText.data());
-    return fEdits.replace(from, from + aOld->fRaw.size(), markup::escaped(aValue, aOld->fQuote));
-  }
-  std::string text;
-  fTags.attribute(text, aName, aValue);
-  fEdits.insert(aTag.fLast, std::move(text));
-}
-
-void Patcher::removeAttribute(markup::Attribute const& aAttribute) {
-  std::size_t from = aAttribute.fFrom;
-  while (from > 0 && std::string_view(" \t\r\n").find(fText[from - 1]) != std::string_view::npos) --from;
-  fEdits.erase(from, aAttribute.fTo);
-}
-
-void Patcher::removeTag(std::size_t aFrom, std::size_t aTo) {
-  // With its line, if it has one to itself.
-  std::size_t from = aFrom - indentAt(fText, aFrom).size();
-  bool const isLine = from > 0 && (fText[from - 1] == '\n' || fText[from - 1] == '\r');
-  if (isLine && fText[from - 1] == '\n') --from;
-  if (isLine && from > 0 && fText[from - 1] == '\r') --from;
-  fEdits.erase(isLine ? from : aFrom, aTo);
-}
-
-void Patcher::addChild(Tag const& aTag, std::size_t aBehind, Write aChild) {
-  if (aTag.fChildren.empty()) {
-    fFirstChildren[aTag.fName].push_back(std::move(aChild));
-    return;
-  }
-  std::size_t const at = aBehind != 0 ? aBehind : aTag.fChildren.back().fTo;
-  std::string const gap =
-      fTags.layout().fLineEnd + std::string(indentAt(fText, aTag.fChildren.front().fFrom));
-  fEdits.replace(at, at, [gap, write = std::move(aChild)](std::string& aOut) {
-    aOut += gap;
-    write(aOut);
-  });
-}
-
-void Patcher::flushChildren() {
-  for (auto& [name, children] : fFirstChildren) {
-    bool isEmpty = false;
-    std::size_t const end = markup::endOfStart(fText, name, isEmpty);
-    std::string const indent(indentAt(fText, name - 1));
-    std::string const& lineEnd = fTags.layout().fLineEnd;
-    std::string const closing =
-        isEmpty ? "</" + std::string(markup::nameAt(fText, name)) + '>' : std::string();
-    // What stands between start and end tag now are blanks.
-    std::size_t const to = isEmpty ? end : fText.find('<', end);
-    std::size_t const from = isEmpty ? fText.find_last_not_of(" \t\r\n", end - 3) + 1 : end;
-    fEdits.replace(from, to,
-                   [this, lineEnd, indent, closing, isEmpty, all = std::move(children)](std::string& aOut) {
-                     if (isEmpty) aOut += '>';
-                     for (Write const& write : all) {
-                       (aOut += lineEnd) += lineEnd.empty() ? std::string() : indent + fTags.layout().fUnit;
-                       write(aOut);
-                     }
-                     (aOut += lineEnd) += lineEnd.empty() ? std::string() : indent;
-                     aOut += closing;
-                   });
-  }
 }
 
 void Patcher::writeNode(Element& aElement, std::string_view aTagName, Feature const* aFeature,

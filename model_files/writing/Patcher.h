@@ -9,8 +9,9 @@
 #include "model_files/dialect/Style.h"
 #include "model_files/store/ModelFiles.h"
 #include "model_files/text/markup.h"
+#include "model_files/writing/Applications.h"
 #include "model_files/writing/Comparison.h"
-#include "model_files/writing/Edits.h"
+#include "model_files/writing/TagEdits.h"
 #include "model_files/writing/Tags.h"
 
 namespace umlmm::files {
@@ -32,22 +33,20 @@ class Patcher {
   std::string const& idOf(Element& aElement) { return fTags.idOf(aElement); }
   /// Ids that elements get; more are given as texts are written that name them.
   std::size_t newIds() const noexcept { return fTags.newIds().size(); }
+  /// Elements that got another id, as theirs means another element. If there are more than this was told to
+  /// renew, all has to be begun again with them: references to them may stand where nothing else has changed.
+  Tags::NewIds renewed() const;
+  /// The ids that a patcher before this one has renewed; to be called first.
+  void renew(Tags::NewIds const& aIds);
 
   /// The new text. `aOrder` receives the elements in the order of their tags. To be called again as long as
   /// there are more new ids.
   std::string write(std::vector<Element*>& aOrder);
+  /// The numbers of the applications, in the order of theirs.
+  std::vector<std::uint32_t> const& applications() const noexcept { return fApplications.order(); }
 
  private:
-  /// The tag of an element with its children, looked at when something in it changes.
-  struct Tag {
-    std::vector<markup::Attribute> fAttributes;
-    std::vector<markup::Child> fChildren;
-    std::size_t fName = 0;
-    /// Behind the last attribute.
-    std::size_t fLast = 0;
-    /// Of the end tag; 0 for none.
-    std::size_t fEnd = 0;
-  };
+  using Tag = TagEdits::Tag;
   using Write = Edits::Write;
 
   void compareAll();
@@ -72,29 +71,18 @@ class Patcher {
   /// Tags of an owner that name parts in other files, by what they name.
   std::unordered_map<Element const*, markup::Child> foreignParts(Element& aOwner, Tag const& aTag,
                                                                  Feature const& aFeature) const;
-  void removeApplications();
-  /// Stereotypes name what they are applied to, wherever that is now.
-  void patchApplications();
   /// What stands beside an element that comes from another file.
   std::vector<std::string> keptBy(Element& aElement);
   /// Declares the prefixes of a tag of another file that this one lacks.
   void declarePrefixes(std::uint32_t aFile, std::string& aTag);
+  /// Further tags beside the roots; a root that stands alone gets a frame.
+  void addAtTop(std::vector<Write> aAdded);
   void addIds();
-  /// New tags in the place of old ones, one after another; those that are too many go, those that lack a
-  /// place come behind.
-  void replaceChildren(Tag const& aTag, std::vector<markup::Child> const& aOld, std::vector<Write> aNew);
 
-  Tag tagOf(std::size_t aName) const;
   std::vector<markup::Child> childrenCalled(Tag const& aTag, Element const& aElement,
                                             Feature const& aFeature) const;
   markup::Attribute const* attributeCalled(Tag const& aTag, Element const& aElement,
                                            Feature const& aFeature) const;
-  void setAttribute(Tag const& aTag, markup::Attribute const* aOld, std::string_view aName,
-                    std::string const& aValue);
-  void removeAttribute(markup::Attribute const& aAttribute);
-  void removeTag(std::size_t aFrom, std::size_t aTo);
-  void addChild(Tag const& aTag, std::size_t aBehind, Write aChild);
-  void flushChildren();
   std::string render();
   std::string addressOf(Element& aElement) const;
   void noteCopied(std::size_t aFrom, std::size_t aTo);
@@ -109,23 +97,24 @@ class Patcher {
   Comparison& fComparison;
   Elements const& fMoved;
   bool fIsCompared = false;
-  /// Where the tags that went so far end: what stood in an uncovered part of them has lost its place.
-  std::size_t fLostEnd = 0;
   /// Of files from which elements have come.
   std::map<std::uint32_t, std::map<std::string, std::string>> fPrefixes;
   std::string_view fText;
-  Edits fEdits;
+  TagEdits fEdits;
   /// The tags of elements, by their numbers.
   std::unordered_map<Element const*, std::size_t> fNodes;
   std::unordered_set<Element const*> fHomeless;
+  /// The end of the last tag that goes with its element, which is gone or in another file now: what stands in
+  /// an uncovered part of it loses its place.
+  std::size_t fGoneTo = 0;
   /// What changed features of owners hold, for those that were asked for.
   std::map<std::pair<Element const*, Feature const*>, std::unordered_set<Element const*>> fMembers;
   std::unordered_set<Element*> fChangedOwners;
   std::unordered_set<Element const*> fGivenIds;
-  /// Children of tags that have none, by the place of the tag's name.
-  std::map<std::size_t, std::vector<Write>> fFirstChildren;
   std::vector<Element*>* fOrder = nullptr;
   Tags fTags;
+  Applications fApplications;
+  std::vector<Applications::Cut> fCuts;
 };
 
 }  // namespace umlmm::files

@@ -1,30 +1,21 @@
 #include <algorithm>
-#include <chrono>
 #include <filesystem>
 #include <numeric>
 
 #include "kelm/ModelElementIntf.h"
-#include "model_files/reading/Reading.h"
 #include "model_files/store/ModelFiles.h"
 #include "model_files/text/writeFile.h"
+#include "model_files/writing/ApplicationCheck.h"
 #include "model_files/writing/Comparison.h"
 #include "model_files/writing/Patcher.h"
 #include "model_files/writing/WholeFile.h"
+#include "model_files/writing/readAgain.h"
+#include "uml_metamodel/umlmm/MetamodelExtension.h"
 #include "uml_metamodel/umlmm/models.h"
 
 namespace umlmm::files {
 
 namespace {
-
-/// Texts, by file, read into a model of its own as those of another were.
-Kelm::Model readAgain(std::vector<Input> aTexts, ModelFiles const& aFiles) {
-  LoadOptions options;
-  options.fPaths = aFiles.fPlaces;
-  Reading reading(std::move(aTexts), std::move(options), true);
-  while (!reading.step(std::chrono::hours(1))) {
-  }
-  return reading.model();
-}
 
 void pairStandIns(Comparison& aComparison, ModelFiles const& aFiles, ModelFiles const& aRead) {
   for (auto const& [name, standIn] : aFiles.fStandIns)
@@ -32,10 +23,45 @@ void pairStandIns(Comparison& aComparison, ModelFiles const& aFiles, ModelFiles 
       aComparison.pair(*standIn.fElement, *found->second.fElement);
 }
 
+bool isChanged(Element const& aStandIn, std::string_view aName, Kelm::Deviant const& aDeviant,
+               Element const& aFresh, Kelm::Deviant const& aFreshDeviant) {
+  if (containerOf(aStandIn, aDeviant) != nullptr) return true;
+  for (Feature const* const feature : Metamodel::instance().metaclassOf(aStandIn).fOrder) {
+    if (!isWritten(*feature)) continue;
+    if (feature->fKind == Kind::Reference) {
+      // Others tell of the links that have another end.
+      bool const isOwn = feature->fComposite || feature->fOpposite == nullptr;
+      if (isOwn && !elementsOf(aStandIn, *feature, aDeviant).empty()) return true;
+      continue;
+    }
+    auto expected = textsOf(aFresh, *feature, aFreshDeviant);
+    if (feature->fName == "name") expected = {std::string(aName)};
+    if (textsOf(aStandIn, *feature, aDeviant) != expected) return true;
+  }
+  return false;
+}
+
+/// Primitive types of the standard that somebody has changed are the model's own from now on, as no file of
+/// it could tell of the change.
+void releaseChangedStandIns(Kelm::Model const& aModel, ModelFiles& aFiles) {
+  if (aFiles.fStandIns.empty()) return;
+  Kelm::Model const fresh = createNewModel();
+  Metaclass const& metaclass = *Metamodel::instance().metaclass("PrimitiveType");
+  Kelm::ClassObject const made =
+      createElement(fresh, Kelm::ImmutableClass(metaclass.fClass, Kelm::metaDeviant()));
+  std::erase_if(aFiles.fStandIns, [&](auto const& aNamed) {
+    Element const& standIn = *aNamed.second.fElement;
+    return standIn.deviant_isValid(aModel.getDeviant()) &&
+           isChanged(standIn, aNamed.first, aModel.getDeviant(), *made.get(), fresh.getDeviant());
+  });
+}
+
 /// One saving: what files hold now, what they shall hold, and the model's knowledge of them afterwards.
 class Saving {
  public:
-  Saving(Kelm::Model const& aModel, ModelFiles& aFiles) : fModel(aModel), fFiles(aFiles) {}
+  Saving(Kelm::Model const& aModel, ModelFiles& aFiles) : fModel(aModel), fFiles(aFiles) {
+    if (!isUnchanged()) releaseChangedStandIns(aModel, aFiles);
+  }
 
   /// The one file of a model that had none.
   std::string whole(Dialect const& aDialect) {
@@ -45,34 +71,21 @@ class Saving {
   }
 
   /// Whether the files are what the model is.
-  bool isUnchanged() const { return fModel.object().revision() == fFiles.fRevision; }
+  bool isUnchanged() const {
+    return fModel.object().revision() == fFiles.fRevision && fFiles.fChanges.empty();
+  }
   /// The new texts, by file.
   std::vector<std::string> texts() {
     std::vector<std::string> texts;
-    Kelm::Model const read =
-        readAgain(inputs([&](std::size_t aFile) { return fFiles.fFiles[aFile].fText.utf8(); }), fFiles);
+    Kelm::Model const read = readAgain(fFiles);
     ModelFiles const& readFiles = ModelFiles::of(read);
     Comparison comparison(fModel, read);
     for (std::size_t file = 0; file < fFiles.fFiles.size(); ++file)
       pairMade(comparison, fFiles.fFiles[file].fMade, readFiles.fFiles[file].fMade);
     pairStandIns(comparison, fFiles, readFiles);
     auto const moved = movedElements();
-    std::deque<Patcher> patchers;
-    for (std::uint32_t file = 0; file < fFiles.fFiles.size(); ++file) {
-      patchers.emplace_back(fModel, fFiles, file, readFiles, comparison, moved).fIdIn =
-          [&](std::size_t aFile, Element& aElement) { return patchers[aFile].idOf(aElement); };
-      fOrders.emplace_back();
-    }
-    texts.resize(patchers.size());
-    // Writing may name elements that have no id in their text yet.
-    auto const newIds = [&] {
-      return std::accumulate(patchers.begin(), patchers.end(), std::size_t{0},
-                             [](std::size_t aSum, Patcher const& aOne) { return aSum + aOne.newIds(); });
-    };
-    for (std::optional<std::size_t> known; known != newIds();) {
-      known = newIds();
-      for (std::size_t file = 0; file < patchers.size(); ++file)
-        texts[file] = patchers[file].write(fOrders[file]);
+    std::vector<Tags::NewIds> renewed(fFiles.fFiles.size());
+    while (!write(readFiles, comparison, moved, renewed, texts)) {
     }
     return texts;
   }
@@ -81,11 +94,12 @@ class Saving {
   /// is.
   void check(std::vector<std::string> const& aTexts) {
     if (fOrders.empty()) return;
-    fRead = readAgain(inputs([&](std::size_t aFile) { return std::string_view(aTexts[aFile]); }), fFiles);
+    fRead = readAgain(fFiles, aTexts);
     ModelFiles& readFiles = ModelFiles::of(fRead);
     Comparison comparison(fModel, fRead);
     for (std::size_t file = 0; file < aTexts.size(); ++file)
       pairOrder(comparison, file, readFiles.fFiles[file]);
+    checkNoneIsLost(comparison);
     pairStandIns(comparison, fFiles, readFiles);
     verify(comparison);
     // What stood with elements of the new reading stands with those of the model.
@@ -100,6 +114,9 @@ class Saving {
     for (Kept& kept : readFiles.fKept) toModel(kept.fElement);
     for (Dangling& dangling : readFiles.fDangling) toModel(dangling.fElement);
     for (Application& application : readFiles.fApplications) toModel(application.fElement);
+    ApplicationCheck applications(fModel, fFiles, readFiles);
+    for (std::uint32_t file = 0; file < fApplications.size(); ++file)
+      applications.check(file, fApplications[file]);
   }
 
   /// The new texts, which were checked, are the model's files from now on.
@@ -110,20 +127,45 @@ class Saving {
     fFiles.fKept = std::move(readFiles.fKept);
     fFiles.fDangling = std::move(readFiles.fDangling);
     fFiles.fApplications = std::move(readFiles.fApplications);
+    fFiles.fAdded.clear();
+    fFiles.fChanges.clear();
     if (fFiles.fReport.fFiles.empty()) fFiles.fReport = std::move(readFiles.fReport);
-    fFiles.forgetTags();
+    fFiles.forget();
     fFiles.fRevision = fModel.object().revision();
   }
 
  private:
-  template <class TextOf>
-  std::vector<Input> inputs(TextOf aTextOf) const {
-    std::vector<Input> inputs;
-    for (std::size_t file = 0; file < fFiles.fFiles.size(); ++file) {
-      SourceText const& text = fFiles.fFiles[file].fText;
-      inputs.push_back({text.name(), text.encoded(aTextOf(file))});
+  /// Writes all texts; false if more elements got another id than were known, and all has to be written
+  /// again.
+  bool write(ModelFiles const& aRead, Comparison& aComparison, Patcher::Elements const& aMoved,
+             std::vector<Tags::NewIds>& aRenewed, std::vector<std::string>& aTexts) {
+    std::deque<Patcher> patchers;
+    for (std::uint32_t file = 0; file < fFiles.fFiles.size(); ++file) {
+      Patcher& patcher = patchers.emplace_back(fModel, fFiles, file, aRead, aComparison, aMoved);
+      patcher.fIdIn = [&](std::size_t aFile, Element& aElement) { return patchers[aFile].idOf(aElement); };
+      patcher.renew(aRenewed[file]);
     }
-    return inputs;
+    aTexts.resize(patchers.size());
+    fOrders.resize(patchers.size());
+    fApplications.resize(patchers.size());
+    // Writing may name elements that have no id in their text yet.
+    auto const newIds = [&] {
+      return std::accumulate(patchers.begin(), patchers.end(), std::size_t{0},
+                             [](std::size_t aSum, Patcher const& aOne) { return aSum + aOne.newIds(); });
+    };
+    for (std::optional<std::size_t> known; known != newIds();) {
+      known = newIds();
+      for (std::size_t file = 0; file < patchers.size(); ++file)
+        aTexts[file] = patchers[file].write(fOrders[file]);
+    }
+    bool isDone = true;
+    for (std::size_t file = 0; file < patchers.size(); ++file) {
+      fApplications[file] = patchers[file].applications();
+      Tags::NewIds renewed = patchers[file].renewed();
+      isDone &= renewed.size() == aRenewed[file].size();
+      aRenewed[file] = std::move(renewed);
+    }
+    return isDone;
   }
 
   /// Those that belong to another file than their tags stand in.
@@ -151,7 +193,20 @@ class Saving {
       throw Error(aRead.fText.name() + " was not saved: its new text has " +
                   std::to_string(aRead.fMade.size()) + " elements where the model has " +
                   std::to_string(order.size()));
-    for (std::size_t at = 0; at < order.size(); ++at) aComparison.pair(*order[at], *aRead.fMade[at].fElement);
+    for (std::size_t at = 0; at < order.size(); ++at) {
+      if (aComparison.toRead(order[at]) != nullptr)
+        throw Error(aRead.fText.name() + " was not saved: its new text would have " +
+                    pathOf(*order[at], fModel.getDeviant()) + " twice");
+      aComparison.pair(*order[at], *aRead.fMade[at].fElement);
+    }
+  }
+
+  void checkNoneIsLost(Comparison const& aComparison) const {
+    for (ModelFile const& file : fFiles.fFiles)
+      for (Made const& made : file.fMade)
+        if (aComparison.isThere(*made.fElement) && aComparison.toRead(made.fElement.get()) == nullptr)
+          throw Error(file.fText.name() + " was not saved: its new text would lack " +
+                      pathOf(*made.fElement, fModel.getDeviant()));
   }
 
   /// A text that would not be read as the model is must not be written.
@@ -161,8 +216,11 @@ class Saving {
       for (Element* const element : order) {
         Metaclass const& metaclass = metamodel.metaclassOf(*element);
         for (Feature const* const feature : metaclass.fOrder) {
-          if (!isWritten(*feature) || aComparison.isSame(*element, *aComparison.toRead(element), *feature))
-            continue;
+          Element& read = *aComparison.toRead(element);
+          if (!isWritten(*feature) || aComparison.isSame(*element, read, *feature)) continue;
+          // The end of a link that the text leaves to the other end comes in the order of the others.
+          bool const isEnd = feature->fOpposite != nullptr && feature->fMany && !feature->fOrdered;
+          if (isEnd && aComparison.isSameSet(*element, read, *feature)) continue;
           throw Error("The model was not saved: " + std::string(metaclass.fName) + " " +
                       externalIdOf(*element, fModel.getDeviant()) + " can't be written with its " +
                       std::string(feature->fName));
@@ -176,6 +234,8 @@ class Saving {
   Kelm::Model fRead;
   /// Elements of each file in the order of their tags.
   std::vector<std::vector<Element*>> fOrders;
+  /// The numbers of its applications in the order of theirs.
+  std::vector<std::vector<std::uint32_t>> fApplications;
 };
 
 /// A file without an element would be no model that anybody can read.
@@ -192,6 +252,7 @@ void checkHasRoot(Kelm::Model const& aModel, std::string const& aPath) {
 std::string textOf(Kelm::Model const& aModel, SaveOptions const& aOptions, std::string_view aFile) {
   ModelFiles* const own = ModelFiles::find(aModel);
   if (own == nullptr || !aOptions.fDialect.empty()) {
+    if (own != nullptr) releaseChangedStandIns(aModel, *own);
     std::vector<Element*> order;
     return WholeFile(aModel, dialectCalled(aOptions.fDialect)).write(order);
   }
@@ -220,7 +281,8 @@ void save(Kelm::Model const& aModel, SaveOptions const& aOptions) {
     bytes.push_back(texts[at] == text.utf8() ? std::string() : text.encoded(texts[at]));
     if (bytes.back().empty()) continue;
     if (file.fPath.empty())
-      throw Error(text.name() + " was given as bytes, and lies nowhere; save to a path");
+      throw Error(text.name() +
+                  " lies nowhere: it was given as bytes, or the model is a copy; save to a path");
     if (!aOptions.fForce && stampOf(file.fPath) != file.fStamp)
       throw Error(text.name() + " has changed on disk since it was read; save with force to write over it");
   }

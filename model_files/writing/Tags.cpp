@@ -90,6 +90,16 @@ bool Tags::needsType(Element const& aElement, Feature const* aFeature) const {
   return fStyle.writesTypes() || impliedType(*aFeature) != &metaclassOf(aElement);
 }
 
+bool Tags::needsNil(Element const& aElement, Feature const& aFeature) {
+  return !aFeature.fMany && textsOf(aElement, aFeature, fDeviant).empty() &&
+         !textsOf(pristine(metaclassOf(aElement)), aFeature, fReadModel.getDeviant()).empty();
+}
+
+void Tags::writeNil(std::string_view aName, std::string& aOut) {
+  (aOut += '<') += aName;
+  aOut += " xmlns:xsi=\"http://www.w3.org/2001/XMLSchema-instance\" xsi:nil=\"true\"/>";
+}
+
 bool Tags::writesEnd(Feature const& aFeature) const {
   if (aFeature.fOpposite == nullptr || fStyle.isWritten(aFeature)) return true;
   if (fStyle.isWritten(*aFeature.fOpposite)) return false;
@@ -97,6 +107,12 @@ bool Tags::writesEnd(Feature const& aFeature) const {
   bool const isRequired = aFeature.fProperty->getLower() > 0;
   bool const isOtherRequired = aFeature.fOpposite->fProperty->getLower() > 0;
   return isRequired || !isOtherRequired;
+}
+
+std::string Tags::innerIndent(std::string const& aIndent) const {
+  // Blanks would outweigh all else in a very deep model.
+  constexpr std::size_t kMost = 256;
+  return aIndent.size() < kMost ? aIndent + fLayout.fUnit : aIndent;
 }
 
 void Tags::newLine(std::string_view aIndent, std::string& aOut) const {
@@ -117,7 +133,7 @@ void Tags::write(Element& aElement, std::string_view aTagName, Feature const* aF
       continue;
     }
     auto const [part, feature] = last.fParts[last.fNext++];
-    std::string const inner = last.fIndent + fLayout.fUnit;
+    std::string const inner = innerIndent(last.fIndent);
     newLine(inner, aOut);
     start(*part, feature->fName, feature, inner, aOut, open);
   }
@@ -161,7 +177,7 @@ void Tags::start(Element& aElement, std::string_view aTagName, Feature const* aF
   }
   aOut += '>';
   for (std::string const& text : children) {
-    newLine(aIndent + fLayout.fUnit, aOut);
+    newLine(innerIndent(aIndent), aOut);
     aOut += text;
   }
   aOpen.push_back(std::move(open));
@@ -171,6 +187,7 @@ void Tags::writeValues(Element& aElement, Feature const& aFeature, std::string& 
                        std::vector<std::string>& aChildren) {
   auto const texts = textsOf(aElement, aFeature, fDeviant);
   if (texts == textsOf(pristine(metaclassOf(aElement)), aFeature, fReadModel.getDeviant())) return;
+  if (needsNil(aElement, aFeature)) writeNil(aFeature.fName, aChildren.emplace_back());
   for (std::string const& text : texts) {
     if (!aFeature.fMany) {
       attribute(aAttributes, aFeature.fName, text);
@@ -216,30 +233,44 @@ std::string Tags::localId(Element& aElement) {
 std::string const& Tags::idOf(Element& aElement) {
   std::string& id = fIds[&aElement];
   if (!id.empty()) return id;
-  id = fKnownId ? fKnownId(aElement) : externalIdOf(aElement, fDeviant);
-  if (id.empty()) {
-    id = newId(aElement);
+  id = givenId(aElement);
+  // Of several elements with an id one keeps it: the one that it means.
+  bool const isUsed = !id.empty() && fUsedIds.try_emplace(id, &aElement).first->second != &aElement;
+  if (id.empty() || isUsed) {
+    id = newId(seedOf(aElement), &aElement);
     fNewIds[&aElement] = id;
   }
   return id;
 }
 
-std::string Tags::newId(Element& aElement) {
-  static constexpr char kDigits[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_";
+std::string Tags::givenId(Element& aElement) const {
+  std::string id = fKnownId ? fKnownId(aElement) : std::string();
+  return id.empty() ? externalIdOf(aElement, fDeviant) : id;
+}
+
+std::string Tags::seedOf(Element& aElement) {
   // From where the element stands and what it is called, so that the same change gives the same id.
   std::string seed(metaclassOf(aElement).fName);
-  if (Element* const owner = containerOf(aElement, fDeviant)) seed += idOf(*owner);
+  if (Element* const owner = containerOf(aElement, fDeviant)) {
+    std::string const id = givenId(*owner);
+    seed += id.empty() ? idOf(*owner) : id;
+  }
   if (Feature const* const name = metaclassOf(aElement).feature("name"))
     for (std::string const& text : textsOf(aElement, *name, fDeviant)) seed += text;
+  return seed;
+}
+
+std::string Tags::newId(std::string_view aSeed, Element const* aElement) {
+  static constexpr char kDigits[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_";
   for (unsigned attempt = 0;; ++attempt) {
-    std::uint64_t halves[] = {hashOf(seed, 0xcbf29ce484222325ULL + attempt), 0};
-    halves[1] = hashOf(seed, halves[0]);
+    std::uint64_t halves[] = {hashOf(aSeed, 0xcbf29ce484222325ULL + attempt), 0};
+    halves[1] = hashOf(aSeed, halves[0]);
     std::string id = "_";
     for (int at = 0; at < 22; ++at) {
       id += kDigits[halves[at / 11] & 63];
       halves[at / 11] >>= 6;
     }
-    if (fUsedIds.insert(id).second) return id;
+    if (fUsedIds.try_emplace(id, aElement).second) return id;
   }
 }
 

@@ -5,7 +5,6 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 #include "model_files/dialect/Style.h"
@@ -41,7 +40,7 @@ class Tags {
 
   /// Whether an element has a tag in this text, or gets one; others are named by file and id.
   std::function<std::string(Element&)> fForeignAddress;
-  /// The id that an element has already and keeps in this text; empty for none.
+  /// The id that an element has in a text already; empty for none.
   std::function<std::string(Element&)> fKnownId;
   /// Writes an element that has a tag already; false for one that has none.
   std::function<bool(Element&, std::string_view aTagName, Feature const*, std::string&)> fWriteKnown;
@@ -49,7 +48,10 @@ class Tags {
   /// Further tags that stand in an element, as they are.
   std::function<std::vector<std::string>(Element&)> fKept;
 
-  void useId(std::string_view aId) { fUsedIds.emplace(aId); }
+  /// The text names an element by this id, and so no other one.
+  void useId(std::string_view aId, Element const& aElement) {
+    fUsedIds.try_emplace(std::string(aId), &aElement);
+  }
   void order(std::vector<Element*>& aOrder) noexcept { fOrder = &aOrder; }
 
   /// An element as a part of a feature, or as a root: `aTagName` is "ownedAttribute" or "uml:Class"; or under
@@ -62,16 +64,29 @@ class Tags {
   std::string typeOf(Element const& aElement) const;
   /// Whether the type has to be written beside a tag of the feature.
   bool needsType(Element const& aElement, Feature const* aFeature) const;
+  /// Whether the element lacks a value that it would have if nothing were written.
+  bool needsNil(Element const& aElement, Feature const& aFeature);
+  /// A tag that says so.
+  static void writeNil(std::string_view aName, std::string& aOut);
   /// Whether this end of a link is written, and not only the other one.
   bool writesEnd(Feature const& aFeature) const;
 
   /// The id by which this text names an element; empty for one that other texts hold.
   std::string localId(Element& aElement);
   std::string const& idOf(Element& aElement);
+  /// One that nobody has, the same for the same text.
+  std::string newId(std::string_view aSeed, Element const* aElement = nullptr);
   std::string const& idName() const noexcept { return fStyle.fIdName; }
   Layout const& layout() const noexcept { return fLayout; }
   Style const& style() const noexcept { return fStyle; }
-  std::unordered_map<Element const*, std::string> const& newIds() const noexcept { return fNewIds; }
+  using NewIds = std::unordered_map<Element*, std::string>;
+  /// Of elements that had none, or one that means another element.
+  NewIds const& newIds() const noexcept { return fNewIds; }
+  /// The new id of an element that was asked for before.
+  void renew(Element& aElement, std::string const& aId) {
+    useId(aId, aElement);
+    fIds[&aElement] = fNewIds[&aElement] = aId;
+  }
 
  private:
   /// A tag that is open: its parts, and the one that comes next.
@@ -84,21 +99,24 @@ class Tags {
   /// A start tag and what comes before the parts; what has parts is left open.
   void start(Element& aElement, std::string_view aTagName, Feature const* aFeature,
              std::string const& aIndent, std::string& aOut, std::vector<Open>& aOpen);
+  std::string innerIndent(std::string const& aIndent) const;
   void newLine(std::string_view aIndent, std::string& aOut) const;
   void writeValues(Element& aElement, Feature const& aFeature, std::string& aAttributes,
                    std::vector<std::string>& aChildren);
   void writeReferences(Feature const& aFeature, std::vector<Element*> const& aValues,
                        std::string& aAttributes, std::vector<std::string>& aChildren);
   Element& pristine(Metaclass const& aMetaclass);
-  std::string newId(Element& aElement);
+  /// The id that an element has already; empty for none.
+  std::string givenId(Element& aElement) const;
+  std::string seedOf(Element& aElement);
 
   Kelm::Deviant fDeviant;
   Kelm::Model fReadModel;
   Style const& fStyle;
   Layout fLayout;
-  std::unordered_set<std::string> fUsedIds;
+  std::unordered_map<std::string, Element const*> fUsedIds;
   std::unordered_map<Element const*, std::string> fIds;
-  std::unordered_map<Element const*, std::string> fNewIds;
+  NewIds fNewIds;
   std::unordered_map<Metaclass const*, ElementPtr> fPristine;
   std::vector<Element*>* fOrder = nullptr;
 };

@@ -6,6 +6,8 @@
 #include "kelm/ModelElementIntf.h"
 #include "model_files/dialect/namespaces.h"
 #include "model_files/text/markup.h"
+#include "model_files/writing/Applications.h"
+#include "model_files/writing/TagEdits.h"
 #include "model_files/writing/Tags.h"
 #include "uml_metamodel/umlmm/models.h"
 
@@ -35,15 +37,6 @@ bool hasPlace(ModelFile const& aFile, Kept const& aKept) {
   return name.find(':') == std::string_view::npos && name != "eAnnotations";
 }
 
-/// Prefixes that the tags of a file use, beside those of every file.
-void collectPrefixes(ModelFile& aFile, std::uint64_t aTag, std::map<std::string, std::string>& aOut) {
-  std::string_view const text = aFile.fText.utf8();
-  if (!aFile.fDeclarations) aFile.fDeclarations = markup::declarations(text);
-  std::string const prefix(QualifiedName(markup::nameAt(text, aTag)).fPrefix);
-  if (prefix.empty() || prefix == "uml" || prefix == "xmi" || prefix == "xsi") return;
-  aOut.try_emplace(prefix, markup::declaration(text, *aFile.fDeclarations, aTag, prefix));
-}
-
 }  // namespace
 
 Dialect const& dialectCalled(std::string_view aName) {
@@ -68,16 +61,12 @@ std::string WholeFile::write(std::vector<Element*>& aOrder) {
   tags.order(aOrder);
   if (fFiles != nullptr)
     for (ModelFile const& file : fFiles->fFiles)
-      file.fIds.forEach([&](std::string_view aId, Element const&) { tags.useId(aId); });
+      file.fIds.forEach([&](std::string_view aId, Element const& aElement) { tags.useId(aId, aElement); });
   tags.fForeignAddress = [this](Element& aElement) {
     StandIn const* const standIn = fFiles == nullptr ? nullptr : fFiles->standIn(aElement);
     if (standIn == nullptr) return std::string();
     Feature const& name = *Metamodel::instance().metaclassOf(aElement).feature("name");
     return std::string(fDialect.fPrimitives) + textsOf(aElement, name, fModel.getDeviant()).front();
-  };
-  tags.fKnownId = [this](Element& aElement) {
-    std::string id = externalIdOf(aElement, fModel.getDeviant());
-    return fGivenIds.insert(id).second ? id : std::string();
   };
   auto const inside = inUncovered();
   std::erase_if(roots, [&](Element const* aRoot) { return inside.contains(aRoot); });
@@ -86,17 +75,19 @@ std::string WholeFile::write(std::vector<Element*>& aOrder) {
   // Stereotypes stand beside the roots, as they were written.
   std::vector<std::string> applications;
   std::map<std::string, std::string> prefixes;
-  std::map<std::pair<std::uint32_t, std::uint64_t>, bool> seen;
-  if (fFiles != nullptr)
-    for (Application const& application : fFiles->fApplications) {
-      bool const isThere = application.fElement->deviant_isValid(fModel.getDeviant());
-      if (!isThere || application.fIsInExtension ||
-          !seen.try_emplace({application.fSpot.fFile, application.fSpot.fOffset}).second)
-        continue;
-      ModelFile& file = fFiles->fFiles[application.fSpot.fFile];
-      applications.emplace_back(markup::element(file.fText.utf8(), application.fSpot.fOffset));
-      collectPrefixes(file, application.fSpot.fOffset, prefixes);
-    }
+  for (std::uint32_t file = 0; fFiles != nullptr && file < fFiles->fFiles.size(); ++file) {
+    TagEdits edits(fFiles->fFiles[file].fText.utf8(), '"');
+    Applications all(*fFiles, file, fModel.getDeviant(), edits, tags);
+    all.patch({});
+    // By the ids that elements have in one text with those of all files.
+    all.name([](Element const&) { return true; });
+    edits.flushChildren();
+    edits.sort();
+    all.forEachText([&](Application const& aApplication, std::string aText) {
+      declare(aApplication, aText, prefixes);
+      applications.push_back(std::move(aText));
+    });
+  }
 
   bool const hasOneRoot = roots.size() == 1 && applications.empty() && fDialect.fIsTerse;
   std::string declarations;
@@ -135,6 +126,21 @@ std::unordered_set<Element const*> WholeFile::inUncovered() const {
       if (isRoot(*made.fElement)) elements.insert(made.fElement.get());
   }
   return elements;
+}
+
+void WholeFile::declare(Application const& aApplication, std::string& aText,
+                        std::map<std::string, std::string>& aPrefixes) {
+  std::string const prefix(QualifiedName(markup::nameAt(aText, 1)).fPrefix);
+  if (prefix.empty() || prefix == "uml" || prefix == "xmi" || prefix == "xsi") return;
+  bool const isOwn = std::ranges::any_of(markup::attributes(aText, 1), [&](auto const& aAttribute) {
+    return aAttribute.fName == "xmlns:" + prefix;
+  });
+  if (isOwn) return;
+  ApplicationChange const* const change = fFiles->changeOf(aApplication);
+  std::string const address =
+      aApplication.fSpot.fOffset == 0 ? change->fProfileUri : fFiles->namespaceAt(aApplication.fSpot, prefix);
+  // Of versions of a profile under one prefix each tag but those of the first tells its own.
+  if (aPrefixes.try_emplace(prefix, address).first->second != address) declarePrefix(aText, prefix, address);
 }
 
 std::vector<std::string> WholeFile::keptBy(Element const& aElement, Tags& aTags) const {

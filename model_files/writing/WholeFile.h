@@ -1,5 +1,6 @@
 #pragma once
 
+#include <map>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -43,12 +44,13 @@ class WholeFile {
   /// Roots of the model that stand in what no metaclass covers, and are written there.
   std::unordered_set<Element const*> inUncovered() const;
   bool isRoot(Element const& aElement) const;
+  /// Sees to it that the text of an application has its namespace, there or in the root.
+  void declare(Application const& aApplication, std::string& aText,
+               std::map<std::string, std::string>& aPrefixes);
 
   Kelm::Model fModel;
   Dialect const& fDialect;
   ModelFiles* fFiles;
-  /// Files may use the same ids, and one text can't.
-  std::unordered_set<std::string> fGivenIds;
 };
 
 }  // namespace umlmm::files

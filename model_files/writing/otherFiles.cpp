@@ -102,27 +102,4 @@ std::unordered_map<Element const*, markup::Child> Patcher::foreignParts(Element&
   return parts;
 }
 
-void Patcher::patchApplications() {
-  for (Application const& application : fFiles.fApplications) {
-    if (application.fSpot.fFile != fNumber || application.fIsInExtension ||
-        !fMoved.contains(application.fElement.get()) || !fComparison.isThere(*application.fElement))
-      continue;
-    Element* const element = application.fElement.get();
-    Tag const tag = tagOf(application.fSpot.fOffset);
-    auto const write = [this, element](std::string_view aName) -> Write {
-      return [this, element, name = std::string(aName)](std::string& aOut) {
-        fTags.writeReference(name, *element, aOut);
-      };
-    };
-    for (markup::Attribute const& attribute : tag.fAttributes) {
-      if (!attribute.fName.starts_with("base_") || attribute.value() != fFiles.idOf(*element)) continue;
-      removeAttribute(attribute);
-      addChild(tag, 0, write(attribute.fName));
-    }
-    for (markup::Child const& child : tag.fChildren)
-      if (std::string_view const name = markup::nameAt(fText, child.fName); name.starts_with("base_"))
-        fEdits.replace(child.fFrom, child.fTo, write(name));
-  }
-}
-
 }  // namespace umlmm::files

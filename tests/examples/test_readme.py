@@ -12,6 +12,11 @@ SHOP = """<uml:Model xmlns:xmi="http://www.omg.org/spec/XMI/20131001" xmlns:uml=
   <packagedElement xmi:type="uml:Class" xmi:id="_Hx4kQ" name="Order"/>
 </uml:Model>
 """
+TABLES = f"""<xmi:XMI xmlns:xmi="http://www.omg.org/spec/XMI/20131001" xmlns:D="http://example.org/Data">
+{SHOP}<D:Audited base_Class="_i"/>
+<D:Table base_Class="_Hx4kQ" name="order"/>
+</xmi:XMI>
+""".replace("  <packagedElement", '  <packagedElement xmi:type="uml:Class" xmi:id="_i"/>\n  <packagedElement')
 
 
 def run(script, folder):
@@ -19,8 +24,8 @@ def run(script, folder):
 
 
 def test_scripts_do_what_is_told(tmp_path):
-    (script_kind, script), (shown_kind, shown), (files_kind, files) = BLOCKS
-    assert (script_kind, shown_kind, files_kind) == ("python", "text", "python")
+    assert [kind for kind, _ in BLOCKS] == ["python", "text", "python", "python"]
+    script, shown, files, stereotypes = (text for _, text in BLOCKS)
     result = run(script, tmp_path)
     assert (result.stderr, result.stdout) == ("", shown)
     (tmp_path / "shop.uml").write_text(SHOP)
@@ -28,3 +33,8 @@ def test_scripts_do_what_is_told(tmp_path):
     assert result.stderr == "" and "1 Class" in result.stdout
     assert (tmp_path / "shop.uml").read_text() == SHOP.replace("Order", "Purchase")
     assert 'name="Purchase"' in (tmp_path / "shop.xmi").read_text()
+    (tmp_path / "tables.uml").write_text(TABLES)
+    start = 'import umlmm\nmodel = umlmm.load("tables.uml")\norder = model.by_id("_Hx4kQ")\n'
+    assert run(start + stereotypes + "model.save()", tmp_path).stderr == ""
+    assert (tmp_path / "tables.uml").read_text() == TABLES.replace('<D:Table base_Class="_Hx4kQ" name="order"/>',
+                                                                   '<D:Audited base_Class="_Hx4kQ"/>')

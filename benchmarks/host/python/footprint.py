@@ -33,6 +33,7 @@ def measure(build):
     yield Figure("memory: bound object of a C type", round(_best("bound_object_limit", 1)), "B")
     yield Figure("import umlmm", _best("import_time", 10), "ms", bound=8, goal=True)
     yield Figure("average class filled", _best("class_time", 5), "us", bound=30, goal=True)
+    yield Figure("umlmm.load, to ElementTree.parse of the same file", _best("load_time", 1), "", bound=0.5)
     libraries = pathlib.Path(build, "lib")
     yield Figure("metamodel library, stripped", _stripped(libraries / "libuml_metamodel.so"), "MB", bound=2)
     yield Figure("library of the host, stripped", _stripped(libraries / "libuml_metamodel_mi.so"), "MB")

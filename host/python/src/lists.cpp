@@ -390,6 +390,16 @@ Ref buildList(ClassRecord& wanted, PyObject* items) {
   return list;
 }
 
+Ref objectShownBy(PyObject* list) {
+  if (!PyObject_TypeCheck(list, &gChangeableListType))
+    raise(PyExc_TypeError, "A list that can be changed is expected, not " + shortRepr(list));
+  PyInstance& instance = instanceOf(list);
+  ClassFront& front = frontOf(instance);
+  VeskValue const object =
+      front.elementType().isClass() ? front.fSequence->shownObject(&instance) : VeskValue();
+  return object.array() ? toPython(host::OwnedValue(front.elementType(), object)) : Ref::shared(Py_None);
+}
+
 void prepareListTypes() {
   prepareIterator();
   sListSequence.sq_length = sListMapping.mp_length = length;

@@ -14,6 +14,10 @@ void prepareListTypes();
 /// Whether an object is an instance of a published class of lists.
 [[nodiscard]] bool isListInstance(PyObject* object) noexcept;
 
+/// The object whose property a list that can be changed shows; None for one that has values of its own or
+/// whose values are no objects.
+[[nodiscard]] Ref objectShownBy(PyObject* list);
+
 /// A new published list that is a `wanted`, with the items of any iterable.
 [[nodiscard]] Ref buildList(host::ClassRecord& wanted, PyObject* items);
 

@@ -75,6 +75,10 @@ PyObject* state(PyObject*, PyObject* model) {
   return guarded<PyObject*>(nullptr, [=] { return stateOfModel(model).release(); });
 }
 
+PyObject* shownObject(PyObject*, PyObject* list) {
+  return guarded<PyObject*>(nullptr, [=] { return objectShownBy(list).release(); });
+}
+
 PyObject* copy(PyObject*, PyObject* arguments) {
   return guarded<PyObject*>(nullptr, [=] {
     PyObject *object = nullptr, *place = Py_None;
@@ -129,6 +133,8 @@ PyMethodDef sFunctions[] = {
      "before_first_class(function): to be called once, before the first class is made"},
     {"state", state, METH_O,
      "state(object) -> a dictionary of a model or an element's model, which lives until it is closed"},
+    {"shown_object", shownObject, METH_O,
+     "shown_object(list) -> the object whose property a list shows and changes, None for another list"},
     {"copy", copy, METH_VARARGS,
      "copy(object, place=None) -> a copy of all that it owns, or place, filled with it"},
     {"class_names", classNames, METH_O, "class_names(package) -> full names in the order of announcement"},

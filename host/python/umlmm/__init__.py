@@ -36,7 +36,7 @@ def _show(name, package):
 
 def _add():
     """Adds this package's own members to the published classes, before the first of these is made."""
-    from umlmm import _copying, _file_members, _pickling
+    from umlmm import _copying, _file_members, _finding, _making, _pickling, _values
 
 
 _host.before_first_class(_add)
@@ -46,10 +46,15 @@ Kelm.extend = _host.extend
 _show(__name__, "umlmm")
 
 
+# What this package adds to itself is brought in when it is first asked for: by name, the module that has it.
+_LATER = {name: "files" for name in ("files", "load", "load_all")} | {
+    name: "relations" for name in ("associate", "connect", "depend", "generalize", "realize", "relations", "send")} | {
+    name: "changes" for name in ("changes", "new_model", "remove")} | {"primitives": "primitives"}
+
+
 def __getattr__(name):
-    """Model files are brought in when they are first asked for."""
-    if name in ("files", "load", "load_all"):
-        import importlib
-        files = importlib.import_module("umlmm.files")
-        return globals().setdefault(name, getattr(files, name, files))
-    raise AttributeError(name)
+    if name not in _LATER:
+        raise AttributeError(name)
+    import importlib
+    module = importlib.import_module("umlmm." + _LATER[name])
+    return globals().setdefault(name, getattr(module, name, module))

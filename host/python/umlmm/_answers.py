@@ -60,24 +60,6 @@ class Unknown(_Record):
         super().__init__(tag, dict(attributes), text, [Unknown(*child) for child in children])
 
 
-class Stereotype(_Record):
-    """One application of a stereotype. `profile` is the prefix of its namespace and `uri` the address behind it;
-    `values` has the tagged values by name: a text, or a list of texts where there are several."""
-
-    __slots__ = ("name", "profile", "uri", "values")
-    name: str
-    profile: str
-    uri: str
-    values: dict[str, str | list[str]]
-
-    def __init__(self, name, profile, uri, values):
-        by_name = {}
-        for key, value in values:
-            by_name.setdefault(key, []).append(value)
-        super().__init__(name, profile, uri,
-                         {key: found[0] if len(found) == 1 else found for key, found in by_name.items()})
-
-
 class ReportFile(_Record):
     """A file as it was read."""
 

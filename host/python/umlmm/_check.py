@@ -11,8 +11,15 @@ def findings(model):
     for reference in files.unresolved(model):
         dangling.add((reference.element, reference.feature.rpartition(".")[2]))
         if _is_local(reference.address):
+            target = model.by_id(reference.address, reference.file)
+            why = "which is not in the file" if target is None else \
+                f"a {target.MetaClass().name}, which it does not take"
             yield (f"{reference.file}:{reference.line}: {shown(reference.element)}: {reference.feature} names "
-                   f"'{reference.address}', which is not in the file")
+                   f"'{reference.address}', {why}")
+    for finding in files.report(model).findings:
+        if finding.kind == "value":
+            times = f", {finding.count} times" * (finding.count > 1)
+            yield f"{finding.file}:{finding.line}: {finding.what} is no value{times}"
     yield from _wrong_owners(model)
     features = _Features()
     for element in model.allElements():
@@ -92,7 +99,11 @@ class _Feature:
 
     def values(self, element):
         value = element.getProperty(self.name)
-        return value if self._is_multivalued else () if value is None else (value,)
+        if value is None:
+            return ()
+        # What redefines a list reads as one, also where it takes a single value.
+        is_list = self._is_multivalued or (self._is_reference and not hasattr(value, "MetaClass"))
+        return value if is_list else (value,)
 
     def wrong_counts(self, element, values):
         count = len(values)

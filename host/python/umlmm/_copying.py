@@ -1,5 +1,7 @@
 """Copies: `element.clone()`, and what Python's module `copy` makes of elements, models and literals."""
 
+import sys
+
 from umlmm import _front, _host
 
 
@@ -27,13 +29,17 @@ class _Element:
 
 @_front.adds_to(_front.MODELS)
 class _Model:
-    """A copy of a model is a new one, open until it is closed, with copies of all elements."""
+    """A copy of a model is a new one, open until it is closed, with copies of all elements. What belongs to the files of
+    the model goes along; the copy is saved to a path of its own."""
 
     def __copy__(self):
         import umlmm
         made = umlmm.Factory.createNewModel()
         try:
-            return _host.copy(self, made)
+            copy = _host.copy(self, made)
+            if files := sys.modules.get("umlmm.files"):  # else no model came from files
+                files._copy_files(self, copy)
+            return copy
         except BaseException:
             made.close()
             raise

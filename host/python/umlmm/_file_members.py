@@ -28,7 +28,7 @@ class _Model:
         return files.by_id(self, id, file)
 
     def stereotyped(self, name: str) -> "list[umlmm.Kelm.ClassObject]":
-        """The elements to which a stereotype of this name is applied, in document order."""
+        """The elements to which a stereotype of this name is applied, in the order of the applications."""
         from umlmm import files
         return files.stereotyped(self, name)
 
@@ -42,8 +42,8 @@ class _Model:
 @_front.adds_to(_front.ELEMENTS)
 class _Element:
     @property
-    def stereotypes(self) -> "list[umlmm.files.Stereotype]":
-        """The stereotypes that are applied to the element, with their tagged values, as its file has them."""
+    def stereotypes(self) -> "umlmm.files.Stereotypes":
+        """The stereotypes that are applied to the element, with their tagged values, which can be changed."""
         from umlmm import files
         return files.stereotypes(self)
 

@@ -18,7 +18,9 @@ Written by `python -m umlmm stubs` from the filled classes. A feature that must 
 # mypy: disable-error-code="override,misc"
 
 from collections.abc import Callable as _Callable, Iterable as _Iterable, Sequence as _Sequence
-from typing import Any as _Any, ClassVar as _ClassVar, NoReturn as _NoReturn, overload as _overload
+from typing import Any as _Any, ClassVar as _ClassVar, NoReturn as _NoReturn, TypeVar as _TypeVar, overload as _overload
+
+_T = _TypeVar("_T")
 
 '''
 
@@ -45,6 +47,13 @@ def _imports(text):
     return "".join(f"import {module}\n" for module in modules if re.search(rf"\b{module}\.", text))
 
 
+def _later_imports():
+    """Imports of what the package brings in when it is asked for."""
+    import umlmm
+    return [f"from umlmm{'' if name == module else '.' + module} import {name} as {name}"
+            for name, module in umlmm._LATER.items()]
+
+
 def _kinds(added):
     """What is added to all lists and to all enumerations: bases of theirs."""
     body = ""
@@ -65,8 +74,7 @@ class _PackageStub:
         lines = [_HEAD.format(title=f"The package `{self._package.module.__name__}`.") + _imports("".join(added)),
                  "from umlmm import _typing"]
         if self._package.name == "umlmm":
-            lines += ["from umlmm import Kelm as Kelm, files as files",
-                      "from umlmm.files import load as load, load_all as load_all", "", "__version__: str"]
+            lines += ["from umlmm import Kelm as Kelm", *_later_imports(), "", "__version__: str"]
         lines += [""]
         lines += filter(None, (self._member(*member) for member in self._package.other_members.items()))
         lines += [self._definition(function) + "\n" for function in self._package.functions]
@@ -107,6 +115,12 @@ class _PackageStub:
 
     def _constructors(self, cls):
         own = [f"def __init__({self._types.parameters(method, 'self')}) -> None: ..." for method in cls.constructors]
+        if own and cls.subject == cls.short:
+            # With keywords the model may be the owner's.
+            own = [line.replace(", /)", ", /, **features: _Any)") for line in own]
+            refers = any(len(method.arguments) > 1 for method in cls.constructors)
+            owner = "" if refers else "*, owner: _Any, "
+            own += [f"def __init__(self, {owner}**features: _Any) -> None: ..."]
         inherited = any(base.constructors for base in self._packages.linear(cls)[1:])
         if not own and inherited:
             return ["def __init__(self, has_no_constructor: _NoReturn, /) -> None: ..."]

@@ -1,6 +1,6 @@
 """What the stubs of umlmm share. There is no such module when a script runs."""
 
-from collections.abc import Callable, Iterable, Sequence
+from collections.abc import Callable, Iterable, Iterator, Sequence
 from typing import Any, ClassVar, Generic, NoReturn, SupportsIndex, TypeVar, overload
 
 from typing_extensions import Self
@@ -26,9 +26,16 @@ class Property(ReadOnlyProperty[_Read], Generic[_Read, _Write]):
 class Instance:
     def __init__(self, has_no_constructor: NoReturn, /) -> None: ...
 
-class Enumeration(_kinds.Enumeration, Instance):
+class _Literals(type):
+    """What an enumeration's class can do: its literals in order, and each by its text."""
+
+    def __iter__(cls: type[_Item]) -> Iterator[_Item]: ...  # type: ignore[misc]
+    def __getitem__(cls: type[_Item], text: str, /) -> _Item: ...  # type: ignore[misc]
+
+class Enumeration(_kinds.Enumeration, metaclass=_Literals):
     """A literal may be called as the method that it is published as."""
 
+    def __init__(self, text: str | Self, /) -> None: ...
     def __call__(self) -> Self: ...
 
 class List(_kinds.List, Instance, Sequence[_Item]):

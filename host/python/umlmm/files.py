@@ -17,7 +17,8 @@ import sys
 
 import umlmm
 from umlmm import _host  # type: ignore[attr-defined]
-from umlmm._answers import DuplicateId, Finding, Report, ReportFile, Stereotype, Unknown, Unresolved, decoded
+from umlmm._answers import DuplicateId, Finding, Report, ReportFile, Unknown, Unresolved, decoded
+from umlmm._stereotypes import Stereotype, Stereotypes
 
 TYPE_CHECKING = False  # but for checkers: the module typing takes longer to bring in than a file to read
 if TYPE_CHECKING:
@@ -32,7 +33,7 @@ if TYPE_CHECKING:
     Progress = Union[None, bool, Callable[[float], object]]
 
 __all__ = ["DuplicateId", "Error", "Finding", "MissingFile", "NotUml", "ReadError", "Report", "ReportFile", "Stereotype",
-           "Unknown", "Unresolved", "by_id", "is_loaded", "load", "load_all", "report", "save", "stereotyped",
+           "Stereotypes", "Unknown", "Unresolved", "by_id", "is_loaded", "load", "load_all", "report", "save", "stereotyped",
            "stereotypes", "text", "unknown", "unresolved"]
 
 _host.load("uml_model_files_mi")
@@ -188,6 +189,12 @@ def save(model: Kelm.Model, path: Target | None = None, *, dialect: str | None =
         _call("saveTo", model, os.fsdecode(os.fspath(path)), dialect or "", bool(force))
 
 
+def _copy_files(model: Kelm.ImmutableModel, copy: Kelm.Model) -> None:
+    """Gives a copy of a model, which `copy.deepcopy` has made, what belongs to the model's files."""
+    if is_loaded(model):
+        _call("copyFiles", model, copy)
+
+
 def text(model: Kelm.Model, file: Path | None = None, *, dialect: str | None = None) -> bytes:
     """What `save` would write: the bytes of a model's file, of the first one if none is named."""
     with _passage() as passage:
@@ -230,13 +237,14 @@ def unknown(element: Kelm.ImmutableClassObject) -> list[Unknown]:
     return [Unknown(*answer) for answer in decoded(_call("unknown", element))]
 
 
-def stereotypes(element: Kelm.ImmutableClassObject) -> list[Stereotype]:
-    """The stereotypes that are applied to the element, with their tagged values, as they stand in its file."""
-    return [Stereotype(*answer) for answer in decoded(_call("stereotypes", element))]
+def stereotypes(element: Kelm.ImmutableClassObject) -> Stereotypes:
+    """The stereotypes that are applied to the element, with their tagged values. They can be changed: what is changed
+    is seen at once, and comes into the file when it is saved."""
+    return Stereotypes(element, _call, decoded(_call("stereotypes", element)))
 
 
 def stereotyped(model: Kelm.Model, name: str) -> list[Kelm.ClassObject]:
-    """The elements to which a stereotype of this name is applied, in document order."""
+    """The elements to which a stereotype of this name is applied, each once, in the order of the applications."""
     return list(_call("stereotyped", model, name)) if is_loaded(model) else []
 
 

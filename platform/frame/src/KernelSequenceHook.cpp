@@ -4,8 +4,11 @@
 #include <array>
 #include <vector>
 
+#include "frame/Boxing.h"
 #include "frame/Unboxing.h"
 #include "kelm/Asserter.h"
+#include "kelm/ClassObject.h"
+#include "kelm/ModelElementIntf.h"
 
 namespace Kelm::mi {
 
@@ -75,6 +78,13 @@ bool KernelSequenceHook::isUnique(vesk::VeskInterface* aSequence) const {
 
 bool KernelSequenceHook::isLive(vesk::VeskInterface* aSequence) const {
   return sequenceOf(aSequence).fSequence.isLive();
+}
+
+vesk::VeskValue KernelSequenceHook::shownObject(vesk::VeskInterface* aSequence) const {
+  auto const [sequence, deviant] = sequenceOf(aSequence);
+  NSInterface::ModelElementIntf* const element = sequence.shownElement();
+  if (element == nullptr) return {};
+  return ReferenceBoxer::boxObject(element, deviant, false, ScriptClass<ClassObject>::name());
 }
 
 bool KernelSequenceHook::splice(vesk::VeskInterface* aSequence, std::size_t aFirst, std::size_t aRemoved,

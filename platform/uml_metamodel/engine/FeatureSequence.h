@@ -70,7 +70,7 @@ class FeatureSequence : public Kelm::Generic::SequenceIntf {
   void generic_rearrange(Deviant const& aDeviant, std::span<int const> aFrom,
                          std::span<int const> aTo) override;
   bool isUnique() const override { return true; }
-  bool isLive() const override { return true; }
+  Element* shownElement() const override { return &fElement; }
 
  protected:
   class Iterator;

@@ -59,7 +59,7 @@ class ValueSequence final : public SequenceIntf {
       failures::raiseTooMany(kSource, fRoot);
     return fValues->splice(aDeviant, aFirst, aRemoved, aValues);
   }
-  bool isLive() const override { return true; }
+  Element* shownElement() const override { return &fElement; }
 
   /// Without a check, as the element has gone. Iterators go on with what they stand on where memory fails.
   void forget() noexcept try {

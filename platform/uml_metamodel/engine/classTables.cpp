@@ -137,7 +137,8 @@ ElementClass const* shapeOf(Metaclass const& aMetaclass) {
 /// Elements answer to the interfaces of their own ancestors alone.
 void hideOtherInterfaces(Entry& aEntry, Metaclass const& aMetaclass) {
   for (int index = 0; index < kMetaclassCount; ++index) {
-    auto const tag = kInterfaceTags[index]();
+    auto const tag =
+        Kelm::CooperativeVisitor::internal::GetTag(*kInterfaceTypes[index], typeid(Kelm::VisitationDomain));
     if (tag < aEntry.fOffsets.size() && std::ranges::count(aMetaclass.fAncestors, index) == 0)
       aEntry.fOffsets[tag] = ClassTable::kNoInterface;
   }

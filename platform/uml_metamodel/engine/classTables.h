@@ -1,6 +1,7 @@
 #pragma once
 
 #include <span>
+#include <typeinfo>
 #include <vector>
 
 #include "engine/slots.h"
@@ -26,8 +27,8 @@ inline void placeInterface(std::vector<std::int16_t>& aOffsets, Kelm::Cooperativ
 
 /// By position in kLayouts; defined from the catalogue.
 extern ElementClass const kElementClasses[kConcreteCount];
-/// By metaclass: the tag of its interface.
-extern Kelm::CooperativeVisitor::internal::Tag (*const kInterfaceTags[kMetaclassCount])();
+/// By metaclass: the type of its interface.
+extern std::type_info const* const kInterfaceTypes[kMetaclassCount];
 
 /// The table of a concrete metaclass; null for an abstract one.
 Kelm::ClassTable const* classTable(int aMetaclass);

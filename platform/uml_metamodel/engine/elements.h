@@ -35,11 +35,6 @@ void fillOffsets(Element& aElement, std::vector<std::int16_t>& aOffsets) {
   (place(static_cast<Ancestors const*>(&element), Kelm::tagPair<Ancestors, VisitationDomain>().fType), ...);
 }
 
-template <class Intf>
-Kelm::CooperativeVisitor::internal::Tag tagOf() {
-  return Kelm::tagPair<Intf, VisitationDomain>().fType;
-}
-
 }  // namespace
 
 template <class Intf, class... Ancestors>

@@ -28,6 +28,7 @@ VeskClass::~VeskClass() = default;
 void VeskClass::addEvent(char const*) {}
 
 SequenceHook::~SequenceHook() = default;
+VeskValue SequenceHook::shownObject(VeskInterface*) const { return {}; }
 bool SequenceHook::splice(VeskInterface*, std::size_t, std::size_t, VeskValue const*, std::size_t) const {
   return false;
 }

@@ -28,6 +28,7 @@ class KernelSequenceHook : public vesk::SequenceHook {
   void assign(vesk::VeskInterface* aSequence, vesk::VeskInterface* aValues) const final;
   bool isUnique(vesk::VeskInterface* aSequence) const final;
   bool isLive(vesk::VeskInterface* aSequence) const final;
+  vesk::VeskValue shownObject(vesk::VeskInterface* aSequence) const final;
   bool splice(vesk::VeskInterface* aSequence, std::size_t aFirst, std::size_t aRemoved,
               vesk::VeskValue const* aValues, std::size_t aCount) const final;
 

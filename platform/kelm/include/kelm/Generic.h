@@ -149,8 +149,10 @@ class UMLMM_API SequenceIntf : public ReferenceCountingIntf {
   virtual void generic_rearrange(Deviant const&, std::span<int const> aFrom, std::span<int const> aTo);
   /// Whether the sequence refuses a value that it holds.
   virtual bool isUnique() const { return false; }
-  /// Whether the sequence shows what an element holds, so that a change of it is one of the element.
-  virtual bool isLive() const { return false; }
+  /// The element whose feature the sequence shows, so that a change of it is one of the element; null for one
+  /// that has values of its own.
+  virtual NSInterface::ModelElementIntf* shownElement() const { return nullptr; }
+  bool isLive() const { return shownElement() != nullptr; }
   /// The type of the values as they are stored, the same in all libraries: a holder of one type must not be
   /// read as another. References to objects, as Kelm::Object, unless a sequence says otherwise.
   virtual std::type_info const& valueType() const;

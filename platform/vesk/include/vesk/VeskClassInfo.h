@@ -60,6 +60,8 @@ class UMLMM_API SequenceHook {
   virtual bool isUnique(VeskInterface* sequence) const = 0;
   /// Whether the sequence shows a property of another object, not values of its own.
   virtual bool isLive(VeskInterface* sequence) const = 0;
+  /// That object, as a method would return it; no value for a sequence with values of its own.
+  virtual VeskValue shownObject(VeskInterface* sequence) const;
 };
 
 /// What an instance stands for, whatever the view it gives of it: instances with equal words are the same

@@ -42,7 +42,8 @@ OLD = b"""<?xml version="1.0"?>
  </uml:Model>
 </xmi:XMI>
 """
-DIALECTS = {"eclipse": ECLIPSE, "omg": OMG, "windows": WINDOWS, "old": OLD}
+LINE = b"".join(line.strip() for line in ECLIPSE.splitlines())
+DIALECTS = {"eclipse": ECLIPSE, "omg": OMG, "windows": WINDOWS, "old": OLD, "line": LINE}
 
 # What the metamodel has no place for: a stereotype, an annotation, a reference that leads nowhere, an id declared twice.
 STRANGE = b"""<?xml version="1.0" encoding="UTF-8"?>

@@ -37,8 +37,9 @@ def test_what_cannot_be_added_is_refused_as_a_whole(kind, name, error, text):
 
 SCRIPT = '''
 import sys, umlmm
-from umlmm import _front
+from umlmm import _front, _host
 
+_host.before_first_class(lambda: None)  # none of the package's own additions
 early = umlmm.Actor  # made before anything is added; others are made afterwards
 
 @_front.adds_to(_front.ELEMENTS)

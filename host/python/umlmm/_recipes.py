@@ -1,0 +1,223 @@
+"""How elements are made from keywords: what a class takes, where it has its place in an owner, and how all of it is
+taken back when something is refused."""
+
+from __future__ import annotations
+
+import umlmm
+from umlmm import Kelm, _host  # type: ignore[attr-defined]
+from umlmm._classes import python_name
+
+_recipes: dict[type, _Recipe] = {}
+
+
+def make(cls, arguments, keywords):
+    """`cls(*arguments, **keywords)`: an element with features, in its owner if `owner` is given."""
+    recipe = _recipes.get(cls) or _Recipe.of(cls)
+    owner = keywords.pop("owner", None)
+    if not recipe.settable.issuperset(keywords):
+        recipe.refuse(next(name for name in keywords if name not in recipe.settable))
+    if owner is None:
+        made = cls(*arguments) if arguments else cls(_model_among(cls, keywords))
+        return recipe.fill(made, keywords)
+    place = recipe.places.get(type(owner))
+    if place is None:
+        if type(owner) is tuple:
+            owner, place = owner
+            place = recipe.checked_place(owner, place)
+        elif isinstance(owner, Kelm.ImmutableModel):
+            return recipe.fill(cls(*(arguments or (owner,))), keywords)
+        else:
+            place = recipe.find_place(owner)
+    made = cls(*arguments) if arguments else cls(owner.modelKelm)
+    return recipe.fill(made, keywords, owner, *place)
+
+
+def make_in(values, kind, keywords):
+    """An element in a list of a feature."""
+    owner = _host.shown_object(values)
+    if owner is None:
+        raise TypeError(f"{_named(type(values))} shows no feature of an element; make an element with "
+                        f"{_named(kind or _item_class(values))}(model, ...) and append it")
+    kind = kind or _item_class(values)
+    if kind.MetaClass().isAbstract():
+        raise TypeError(f"{_named(kind)} is abstract: say of which class the element is to be, "
+                        f"as in create(umlmm.Class, ...)")
+    made = make(kind, (owner.modelKelm,), keywords)
+    try:
+        values.append(made)
+    except BaseException:
+        made.destroy()
+        raise
+    return made
+
+
+class _Recipe:
+    """What is known of a class: the names that it takes, those of parts among them, and its places in owners."""
+
+    @classmethod
+    def of(cls, made):
+        recipe = _recipes[made] = cls(made)
+        return recipe
+
+    def __init__(self, cls):
+        features = {python_name(feature.name): feature for feature in cls.MetaClass().allProperties()}
+        self.cls = cls
+        self.features = features
+        self.settable = {name for name, feature in features.items() if not feature.isReadOnly}
+        self.settable |= {name for name in dir(cls) if getattr(_static(cls, name), "fset", None)}
+        self.of_parts = {name for name, feature in features.items() if feature.isComposite}
+        self.places = {}
+
+    def refuse(self, name):
+        if name in self.features:
+            raise TypeError(f"'{name}' of {_named(self.cls)} is read-only and cannot be given")
+        import difflib
+        near = difflib.get_close_matches(name, [*self.settable, "owner"], 1)
+        raise TypeError(f"{_named(self.cls)} has no feature '{name}'"
+                        + (f"; did you mean '{near[0]}'?" if near else ""))
+
+    def fill(self, made, keywords, owner=None, place=None, is_list=False):
+        """Sets the features and puts the element into its owner. When one is refused, all is as it was."""
+        before = () if self.of_parts.isdisjoint(keywords) else [
+            _Place(part) for name in self.of_parts.intersection(keywords) for part in _parts(keywords[name])]
+        try:
+            for name in keywords:
+                setattr(made, name, keywords[name])
+            if is_list:
+                getattr(owner, place).append(made)
+            elif place:
+                if getattr(owner, place) is not None:
+                    raise ValueError(f"{place} of {owner!r} is taken; assign None to it first")
+                setattr(owner, place, made)
+        except BaseException:
+            for part in before:
+                part.leave(made)
+            made.destroy()
+            for part in before:
+                part.restore()
+            raise
+        return made
+
+    def find_place(self, owner):
+        """The one feature of an owner that takes the element, and whether it is a list."""
+        if not isinstance(owner, Kelm.ImmutableClassObject):
+            raise TypeError(f"owner is an element, or a pair of one and the name of a feature, not {owner!r}")
+        fits = self._fitting(owner)
+        subsets = {general.name for feature in fits for general in feature.subsetted}
+        fits = [feature for feature in fits if not {general.name for general in feature.subsetted}
+                & {other.name for other in fits}] if subsets else fits
+        if len(fits) != 1:
+            names = ", ".join(sorted(python_name(feature.name) for feature in fits))
+            raise TypeError(
+                f"{_named(self.cls)} has several places in {owner!r}: {names}. "
+                f"Say which: owner=(element, {python_name(fits[0].name)!r})" if fits else
+                f"{_named(self.cls)} has no place in {owner!r}: none of its features owns such elements")
+        self.places[type(owner)] = python_name(fits[0].name), fits[0].isMultivalued
+        return self.places[type(owner)]
+
+    def checked_place(self, owner, name):
+        for feature in self._fitting(owner):
+            if python_name(feature.name) == name:
+                return name, feature.isMultivalued
+        names = ", ".join(sorted(python_name(feature.name) for feature in self._fitting(owner)))
+        raise TypeError(f"'{name}' of {owner!r} owns no {_named(self.cls)}; what does: {names or 'nothing'}")
+
+    def _fitting(self, owner):
+        metaclass = self.cls.MetaClass()
+        return [feature for feature in owner.MetaClass().allProperties()
+                if feature.isComposite and not feature.isReadOnly and metaclass.conformsTo(feature.type)]
+
+
+class _Place:
+    """Where an element stands: in a feature of its owner, or at the top level."""
+
+    def __init__(self, part):
+        self._part = part
+        self._owner = part.containerKelm
+        self._feature = self._index = None
+        for feature in self._owner.MetaClass().allProperties() if self._owner is not None else ():
+            if not feature.isComposite or feature.isReadOnly:
+                continue
+            value = self._owner.getProperty(feature.name)
+            if feature.isMultivalued and part in value:
+                self._feature, self._index = feature.name, value.index(part)
+            elif value == part:
+                self._feature = feature.name
+
+    def leave(self, owner):
+        """Goes to the top level, if it has come to that owner."""
+        if self._part.containerKelm == owner:
+            for name in _recipes[type(owner)].of_parts:
+                value = getattr(owner, name)
+                if value == self._part:
+                    owner.unset(name)
+                elif isinstance(value, Kelm.SequenceOfClassObject) and self._part in value:
+                    value.remove(self._part)
+
+    def restore(self):
+        if self._feature is None or self._part.containerKelm == self._owner:
+            return
+        if self._index is None:
+            self._owner.setProperty(self._feature, self._part)
+        else:
+            self._owner.getProperty(self._feature).insert(self._index + 1, self._part)
+
+
+def _parts(value):
+    """The elements of what is given for a feature of parts."""
+    values = value if isinstance(value, (list, tuple)) or hasattr(value, "__iter__") else (value,)
+    return [part for part in values if isinstance(part, Kelm.ClassObject)]
+
+
+def _model_among(cls, keywords):
+    """The model of the elements that an element is to refer to."""
+    for value in keywords.values():
+        for element in _parts(value):
+            return element.modelKelm
+    raise TypeError(f"{_named(cls)} needs a model or an owner: {_named(cls)}(model, ...), {_named(cls)}(owner=...)")
+
+
+def _item_class(values):
+    record = _host.describe_class(_named(type(values)))
+    return getattr(umlmm, record["subject"])
+
+
+def _named(cls):
+    return f"{cls.__module__}.{cls.__qualname__}"
+
+
+def _static(cls, name):
+    import inspect
+    return inspect.getattr_static(cls, name, None)
+
+
+# --- multiplicities
+
+def bounds(value):
+    """Lower and upper bound, the latter as `upper` takes it, from what `multiplicity` may be set to."""
+    given = value
+    if isinstance(value, str):
+        lower, dots, upper = (part.strip() for part in value.partition(".."))
+        value = (lower, upper) if dots else (0, "*") if lower == "*" else (lower, lower)
+    elif not isinstance(value, (tuple, list)):
+        value = (value, value)
+    try:
+        lower, upper = value
+        lower = int(lower)
+        upper = "*" if upper is None or upper == "*" else int(upper)
+    except (TypeError, ValueError):
+        lower = -1
+    if lower < 0 or (upper != "*" and upper < lower):
+        raise ValueError(f"{given!r} is no multiplicity; what is: '1', '0..*', '*', 2, (0, None)")
+    return lower, upper
+
+
+def set_bounds(element, lower, upper):
+    before = element.lower
+    element.lower = lower
+    try:
+        element.upper = upper
+    except BaseException:
+        element.lower = before
+        raise
+
