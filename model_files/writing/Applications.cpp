@@ -191,12 +191,13 @@ void Applications::nameBase(std::span<Application const> aRows) {
   std::string const old = isText ? childValueOf(markup::element(fText, base)).fText : address->value();
   std::size_t words = 0;
   forEachWord(old, [&](auto) { ++words; });
-  // What names nothing, or something that is gone, is left to what it says.
-  if (words != aRows.size() || !std::ranges::all_of(aRows, [&](auto& aRow) { return isThere(aRow); })) return;
+  // What names nothing is left to what it says.
+  if (words != aRows.size()) return;
   std::string ids;
   std::vector<Element*> elements;
   bool isLocal = true;
   for (Application const& row : aRows) {
+    if (!isThere(row)) continue;
     elements.push_back(row.fElement.get());
     std::string const id = fTags.localId(*elements.back());
     isLocal &= !id.empty();

@@ -27,11 +27,11 @@ class Applications {
   Applications(ModelFiles const& aFiles, std::uint32_t aFile, Kelm::Deviant const& aDeviant, TagEdits& aEdits,
                Tags& aTags);
 
+  /// Names elements as the text does now, those for which `aIsOther` answers true: they may have come into
+  /// another file, or have another id. To be called first.
+  void name(std::function<bool(Element const&)> const& aIsOther);
   /// Edits all tags. `aCuts` stand in the order of where they begin, inner ones behind outer ones.
   void patch(std::span<Cut const> aCuts);
-  /// Names elements as the text does now, those for which `aIsOther` answers true: they may have come into
-  /// another file, or have another id.
-  void name(std::function<bool(Element const&)> const& aIsOther);
   /// Tags that need a new place, if `patch` has found none.
   std::vector<Edits::Write> takeHomeless() { return std::move(fHomeless); }
   /// The numbers of those whose tags stand in the text, as they are written.

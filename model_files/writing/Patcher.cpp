@@ -58,10 +58,10 @@ std::string Patcher::write(std::vector<Element*>& aOrder) {
 void Patcher::compareAll() {
   for (std::size_t at = 0; at < fFile.fMade.size(); ++at) compare(at);
   for (Element* const owner : fChangedOwners) patchParts(*owner);
-  fApplications.patch(fCuts);
-  patchTop();
   if (!fMoved.empty())
     fApplications.name([this](Element const& aElement) { return fMoved.contains(&aElement); });
+  fApplications.patch(fCuts);
+  patchTop();
   fEdits.flushChildren();
 }
 
@@ -120,12 +120,15 @@ bool Patcher::isAtHome(Element& aElement, Element& aRead, std::size_t aName) {
   // One at the top may stand in the tag of another one that goes.
   if (owner == nullptr && aName < fGoneTo) return false;
   auto const isOutside = [&](Element* aOwner) { return aOwner == nullptr || isForeign(*aOwner); };
-  bool const isTop = fFiles.fFiles.size() > 1 && fFiles.isTop({fNumber, aName});
+  bool const isOfMany = fFiles.fFiles.size() > 1;
+  bool const isTop = isOfMany && fFiles.isTop({fNumber, aName});
   if (isTop && isOutside(owner) && isOutside(readOwner == nullptr ? nullptr : fComparison.toModel(readOwner)))
     return true;
   if ((owner == nullptr) != (readOwner == nullptr)) return false;
   if (owner == nullptr) return true;
   if (fComparison.toModel(readOwner) != owner) return false;
+  // One that named it from another file may have come into this one, and is written with its parts.
+  if (isOfMany && !fNodes.contains(owner) && !isForeign(*owner)) return false;
   if (!fChangedOwners.contains(owner)) return true;
   Feature const* const feature =
       placeCalled(metaclassOf(*owner), markup::nameAt(fText, aName), metaclassOf(aElement));

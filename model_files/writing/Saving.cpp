@@ -94,6 +94,12 @@ class Saving {
   /// is.
   void check(std::vector<std::string> const& aTexts) {
     if (fOrders.empty()) return;
+    for (std::size_t file = 0; file < fOrders.size(); ++file)
+      if (fOrders[file].empty())
+        throw Error(
+            fFiles.fFiles[file].fText.name() +
+            " was not saved: all its elements are gone, and a file without any is no model; leave one "
+            "in it, or save the model to a path");
     fRead = readAgain(fFiles, aTexts);
     ModelFiles& readFiles = ModelFiles::of(fRead);
     Comparison comparison(fModel, fRead);

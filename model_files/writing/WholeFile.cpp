@@ -78,9 +78,9 @@ std::string WholeFile::write(std::vector<Element*>& aOrder) {
   for (std::uint32_t file = 0; fFiles != nullptr && file < fFiles->fFiles.size(); ++file) {
     TagEdits edits(fFiles->fFiles[file].fText.utf8(), '"');
     Applications all(*fFiles, file, fModel.getDeviant(), edits, tags);
-    all.patch({});
     // By the ids that elements have in one text with those of all files.
     all.name([](Element const&) { return true; });
+    all.patch({});
     edits.flushChildren();
     edits.sort();
     all.forEachText([&](Application const& aApplication, std::string aText) {

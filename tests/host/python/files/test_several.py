@@ -133,3 +133,29 @@ def test_files_that_become_one(write, tmp_path):
         one = umlmm.load(tmp_path / "one.xmi")
         assert names(one) == names(model) and one.report.duplicate_ids == []
         assert [root.packagedElement[0].ownedAttribute[0].type.name for root in one.rootElements()] == ["p", "q"]
+
+
+def test_of_a_damaged_part_nothing_is_taken(write):
+    part = write("b.uml", '<uml:Package xmi:id="B">' + '<packagedElement xmi:type="uml:Class" name="x"/>\n' * 5000)
+    model = umlmm.load(write("a.uml", '<uml:Package xmi:id="A" name="A"><packagedElement href="b.uml#B"/></uml:Package>'))
+    assert part.stat().st_size > 100_000 and names(model) == ["A"] and len(model.unresolved) == 1
+
+
+def test_what_is_named_by_what_moves_or_goes(write):
+    two = "".join(f'<packagedElement xmi:type="uml:Class" xmi:id="{id}"/>' for id in "XY")
+    paths = [write("a.uml", f'<uml:Package xmi:id="A">{two}</uml:Package><uml:Package xmi:id="R"/>'
+                            '<D:M xmlns:D="http://d" base_Class="X Y"/><D:M xmlns:D="http://d" base_Class="X" base_Package="R"/>'),
+             write("b.uml", '<uml:Package xmi:id="B"><packagedElement xmi:type="uml:Package" xmi:id="C">'
+                            '<packagedElement href="a.uml#R"/></packagedElement></uml:Package>'),
+             write("c.uml", '<uml:Package xmi:id="Z"/>')]
+    model = umlmm.load_all(paths)
+    model.by_id("A").packagedElement.append(model.by_id("C"))
+    model.by_id("B").packagedElement.append(model.by_id("X"))
+    model.by_id("Y").destroy()
+    model.save()
+    again = umlmm.load_all(paths)
+    assert again.by_id("R", paths[0]).owner is again.by_id("C", paths[0]) and again.by_id("X", paths[1]).owner is again.by_id("B")
+    assert [len(again.by_id(id).stereotypes) for id in "XR"] == [2, 1]
+    model.by_id("Z").destroy()
+    with pytest.raises(umlmm.files.Error, match="c.uml was not saved: all its elements are gone"):
+        model.save()
