@@ -1,6 +1,8 @@
 #include <algorithm>
+#include <deque>
 #include <filesystem>
 #include <numeric>
+#include <optional>
 
 #include "kelm/ModelElementIntf.h"
 #include "model_files/store/ModelFiles.h"
