@@ -136,6 +136,9 @@ struct Report {
   UMLMM_API std::string json() const;
 };
 
+/// Beside the files that are asked for, those are read that they have parts in: `<packagedElement href=`.
+/// What merely is referred to stays unresolved, but for addresses that `fPaths` tells the place of. Files
+/// that are not there, or are something else, stay unresolved, too.
 struct LoadOptions {
   /// Raise ReadError at the first finding, instead of noting it.
   bool fStrict = false;

@@ -50,9 +50,9 @@ struct Address {
 
 /// Behind "omg.org/": "spec/UML/20131001", "spec/XMI/2.1", "XMI", "UML1.3".
 Address readStandard(std::string_view aText) noexcept {
-  bool const isSpecification = take(aText, "spec/");
-  if (take(aText, "XMI")) return {Space::Xmi, take(aText, "/") ? takeVersion(aText) : aText};
-  if (!take(aText, "UML")) return {};
+  bool const isSpecification = takeAnyCase(aText, "spec/");
+  if (takeAnyCase(aText, "xmi")) return {Space::Xmi, take(aText, "/") ? takeVersion(aText) : aText};
+  if (!takeAnyCase(aText, "uml")) return {};
   take(aText, "/");
   std::string_view const version = takeVersion(aText);
   if (version.empty() && !isSpecification) return {};
@@ -85,7 +85,8 @@ bool isEclipse(std::string_view aAddress) noexcept { return read(aAddress).fEcli
 bool isReentrantByDefault(std::string_view aAddress) noexcept {
   if (isEclipse(aAddress)) return true;
   std::string_view const version = versionOf(aAddress);
-  return version >= "2.3" || (version.size() == 8 && version >= "20090901");
+  bool const isDate = version.find('.') == std::string_view::npos;
+  return version >= (isDate ? "20090901" : "2.3");
 }
 
 void Prefixes::declare(std::string_view aPrefix, std::string_view aAddress) {

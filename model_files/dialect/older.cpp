@@ -31,6 +31,9 @@ constexpr Renamed kFeatures[] = {
     {"BehavioralFeature", "formalParameter", "ownedParameter"},
     {"BehavioralFeature", "returnResult", "ownedParameter"},
     {"Parameter", "kind", "direction"},
+    {"Interface", "nestedInterface", "nestedClassifier"},
+    {"ProfileApplication", "importedProfile", "appliedProfile"},
+    {"ProfileApplication", "importedPackage", "appliedProfile"},
 };
 
 constexpr std::pair<std::string_view, std::string_view> kMetaclasses[] = {
@@ -39,8 +42,6 @@ constexpr std::pair<std::string_view, std::string_view> kMetaclasses[] = {
     {"Implementation", "InterfaceRealization"},
     {"EventOccurrence", "MessageOccurrenceSpecification"},
     {"ExecutionOccurrence", "BehaviorExecutionSpecification"},
-    {"CollaborationOccurrence", "CollaborationUse"},
-    {"Stop", "DestructionOccurrenceSpecification"},
 };
 
 /// Abstract types of features that tools leave out all the same.
@@ -55,6 +56,7 @@ constexpr std::pair<std::string_view, std::string_view> kLacking[] = {
     {"result", "OutputPin"},
     {"argument", "InputPin"},
     {"ownedStereotype", "Stereotype"},
+    {"nestedInterface", "Interface"},
 };
 
 /// Features of owners that the metamodel lacks.
@@ -74,6 +76,10 @@ constexpr std::pair<std::string_view, std::string_view> kUncovered[] = {
     {"structuredNodeOutput", "OutputPin"},
     {"loopVariable", "OutputPin"},
     {"endData", "LinkEndCreationData"},
+    {"ownedEnd", "Property"},
+    {"roleBinding", "Dependency"},
+    {"AcceptCallAction.returnInformation", "OutputPin"},
+    {"ReplyAction.returnInformation", "InputPin"},
 };
 
 constexpr std::string_view kPrimitives[] = {"Boolean", "Integer", "Real", "String", "UnlimitedNatural"};
@@ -126,11 +132,13 @@ Metaclass const* impliedType(Feature const& aFeature) {
   return nullptr;
 }
 
-Metaclass const* impliedType(Metaclass const* aOwner, std::string_view aFeature) {
+Metaclass const* impliedType(Metaclass const* aOwner, std::string_view aFeature,
+                             std::string_view aOwnerType) {
   static auto const sTypes = typesByName();
   Metamodel const& metamodel = Metamodel::instance();
+  std::string const qualified = std::string(aOwnerType) + '.' + std::string(aFeature);
   for (auto const& [name, type] : kUncovered)
-    if (aOwner == nullptr && aFeature == name) return metamodel.metaclass(type);
+    if (aOwner == nullptr && (name == aFeature || name == qualified)) return metamodel.metaclass(type);
   for (auto const& [name, type] : kLacking)
     if (aFeature == name) return metamodel.metaclass(type);
   if (aOwner != nullptr) return nullptr;
@@ -148,6 +156,13 @@ Feature const* placeOf(Metaclass const& aOwner, Metaclass const& aPart) {
     if (isNearer) place = feature;
   }
   return place;
+}
+
+Feature const* placeCalled(Metaclass const& aOwner, std::string_view aName, Metaclass const& aPart) {
+  Feature const* const named = featureCalled(aOwner, aName);
+  if (named == nullptr || !named->fComposite || named->fDerived) return named;
+  Feature const* const place = aPart.isA(*named->fType) ? nullptr : placeOf(aOwner, aPart);
+  return place == nullptr ? named : place;
 }
 
 std::string_view primitiveCalled(std::string_view aPath) {

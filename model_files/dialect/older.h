@@ -19,9 +19,14 @@ Metaclass const* impliedType(Feature const& aFeature);
 /// Where an owner keeps a part that a file puts under a name which tells no place of its own, such as
 /// "ownedMember" or "ownedPort": the list with the nearest type. Null for none.
 Feature const* placeOf(Metaclass const& aOwner, Metaclass const& aPart);
+/// The feature that holds a part which a file puts under a name. Older versions have parts in lists that do
+/// not take them today: a `ProfileApplication` was a `packageImport`. Null if the owner has no such feature.
+Feature const* placeCalled(Metaclass const& aOwner, std::string_view aName, Metaclass const& aPart);
 /// The metaclass of an element without a type in a feature that the metamodel lacks: what the name stands for
-/// wherever it has it. `aOwner` is null in an owner that it lacks as well. Null for none.
-Metaclass const* impliedType(Metaclass const* aOwner, std::string_view aFeature);
+/// wherever it has it. `aOwner` is null in an owner that it lacks as well, and `aOwnerType` what the file
+/// calls that. Null for none.
+Metaclass const* impliedType(Metaclass const* aOwner, std::string_view aFeature,
+                             std::string_view aOwnerType = {});
 
 /// "String" of any of the addresses under which the primitive types are known, such as
 /// "pathmap://UML_LIBRARIES/UMLPrimitiveTypes.library.uml#String"; empty for another address.

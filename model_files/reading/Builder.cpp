@@ -6,6 +6,7 @@
 #include "kelm/kernel/containers/Ref.h"
 #include "model_files/dialect/older.h"
 #include "model_files/dialect/values.h"
+#include "model_files/text/markup.h"
 #include "uml_metamodel/umlmm/MetamodelExtension.h"
 
 namespace umlmm::files {
@@ -209,14 +210,25 @@ void Builder::handleUncovered(Frame const& aFrame, pugi::xml_node aNode, Qualifi
   // Parameters of templates are something else than those of behaviors.
   bool const isTemplate = std::string_view(aNode.parent().name()) == "ownedTemplateSignature";
   bool const isPlain = aHead.fType.empty() && aName.fPrefix.empty() && aNode.first_attribute();
-  if (metaclass == nullptr && isPlain && !isTemplate) metaclass = impliedType(aFrame.fMetaclass, aName.fName);
+  if (metaclass == nullptr && isPlain && !isTemplate)
+    metaclass = aFrame.fMetaclass != nullptr ? impliedType(aFrame.fMetaclass, aName.fName)
+                                             : impliedType(nullptr, aName.fName, typeSaidOf(aFrame));
   if (metaclass != nullptr && !metaclass->fAbstract) {
     note("element of an owner that is not covered", metaclass->fName, kAtTop, spotOf(aNode));
     Element& element = make(*metaclass, aNode, aHead);
     return enter(aNode, &element, metaclass);
   }
-  if (space != Space::Xmi && space != Space::Other && aNode.first_child())
-    enter(aNode, nullptr, nullptr, Content::Uncovered);
+  if (space == Space::Xmi) return enter(aNode, nullptr, nullptr, Content::UncoveredExtension);
+  if (space != Space::Other && aNode.first_child()) enter(aNode, nullptr, nullptr, Content::Uncovered);
+}
+
+std::string Builder::typeSaidOf(Frame const& aFrame) const {
+  // In a further piece the tag stands without its attributes.
+  std::string_view const text = fPieces.text();
+  for (markup::Attribute const& attribute : markup::attributes(text, aFrame.fOffset))
+    if (fTags.roleOf(attribute.fName) == TagReader::Role::Type)
+      return std::string(QualifiedName(attribute.fRaw).fName);
+  return std::string(QualifiedName(markup::nameAt(text, aFrame.fOffset)).fName);
 }
 
 void Builder::handleValue(Frame const& aFrame, Feature const& aFeature, pugi::xml_node aNode,
@@ -272,7 +284,14 @@ void Builder::handleReference(Frame const& aFrame, Feature const& aFeature, pugi
   }
   if (fIsAgain) noteStyle(aNode, &aFeature, *metaclass);
   Element& part = make(*metaclass, aNode, aHead);
-  Feature const* const place = aFeature.fDerived ? placeOf(*aFrame.fMetaclass, *metaclass) : &aFeature;
+  bool const isOfAnotherKind =
+      aFeature.fComposite && metaclass != aFeature.fType && !metaclass->isA(*aFeature.fType);
+  Feature const* place = &aFeature;
+  if (aFeature.fDerived || isOfAnotherKind) place = placeOf(*aFrame.fMetaclass, *metaclass);
+  if (place == nullptr && isOfAnotherKind) place = &aFeature;
+  if (place != &aFeature && !aFeature.fDerived)
+    note("part of another kind", in(*aFrame.fMetaclass, aNode.name()),
+         "taken as " + std::string(place->fName), spot);
   if (place != nullptr && (aFeature.fComposite || !aFeature.fDerived))
     own(*aFrame.fElement, *place, part, aNode);
   else if (!aFeature.fComposite)
@@ -317,6 +336,7 @@ Element& Builder::make(Metaclass const& aMetaclass, pugi::xml_node aNode, Head c
   fOwn.fMade.push_back({ElementPtr(&element), fOffset});
   ++fCounts[aMetaclass.fNumber];
   if (!aHead.fId.empty()) fOwn.fIds.add(fPieces.lasting(aHead.fId), element);
+  if (!aHead.fUuid.empty()) fReferences.addUuid(fPieces.lasting(aHead.fUuid), element);
   for (TagReader::Attribute const& attribute : fTags.attributes())
     readAttribute(element, aMetaclass, attribute);
   if (aMetaclass.fReentrant != nullptr && isReentrantByDefault(umlAddress()) &&

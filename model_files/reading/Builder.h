@@ -38,11 +38,12 @@ class Builder {
  private:
   /// What the children of a tag are.
   enum class Content : std::uint8_t {
-    Covered,    ///< Elements and their values.
-    Uncovered,  ///< The same in an element that no metaclass covers.
-    Extension,  ///< A tool's own.
-    Entries,    ///< The same, with entries about elements.
-    Nothing     ///< Nothing to be read.
+    Covered,             ///< Elements and their values.
+    Uncovered,           ///< The same in an element that no metaclass covers.
+    Extension,           ///< A tool's own.
+    UncoveredExtension,  ///< The same in an element that no metaclass covers.
+    Entries,             ///< A tool's own, with entries about elements.
+    Nothing              ///< Nothing to be read.
   };
   /// A tag whose children are being handled.
   struct Frame {
@@ -72,6 +73,8 @@ class Builder {
   void handleTop(pugi::xml_node aNode, QualifiedName aName, Head const& aHead);
   void handleInside(Frame const& aFrame, pugi::xml_node aNode, QualifiedName aName, Head const& aHead);
   void handleUncovered(Frame const& aFrame, pugi::xml_node aNode, QualifiedName aName, Head const& aHead);
+  /// What the file calls the owner that no metaclass covers.
+  std::string typeSaidOf(Frame const& aFrame) const;
   void handleValue(Frame const& aFrame, Feature const& aFeature, pugi::xml_node aNode, Head const& aHead);
   void handleReference(Frame const& aFrame, Feature const& aFeature, pugi::xml_node aNode,
                        std::string_view aName, Head const& aHead);

@@ -41,9 +41,11 @@ void Builder::handlePrefixed(Frame const& aFrame, pugi::xml_node aNode, Qualifie
 
 void Builder::handleBeside(Frame const& aFrame, pugi::xml_node aNode) {
   // One tool keeps parts of the element itself there.
-  bool const isInside = aFrame.fContent != Content::Nothing && aFrame.fElement != nullptr;
+  bool const isUncovered = aFrame.fContent == Content::UncoveredExtension;
+  bool const isInside = isUncovered || (aFrame.fContent != Content::Nothing && aFrame.fElement != nullptr);
   if (isInside && std::string_view(aNode.name()) == "modelExtension")
-    return enter(aNode, aFrame.fElement, aFrame.fMetaclass);
+    return enter(aNode, aFrame.fElement, aFrame.fMetaclass,
+                 isUncovered ? Content::Uncovered : Content::Covered);
   if (aFrame.fContent != Content::Entries) return;
   if (holdsEntries(aNode)) return enter(aNode, nullptr, nullptr, Content::Entries);
   if (waitsForRest(aNode)) return;

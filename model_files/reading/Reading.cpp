@@ -53,7 +53,8 @@ Reading::Reading(std::vector<Input> aInputs, LoadOptions aOptions, bool aIsAgain
       fIsAgain(aIsAgain),
       fModel(createNewModel()),
       fFindings(*fFiles, fOptions.fStrict),
-      fReferences(*fFiles, fModel, fFindings) {
+      fReferences(*fFiles, fModel, fFindings),
+      fAsked(fInputs.size()) {
   fFiles->fPlaces = fOptions.fPaths;
 }
 
@@ -76,7 +77,9 @@ double Reading::progress() const noexcept {
   double const references = fReferences.count() == 0 ? 0
                                                      : static_cast<double>(fReferences.done()) /
                                                            static_cast<double>(fReferences.count());
-  return kTags * part + (1 - kTags) * references;
+  // More files may be found on the way.
+  fTold = std::max(fTold, kTags * part + (1 - kTags) * references);
+  return fTold;
 }
 
 bool Reading::advance() {
@@ -86,8 +89,15 @@ bool Reading::advance() {
     if (progress == Builder::Progress::Done) endFile();
     return false;
   }
+  if (fAt == fInputs.size() && fReferences.done() == 0)
+    for (std::string& path : fReferences.wanted()) fInputs.push_back({std::move(path), std::nullopt});
   if (fAt < fInputs.size()) {
-    startFile();
+    try {
+      startFile();
+    } catch (Error const&) {
+      if (fAt < fAsked) throw;
+      dropFile();
+    }
     return false;
   }
   fIsDone = fReferences.step(kChunk);
@@ -97,6 +107,10 @@ bool Reading::advance() {
 void Reading::startFile() {
   Input& input = fInputs[fAt];
   bool const isOnDisk = !input.fBytes.has_value() && !input.fPath.empty();
+  if (isOnDisk && !fLocations.insert(locationOf(input.fPath)).second) {
+    ++fAt;
+    return;
+  }
   auto const number = static_cast<std::uint32_t>(fFiles->fFiles.size());
   ModelFile& file =
       fFiles->fFiles.emplace_back(input.fBytes ? SourceText::fromBytes(std::move(*input.fBytes), input.fPath)
@@ -107,6 +121,7 @@ void Reading::startFile() {
   fFiles->fReport.fFiles.push_back(
       {file.fText.name(), "", "", "", file.fText.encoding(), file.fText.bytes()});
   if (isNoXml(text)) throw NotUml(whatItIs(file.fText));
+  if (fAt >= fAsked) checkWhole(file);
   fBuilder = std::make_unique<Builder>(*fFiles, number, fModel, fFindings, fReferences, fIsAgain);
   parse();
 }
@@ -116,6 +131,17 @@ void Reading::parse() {
   pugi::xml_parse_result const result = fBuilder->parse();
   fFiles->fReport.fParseTime += since(start);
   if (!result) refuse(fFiles->fFiles.back(), result);
+}
+
+void Reading::checkWhole(ModelFile const& aFile) {
+  // Elements that were built of its first pieces could not be taken back.
+  auto const start = Clock::now();
+  std::string_view const text = aFile.fText.utf8();
+  pugi::xml_document document;
+  pugi::xml_parse_result const result = document.load_buffer(
+      text.data(), text.size(), pugi::parse_minimal | pugi::parse_fragment, pugi::encoding_utf8);
+  fFiles->fReport.fParseTime += since(start);
+  if (!result) refuse(aFile, result);
 }
 
 void Reading::refuse(ModelFile const& aFile, pugi::xml_parse_result const& aResult) {
@@ -128,12 +154,27 @@ void Reading::refuse(ModelFile const& aFile, pugi::xml_parse_result const& aResu
 
 void Reading::endFile() {
   ModelFile& file = fFiles->fFiles.back();
+  if (fBuilder->found() == 0 && fAt >= fAsked) return dropFile();
   if (fBuilder->found() == 0) throw NotUml(whatItIs(file.fText));
   fBuilder->finish();
   fFiles->fReport.fFiles.back().fDialect = dialectOf(*fBuilder);
   file.fStyle.fReentrant = isReentrantByDefault(fBuilder->umlAddress());
   file.fStyle.complete();
   fBuilder.reset();
+  ++fReadCount;
+  ++fAt;
+}
+
+void Reading::dropFile() {
+  fBuilder.reset();
+  // One that can't be opened has not come so far.
+  if (fFiles->fReport.fFiles.size() > fReadCount) {
+    auto const number = static_cast<std::uint32_t>(fFiles->fFiles.size() - 1);
+    std::erase_if(fFiles->fKept, [&](Kept const& aKept) { return aKept.fSpot.fFile == number; });
+    fReferences.drop(number);
+    fFiles->fReport.fFiles.pop_back();
+    fFiles->fFiles.pop_back();
+  }
   ++fAt;
 }
 

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <chrono>
+#include <filesystem>
 #include <memory>
 #include <pugixml.hpp>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -28,8 +30,12 @@ class Reading {
   bool advance();
   void startFile();
   void parse();
+  /// Raises Error for a text that can't be parsed to its end.
+  void checkWhole(ModelFile const& aFile);
   [[noreturn]] void refuse(ModelFile const& aFile, pugi::xml_parse_result const& aResult);
   void endFile();
+  /// Takes back a file that nobody asked for and that can't be read.
+  void dropFile();
   void finish();
 
   std::vector<Input> fInputs;
@@ -43,6 +49,12 @@ class Reading {
   double fTime = 0;
   std::unique_ptr<Builder> fBuilder;
   std::size_t fAt = 0;
+  /// Files that were read to their end.
+  std::size_t fReadCount = 0;
+  /// Files that were asked for; the rest is needed by these.
+  std::size_t fAsked;
+  std::set<std::filesystem::path> fLocations;
+  mutable double fTold = 0;
   bool fIsDone = false;
 };
 

@@ -147,7 +147,7 @@ void References::link(Pending const& aReference, Element& aValue) {
     feature.fMethods->getSequenceEntry(aReference.fElement, fDeviant, feature.fId)
         ->generic_push_back(fDeviant, Kelm::Generic::RefAccess<Kelm::ClassObject>::make(
                                           Kelm::ClassObject(&aValue, fDeviant)));
-    fLinked.push_back({aReference.fElement, &feature, &aValue});
+    fLinked.push_back({aReference.fElement, &feature, &aValue, aReference.fOffset});
   } catch (Kelm::Exception const& refusal) {
     fFindings.add(Findings::Weight::Fault, "value refused",
                   std::string(feature.fName) + ": " + refusal.what(), "kept as written", aReference.spot(),
@@ -162,6 +162,7 @@ Element* References::find(std::string_view aAddress, std::uint32_t aFile) {
   if (Element* const found = own.fIds.find(aAddress)) return found;
   std::size_t const hash = aAddress.find('#');
   if (hash == std::string_view::npos && aAddress.starts_with('/')) return walk(own, aAddress);
+  if (Element* const found = findUuid(aAddress)) return found;
   if (hash == std::string_view::npos && aAddress.find('/') == std::string_view::npos) return nullptr;
   std::string_view const fragment = aAddress.substr(std::min(hash, aAddress.size() - 1) + 1);
   if (hash == 0) return findInFile(own, fragment);
@@ -178,7 +179,17 @@ Element* References::findInFile(ModelFile& aFile, std::string_view aFragment) {
     if (Element* const found = aFile.fIds.find(id)) return found;
   std::string const plain = decoded(aFragment);
   if (Element* const found = aFile.fIds.find(plain)) return found;
+  if (Element* const found = findUuid(aFragment)) return found;
   return plain.empty() || plain.starts_with('/') ? walk(aFile, plain) : nullptr;
+}
+
+Element* References::findUuid(std::string_view aUuid) {
+  if (fUuids.empty()) return nullptr;
+  // Of equal ones the first.
+  if (!fIsSorted) std::ranges::stable_sort(fUuids, {}, &decltype(fUuids)::value_type::first);
+  fIsSorted = true;
+  auto const found = std::ranges::lower_bound(fUuids, aUuid, {}, &decltype(fUuids)::value_type::first);
+  return found == fUuids.end() || found->first != aUuid ? nullptr : found->second;
 }
 
 Element* References::walk(ModelFile& aFile, std::string_view aPath) {
@@ -228,28 +239,80 @@ ModelFile* References::fileAt(std::string_view aFile, std::uint32_t aFrom) {
   return known->second;
 }
 
-ModelFile* References::searchFile(std::string_view aFile, std::uint32_t aFrom) {
-  namespace fs = std::filesystem;
+std::filesystem::path const& References::location(std::size_t aFile) {
+  while (fLocations.size() <= aFile)
+    fLocations.push_back(locationOf(fFiles.fFiles[fLocations.size()].fText.name()));
+  return fLocations[aFile];
+}
+
+std::filesystem::path References::whereIs(std::string_view aFile, std::uint32_t aFrom, bool& aIsTold) const {
   std::string plain = decoded(aFile);
-  for (auto const& [prefix, place] : fFiles.fPlaces)
-    if (plain.starts_with(prefix)) {
-      plain.replace(0, prefix.size(), place);
-      break;
-    }
-  fs::path const wanted = plain;
-  fs::path const beside = fs::path(fFiles.fFiles[aFrom].fText.name()).parent_path() / wanted;
-  for (ModelFile& file : fFiles.fFiles) {
-    fs::path const path = file.fText.name();
-    if (path.lexically_normal() == beside.lexically_normal() || path == wanted) return &file;
+  // Of places that are told the longest start is nearest.
+  aIsTold = false;
+  for (auto place = fFiles.fPlaces.rbegin(); place != fFiles.fPlaces.rend() && !aIsTold; ++place) {
+    auto const& [start, folder] = *place;
+    aIsTold = plain.starts_with(start);
+    bool const isFolder = start.ends_with('/') && !folder.ends_with('/');
+    if (aIsTold) plain.replace(0, start.size(), isFolder ? folder + '/' : folder);
   }
+  constexpr std::string_view kLocal = "file:";
+  if (plain.starts_with("file:/"))
+    plain.erase(0, plain.find_first_not_of('/', kLocal.size()) - 1);
+  else if (plain.starts_with(kLocal))
+    plain.erase(0, kLocal.size());
+  std::size_t const colon = plain.find(':');
+  // One letter is a drive.
+  if (colon != std::string::npos && colon > 1 && plain.find('/') > colon) return {};
+  std::ranges::replace(plain, '\\', '/');
+  return std::filesystem::path(fFiles.fFiles[aFrom].fText.name()).parent_path() / plain;
+}
+
+ModelFile* References::searchFile(std::string_view aFile, std::uint32_t aFrom) {
+  bool isTold = false;
+  std::filesystem::path const path = whereIs(aFile, aFrom, isTold);
+  std::filesystem::path const wanted = path.empty() ? path : locationOf(path);
   // "platform:/resource/project/folder/a.uml": a folder of a workspace, which may lie anywhere.
   constexpr std::string_view kWorkspace = "platform:/";
-  if (!plain.starts_with(kWorkspace)) return nullptr;
-  std::string_view const inside =
-      std::string_view(plain).substr(std::min(plain.find('/', kWorkspace.size()), plain.size() - 1));
-  for (ModelFile& file : fFiles.fFiles)
-    if (fs::absolute(file.fText.name()).lexically_normal().generic_string().ends_with(inside)) return &file;
+  std::string const plain = aFile.starts_with(kWorkspace) ? decoded(aFile) : std::string();
+  std::size_t const inside = plain.find('/', kWorkspace.size());
+  for (std::uint32_t file = 0; file < fFiles.fFiles.size(); ++file) {
+    bool const isInside = inside < plain.size() &&
+                          location(file).generic_string().ends_with(std::string_view(plain).substr(inside));
+    if (!isInside && (wanted.empty() || location(file) != wanted)) continue;
+    fFiles.fFiles[aFrom].fSpellings.try_emplace(file, aFile);
+    return &fFiles.fFiles[file];
+  }
   return nullptr;
+}
+
+std::vector<std::string> References::wanted() {
+  std::vector<std::string> wanted;
+  for (; fSeen < fPending.size(); ++fSeen) {
+    Pending const& reference = fPending[fSeen];
+    std::uint32_t const from = reference.fFile;
+    bool const isPart = reference.fFeature->fComposite;
+    if ((!isPart && fFiles.fPlaces.empty()) || fFiles.fFiles[from].fPath.empty()) continue;
+    forEachWord(reference.address(), [&](std::string_view aAddress) {
+      std::size_t const hash = aAddress.find('#');
+      if (hash == 0 || hash == aAddress.npos) return;
+      std::string_view const file = aAddress.substr(0, hash);
+      if (fLookedAt.contains({from, file})) return;
+      bool isTold = false;
+      std::filesystem::path const path = whereIs(file, from, isTold);
+      if (!isPart && !isTold) return;
+      fLookedAt.emplace(from, file);
+      std::error_code error;
+      if (!path.empty() && std::filesystem::is_regular_file(path, error))
+        wanted.push_back(path.lexically_normal().string());
+    });
+  }
+  return wanted;
+}
+
+void References::drop(std::uint32_t aFile) {
+  auto const isOfFile = [&](PendingApplication const& aOne) { return aOne.fSpot.fFile == aFile; };
+  std::erase_if(fApplications, isOfFile);
+  std::erase_if(fEntries, isOfFile);
 }
 
 Element* References::primitive(std::string_view aName, std::string_view aAddress) {
@@ -305,10 +368,23 @@ void References::order() {
     values.clear();
     for (; to < fLinked.size() && key(fLinked[to]) == key(fLinked[from]); ++to)
       values.push_back(fLinked[to].fValue);
+    if (fLinked[from].fFeature->fComposite) addParts(std::span(fLinked).subspan(from, to - from), values);
     if (values.size() > 1) order(*fLinked[from].fElement, *fLinked[from].fFeature, values);
     from = to;
   }
   fLinked = {};
+}
+
+void References::addParts(std::span<Linked const> aLinked, std::vector<Element*>& aValues) {
+  auto const parts = elementsOf(*aLinked.front().fElement, *aLinked.front().fFeature, fDeviant);
+  if (parts.size() <= aValues.size()) return;
+  std::unordered_map<Element const*, std::uint64_t> offsets;
+  for (Linked const& linked : aLinked) offsets.emplace(linked.fValue, linked.fOffset);
+  for (Element* const part : parts) {
+    auto const tag = offsets.contains(part) ? std::nullopt : fFiles.tagOf(*part);
+    if (tag && offsets.emplace(part, tag->fOffset).second) aValues.push_back(part);
+  }
+  std::ranges::stable_sort(aValues, {}, [&](Element const* aPart) { return offsets.at(aPart); });
 }
 
 void References::order(Element& aElement, Feature const& aFeature, std::span<Element* const> aValues) {

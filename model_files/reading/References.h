@@ -1,9 +1,12 @@
 #pragma once
 
 #include <algorithm>
+#include <filesystem>
 #include <map>
 #include <optional>
+#include <set>
 #include <span>
+#include <string>
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
@@ -35,6 +38,8 @@ class References {
   void addPath(std::string_view aAddress, std::string_view aPath) {
     if (!aPath.empty()) fPaths.try_emplace(aAddress, aPath);
   }
+  /// An element by its universal id, where no id of a file is meant.
+  void addUuid(std::string_view aUuid, Element& aElement) { fUuids.emplace_back(aUuid, &aElement); }
   /// A stereotype's reference to what it extends.
   void addApplication(std::string_view aName, std::string_view aAddress, Spot aSpot, std::uint64_t aBase) {
     fApplications.push_back({aName, aAddress, aSpot, aBase});
@@ -43,6 +48,12 @@ class References {
   void addEntry(std::string_view aName, std::string_view aAddress, Spot aSpot) {
     fEntries.push_back({aName, aAddress, aSpot, 0});
   }
+
+  /// Files that are not read, are there, and hold parts of elements that were read, or things at addresses
+  /// whose place was told. Each is named once.
+  std::vector<std::string> wanted();
+  /// A file holds nothing.
+  void drop(std::uint32_t aFile);
 
   /// Resolves some more; true when none is left.
   bool step(std::size_t aCount);
@@ -83,10 +94,14 @@ class References {
   };
 
   Element* find(std::string_view aAddress, std::uint32_t aFile);
+  Element* findUuid(std::string_view aUuid);
   Element* findInFile(ModelFile& aFile, std::string_view aFragment);
   Element* walk(ModelFile& aFile, std::string_view aPath);
   ModelFile* fileAt(std::string_view aFile, std::uint32_t aFrom);
   ModelFile* searchFile(std::string_view aFile, std::uint32_t aFrom);
+  /// The path that an address means, seen from a file; empty for one that lies nowhere.
+  std::filesystem::path whereIs(std::string_view aFile, std::uint32_t aFrom, bool& aIsTold) const;
+  std::filesystem::path const& location(std::size_t aFile);
   Element* primitive(std::string_view aName, std::string_view aAddress);
   /// `aFound`: what has the address for its id in the reference's own file, or null.
   void resolve(Pending const& aReference, Element* aFound);
@@ -110,7 +125,14 @@ class References {
   Findings& fFindings;
   /// Answers of `fileAt`.
   std::map<std::pair<std::uint32_t, std::string_view>, ModelFile*> fFilesAt;
+  std::vector<std::filesystem::path> fLocations;
+  /// Addresses that were looked at for files that are wanted, and how far.
+  std::set<std::pair<std::uint32_t, std::string_view>> fLookedAt;
+  std::size_t fSeen = 0;
   std::vector<Pending> fPending;
+  /// Sorted from the first question on.
+  std::vector<std::pair<std::string_view, Element*>> fUuids;
+  bool fIsSorted = false;
   std::unordered_map<std::string_view, std::string_view> fPaths;
   std::vector<PendingApplication> fApplications;
   std::vector<PendingApplication> fEntries;
@@ -119,7 +141,10 @@ class References {
     Element* fElement;
     Feature const* fFeature;
     Element* fValue;
+    std::uint64_t fOffset;
   };
+  /// Parts that stand in their owner itself, between those that it names.
+  void addParts(std::span<Linked const> aLinked, std::vector<Element*>& aValues);
   std::vector<Linked> fLinked;
   std::size_t fNext = 0;
   /// Made when the first composite feature is resolved.

@@ -63,6 +63,9 @@ TagReader::Head TagReader::headOf(std::vector<Attribute>& aAttributes) {
       case Role::Id:
         head.fId = attribute.fValue;
         break;
+      case Role::Uuid:
+        head.fUuid = attribute.fValue;
+        break;
       case Role::Idref:
         head.fIdref = attribute.fValue;
         break;
@@ -87,7 +90,8 @@ TagReader::Role TagReader::roleOf(std::string_view aName) const {
   if (space != Space::Xmi && space != Space::Xsi) return Role::Foreign;
   if (name.fName == "type") return Role::Type;
   if (name.fName == "id") return Role::Id;
-  if (name.fName == "idref") return Role::Idref;
+  if (name.fName == "uuid") return Role::Uuid;
+  if (name.fName == "idref" || name.fName == "uuidref") return Role::Idref;
   if (name.fName == "nil") return Role::Nil;
   return Role::OtherXmi;
 }

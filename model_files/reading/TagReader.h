@@ -21,6 +21,7 @@ class TagReader {
     Declaration,
     Type,
     Id,
+    Uuid,
     Idref,
     Nil,
     OtherXmi,
@@ -42,6 +43,7 @@ class TagReader {
     std::string_view fType = {};
     Type fTypeSaid = {};
     std::string_view fId = {};
+    std::string_view fUuid = {};
     std::string_view fIdref = {};
     std::string_view fHref = {};
     bool fIsNil = false;
@@ -56,6 +58,7 @@ class TagReader {
   /// Of the tag that was read last.
   std::vector<Attribute> const& attributes() const noexcept { return fAttributes; }
 
+  Role roleOf(std::string_view aName) const;
   Space space(std::string_view aPrefix) const noexcept { return fPrefixes.find(aPrefix); }
   std::size_t open() const noexcept { return fPrefixes.open(); }
   void close(std::size_t aOpen) noexcept {
@@ -71,7 +74,6 @@ class TagReader {
   static bool collect(pugi::xml_node aNode, std::vector<Attribute>& aOut);
   void declare(std::vector<Attribute> const& aAttributes);
   Head headOf(std::vector<Attribute>& aAttributes);
-  Role roleOf(std::string_view aName) const;
   Type typeOf(std::string_view aValue) const;
 
   Pieces& fPieces;

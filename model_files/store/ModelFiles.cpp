@@ -13,6 +13,13 @@ namespace {
 constexpr char kKey = 0;
 }
 
+std::filesystem::path locationOf(std::filesystem::path const& aPath) {
+  std::error_code error;
+  std::filesystem::path const absolute = std::filesystem::absolute(aPath, error);
+  std::filesystem::path location = std::filesystem::weakly_canonical(absolute, error);
+  return error ? absolute.lexically_normal() : location;
+}
+
 ModelFiles::ModelFiles() noexcept = default;
 ModelFiles::~ModelFiles() = default;
 
@@ -63,9 +70,17 @@ Kelm::String ModelFiles::externalId(Kelm::NSInterface::ModelElementIntf const& a
 }
 
 int ModelFiles::fileOf(Element const& aElement, Kelm::Deviant const& aDeviant) const {
-  for (Element const* at = &aElement; at != nullptr; at = containerOf(*at, aDeviant))
-    if (auto const tag = tagOf(*at)) return static_cast<int>(tag->fFile);
+  for (Element const* at = &aElement; at != nullptr;) {
+    Element const* const owner = containerOf(*at, aDeviant);
+    auto const tag = tagOf(*at);
+    if (tag && (owner == nullptr || fFiles.size() == 1 || isTop(*tag))) return static_cast<int>(tag->fFile);
+    at = owner;
+  }
   return standIn(aElement) != nullptr ? -1 : 0;
+}
+
+bool ModelFiles::isTop(Spot aTag) const {
+  return markup::nameAt(fFiles[aTag.fFile].fText.utf8(), aTag.fOffset).find(':') != std::string_view::npos;
 }
 
 std::vector<Kept const*> ModelFiles::keptBy(Element const& aElement) const {
@@ -125,6 +140,14 @@ void ModelFiles::forget() noexcept {
   fApplicationsOf = {};
   fAddedOf.clear();
   fProfiles.reset();
+}
+
+ModelFile* ModelFiles::fileCalled(std::string_view aPath) {
+  auto found = std::ranges::find(fFiles, aPath, [](ModelFile const& aFile) { return aFile.fText.name(); });
+  if (found == fFiles.end())
+    found = std::ranges::find(fFiles, locationOf(aPath),
+                              [](ModelFile const& aFile) { return locationOf(aFile.fText.name()); });
+  return found == fFiles.end() ? nullptr : &*found;
 }
 
 StandIn const* ModelFiles::standIn(Element const& aElement) const {

@@ -3,6 +3,7 @@
 #include <boost/smart_ptr/intrusive_ptr.hpp>
 #include <cstdint>
 #include <deque>
+#include <filesystem>
 #include <map>
 #include <optional>
 #include <set>
@@ -94,6 +95,9 @@ struct KnownProfile {
   std::map<std::string, std::set<std::string>, std::less<>> fStereotypes;
 };
 
+/// Where a path leads, whatever its spelling.
+std::filesystem::path locationOf(std::filesystem::path const& aPath);
+
 /// One file of a model.
 struct ModelFile {
   SourceText fText;
@@ -107,6 +111,8 @@ struct ModelFile {
   /// Where the file lies, from the root of the system on; empty for bytes that were given.
   std::string fPath;
   FileStamp fStamp;
+  /// How its addresses call other files of the model, by their numbers.
+  std::map<std::uint32_t, std::string> fSpellings;
   /// Where its namespaces are declared; made when first asked.
   std::optional<std::vector<std::size_t>> fDeclarations;
 };
@@ -130,9 +136,11 @@ class ModelFiles final : public Kelm::ModelCompanion, public Kelm::ExternalIds {
   static ModelFiles& of(Kelm::Model const& aModel);
   static void attach(Kelm::Model const& aModel, std::unique_ptr<ModelFiles> aFiles);
 
-  /// The number of the file that has a tag for the element, or gets one as its owner has; -1 for what has
-  /// none in any file.
+  /// The number of the file that an element belongs to: its owner's, unless it stands at the top of another
+  /// one; -1 for what has no tag in any file.
   int fileOf(Element const& aElement, Kelm::Deviant const& aDeviant) const;
+  /// A file by its path, in any spelling; null for none.
+  ModelFile* fileCalled(std::string_view aPath);
   /// Whether some file has a tag for the element.
   bool hasTag(Element const& aElement) const { return tagOf(aElement).has_value(); }
   /// Where the tag of an element stands. All tags are gone through when the first question is asked.
@@ -141,6 +149,8 @@ class ModelFiles final : public Kelm::ModelCompanion, public Kelm::ExternalIds {
   void forget() noexcept;
   /// The id in the tag of an element; empty for none.
   std::string idOf(Element const& aElement) const;
+  /// Whether a tag stands at the top of its file: it is called by its metaclass there.
+  bool isTop(Spot aTag) const;
   StandIn const* standIn(Element const& aElement) const;
   std::vector<Kept const*> keptBy(Element const& aElement) const;
   std::vector<Dangling const*> danglingOf(Element const& aElement) const;

@@ -61,8 +61,10 @@ std::vector<Unresolved> unresolved(Kelm::Model const& aModel) {
 
 Kelm::ClassObject byId(Kelm::Model const& aModel, std::string_view aId, std::string_view aFile) {
   ModelFiles& files = ModelFiles::of(aModel);
+  ModelFile const* const only = aFile.empty() ? nullptr : files.fileCalled(aFile);
+  if (!aFile.empty() && only == nullptr) return {};
   for (ModelFile const& file : files.fFiles) {
-    if (!aFile.empty() && file.fText.name() != aFile) continue;
+    if (only != nullptr && &file != only) continue;
     Element* const found = file.fIds.find(aId);
     if (found != nullptr && found->deviant_isValid(aModel.getDeviant()))
       return Kelm::ClassObject(found, aModel.getDeviant());

@@ -161,21 +161,61 @@ std::string Applications::wordsThere(std::string_view aAddress) const {
   return left;
 }
 
-void Applications::nameInside() {
-  for (Application const& row : fFiles.fApplications) {
-    if (row.fSpot.fFile != fNumber || row.fIsInExtension || !isThere(row) || fFiles.isRemoved(row)) continue;
-    auto const base = static_cast<std::size_t>(row.fBase);
-    bool const isChild = fText[base - 1] == '<';
-    for (markup::Attribute const& attribute :
-         isChild ? markup::attributes(fText, base) : std::vector{markup::attribute(fText, base)}) {
-      std::string const address = attribute.value();
-      bool const isInFile =
-          address.find('#', 1) != std::string::npos && address.find(' ') == std::string::npos;
-      if (!isInFile || (isChild && attribute.fName != "href")) continue;
-      std::string const id = fTags.idOf(*row.fElement);
-      fEdits.setAttribute({}, &attribute, attribute.fName, isChild ? '#' + id : id);
-    }
+void Applications::name(std::function<bool(Element const&)> const& aIsOther) {
+  std::span<Application const> const rows = fFiles.fApplications;
+  for (auto first = rows.begin(); first != rows.end();) {
+    auto const last = std::find_if(first, rows.end(), [&](Application const& aRow) {
+      return aRow.fSpot != first->fSpot || aRow.fBase != first->fBase;
+    });
+    std::span const base(first, last);
+    first = last;
+    Application const& row = base.front();
+    if (row.fSpot.fFile != fNumber || row.fIsInExtension || fFiles.isRemoved(row)) continue;
+    auto const isThereAndOther = [&](Application const& aRow) {
+      return isThere(aRow) && fFiles.standIn(*aRow.fElement) == nullptr && aIsOther(*aRow.fElement);
+    };
+    if (std::ranges::any_of(base, isThereAndOther)) nameBase(base);
   }
+}
+
+void Applications::nameBase(std::span<Application const> aRows) {
+  auto const base = static_cast<std::size_t>(aRows.front().fBase);
+  bool const isChild = fText[base - 1] == '<';
+  auto const attributes =
+      isChild ? markup::attributes(fText, base) : std::vector{markup::attribute(fText, base)};
+  auto const address = std::ranges::find_if(attributes, [&](markup::Attribute const& aAttribute) {
+    return !isChild || aAttribute.fName == "href" || aAttribute.fName.ends_with(":idref");
+  });
+  bool const isText = address == attributes.end();
+  bool const isHref = !isText && isChild && address->fName == "href";
+  std::string const old = isText ? childValueOf(markup::element(fText, base)).fText : address->value();
+  std::size_t words = 0;
+  forEachWord(old, [&](auto) { ++words; });
+  // What names nothing is left to what it says.
+  if (words != aRows.size()) return;
+  std::string ids;
+  std::vector<Element*> elements;
+  bool isLocal = true;
+  for (Application const& row : aRows) {
+    if (!isThere(row)) continue;
+    elements.push_back(row.fElement.get());
+    std::string const id = fTags.localId(*elements.back());
+    isLocal &= !id.empty();
+    (ids += ids.empty() ? "" : " ") += id;
+  }
+  if (isText && isLocal && ids == old) return;
+  if (isHref && words == 1)
+    return fEdits.setAttribute({}, &*address, "href",
+                               isLocal ? '#' + ids : fTags.fForeignAddress(*elements.front()));
+  if (!isText && !isHref && isLocal) return fEdits.setAttribute({}, &*address, address->fName, ids);
+  Edits::Write write = [this, name = std::string(isChild ? markup::nameAt(fText, base) : address->fName),
+                        elements](std::string& aOut) {
+    for (Element* const element : elements) fTags.writeReference(name, *element, aOut);
+  };
+  if (isChild)
+    return fEdits.replace(base - 1, base - 1 + markup::element(fText, base).size(), std::move(write));
+  fEdits.removeAttribute(*address);
+  fEdits.addChild(fEdits.tagOf(static_cast<std::size_t>(aRows.front().fSpot.fOffset)), 0, std::move(write));
 }
 
 void Applications::removeFromEntry(std::size_t aEntry, std::string_view aStereotype) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <map>
 #include <span>
 #include <string>
@@ -26,10 +27,11 @@ class Applications {
   Applications(ModelFiles const& aFiles, std::uint32_t aFile, Kelm::Deviant const& aDeviant, TagEdits& aEdits,
                Tags& aTags);
 
+  /// Names elements as the text does now, those for which `aIsOther` answers true: they may have come into
+  /// another file, or have another id. To be called first.
+  void name(std::function<bool(Element const&)> const& aIsOther);
   /// Edits all tags. `aCuts` stand in the order of where they begin, inner ones behind outer ones.
   void patch(std::span<Cut const> aCuts);
-  /// Names elements without their file, for a text that holds all of the model.
-  void nameInside();
   /// Tags that need a new place, if `patch` has found none.
   std::vector<Edits::Write> takeHomeless() { return std::move(fHomeless); }
   /// The numbers of those whose tags stand in the text, as they are written.
@@ -67,6 +69,8 @@ class Applications {
   void removeFromEntry(std::size_t aEntry, std::string_view aStereotype);
   void setValues(TagEdits::Tag const& aTag, std::string const& aName,
                  std::vector<std::string> const& aValues);
+  /// What names the elements of some rows.
+  void nameBase(std::span<Application const> aRows);
   std::string wordsThere(std::string_view aAddress) const;
   bool isLost(Standing const& aStanding, std::span<Cut const> aCuts, std::size_t& aNext,
               std::vector<Cut const*>& aOpen) const;

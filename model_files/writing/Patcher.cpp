@@ -15,13 +15,14 @@ Metaclass const& metaclassOf(Element const& aElement) { return Metamodel::instan
 }  // namespace
 
 Patcher::Patcher(Kelm::Model const& aModel, ModelFiles const& aFiles, std::uint32_t aFile,
-                 ModelFiles const& aRead, Comparison& aComparison)
+                 ModelFiles const& aRead, Comparison& aComparison, Elements const& aMoved)
     : fModel(aModel),
       fFiles(aFiles),
       fFile(aFiles.fFiles[aFile]),
       fNumber(aFile),
       fRead(aRead),
       fComparison(aComparison),
+      fMoved(aMoved),
       fText(fFile.fText.utf8()),
       fEdits(fText, aRead.fFiles[aFile].fStyle.fQuote),
       fTags(aModel, aComparison.readModel(), aRead.fFiles[aFile].fStyle, fEdits.layout()),
@@ -29,6 +30,7 @@ Patcher::Patcher(Kelm::Model const& aModel, ModelFiles const& aFiles, std::uint3
   for (std::size_t at = 0; at < fFile.fMade.size(); ++at) fNodes.emplace(fFile.fMade[at].fElement.get(), at);
   fFile.fIds.forEach([this](std::string_view aId, Element const& aElement) { fTags.useId(aId, aElement); });
   fTags.fKnownId = [this](Element& aElement) { return fFiles.idOf(aElement); };
+  fTags.fKept = [this](Element& aElement) { return keptBy(aElement); };
   fTags.fForeignAddress = [this](Element& aElement) { return addressOf(aElement); };
   fTags.fWriteKnown = [this](Element& aElement, std::string_view aName, Feature const* aFeature,
                              std::string& aOut) {
@@ -38,26 +40,29 @@ Patcher::Patcher(Kelm::Model const& aModel, ModelFiles const& aFiles, std::uint3
   };
 }
 
-std::string Patcher::write(std::vector<Element*>& aOrder, Tags::NewIds const& aRenewed) {
-  for (auto const& [element, id] : aRenewed) {
+void Patcher::renew(Tags::NewIds const& aIds) {
+  for (auto const& [element, id] : aIds) {
     fTags.renew(*element, id);
     if (Element* const owner = containerOf(*element, fComparison.deviant())) fChangedOwners.insert(owner);
   }
+}
+
+std::string Patcher::write(std::vector<Element*>& aOrder) {
   fOrder = &aOrder;
   fTags.order(aOrder);
+  if (!std::exchange(fIsCompared, true)) compareAll();
+  addIds();
+  return render();
+}
+
+void Patcher::compareAll() {
   for (std::size_t at = 0; at < fFile.fMade.size(); ++at) compare(at);
   for (Element* const owner : fChangedOwners) patchParts(*owner);
+  if (!fMoved.empty())
+    fApplications.name([this](Element const& aElement) { return fMoved.contains(&aElement); });
   fApplications.patch(fCuts);
   patchTop();
   fEdits.flushChildren();
-  // Writing may name elements that have no id in the text yet.
-  std::string text = render();
-  for (std::size_t known = 0; known != fTags.newIds().size();) {
-    known = fTags.newIds().size();
-    addIds();
-    text = render();
-  }
-  return text;
 }
 
 Tags::NewIds Patcher::renewed() const {
@@ -83,39 +88,26 @@ void Patcher::noteCopied(std::size_t aFrom, std::size_t aTo) {
   fApplications.noteCopied(aFrom, aTo);
 }
 
-std::string Patcher::addressOf(Element& aElement) const {
-  if (StandIn const* const standIn = fFiles.standIn(aElement)) return standIn->fAddress;
-  int const file = fFiles.fileOf(aElement, fComparison.deviant());
-  if (file == static_cast<int>(fNumber)) return {};
-  std::filesystem::path const path = fFiles.fFiles[static_cast<std::size_t>(file)].fText.name();
-  auto const beside = std::filesystem::path(fFile.fText.name()).parent_path();
-  return path.lexically_relative(beside.empty() ? "." : beside).generic_string() + '#' +
-         externalIdOf(aElement, fComparison.deviant());
-}
-
 void Patcher::compare(std::size_t aNumber) {
   Element& element = *fFile.fMade[aNumber].fElement;
   std::size_t const name = fFile.fMade[aNumber].fOffset;
   Element& read = *fRead.fFiles[fNumber].fMade[aNumber].fElement;
-  auto const cut = [&](bool aIsMoved) {
+  bool const isThere = fComparison.isThere(element);
+  if (!isThere || !isAtHome(element, read, name)) {
+    bool const isGone = !isThere || isForeign(element);
     std::size_t const end = name - 1 + markup::element(fText, name).size();
     fEdits.removeTag(name - 1, end);
-    fCuts.push_back({name - 1, end, aIsMoved});
-    return end;
-  };
-  if (!fComparison.isThere(element)) {
-    fGoneTo = std::max(fGoneTo, cut(false));
-    return;
-  }
-  if (!isAtHome(element, read, name)) {
+    fCuts.push_back({name - 1, end, !isGone});
+    if (isGone) fGoneTo = std::max(fGoneTo, end);
+    if (!isThere) return;
     fHomeless.insert(&element);
     if (Element* const owner = containerOf(element, fComparison.deviant())) fChangedOwners.insert(owner);
-    cut(true);
   }
   Tag tag;
   bool isLooked = false;
   for (Feature const* const feature : metaclassOf(element).fOrder) {
-    if (!isWritten(*feature) || fComparison.isSame(element, read, *feature)) continue;
+    if (!isWritten(*feature)) continue;
+    if (fComparison.isSame(element, read, *feature) && !namesMoved(element, *feature)) continue;
     if (!isLooked) tag = fEdits.tagOf(name);
     isLooked = true;
     patch(element, tag, *feature);
@@ -125,12 +117,21 @@ void Patcher::compare(std::size_t aNumber) {
 bool Patcher::isAtHome(Element& aElement, Element& aRead, std::size_t aName) {
   Element* const owner = containerOf(aElement, fComparison.deviant());
   Element* const readOwner = containerOf(aRead, fComparison.readDeviant());
-  if ((owner == nullptr) != (readOwner == nullptr)) return false;
   // One at the top may stand in the tag of another one that goes.
-  if (owner == nullptr) return aName >= fGoneTo;
+  if (owner == nullptr && aName < fGoneTo) return false;
+  auto const isOutside = [&](Element* aOwner) { return aOwner == nullptr || isForeign(*aOwner); };
+  bool const isOfMany = fFiles.fFiles.size() > 1;
+  bool const isTop = isOfMany && fFiles.isTop({fNumber, aName});
+  if (isTop && isOutside(owner) && isOutside(readOwner == nullptr ? nullptr : fComparison.toModel(readOwner)))
+    return true;
+  if ((owner == nullptr) != (readOwner == nullptr)) return false;
+  if (owner == nullptr) return true;
   if (fComparison.toModel(readOwner) != owner) return false;
+  // One that named it from another file may have come into this one, and is written with its parts.
+  if (isOfMany && !fNodes.contains(owner) && !isForeign(*owner)) return false;
   if (!fChangedOwners.contains(owner)) return true;
-  Feature const* const feature = featureCalled(metaclassOf(*owner), markup::nameAt(fText, aName));
+  Feature const* const feature =
+      placeCalled(metaclassOf(*owner), markup::nameAt(fText, aName), metaclassOf(aElement));
   if (feature == nullptr || !feature->fComposite) return true;
   auto const [known, isNew] = fMembers.try_emplace({owner, feature});
   if (isNew)
@@ -190,6 +191,13 @@ void Patcher::patchReferences(Element& aElement, Tag const& aTag, Feature const&
         return aAttribute.fName == "href" || aAttribute.fName.ends_with(":idref");
       });
     });
+  if (aFeature.fComposite && fFiles.fFiles.size() > 1) {
+    auto const foreign = foreignParts(aElement, aTag, aFeature);
+    std::erase_if(children, [&](auto const& aChild) {
+      return std::ranges::any_of(foreign,
+                                 [&](auto const& aPart) { return aPart.second.fName == aChild.fName; });
+    });
+  }
   if (attribute == nullptr && children.empty() && !fTags.writesEnd(aFeature)) return;
   // References that led nowhere stay, unless something else has come into their one place.
   std::unordered_set<std::size_t> kept;
@@ -238,11 +246,11 @@ void Patcher::patchParts(Element& aOwner) {
   if (!fRead.fReport.fDuplicateIds.empty())
     for (Element* const part :
          elementsOf(aOwner, *metaclassOf(aOwner).feature("ownedElement"), fComparison.deviant()))
-      if (!fFiles.idOf(*part).empty()) fTags.idOf(*part);
+      if (!isForeign(*part) && !fFiles.idOf(*part).empty()) fTags.idOf(*part);
   for (Feature const* const feature : metaclassOf(aOwner).fOrder) {
     if (!isWritten(*feature) || feature->fKind != Kind::Reference || !feature->fComposite) continue;
     auto const parts = elementsOf(aOwner, *feature, fComparison.deviant());
-    if (!parts.empty()) patchParts(aOwner, tag, *feature, parts, places);
+    patchParts(aOwner, tag, *feature, parts, places);
     auto named = parts;
     std::erase_if(named, [&](Element* aPart) { return !isNamed(aOwner, tag, *feature, *aPart, places); });
     patchReferences(aOwner, tag, *feature, named);
@@ -255,7 +263,12 @@ void Patcher::patchParts(Element& aOwner, Tag const& aTag, Feature const& aFeatu
   std::unordered_map<std::size_t, markup::Child const*> byName;
   for (markup::Child const& child : aTag.fChildren) byName.emplace(child.fName, &child);
   std::vector<markup::Child> slots;
+  auto const foreign = foreignParts(aOwner, aTag, aFeature);
+  std::unordered_set<Element const*> const parts(aParts.begin(), aParts.end());
+  for (auto const& [part, child] : foreign)
+    if (!parts.contains(part)) fEdits.removeTag(child.fFrom, child.fTo);
   auto const slotOf = [&](Element* aPart) -> markup::Child const* {
+    if (auto const found = foreign.find(aPart); found != foreign.end()) return &found->second;
     auto const node = fNodes.find(aPart);
     if (node == fNodes.end() || fHomeless.contains(aPart)) return nullptr;
     auto const found = byName.find(fFile.fMade[node->second].fOffset);
@@ -267,6 +280,8 @@ void Patcher::patchParts(Element& aOwner, Tag const& aTag, Feature const& aFeatu
   std::string name(slots.empty() ? aFeature.fName : markup::nameAt(fText, slots.front().fName));
   if (featureCalled(metaclassOf(aOwner), name) != &aFeature) name = aFeature.fName;
   auto const written = [&](Element* aPart) -> Write {
+    if (isForeign(*aPart))
+      return [this, name, aPart](std::string& aOut) { fTags.writeReference(name, *aPart, aOut); };
     return [this, aPart, name, &aFeature,
             indent = std::string(fEdits.indentAt(aTag.fName - 1))](std::string& aOut) {
       fTags.write(*aPart, name, &aFeature, indent + fTags.layout().fUnit, aOut);
@@ -281,8 +296,8 @@ void Patcher::patchParts(Element& aOwner, Tag const& aTag, Feature const& aFeatu
       behind = slots[next++].fTo;
       continue;
     }
-    // It has a tag that stays where it is: in another file, or in what a tool puts around it.
-    bool const isElsewhere = fFiles.hasTag(*part) && !fHomeless.contains(part);
+    // It has a tag that stays where it is, in what a tool puts around it.
+    bool const isElsewhere = fNodes.contains(part) && !fHomeless.contains(part);
     if (isElsewhere || aPlaces.at(part) != &aFeature) continue;
     if (behind == 0 && !slots.empty()) {
       // In front of all that are there.
@@ -301,10 +316,12 @@ void Patcher::patchParts(Element& aOwner, Tag const& aTag, Feature const& aFeatu
 bool Patcher::isNamed(Element& aOwner, Tag const& aTag, Feature const& aFeature, Element& aPart,
                       PartPlaces const& aPlaces) const {
   auto const node = fNodes.find(&aPart);
-  if (node == fNodes.end() || fHomeless.contains(&aPart)) return aPlaces.at(&aPart) != &aFeature;
+  if (node == fNodes.end() || fHomeless.contains(&aPart) || isForeign(aPart))
+    return aPlaces.at(&aPart) != &aFeature;
   std::size_t const name = fFile.fMade[node->second].fOffset;
   bool const isHere = std::ranges::binary_search(aTag.fChildren, name, {}, &markup::Child::fName);
-  Feature const* const written = featureCalled(metaclassOf(aOwner), markup::nameAt(fText, name));
+  Feature const* const written =
+      placeCalled(metaclassOf(aOwner), markup::nameAt(fText, name), metaclassOf(aPart));
   bool const isPlace = written != nullptr && !written->fDerived;
   bool const isInside = !isHere && name > aTag.fName && name < aTag.fEnd;
   return (!isHere && !isInside) || (isPlace && written != &aFeature);

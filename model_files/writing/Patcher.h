@@ -20,16 +20,28 @@ namespace umlmm::files {
 /// text does.
 class Patcher {
  public:
-  /// `aRead` is what the files hold now, read anew; its elements are paired with those of the model.
-  Patcher(Kelm::Model const& aModel, ModelFiles const& aFiles, std::uint32_t aFile, ModelFiles const& aRead,
-          Comparison& aComparison);
+  using Elements = std::unordered_set<Element const*>;
 
-  /// The new text. `aOrder` receives the elements in the order of their tags; `aRenewed` has the answer of
-  /// `renewed` of a writing before.
-  std::string write(std::vector<Element*>& aOrder, Tags::NewIds const& aRenewed);
-  /// Elements that got another id, as theirs means another element. If there are more than before, the text
-  /// has to be written again, as references to them may stand where nothing else has changed.
+  /// `aRead` is what the files hold now, read anew; its elements are paired with those of the model.
+  /// `aMoved` have come into another file than their tags stand in, and are named in other ways now.
+  Patcher(Kelm::Model const& aModel, ModelFiles const& aFiles, std::uint32_t aFile, ModelFiles const& aRead,
+          Comparison& aComparison, Elements const& aMoved);
+
+  /// The id by which an element of another file is known there.
+  std::function<std::string(std::size_t aFile, Element&)> fIdIn;
+  /// The id of an element in this file.
+  std::string const& idOf(Element& aElement) { return fTags.idOf(aElement); }
+  /// Ids that elements get; more are given as texts are written that name them.
+  std::size_t newIds() const noexcept { return fTags.newIds().size(); }
+  /// Elements that got another id, as theirs means another element. If there are more than this was told to
+  /// renew, all has to be begun again with them: references to them may stand where nothing else has changed.
   Tags::NewIds renewed() const;
+  /// The ids that a patcher before this one has renewed; to be called first.
+  void renew(Tags::NewIds const& aIds);
+
+  /// The new text. `aOrder` receives the elements in the order of their tags. To be called again as long as
+  /// there are more new ids.
+  std::string write(std::vector<Element*>& aOrder);
   /// The numbers of the applications, in the order of theirs.
   std::vector<std::uint32_t> const& applications() const noexcept { return fApplications.order(); }
 
@@ -37,7 +49,11 @@ class Patcher {
   using Tag = TagEdits::Tag;
   using Write = Edits::Write;
 
+  void compareAll();
   void compare(std::size_t aNumber);
+  bool isForeign(Element& aElement) const;
+  /// Whether a feature names something that has moved.
+  bool namesMoved(Element& aElement, Feature const& aFeature) const;
   bool isAtHome(Element& aElement, Element& aRead, std::size_t aName);
   void patch(Element& aElement, Tag const& aTag, Feature const& aFeature);
   /// Removes "upper" where "upperValue" has changed, from which it follows.
@@ -52,6 +68,13 @@ class Patcher {
   bool isNamed(Element& aOwner, Tag const& aTag, Feature const& aFeature, Element& aPart,
                PartPlaces const& aPlaces) const;
   void patchTop();
+  /// Tags of an owner that name parts in other files, by what they name.
+  std::unordered_map<Element const*, markup::Child> foreignParts(Element& aOwner, Tag const& aTag,
+                                                                 Feature const& aFeature) const;
+  /// What stands beside an element that comes from another file.
+  std::vector<std::string> keptBy(Element& aElement);
+  /// Declares the prefixes of a tag of another file that this one lacks.
+  void declarePrefixes(std::uint32_t aFile, std::string& aTag);
   /// Further tags beside the roots; a root that stands alone gets a frame.
   void addAtTop(std::vector<Write> aAdded);
   void addIds();
@@ -72,12 +95,17 @@ class Patcher {
   std::uint32_t fNumber;
   ModelFiles const& fRead;
   Comparison& fComparison;
+  Elements const& fMoved;
+  bool fIsCompared = false;
+  /// Of files from which elements have come.
+  std::map<std::uint32_t, std::map<std::string, std::string>> fPrefixes;
   std::string_view fText;
   TagEdits fEdits;
   /// The tags of elements, by their numbers.
   std::unordered_map<Element const*, std::size_t> fNodes;
   std::unordered_set<Element const*> fHomeless;
-  /// The end of the last tag that goes with its element.
+  /// The end of the last tag that goes with its element, which is gone or in another file now: what stands in
+  /// an uncovered part of it loses its place.
   std::size_t fGoneTo = 0;
   /// What changed features of owners hold, for those that were asked for.
   std::map<std::pair<Element const*, Feature const*>, std::unordered_set<Element const*>> fMembers;

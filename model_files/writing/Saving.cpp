@@ -1,5 +1,8 @@
 #include <algorithm>
+#include <deque>
 #include <filesystem>
+#include <numeric>
+#include <optional>
 
 #include "kelm/ModelElementIntf.h"
 #include "model_files/store/ModelFiles.h"
@@ -82,19 +85,9 @@ class Saving {
     for (std::size_t file = 0; file < fFiles.fFiles.size(); ++file)
       pairMade(comparison, fFiles.fFiles[file].fMade, readFiles.fFiles[file].fMade);
     pairStandIns(comparison, fFiles, readFiles);
-    for (std::uint32_t file = 0; file < fFiles.fFiles.size(); ++file) {
-      std::vector<Element*>& order = fOrders.emplace_back();
-      std::string& text = texts.emplace_back();
-      std::vector<std::uint32_t>& applications = fApplications.emplace_back();
-      Tags::NewIds renewed;
-      for (bool isDone = false; !isDone;) {
-        order.clear();
-        Patcher patcher(fModel, fFiles, file, readFiles, comparison);
-        text = patcher.write(order, renewed);
-        applications = patcher.applications();
-        isDone = patcher.renewed().size() == renewed.size();
-        renewed = patcher.renewed();
-      }
+    auto const moved = movedElements();
+    std::vector<Tags::NewIds> renewed(fFiles.fFiles.size());
+    while (!write(readFiles, comparison, moved, renewed, texts)) {
     }
     return texts;
   }
@@ -103,6 +96,12 @@ class Saving {
   /// is.
   void check(std::vector<std::string> const& aTexts) {
     if (fOrders.empty()) return;
+    for (std::size_t file = 0; file < fOrders.size(); ++file)
+      if (fOrders[file].empty())
+        throw Error(
+            fFiles.fFiles[file].fText.name() +
+            " was not saved: all its elements are gone, and a file without any is no model; leave one "
+            "in it, or save the model to a path");
     fRead = readAgain(fFiles, aTexts);
     ModelFiles& readFiles = ModelFiles::of(fRead);
     Comparison comparison(fModel, fRead);
@@ -144,6 +143,52 @@ class Saving {
   }
 
  private:
+  /// Writes all texts; false if more elements got another id than were known, and all has to be written
+  /// again.
+  bool write(ModelFiles const& aRead, Comparison& aComparison, Patcher::Elements const& aMoved,
+             std::vector<Tags::NewIds>& aRenewed, std::vector<std::string>& aTexts) {
+    std::deque<Patcher> patchers;
+    for (std::uint32_t file = 0; file < fFiles.fFiles.size(); ++file) {
+      Patcher& patcher = patchers.emplace_back(fModel, fFiles, file, aRead, aComparison, aMoved);
+      patcher.fIdIn = [&](std::size_t aFile, Element& aElement) { return patchers[aFile].idOf(aElement); };
+      patcher.renew(aRenewed[file]);
+    }
+    aTexts.resize(patchers.size());
+    fOrders.resize(patchers.size());
+    fApplications.resize(patchers.size());
+    // Writing may name elements that have no id in their text yet.
+    auto const newIds = [&] {
+      return std::accumulate(patchers.begin(), patchers.end(), std::size_t{0},
+                             [](std::size_t aSum, Patcher const& aOne) { return aSum + aOne.newIds(); });
+    };
+    for (std::optional<std::size_t> known; known != newIds();) {
+      known = newIds();
+      for (std::size_t file = 0; file < patchers.size(); ++file)
+        aTexts[file] = patchers[file].write(fOrders[file]);
+    }
+    bool isDone = true;
+    for (std::size_t file = 0; file < patchers.size(); ++file) {
+      fApplications[file] = patchers[file].applications();
+      Tags::NewIds renewed = patchers[file].renewed();
+      isDone &= renewed.size() == aRenewed[file].size();
+      aRenewed[file] = std::move(renewed);
+    }
+    return isDone;
+  }
+
+  /// Those that belong to another file than their tags stand in.
+  Patcher::Elements movedElements() const {
+    Patcher::Elements moved;
+    if (fFiles.fFiles.size() == 1) return moved;
+    for (std::size_t file = 0; file < fFiles.fFiles.size(); ++file)
+      for (Made const& made : fFiles.fFiles[file].fMade) {
+        bool const isThere = made.fElement->deviant_isValid(fModel.getDeviant());
+        if (isThere && fFiles.fileOf(*made.fElement, fModel.getDeviant()) != static_cast<int>(file))
+          moved.insert(made.fElement.get());
+      }
+    return moved;
+  }
+
   static void pairMade(Comparison& aComparison, std::vector<Made> const& aMade,
                        std::vector<Made> const& aRead) {
     for (std::size_t at = 0; at < aMade.size() && at < aRead.size(); ++at)
@@ -219,14 +264,14 @@ std::string textOf(Kelm::Model const& aModel, SaveOptions const& aOptions, std::
     std::vector<Element*> order;
     return WholeFile(aModel, dialectCalled(aOptions.fDialect)).write(order);
   }
-  ModelFiles const& files = *own;
-  auto const file = std::ranges::find_if(
-      files.fFiles, [&](ModelFile const& aOne) { return aFile.empty() || aOne.fText.name() == aFile; });
-  if (file == files.fFiles.end()) throw Error("The model has no file " + std::string(aFile));
+  ModelFile const* const file = aFile.empty() ? &own->fFiles.front() : own->fileCalled(aFile);
+  if (file == nullptr) throw Error("The model has no file " + std::string(aFile));
   Saving saving(aModel, *own);
   if (saving.isUnchanged()) return file->fText.encoded(file->fText.utf8());
   auto const texts = saving.texts();
-  return file->fText.encoded(texts[static_cast<std::size_t>(file - files.fFiles.begin())]);
+  auto const isIt = [&](ModelFile const& aOne) { return &aOne == file; };
+  auto const number = std::ranges::find_if(own->fFiles, isIt) - own->fFiles.begin();
+  return file->fText.encoded(texts[static_cast<std::size_t>(number)]);
 }
 
 void save(Kelm::Model const& aModel, SaveOptions const& aOptions) {
@@ -265,7 +310,14 @@ void save(Kelm::Model const& aModel, SaveOptions const& aOptions) {
 
 void save(Kelm::Model const& aModel, std::string const& aPath, SaveOptions const& aOptions) {
   checkHasRoot(aModel, aPath);
-  if (isLoaded(aModel)) return writeFile(aPath, textOf(aModel, aOptions));
+  if (ModelFiles const* const loaded = ModelFiles::find(aModel)) {
+    SaveOptions options = aOptions;
+    // Several files become one, which none of their texts is.
+    if (options.fDialect.empty() && loaded->fFiles.size() > 1)
+      options.fDialect =
+          loaded->fReport.fFiles.front().fDialect.starts_with("Eclipse") ? "eclipse" : "omg-2.5.1";
+    return writeFile(aPath, textOf(aModel, options));
+  }
   // A model made in memory has its file from now on.
   auto files = std::make_unique<ModelFiles>();
   Saving saving(aModel, *files);

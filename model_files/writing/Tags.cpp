@@ -39,6 +39,39 @@ PartPlaces placesOf(Element const& aOwner, Kelm::Deviant const& aDeviant) {
   return places;
 }
 
+std::span<Made const> madeIn(ModelFile const& aFile, std::uint64_t aTag) {
+  std::uint64_t const end = aTag + markup::element(aFile.fText.utf8(), aTag).size();
+  auto const first = std::ranges::lower_bound(aFile.fMade, aTag, {}, &Made::fOffset);
+  return {first, std::ranges::lower_bound(first, aFile.fMade.end(), end, {}, &Made::fOffset)};
+}
+
+std::string textOf(ModelFile const& aFile, Kept const& aKept,
+                   std::function<void(Made const&, std::string&)> const& aWrite) {
+  std::string_view const source = aFile.fText.utf8();
+  std::string text;
+  if (aKept.fIsAttribute) {
+    auto const attribute = markup::attribute(source, aKept.fSpot.fOffset);
+    markup::writeValue(std::string(attribute.fName), attribute.value(), text);
+    return text;
+  }
+  std::size_t at = aKept.fSpot.fOffset - 1;
+  std::size_t const end = at + markup::element(source, aKept.fSpot.fOffset).size();
+  for (Made const& made : madeIn(aFile, aKept.fSpot.fOffset)) {
+    if (made.fOffset < at) continue;
+    text += source.substr(at, made.fOffset - 1 - at);
+    aWrite(made, text);
+    at = made.fOffset - 1 + markup::element(source, made.fOffset).size();
+  }
+  return text += source.substr(at, end - at);
+}
+
+std::string textOf(Dangling const& aDangling) {
+  std::string const quoted = markup::escaped(aDangling.fAddress, '"');
+  bool const isId = aDangling.fAddress.find('#') == std::string::npos;
+  return '<' + std::string(aDangling.fFeature->fName) + (isId ? " xmi:idref=\"" : " href=\"") + quoted +
+         "\"/>";
+}
+
 Tags::Tags(Kelm::Model const& aModel, Kelm::Model const& aRead, Style const& aStyle, Layout aLayout)
     : fDeviant(aModel.getDeviant()), fReadModel(aRead), fStyle(aStyle), fLayout(std::move(aLayout)) {}
 
@@ -112,7 +145,8 @@ void Tags::start(Element& aElement, std::string_view aTagName, Feature const* aF
   if (fOrder != nullptr) fOrder->push_back(&aElement);
   std::string attributes;
   std::vector<std::string> children;
-  if (needsType(aElement, aFeature)) attribute(attributes, fStyle.fTypeName, typeOf(aElement));
+  bool const isTold = aFeature != nullptr || aTagName.find(':') != std::string_view::npos;
+  if (!isTold || needsType(aElement, aFeature)) attribute(attributes, fStyle.fTypeName, typeOf(aElement));
   attribute(attributes, fStyle.fIdName, idOf(aElement));
   Metaclass const& metaclass = metaclassOf(aElement);
   for (Feature const* const feature : metaclass.fOrder)
@@ -124,7 +158,10 @@ void Tags::start(Element& aElement, std::string_view aTagName, Feature const* aF
     if (!isWritten(*feature) || feature->fKind != Kind::Reference) continue;
     auto values = elementsOf(aElement, *feature, fDeviant);
     if (feature->fComposite) {
-      auto const isHere = [&](Element* aPart) { return places.at(aPart) == feature; };
+      // What stands at the top of another text is named.
+      auto const isHere = [&](Element* aPart) {
+        return places.at(aPart) == feature && (!fForeignAddress || fForeignAddress(*aPart).empty());
+      };
       for (Element* const part : values)
         if (isHere(part)) open.fParts.emplace_back(part, feature);
       std::erase_if(values, isHere);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -16,6 +17,14 @@ namespace umlmm::files {
 /// others name it by its id.
 using PartPlaces = std::unordered_map<Element const*, Feature const*>;
 PartPlaces placesOf(Element const& aOwner, Kelm::Deviant const& aDeviant);
+
+/// Elements that were made from a tag or what stands in it.
+std::span<Made const> madeIn(ModelFile const& aFile, std::uint64_t aTag);
+/// What is kept beside an element, as a tag; `aWrite` writes the elements that stand in it.
+std::string textOf(ModelFile const& aFile, Kept const& aKept,
+                   std::function<void(Made const&, std::string& aOut)> const& aWrite);
+/// The same of a reference that leads nowhere.
+std::string textOf(Dangling const& aDangling);
 
 /// Writes elements as new tags, in a style.
 class Tags {
@@ -45,8 +54,8 @@ class Tags {
   }
   void order(std::vector<Element*>& aOrder) noexcept { fOrder = &aOrder; }
 
-  /// An element as a part of a feature, or as a root: `aTagName` is "ownedAttribute" or "uml:Class". Without
-  /// blanks before and behind.
+  /// An element as a part of a feature, or as a root: `aTagName` is "ownedAttribute" or "uml:Class"; or under
+  /// a name that no feature has. Without blanks before and behind.
   void write(Element& aElement, std::string_view aTagName, Feature const* aFeature,
              std::string const& aIndent, std::string& aOut);
   /// A reference as a tag of its own.

@@ -31,6 +31,12 @@ Style styleOf(Dialect const& aDialect) {
   return style;
 }
 
+/// Extensions and annotations are a tool's own.
+bool hasPlace(ModelFile const& aFile, Kept const& aKept) {
+  std::string_view const name = markup::nameAt(aFile.fText.utf8(), aKept.fSpot.fOffset);
+  return name.find(':') == std::string_view::npos && name != "eAnnotations";
+}
+
 }  // namespace
 
 Dialect const& dialectCalled(std::string_view aName) {
@@ -62,7 +68,9 @@ std::string WholeFile::write(std::vector<Element*>& aOrder) {
     Feature const& name = *Metamodel::instance().metaclassOf(aElement).feature("name");
     return std::string(fDialect.fPrimitives) + textsOf(aElement, name, fModel.getDeviant()).front();
   };
-  tags.fKept = [this](Element& aElement) { return keptBy(aElement); };
+  auto const inside = inUncovered();
+  std::erase_if(roots, [&](Element const* aRoot) { return inside.contains(aRoot); });
+  tags.fKept = [this, &tags](Element& aElement) { return keptBy(aElement, tags); };
 
   // Stereotypes stand beside the roots, as they were written.
   std::vector<std::string> applications;
@@ -70,8 +78,9 @@ std::string WholeFile::write(std::vector<Element*>& aOrder) {
   for (std::uint32_t file = 0; fFiles != nullptr && file < fFiles->fFiles.size(); ++file) {
     TagEdits edits(fFiles->fFiles[file].fText.utf8(), '"');
     Applications all(*fFiles, file, fModel.getDeviant(), edits, tags);
+    // By the ids that elements have in one text with those of all files.
+    all.name([](Element const&) { return true; });
     all.patch({});
-    all.nameInside();
     edits.flushChildren();
     edits.sort();
     all.forEachText([&](Application const& aApplication, std::string aText) {
@@ -101,6 +110,24 @@ std::string WholeFile::write(std::vector<Element*>& aOrder) {
   return text;
 }
 
+bool WholeFile::isRoot(Element const& aElement) const {
+  Kelm::Deviant const& deviant = fModel.getDeviant();
+  return aElement.deviant_isValid(deviant) && containerOf(aElement, deviant) == nullptr;
+}
+
+std::unordered_set<Element const*> WholeFile::inUncovered() const {
+  std::unordered_set<Element const*> elements;
+  if (fFiles == nullptr) return elements;
+  for (Kept const& kept : fFiles->fKept) {
+    bool const isWritten = kept.fElement != nullptr && kept.fElement->deviant_isValid(fModel.getDeviant());
+    ModelFile const& file = fFiles->fFiles[kept.fSpot.fFile];
+    if (!isWritten || !hasPlace(file, kept) || kept.fIsAttribute) continue;
+    for (Made const& made : madeIn(file, kept.fSpot.fOffset))
+      if (isRoot(*made.fElement)) elements.insert(made.fElement.get());
+  }
+  return elements;
+}
+
 void WholeFile::declare(Application const& aApplication, std::string& aText,
                         std::map<std::string, std::string>& aPrefixes) {
   std::string const prefix(QualifiedName(markup::nameAt(aText, 1)).fPrefix);
@@ -116,23 +143,18 @@ void WholeFile::declare(Application const& aApplication, std::string& aText,
   if (aPrefixes.try_emplace(prefix, address).first->second != address) declarePrefix(aText, prefix, address);
 }
 
-std::vector<std::string> WholeFile::keptBy(Element const& aElement) const {
+std::vector<std::string> WholeFile::keptBy(Element const& aElement, Tags& aTags) const {
   std::vector<std::string> kept;
   if (fFiles == nullptr) return kept;
   for (Kept const* const one : fFiles->keptBy(aElement)) {
-    std::string_view const text = fFiles->fFiles[one->fSpot.fFile].fText.utf8();
-    std::string_view const name = markup::nameAt(text, one->fSpot.fOffset);
-    // Extensions and annotations are a tool's own.
-    bool const isOwn = name.find(':') != std::string_view::npos || name == "eAnnotations";
-    if (!one->fIsAttribute && !isOwn) kept.emplace_back(markup::element(text, one->fSpot.fOffset));
+    ModelFile const& file = fFiles->fFiles[one->fSpot.fFile];
+    if (!hasPlace(file, *one)) continue;
+    kept.push_back(textOf(file, *one, [&](Made const& aMade, std::string& aOut) {
+      std::string_view const name = markup::nameAt(file.fText.utf8(), aMade.fOffset);
+      if (isRoot(*aMade.fElement)) aTags.write(*aMade.fElement, name, nullptr, "", aOut);
+    }));
   }
-  for (Dangling const* const one : fFiles->danglingOf(aElement)) {
-    std::string tag = "<" + std::string(one->fFeature->fName);
-    std::string const quoted = markup::escaped(one->fAddress, '"');
-    bool const isId = one->fAddress.find('#') == std::string::npos;
-    tag += isId ? " xmi:idref=\"" + quoted : " href=\"" + quoted;
-    kept.push_back(tag + "\"/>");
-  }
+  for (Dangling const* const one : fFiles->danglingOf(aElement)) kept.push_back(textOf(*one));
   return kept;
 }
 

@@ -4,11 +4,14 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "model_files/store/ModelFiles.h"
 
 namespace umlmm::files {
+
+class Tags;
 
 /// A form in which a model is written from scratch.
 struct Dialect {
@@ -37,7 +40,10 @@ class WholeFile {
   std::string write(std::vector<Element*>& aOrder);
 
  private:
-  std::vector<std::string> keptBy(Element const& aElement) const;
+  std::vector<std::string> keptBy(Element const& aElement, Tags& aTags) const;
+  /// Roots of the model that stand in what no metaclass covers, and are written there.
+  std::unordered_set<Element const*> inUncovered() const;
+  bool isRoot(Element const& aElement) const;
   /// Sees to it that the text of an application has its namespace, there or in the root.
   void declare(Application const& aApplication, std::string& aText,
                std::map<std::string, std::string>& aPrefixes);

@@ -77,8 +77,9 @@ def load(path: Source, *, strict: bool = False, progress: Progress = None,
     `path` is a path, bytes, or a file that is open for reading bytes. What is not understood is kept as written and
     listed in the report; with `strict`, the first such thing raises ReadError. `progress` is called with numbers from
     0 to 1, at most 20 times a second; True shows a bar on the error stream, None one on a terminal when it takes
-    long, False none. `paths` tells where addresses lead, by what they start with:
-    `{"pathmap://MY_PROFILES/": "/models/profiles"}`.
+    long, False none. Other files that hold parts of the model (`<packagedElement href=`) are read along; files that
+    are merely referred to are not, and such references stay unresolved. `paths` tells where addresses lead, by what
+    they start with, and what lies there is read as well: `{"pathmap://MY_PROFILES/": "/models/profiles"}`.
 
     Raises NotUml for a file that is something else, MissingFile, which is a FileNotFoundError, and Error. Ctrl-C, and
     what `progress` raises, end the reading and leave nothing behind. Other threads run meanwhile.

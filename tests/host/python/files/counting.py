@@ -16,7 +16,7 @@ OLDER = {"InteractionOccurrence": "InteractionUse", "Implementation": "Interface
 MEANT = {"localPrecondition": "Constraint", "localPostcondition": "Constraint", "result": "OutputPin",
          "argument": "InputPin", "ownedStereotype": "Stereotype", "when": "TimeExpression"}
 # The same in what the metamodel lacks: state machines, structured nodes, the rarer actions.
-UNCOVERED = dict.fromkeys(("trigger", "deferrableTrigger"), "Trigger") | {"endData": "LinkEndCreationData"} \
+UNCOVERED = dict.fromkeys(("trigger", "deferrableTrigger"), "Trigger") | {"endData": "LinkEndCreationData", "ownedEnd": "Property", "roleBinding": "Dependency"} \
     | dict.fromkeys(("guard", "preCondition", "postCondition", "stateInvariant"), "Constraint") \
     | dict.fromkeys(("value", "collection", "exception", "replyValue", "loopVariableInput", "structuredNodeInput"), "InputPin") \
     | dict.fromkeys(("loopVariable", "structuredNodeOutput"), "OutputPin")

@@ -15,6 +15,10 @@ def document(body, uml=OMG):
             f'xmlns:xsi="http://www.w3.org/2001/XMLSchema-instance" xmlns:uml="{uml}">\n{body}\n</xmi:XMI>\n').encode()
 
 
+def names(model):
+    return [element.qualifiedName for element in model.allElements() if isinstance(element, umlmm.NamedElement)]
+
+
 CLASS = '<uml:Class xmi:id="c" name="C"/>'
 
 
@@ -82,6 +86,32 @@ CASES = {
 <defaultValue xmi:type="uml:LiteralString" value="q"/></uml:Property><uml:Property xmi:id="r" upper="*"/>""",
         {"Property": 2, "LiteralInteger": 1, "LiteralString": 1}, """(str(p.upper), p.default, p.isComposite, str(r.upper)) == ('3', 'q', True, '*')
         and model.rootElements() == [p, r]"""),
+    "beside what isn't covered": (OMG, """
+<uml:CommunicationPath xmi:id="w"><ownedEnd xmi:id="e" name="E"/></uml:CommunicationPath>
+<uml:Collaboration xmi:id="c"><collaborationUse xmi:id="u"><roleBinding xmi:id="b"/></collaborationUse></uml:Collaboration>
+<uml:Activity xmi:id="a"><node xmi:type="uml:AcceptCallAction"><returnInformation xmi:id="o"/></node>
+</uml:Activity><uml:ReplyAction><returnInformation xmi:id="i"/></uml:ReplyAction>
+<uml:StateMachine><xmi:Extension><modelExtension><ownedComment xmi:type="uml:Comment" xmi:id="k" body="K"/></modelExtension></xmi:Extension></uml:StateMachine>""",
+        {"Property": 1, "Dependency": 1, "Activity": 1, "OutputPin": 1, "InputPin": 1, "Comment": 1}, "(e.name, k.body) == ('E', 'K')"),
+    "several blocks of a tool in an element": (OMG, """
+<uml:Property xmi:id="p"><xmi:Extension><modelExtension><lowerValue xmi:type="uml:LiteralInteger" xmi:id="l"/></modelExtension>
+<other/><modelExtension><upperValue xmi:type="uml:LiteralUnlimitedNatural" xmi:id="u" value="*"/></modelExtension></xmi:Extension></uml:Property>""",
+        {"Property": 1, "LiteralInteger": 1, "LiteralUnlimitedNatural": 1}, "p.lower == 0 and str(p.upper) == '*'"),
+    "unknown attributes and parts with elements of their own": (OMG, """
+<uml:Class xmi:id="c" isFinalSpecialization="true"><ownedBehavior xmi:type="uml:StateMachine" xmi:id="m"><region xmi:id="g"><subvertex xmi:id="s">
+<entry xmi:type="uml:OpaqueBehavior" xmi:id="b" name="B"><body>x</body></entry></subvertex></region></ownedBehavior></uml:Class>""",
+        {"Class": 1, "OpaqueBehavior": 1}, """b.owner is None and '<isFinalSpecialization>true<' in str(files.text(model, dialect='eclipse'))
+        and b'xmi:type="uml:OpaqueBehavior" xmi:id="b"' in files.text(model, dialect='eclipse')"""),
+    "known by uuid": (OMG, """
+<uml:Class xmi:uuid="one" name="A"/><uml:Class xmi:id="c" xmi:uuid="two"/>
+<uml:Dependency xmi:id="d" client="one two"><supplier xmi:uuidref="two"/><supplier href="#one"/></uml:Dependency>""",
+        {"Class": 2, "Dependency": 1}, "[e.name for e in d.client] == ['A', ''] and d.supplier[0] is c and len(d.supplier) == 2"),
+    "a part in a list of another kind": ("http://www.eclipse.org/uml2/1.0.0/UML", """
+<uml:Model xmi:id="m"><packageImport xmi:type="uml:ProfileApplication" xmi:id="a"><importedProfile xmi:idref="f"/></packageImport>
+<ownedMember xmi:type="uml:Component" xmi:id="c"><realization xmi:type="uml:Realization" xmi:id="r"/></ownedMember>
+<ownedMember xmi:type="uml:Profile" xmi:id="f"/></uml:Model>""",
+        {"Model": 1, "ProfileApplication": 1, "Component": 1, "Realization": 1, "Profile": 1},
+        "list(m.profileApplication) == [a] and a.appliedProfile is f and r.owner is c and not m.packageImport"),
     "kinds of metaclasses that are gone": (OLD, """
 <uml:Interaction xmi:id="i"><fragment xmi:type="uml:ExecutionOccurrence"/><fragment xmi:type="uml:InteractionOccurrence"/>
 <formalGate xmi:type="gate"/></uml:Interaction>""",
@@ -96,12 +126,19 @@ def test_what_tools_mean(name):
     model = umlmm.load(text)
     assert model.report.elements == elements and files.text(model) == text
     named = {element.externalId: element for element in model.allElements() if element.externalId}
-    assert eval(" ".join(holds.split()), {"model": model, "umlmm": umlmm, **named})  # of the table above
+    assert eval(" ".join(holds.split()), {"model": model, "umlmm": umlmm, "files": files, **named})  # of the table above
     for element in named.values():
         if hasattr(element, "name") and not element.name:
             element.name = "named"
-    again = umlmm.load(files.text(model))
-    assert again.report.elements == elements
+    for dialect in (None, "eclipse", "omg-2.5.1"):
+        again = umlmm.load(files.text(model, dialect=dialect))
+        assert elements.items() <= again.report.elements.items() and sorted(names(again)) == sorted(names(model)), dialect
+
+
+@pytest.mark.parametrize("version, expected", [("2.2", False), ("2.3", True), ("20081001", False), ("20090901", True)])
+def test_the_default_of_the_version_of_a_file(version, expected):
+    model = umlmm.load(document('<uml:OpaqueBehavior xmi:id="b"/>', f"http://www.omg.org/spec/UML/{version}"))
+    assert model.by_id("b").isReentrant is expected
 
 
 def test_what_a_tool_keeps_in_its_extension():

@@ -24,6 +24,9 @@ BODY = b"""
  </packagedElement>
  <packagedElement xmi:type="uml:Class" xmi:id="_i" name="Item"><isAbstract>true</isAbstract></packagedElement>
  <packagedElement xmi:type="uml:Class" xmi:id="_i" name="Again"/>
+ <node xmi:type="uml:AcceptCallAction"><returnInformation xmi:id="_u" name="info"/><xmi:Extension extender="x">
+  <modelExtension><entry xmi:type="uml:Activity" xmi:id="_f" xmi:uuid="u&#45;1"/></modelExtension></xmi:Extension></node>
+ <packagedElement xmi:type="uml:Class" xmi:id="_j"><classifierBehavior xmi:uuidref="u-1"/></packagedElement>
 </uml:Model>
 <xmi:Extension extender="Enterprise Architect"><elements>
  <element xmi:idref="_o"><properties stereotype="table" documentation="told"/></element>

@@ -89,3 +89,18 @@ def test_a_model_without_elements_is_not_written(tmp_path):
         with pytest.raises(files.Error, match="no elements"):
             model.save(target)
     assert path.read_bytes() == ECLIPSE and os.listdir(tmp_path) == ["shop.uml"]
+
+
+def test_what_stood_in_an_uncovered_part_of_what_goes_stays(tmp_path):
+    path = tmp_path / "a.uml"
+    path.write_text("""<uml:Package xmlns:xmi="http://www.omg.org/XMI" xmlns:uml="http://www.eclipse.org/uml2/5.0.0/UML" xmi:id="p">
+  <packagedElement xmi:type="uml:Class" xmi:id="c"><ownedBehavior xmi:type="uml:StateMachine"><region>
+    <transition><effect xmi:type="uml:Activity" xmi:id="a" name="A"><node xmi:type="uml:InitialNode" name="N"/></effect></transition>
+  </region></ownedBehavior></packagedElement>
+</uml:Package>""")
+    model = umlmm.load(path)
+    model.by_id("c").destroy()
+    model.save()
+    again = umlmm.load(path)
+    assert [element.MetaClass().name for element in model.allElements()] == ["Package", "Activity", "InitialNode"]
+    assert [element.MetaClass().name for element in again.allElements()] == ["Package", "Activity", "InitialNode"]
