@@ -3,17 +3,37 @@
 #include <algorithm>
 
 #include "kelm/ModelElementIntf.h"
+#include "model_files/dialect/namespaces.h"
 #include "model_files/dialect/values.h"
 #include "model_files/text/markup.h"
 
 namespace umlmm::files {
 
 namespace {
+
 constexpr char kKey = 0;
+
+/// Whether an attribute of the tag at an offset has a prefix that is XMI's there.
+bool isOfXmi(ModelFile const& aFile, std::string_view aName, std::size_t aOffset) {
+  std::string_view const prefix = QualifiedName(aName).fPrefix;
+  if (prefix == "xmi") return true;
+  Prefixes prefixes;
+  std::string const address = aFile.declaration(aOffset, prefix);
+  if (!address.empty()) prefixes.declare(prefix, address);
+  Space const space = prefixes.find(prefix);
+  return space == Space::Xmi || space == Space::Xsi;
 }
+
+}  // namespace
 
 ModelFiles::ModelFiles() noexcept = default;
 ModelFiles::~ModelFiles() = default;
+
+std::string ModelFile::declaration(std::size_t aOffset, std::string_view aPrefix) const {
+  std::string_view const text = fText.utf8();
+  if (!fDeclarations) fDeclarations = markup::declarations(text);
+  return markup::declaration(text, *fDeclarations, aOffset, aPrefix);
+}
 
 ModelFiles* ModelFiles::find(Kelm::Model const& aModel) {
   return static_cast<ModelFiles*>(aModel.object().attachment(&kKey));
@@ -51,9 +71,12 @@ std::optional<Spot> ModelFiles::tagOf(Element const& aElement) const {
 std::string ModelFiles::idOf(Element const& aElement) const {
   auto const tag = tagOf(aElement);
   if (!tag) return {};
-  for (auto const& attribute : markup::attributes(fFiles[tag->fFile].fText.utf8(), tag->fOffset))
-    if (attribute.fName.ends_with(":id")) return attribute.value();
-  return {};
+  ModelFile const& file = fFiles[tag->fFile];
+  std::string id;
+  for (auto const& attribute : markup::attributes(file.fText.utf8(), tag->fOffset))
+    if (attribute.fName.ends_with(":id") && isOfXmi(file, attribute.fName, tag->fOffset))
+      id = attribute.value();
+  return id;
 }
 
 Kelm::String ModelFiles::externalId(Kelm::NSInterface::ModelElementIntf const& aElement) const {

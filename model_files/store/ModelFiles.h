@@ -69,6 +69,8 @@ struct Application {
 
 /// One file of a model.
 struct ModelFile {
+  explicit ModelFile(SourceText aText) : fText(std::move(aText)) {}
+
   SourceText fText;
   std::vector<Made> fMade;
   /// Ids as written; the first of equal ones.
@@ -80,8 +82,11 @@ struct ModelFile {
   /// Where the file lies, from the root of the system on; empty for bytes that were given.
   std::string fPath;
   FileStamp fStamp;
+  /// The namespace of a prefix in the tag whose name stands at an offset; empty for none.
+  std::string declaration(std::size_t aOffset, std::string_view aPrefix) const;
+
   /// Where its namespaces are declared; made when first asked.
-  std::optional<std::vector<std::size_t>> fDeclarations;
+  mutable std::optional<std::vector<std::size_t>> fDeclarations;
 };
 
 /// An element of the model that stands for a primitive type of the standard, and the address under which a

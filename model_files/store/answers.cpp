@@ -61,8 +61,7 @@ Unknown unknownOf(SourceText const& aText, Kept const& aKept) {
   return {std::string(attribute.fName), {}, attribute.value(), {}};
 }
 
-StereotypeApplication applicationOf(ModelFile& aFile, Application const& aApplication) {
-  std::string_view const source = aFile.fText.utf8();
+StereotypeApplication applicationOf(ModelFile const& aFile, Application const& aApplication) {
   Tag const tag(aFile.fText, aApplication.fSpot.fOffset);
   pugi::xml_node const node = tag.node();
   if (aApplication.fIsInExtension) {
@@ -71,9 +70,7 @@ StereotypeApplication applicationOf(ModelFile& aFile, Application const& aApplic
   }
   QualifiedName const name(node.name());
   StereotypeApplication application{std::string(name.fName), std::string(name.fPrefix), {}, {}};
-  if (!aFile.fDeclarations) aFile.fDeclarations = markup::declarations(source);
-  application.fProfileUri =
-      markup::declaration(source, *aFile.fDeclarations, aApplication.fSpot.fOffset, name.fPrefix);
+  application.fProfileUri = aFile.declaration(aApplication.fSpot.fOffset, name.fPrefix);
   for (pugi::xml_attribute const attribute : node.attributes()) {
     std::string_view const text = attribute.name();
     if (text.find(':') == std::string_view::npos && !text.starts_with("base_") && text != "xmlns")

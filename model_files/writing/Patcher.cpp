@@ -277,7 +277,8 @@ void Patcher::patchParts(Element& aOwner, Tag const& aTag, Feature const& aFeatu
       behind = slots[next++].fTo;
       continue;
     }
-    bool const isElsewhere = fFiles.hasTag(*part) && !fNodes.contains(part);
+    // What has a tag that stays has it elsewhere: in another file, in an extension.
+    bool const isElsewhere = fFiles.hasTag(*part) && !fHomeless.contains(part);
     if (isElsewhere || aPlaces.at(part) != &aFeature) continue;
     if (behind == 0 && !slots.empty()) {
       // In front of all that are there.
@@ -298,7 +299,12 @@ bool Patcher::isNamed(Element& aOwner, Tag const& aTag, Feature const& aFeature,
   auto const node = fNodes.find(&aPart);
   if (node == fNodes.end() || fHomeless.contains(&aPart)) return aPlaces.at(&aPart) != &aFeature;
   std::size_t const name = fFile.fMade[node->second].fOffset;
-  bool const isHere = std::ranges::binary_search(aTag.fChildren, name, {}, &markup::Child::fName);
+  // In a child, or in an extension that is one.
+  auto const behind = std::ranges::upper_bound(aTag.fChildren, name, {}, &markup::Child::fName);
+  bool const isInside = behind != aTag.fChildren.begin() && name < std::prev(behind)->fTo;
+  std::size_t const child = isInside ? std::prev(behind)->fName : 0;
+  bool const isHere =
+      isInside && (child == name || !std::ranges::binary_search(fFile.fMade, child, {}, &Made::fOffset));
   Feature const* const written = featureCalled(metaclassOf(aOwner), markup::nameAt(fText, name));
   bool const isPlace = written != nullptr && !written->fDerived;
   return !isHere || (isPlace && written != &aFeature);

@@ -30,12 +30,10 @@ Style styleOf(Dialect const& aDialect) {
 }
 
 /// Prefixes that the tags of a file use, beside those of every file.
-void collectPrefixes(ModelFile& aFile, std::uint64_t aTag, std::map<std::string, std::string>& aOut) {
-  std::string_view const text = aFile.fText.utf8();
-  if (!aFile.fDeclarations) aFile.fDeclarations = markup::declarations(text);
-  std::string const prefix(QualifiedName(markup::nameAt(text, aTag)).fPrefix);
+void collectPrefixes(ModelFile const& aFile, std::uint64_t aTag, std::map<std::string, std::string>& aOut) {
+  std::string const prefix(QualifiedName(markup::nameAt(aFile.fText.utf8(), aTag)).fPrefix);
   if (prefix.empty() || prefix == "uml" || prefix == "xmi" || prefix == "xsi") return;
-  aOut.try_emplace(prefix, markup::declaration(text, *aFile.fDeclarations, aTag, prefix));
+  aOut.try_emplace(prefix, aFile.declaration(aTag, prefix));
 }
 
 }  // namespace
@@ -81,7 +79,7 @@ std::string WholeFile::write(std::vector<Element*>& aOrder) {
       if (!isThere || application.fIsInExtension ||
           !seen.try_emplace({application.fSpot.fFile, application.fSpot.fOffset}).second)
         continue;
-      ModelFile& file = fFiles->fFiles[application.fSpot.fFile];
+      ModelFile const& file = fFiles->fFiles[application.fSpot.fFile];
       applications.emplace_back(markup::element(file.fText.utf8(), application.fSpot.fOffset));
       collectPrefixes(file, application.fSpot.fOffset, prefixes);
     }
