@@ -148,7 +148,14 @@ bool isSaved(Kelm::Model const& aModel, std::string const& aBefore) {
     files::save(aModel);
     return true;
   } catch (files::Error const& refusal) {
-    if (std::getenv("FUZZ_REFUSALS")) fail(refusal.what());
+    if (std::getenv("FUZZ_REFUSALS")) {
+      std::string t;
+      try {
+        t = files::textOf(aModel);
+      } catch (files::Error const&) {
+      }
+      fail(std::string(refusal.what()) + "\nTEXT<<" + t + ">>TEXT");
+    }
     if (bytesOf(path()) != aBefore) fail("a file that was changed by a saving that failed");
     return false;
   }

@@ -334,7 +334,8 @@ void Builder::noteStyle(pugi::xml_node aNode, Feature const* aFeature, Metaclass
     if (name.fName != "type") continue;
     isTyped = true;
     if (style.fTypeName.empty()) style.fTypeName = attribute.name();
-    if (style.fUmlPrefix.empty()) style.fUmlPrefix = QualifiedName(attribute.value()).fPrefix;
+    std::string_view const prefix = QualifiedName(attribute.value()).fPrefix;
+    if (style.fUmlPrefix.empty() && fPrefixes.find(prefix) == Space::Uml) style.fUmlPrefix = prefix;
   }
   if (aFeature == nullptr) {
     if (style.fUmlPrefix.empty()) style.fUmlPrefix = QualifiedName(aNode.name()).fPrefix;

@@ -19,7 +19,9 @@ void Edits::write(std::size_t aFrom, std::size_t aTo, std::string& aOut, Copied 
     aOut += fText.substr(at, aEnd - at);
   };
   auto edit = std::ranges::lower_bound(fEdits, aFrom, {}, &Edit::fFrom);
-  for (; edit != fEdits.end() && edit->fFrom < aTo; ++edit) {
+  // Behind the last tag there may be no text at all.
+  bool const isWhole = aFrom == 0 && aTo == fText.size();
+  for (; edit != fEdits.end() && (edit->fFrom < aTo || isWhole); ++edit) {
     if (edit->fFrom < at || edit->fTo > aTo) continue;
     if (edit->fFrom <= aFrom && edit->fTo >= aTo) continue;
     copy(edit->fFrom);

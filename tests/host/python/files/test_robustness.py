@@ -22,5 +22,24 @@ def test_parts_inside_an_extension_stay_there(tmp_path):
     item.upperValue = umlmm.LiteralUnlimitedNatural(model)
     model.save()
     text = path.read_bytes()
-    assert text.count(b"lowerValue") == 2 and text.count(inside) == 1 and text.count(b"<upperValue") == 1
+    assert text.count(b"lowerValue") == text.count(inside) == 1 and text.count(b"<upperValue") == 1
     assert umlmm.load(path).report.elements == model.report.elements | {"LiteralUnlimitedNatural": 1}
+
+
+@pytest.mark.parametrize("end", [b"", b"\n", b"<!-- end -->"])
+def test_a_second_root_in_a_file_of_one(tmp_path, end):
+    path = tmp_path / "shop.uml"
+    path.write_bytes(ECLIPSE.rstrip() + end)
+    model = umlmm.load(path)
+    umlmm.Package(model).name = "second"
+    model.save()
+    assert [root.name for root in umlmm.load(path).rootElements()] == ["shop", "second"]
+
+
+def test_a_prefix_of_nothing_is_not_taken_for_that_of_uml(tmp_path):
+    path = tmp_path / "shop.uml"
+    path.write_bytes(ECLIPSE.replace(b'<uml:Model ', b'<uml:Model xmi:type="odd:Model" '))
+    model = umlmm.load(path)
+    model.by_id("_m").packagedElement.append(umlmm.Interface(model))
+    model.save()
+    assert b'"uml:Interface"' in path.read_bytes()
