@@ -141,6 +141,8 @@ void Builder::enter(pugi::xml_node aNode, Element* aElement, Metaclass const* aM
 void Builder::handleTop(pugi::xml_node aNode, QualifiedName aName, Head const& aHead) {
   if (aName.fPrefix.empty() && aName.fName == "documentation") noteTool(aNode);
   Space const space = fPrefixes.find(aName.fPrefix);
+  // The frame of XMI 1 holds nothing of UML 2, whatever it says.
+  if (aName.fName == "XMI" && aNode.attribute("xmi.version")) return;
   if (aName.fName == "XMI") return enter(aNode, nullptr, nullptr);
   bool const isElsewhere = !aHead.fHref.empty() || !aHead.fIdref.empty();
   if (!isElsewhere && (space == Space::Uml || aHead.fTypeSpace == Space::Uml)) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -27,6 +28,11 @@ class Edits {
     fEdits.push_back({aFrom, aTo, fEdits.size(), {}, std::move(aWrite)});
   }
   bool empty() const noexcept { return fEdits.empty(); }
+  /// Whether some of the text goes.
+  bool hasErased() const noexcept {
+    return std::any_of(fEdits.begin(), fEdits.end(),
+                       [](Edit const& aEdit) { return aEdit.fTo > aEdit.fFrom; });
+  }
 
   /// What is changed first in a place comes first. To be called when all changes are there.
   void sort();

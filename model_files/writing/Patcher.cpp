@@ -65,6 +65,7 @@ std::string Patcher::write(std::vector<Element*>& aOrder) {
   fTags.order(aOrder);
   for (std::size_t at = 0; at < fFile.fMade.size(); ++at) compare(at);
   for (Element* const owner : fChangedOwners) patchParts(*owner);
+  rescueRoots();
   patchTop();
   removeApplications();
   flushChildren();
@@ -76,6 +77,14 @@ std::string Patcher::write(std::vector<Element*>& aOrder) {
     text = render();
   }
   return text;
+}
+
+void Patcher::rescueRoots() {
+  if (!fEdits.hasErased()) return;
+  render();
+  std::unordered_set<Element const*> const stay(fOrder->begin(), fOrder->end());
+  for (Element* const root : *fModel.object().roots())
+    if (root != nullptr && fNodes.contains(root) && !stay.contains(root)) fHomeless.insert(root);
 }
 
 std::string Patcher::render() {

@@ -43,3 +43,18 @@ def test_a_prefix_of_nothing_is_not_taken_for_that_of_uml(tmp_path):
     model.by_id("_m").packagedElement.append(umlmm.Interface(model))
     model.save()
     assert b'"uml:Interface"' in path.read_bytes()
+
+
+def test_what_is_at_the_top_survives_the_element_that_it_stands_in(tmp_path):
+    path = tmp_path / "shop.uml"
+    path.write_bytes(ECLIPSE.replace(b'isAbstract="true"/>',
+                                     b'><odd xmi:type="uml:Class" xmi:id="_z" name="Z"/></packagedElement>'))
+    model = umlmm.load(path)
+    model.by_id("_i").destroy()
+    model.save()
+    assert model.by_id("_z").owner is None and umlmm.load(path).by_id("_z").name == "Z"
+
+
+def test_a_file_in_the_frame_of_xmi_1_is_not_opened_empty():
+    with pytest.raises(umlmm.files.NotUml, match="UML 2.0 in XMI 1.1"):
+        umlmm.load(b'<XMI xmi.version="1.1" xmlns:UML="http://omg.org/UML2.0"><UML:Project/><UML:Class xmi.id="a"/></XMI>')
