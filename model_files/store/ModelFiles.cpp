@@ -26,7 +26,7 @@ bool isOfXmi(ModelFile const& aFile, std::string_view aName, std::size_t aOffset
 
 }  // namespace
 
-ModelFiles::ModelFiles() noexcept = default;
+ModelFiles::ModelFiles() = default;
 ModelFiles::~ModelFiles() = default;
 
 std::string ModelFile::declaration(std::size_t aOffset, std::string_view aPrefix) const {

@@ -99,7 +99,7 @@ struct StandIn {
 /// What belongs to the files that a model came from; it is kept with the model.
 class ModelFiles final : public Kelm::ModelCompanion, public Kelm::ExternalIds {
  public:
-  ModelFiles() noexcept;
+  ModelFiles();
   ~ModelFiles() override;
 
   /// Of a model that came from files; null for another one.

@@ -1,3 +1,4 @@
+#include <new>
 #include <pugixml.hpp>
 #include <sstream>
 
@@ -25,8 +26,9 @@ class Tag {
  public:
   Tag(SourceText const& aText, std::uint64_t aOffset) {
     std::string_view const text = markup::element(aText.utf8(), aOffset);
-    fDocument.load_buffer(text.data(), text.size(), pugi::parse_default | pugi::parse_fragment,
-                          pugi::encoding_utf8);
+    auto const result = fDocument.load_buffer(
+        text.data(), text.size(), pugi::parse_default | pugi::parse_fragment, pugi::encoding_utf8);
+    if (result.status == pugi::status_out_of_memory) throw std::bad_alloc();
   }
   pugi::xml_node node() const { return fDocument.first_child(); }
 
