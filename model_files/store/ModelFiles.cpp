@@ -13,9 +13,10 @@ namespace {
 
 constexpr char kKey = 0;
 
-/// Whether an attribute of the tag at an offset has a prefix that is XMI's there.
-bool isOfXmi(ModelFile const& aFile, std::string_view aName, std::size_t aOffset) {
-  std::string_view const prefix = QualifiedName(aName).fPrefix;
+/// Whether an attribute of the tag at an offset is the id of XMI there.
+bool isId(ModelFile const& aFile, std::string_view aName, std::size_t aOffset) {
+  auto const [prefix, name] = QualifiedName(aName);
+  if (name != "id" || prefix.empty()) return false;
   if (prefix == "xmi") return true;
   Prefixes prefixes;
   std::string const address = aFile.declaration(aOffset, prefix);
@@ -74,8 +75,7 @@ std::string ModelFiles::idOf(Element const& aElement) const {
   ModelFile const& file = fFiles[tag->fFile];
   std::string id;
   for (auto const& attribute : markup::attributes(file.fText.utf8(), tag->fOffset))
-    if (attribute.fName.ends_with(":id") && isOfXmi(file, attribute.fName, tag->fOffset))
-      id = attribute.value();
+    if (isId(file, attribute.fName, tag->fOffset)) id = attribute.value();
   return id;
 }
 

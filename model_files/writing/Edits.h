@@ -27,7 +27,11 @@ class Edits {
   void replace(std::size_t aFrom, std::size_t aTo, Write aWrite) {
     fEdits.push_back({aFrom, aTo, fEdits.size(), {}, std::move(aWrite)});
   }
-  bool empty() const noexcept { return fEdits.empty(); }
+  std::size_t count() const noexcept { return fEdits.size(); }
+  /// Takes all but the first changes back.
+  void keep(std::size_t aCount) {
+    std::erase_if(fEdits, [aCount](Edit const& aEdit) { return aEdit.fNumber >= aCount; });
+  }
   /// Whether some of the text goes.
   bool hasErased() const noexcept {
     return std::any_of(fEdits.begin(), fEdits.end(),

@@ -65,10 +65,14 @@ std::string Patcher::write(std::vector<Element*>& aOrder) {
   fTags.order(aOrder);
   for (std::size_t at = 0; at < fFile.fMade.size(); ++at) compare(at);
   for (Element* const owner : fChangedOwners) patchParts(*owner);
-  rescueRoots();
-  patchTop();
   removeApplications();
   flushChildren();
+  std::size_t const count = fEdits.count();
+  patchTop();
+  if (rescueRoots()) {
+    fEdits.keep(count);
+    patchTop();
+  }
   // Writing may name elements that have no id in the text yet.
   std::string text = render();
   for (std::size_t known = 0; known != fTags.newIds().size();) {
@@ -79,12 +83,15 @@ std::string Patcher::write(std::vector<Element*>& aOrder) {
   return text;
 }
 
-void Patcher::rescueRoots() {
-  if (!fEdits.hasErased()) return;
+bool Patcher::rescueRoots() {
+  if (!fEdits.hasErased()) return false;
   render();
   std::unordered_set<Element const*> const stay(fOrder->begin(), fOrder->end());
+  bool isAny = false;
   for (Element* const root : *fModel.object().roots())
-    if (root != nullptr && fNodes.contains(root) && !stay.contains(root)) fHomeless.insert(root);
+    if (root != nullptr && fNodes.contains(root) && !stay.contains(root))
+      isAny |= fHomeless.insert(root).second;
+  return isAny;
 }
 
 std::string Patcher::render() {

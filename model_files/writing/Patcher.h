@@ -53,8 +53,9 @@ class Patcher {
   /// Whether a part of the feature stands under another tag, so that the feature has to name it.
   bool isNamed(Element& aOwner, Tag const& aTag, Feature const& aFeature, Element& aPart,
                PartPlaces const& aPlaces) const;
-  /// Elements of the top level may have their tags in others, which go; they get tags at the top then.
-  void rescueRoots();
+  /// Elements of the top level may have their tags in others, which go; they need tags at the top then.
+  /// Whether there are such.
+  bool rescueRoots();
   void patchTop();
   void removeApplications();
   void addIds();
