@@ -69,7 +69,7 @@ std::string Patcher::write(std::vector<Element*>& aOrder) {
   flushChildren();
   std::size_t const count = fEdits.count();
   patchTop();
-  if (rescueRoots()) {
+  while (rescueRoots()) {
     fEdits.keep(count);
     patchTop();
   }
@@ -87,10 +87,19 @@ bool Patcher::rescueRoots() {
   if (!fEdits.hasErased()) return false;
   render();
   std::unordered_set<Element const*> const stay(fOrder->begin(), fOrder->end());
-  bool isAny = false;
+  std::vector<std::size_t> lost;
   for (Element* const root : *fModel.object().roots())
-    if (root != nullptr && fNodes.contains(root) && !stay.contains(root))
-      isAny |= fHomeless.insert(root).second;
+    if (root != nullptr && fNodes.contains(root) && !stay.contains(root)) lost.push_back(fNodes.at(root));
+  std::ranges::sort(lost);
+  // One that stands in another goes along with it.
+  std::size_t end = 0;
+  bool isAny = false;
+  for (std::size_t const number : lost) {
+    std::size_t const name = fFile.fMade[number].fOffset;
+    if (name < end) continue;
+    end = name + markup::element(fText, name).size();
+    isAny |= fHomeless.insert(fFile.fMade[number].fElement.get()).second;
+  }
   return isAny;
 }
 

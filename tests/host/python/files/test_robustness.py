@@ -60,6 +60,16 @@ def test_what_is_at_the_top_survives_the_element_that_it_stands_in(tmp_path):
             item.destroy()
 
 
+def test_roots_in_roots_survive_once(tmp_path):
+    path = tmp_path / "shop.uml"
+    path.write_bytes(ECLIPSE.replace(b'isAbstract="true"/>', b'><odd xmi:type="uml:Class" xmi:id="_y"><odd xmi:type="uml:Class"'
+                                     b' xmi:id="_z" name="Z"/></odd></packagedElement>'))
+    model = umlmm.load(path)
+    model.by_id("_i").destroy()
+    model.save()
+    assert path.read_bytes().count(b'"_z"') == 1 and umlmm.load(path).report.elements["Class"] == 3
+
+
 def test_a_file_in_the_frame_of_xmi_1_is_not_opened_empty():
     with pytest.raises(umlmm.files.NotUml, match="UML 2.0 in XMI 1.1"):
         umlmm.load(b'<XMI xmi.version="1.1" xmlns:UML="http://omg.org/UML2.0"><UML:Project/><UML:Class xmi.id="a"/></XMI>')
