@@ -12,18 +12,17 @@ void Edits::sort() {
   });
 }
 
-void Edits::write(std::size_t aFrom, std::size_t aTo, std::string& aOut, Copied const& aCopied) const {
+void Edits::write(std::size_t aFrom, std::size_t aTo, bool aIsAll, std::string& aOut,
+                  Copied const& aCopied) const {
   std::size_t at = aFrom;
   auto const copy = [&](std::size_t aEnd) {
     aCopied(at, aEnd);
     aOut += fText.substr(at, aEnd - at);
   };
   auto edit = std::ranges::lower_bound(fEdits, aFrom, {}, &Edit::fFrom);
-  // Behind the last tag there may be no text at all.
-  bool const isWhole = aFrom == 0 && aTo == fText.size();
-  for (; edit != fEdits.end() && (edit->fFrom < aTo || isWhole); ++edit) {
+  for (; edit != fEdits.end() && (edit->fFrom < aTo || aIsAll); ++edit) {
     if (edit->fFrom < at || edit->fTo > aTo) continue;
-    if (edit->fFrom <= aFrom && edit->fTo >= aTo) continue;
+    if (!aIsAll && edit->fFrom <= aFrom && edit->fTo >= aTo) continue;
     copy(edit->fFrom);
     if (edit->fWrite)
       edit->fWrite(aOut);

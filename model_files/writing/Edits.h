@@ -42,7 +42,13 @@ class Edits {
   void sort();
   /// Appends a part of the text with the changes in it; those that would take the whole part away are left
   /// out.
-  void write(std::size_t aFrom, std::size_t aTo, std::string& aOut, Copied const& aCopied) const;
+  void write(std::size_t aFrom, std::size_t aTo, std::string& aOut, Copied const& aCopied) const {
+    write(aFrom, aTo, false, aOut, aCopied);
+  }
+  /// Appends the text with all changes, also those that take it away or come behind it.
+  void writeAll(std::string& aOut, Copied const& aCopied) const {
+    write(0, fText.size(), true, aOut, aCopied);
+  }
 
  private:
   struct Edit {
@@ -52,6 +58,8 @@ class Edits {
     std::string fText;
     Write fWrite;
   };
+
+  void write(std::size_t aFrom, std::size_t aTo, bool aIsAll, std::string& aOut, Copied const& aCopied) const;
 
   std::string_view fText;
   std::vector<Edit> fEdits;

@@ -107,7 +107,7 @@ std::string Patcher::render() {
   fOrder->clear();
   fEdits.sort();
   std::string text;
-  fEdits.write(0, fText.size(), text, [this](std::size_t aFrom, std::size_t aTo) { noteCopied(aFrom, aTo); });
+  fEdits.writeAll(text, [this](std::size_t aFrom, std::size_t aTo) { noteCopied(aFrom, aTo); });
   return text;
 }
 

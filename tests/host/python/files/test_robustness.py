@@ -36,6 +36,16 @@ def test_a_second_root_in_a_file_of_one(tmp_path, end):
     assert [root.name for root in umlmm.load(path).rootElements()] == ["shop", "second"]
 
 
+def test_the_one_tag_of_a_file_gives_way_to_another(tmp_path):
+    path = tmp_path / "shop.uml"
+    path.write_bytes(ECLIPSE[ECLIPSE.index(b"<uml:Model"):].rstrip())
+    model = umlmm.load(path)
+    umlmm.Package(model).name = "second"
+    model.by_id("_m").destroy()
+    model.save()
+    assert [root.name for root in umlmm.load(path).rootElements()] == ["second"]
+
+
 def test_a_prefix_of_nothing_is_not_taken_for_that_of_uml(tmp_path):
     path = tmp_path / "shop.uml"
     path.write_bytes(ECLIPSE.replace(b'<uml:Model ', b'<uml:Model xmi:type="odd:Model" '))
