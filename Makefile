@@ -10,6 +10,7 @@
 #   make install PREFIX=folder               installs libraries, headers, CMake package and Python package
 #   make asan                                all tests under AddressSanitizer and UBSan
 #   make tsan                                the C++ tests under ThreadSanitizer
+#   make fuzz-files                          a minute of the fuzzers of model files; longer ones are told there
 #   make lint, make format                   clang-tidy (of what is installed) and clang-format
 
 SCRIPT ?= examples/reverse_python.py
@@ -28,7 +29,7 @@ CONFIGURE = @tools/configure
 # Targets share a build tree.
 .NOTPARALLEL:
 
-.PHONY: run umlmm test bench bench-smoke describe reference install asan tsan debug lint format \
+.PHONY: run umlmm test bench bench-smoke describe reference install asan tsan debug fuzz-files lint format \
   product python generate packages test-packages
 
 run: product
@@ -46,6 +47,14 @@ debug asan tsan: test-packages
 	$(CONFIGURE) $@
 	@cmake --build --preset $@
 	ctest --preset $@
+
+# For as long as one likes, with what was found kept in a folder of one's own:
+#   build/fuzz/bin/fuzz_files_load -dict=fuzz/files/xmi.dict FOLDER fuzz/files/seeds
+fuzz-files: packages
+	$(INSTALL_PACKAGES) packages-fuzz.txt
+	$(CONFIGURE) fuzz
+	@cmake --build --preset fuzz
+	ctest --preset fuzz
 
 bench bench-smoke: test-packages
 	$(CONFIGURE) release $(FIRST) -DUMLMM_BENCHMARKS=ON

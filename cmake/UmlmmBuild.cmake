@@ -2,6 +2,7 @@
 
 option(UMLMM_TESTS "Build the tests" ON)
 option(UMLMM_BENCHMARKS "Build the benchmarks" ON)
+option(UMLMM_FUZZ "Build the fuzzers of model files, with clang alone" OFF)
 option(UMLMM_WERROR "Treat warnings as errors" ON)
 set(UMLMM_SANITIZE "" CACHE STRING "Sanitizers, such as address,undefined")
 
@@ -51,7 +52,13 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_COMPILER_VERSION VERSION_LES
 endif()
 # Functions are bound inside their library, as -fno-semantic-interposition has it; types and data are not, so that
 # exceptions and tags stay one for all libraries.
-target_link_options(umlmm_settings INTERFACE -Wl,-Bsymbolic-functions -Wl,--gc-sections -Wl,-z,pack-relative-relocs -Wl,-z,now -Wl,-z,defs)
+target_link_options(umlmm_settings INTERFACE -Wl,-Bsymbolic-functions -Wl,--gc-sections -Wl,-z,pack-relative-relocs -Wl,-z,now)
+# Programs of clang have its sanitizers in them, where libraries find them once they are loaded.
+if(UMLMM_FUZZ)
+  target_compile_options(umlmm_settings INTERFACE -fsized-deallocation -fconstexpr-steps=16000000)
+else()
+  target_link_options(umlmm_settings INTERFACE -Wl,-z,defs)
+endif()
 if(UMLMM_SANITIZE)
   add_compile_options(-fsanitize=${UMLMM_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${UMLMM_SANITIZE})

@@ -153,6 +153,8 @@ void Builder::enter(pugi::xml_node aNode, Element* aElement, Metaclass const* aM
 
 void Builder::handleTop(pugi::xml_node aNode, QualifiedName aName, Head const& aHead) {
   Space const space = fTags.space(aName.fPrefix);
+  // The frame of XMI 1 holds nothing of UML 2, whatever it says.
+  if (aName.fName == "XMI" && aNode.attribute("xmi.version")) return;
   if (aName.fName == "XMI") return enter(aNode, nullptr, nullptr);
   bool const isElsewhere = !aHead.fHref.empty() || !aHead.fIdref.empty();
   if (!isElsewhere && (space == Space::Uml || aHead.fTypeSaid.fSpace == Space::Uml)) {
@@ -313,7 +315,8 @@ void Builder::noteStyle(pugi::xml_node aNode, Feature const* aFeature, Metaclass
     if (name.fName != "type") continue;
     isTyped = true;
     if (style.fTypeName.empty()) style.fTypeName = attribute.name();
-    if (style.fUmlPrefix.empty()) style.fUmlPrefix = QualifiedName(attribute.value()).fPrefix;
+    std::string_view const prefix = QualifiedName(attribute.value()).fPrefix;
+    if (style.fUmlPrefix.empty() && fTags.space(prefix) == Space::Uml) style.fUmlPrefix = prefix;
   }
   if (aFeature == nullptr) {
     if (style.fUmlPrefix.empty()) style.fUmlPrefix = QualifiedName(aNode.name()).fPrefix;

@@ -1,6 +1,7 @@
 #include "model_files/reading/Pieces.h"
 
 #include <algorithm>
+#include <new>
 
 namespace umlmm::files {
 
@@ -31,6 +32,7 @@ pugi::xml_parse_result Pieces::parse(std::size_t aFrom, std::size_t aLength,
     fPiece = fBuffer.data() + opening.size();
     pugi::xml_parse_result result =
         fDocument.load_buffer_inplace(fBuffer.data(), fBuffer.size(), kFlags, pugi::encoding_utf8);
+    if (result.status == pugi::status_out_of_memory) throw std::bad_alloc();
     fOpen.clear();
     fEnd = {};
     if (!isLast && !findEnd(fPiece + size + 1)) continue;

@@ -1,6 +1,7 @@
 #include "model_files/reading/Reading.h"
 
 #include <filesystem>
+#include <new>
 
 #include "kelm/ModelCache.h"
 #include "model_files/dialect/namespaces.h"
@@ -145,6 +146,7 @@ void Reading::checkWhole(ModelFile const& aFile) {
 }
 
 void Reading::refuse(ModelFile const& aFile, pugi::xml_parse_result const& aResult) {
+  if (aResult.status == pugi::status_out_of_memory) throw std::bad_alloc();
   if (!mentionsUml(aFile.fText.utf8())) throw NotUml(whatItIs(aFile.fText));
   auto const offset = static_cast<std::size_t>(std::max<std::ptrdiff_t>(aResult.offset, 0));
   throw ReadError("not well-formed XML (" + std::string(aResult.description()) +

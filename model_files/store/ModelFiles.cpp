@@ -10,8 +10,22 @@
 namespace umlmm::files {
 
 namespace {
+
 constexpr char kKey = 0;
+
+/// Whether an attribute of the tag at an offset is the id of XMI there.
+bool isId(ModelFile const& aFile, std::string_view aName, std::size_t aOffset) {
+  auto const [prefix, name] = QualifiedName(aName);
+  if (name != "id" || prefix.empty()) return false;
+  if (prefix == "xmi") return true;
+  Prefixes prefixes;
+  std::string const address = aFile.declaration(aOffset, prefix);
+  if (!address.empty()) prefixes.declare(prefix, address);
+  Space const space = prefixes.find(prefix);
+  return space == Space::Xmi || space == Space::Xsi;
 }
+
+}  // namespace
 
 std::filesystem::path locationOf(std::filesystem::path const& aPath) {
   std::error_code error;
@@ -20,8 +34,14 @@ std::filesystem::path locationOf(std::filesystem::path const& aPath) {
   return error ? absolute.lexically_normal() : location;
 }
 
-ModelFiles::ModelFiles() noexcept = default;
+ModelFiles::ModelFiles() = default;
 ModelFiles::~ModelFiles() = default;
+
+std::string ModelFile::declaration(std::size_t aOffset, std::string_view aPrefix) const {
+  std::string_view const text = fText.utf8();
+  if (!fDeclarations) fDeclarations = markup::declarations(text);
+  return markup::declaration(text, *fDeclarations, aOffset, aPrefix);
+}
 
 ModelFiles* ModelFiles::find(Kelm::Model const& aModel) {
   return static_cast<ModelFiles*>(aModel.object().attachment(&kKey));
@@ -59,9 +79,11 @@ std::optional<Spot> ModelFiles::tagOf(Element const& aElement) const {
 std::string ModelFiles::idOf(Element const& aElement) const {
   auto const tag = tagOf(aElement);
   if (!tag) return {};
-  for (auto const& attribute : markup::attributes(fFiles[tag->fFile].fText.utf8(), tag->fOffset))
-    if (attribute.fName.ends_with(":id")) return attribute.value();
-  return {};
+  ModelFile const& file = fFiles[tag->fFile];
+  std::string id;
+  for (auto const& attribute : markup::attributes(file.fText.utf8(), tag->fOffset))
+    if (isId(file, attribute.fName, tag->fOffset)) id = attribute.value();
+  return id;
 }
 
 Kelm::String ModelFiles::externalId(Kelm::NSInterface::ModelElementIntf const& aElement) const {
@@ -110,9 +132,7 @@ void ModelFiles::add(Application aApplication, ApplicationChange aChange) {
 }
 
 std::string ModelFiles::namespaceAt(Spot aSpot, std::string_view aPrefix) {
-  ModelFile& file = fFiles[aSpot.fFile];
-  if (!file.fDeclarations) file.fDeclarations = markup::declarations(file.fText.utf8());
-  return markup::declaration(file.fText.utf8(), *file.fDeclarations, aSpot.fOffset, aPrefix);
+  return fFiles[aSpot.fFile].declaration(aSpot.fOffset, aPrefix);
 }
 
 std::vector<KnownProfile> const& ModelFiles::profiles() {

@@ -100,6 +100,8 @@ std::filesystem::path locationOf(std::filesystem::path const& aPath);
 
 /// One file of a model.
 struct ModelFile {
+  explicit ModelFile(SourceText aText) : fText(std::move(aText)) {}
+
   SourceText fText;
   std::vector<Made> fMade;
   /// Ids as written; the first of equal ones.
@@ -113,8 +115,11 @@ struct ModelFile {
   FileStamp fStamp;
   /// How its addresses call other files of the model, by their numbers.
   std::map<std::uint32_t, std::string> fSpellings;
+  /// The namespace of a prefix in the tag whose name stands at an offset; empty for none.
+  std::string declaration(std::size_t aOffset, std::string_view aPrefix) const;
+
   /// Where its namespaces are declared; made when first asked.
-  std::optional<std::vector<std::size_t>> fDeclarations;
+  mutable std::optional<std::vector<std::size_t>> fDeclarations;
 };
 
 /// An element of the model that stands for a primitive type of the standard, and the address under which a
@@ -127,7 +132,7 @@ struct StandIn {
 /// What belongs to the files that a model came from; it is kept with the model.
 class ModelFiles final : public Kelm::ModelCompanion, public Kelm::ExternalIds {
  public:
-  ModelFiles() noexcept;
+  ModelFiles();
   ~ModelFiles() override;
 
   /// Of a model that came from files; null for another one.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <new>
 #include <pugixml.hpp>
 #include <string_view>
 
@@ -13,8 +14,9 @@ namespace umlmm::files {
 class ParsedTag {
  public:
   explicit ParsedTag(std::string_view aTag) {
-    fDocument.load_buffer(aTag.data(), aTag.size(), pugi::parse_default | pugi::parse_fragment,
-                          pugi::encoding_utf8);
+    auto const result = fDocument.load_buffer(
+        aTag.data(), aTag.size(), pugi::parse_default | pugi::parse_fragment, pugi::encoding_utf8);
+    if (result.status == pugi::status_out_of_memory) throw std::bad_alloc();
   }
   ParsedTag(SourceText const& aText, std::uint64_t aOffset)
       : ParsedTag(markup::element(aText.utf8(), aOffset)) {}

@@ -141,7 +141,9 @@ bool isJson(std::string_view aText) {
   std::size_t const next = aText.find_first_not_of(" \t\r\n", 1);
   if (next == std::string_view::npos) return aText == "{" || aText == "[";
   std::string_view const follow = aText[0] == '{' ? "\"}"sv : aText[0] == '[' ? "{[]\"-0123456789"sv : ""sv;
-  return follow.find(aText[next]) != std::string_view::npos;
+  if (follow.find(aText[next]) != std::string_view::npos) return true;
+  std::string_view const word = aText.substr(next, aText.find_first_of(" \t\r\n,]", next) - next);
+  return aText[0] == '[' && (word == "true" || word == "false" || word == "null");
 }
 
 bool isYaml(std::string_view aText) {

@@ -8,6 +8,7 @@
 #include "model_files/text/encodings.h"
 #include "model_files/text/firstTags.h"
 #include "model_files/text/messages.h"
+#include "model_files/text/utf8.h"
 
 namespace umlmm::files {
 
@@ -16,6 +17,8 @@ namespace {
 constexpr auto kNone = std::string_view::npos;
 /// XMI 1 names its metamodel behind a header, and dumps of tables their tables behind a description.
 constexpr std::size_t kMostTags = 200;
+/// Characters that tell whether a text is one.
+constexpr std::size_t kLooked = 4096;
 
 struct XmlKind {
   /// What the namespace contains; empty for any.
@@ -28,6 +31,8 @@ struct XmlKind {
 
 constexpr std::string_view kBeside = "the model is in the .uml file beside it; open that one";
 constexpr std::string_view kFromEcore = "convert it to a UML model in Eclipse, and open that file";
+constexpr std::string_view kFromOldUml =
+    "open it in a tool that reads it, and export it from there as UML 2 in XMI 2.1 or later";
 constexpr std::string_view kOpenModel = "open the file of a UML model";
 constexpr std::string_view kAnotherLanguage = "it is another language than UML; open the file of a UML model";
 constexpr std::string_view kDownload = "if a server gave it in place of a model, download that file again";
@@ -123,7 +128,10 @@ bool isXmi1(FirstTags const& aFirst) {
 }
 
 std::string metamodelOfXmi1(FirstTags const& aFirst) {
-  std::string metamodel = "UML 1";
+  auto const& spaces = aFirst.fNamespaces;
+  auto const isOfUml = [](std::string_view aSpace) { return aSpace.find("UML") != kNone; };
+  bool const isUml = spaces.empty() || std::any_of(spaces.begin(), spaces.end(), isOfUml);
+  std::string metamodel = isUml ? "UML 1" : inQuotes(shown(spaces.front()));
   for (Tag const& tag : aFirst.fTags) {
     if (tag.fName != "XMI.metamodel") continue;
     std::string_view const name = tag.attribute("xmi.name");
@@ -134,7 +142,7 @@ std::string metamodelOfXmi1(FirstTags const& aFirst) {
   }
   // "omg.org/UML1.3", "href://org.omg/UML/1.4".
   for (std::string_view const space : aFirst.fNamespaces) {
-    std::size_t const version = space.find("UML") == kNone ? kNone : space.find("1.", space.find("UML"));
+    std::size_t const version = isOfUml(space) ? space.find_first_of("123456789", space.find("UML")) : kNone;
     if (version != kNone) return "UML " + shown(space.substr(version));
   }
   return metamodel;
@@ -144,7 +152,13 @@ Kind kindOfXmi1(FirstTags const& aFirst) {
   std::string const metamodel = metamodelOfXmi1(aFirst);
   std::string_view const version = aFirst.fTags.front().attribute("xmi.version");
   return {metamodel + " in XMI " + shown(version.empty() ? "1" : version) + ", which is another metamodel",
-          "open it in a tool that reads it, and export it from there as UML 2 in XMI 2.1 or later"};
+          std::string(kFromOldUml)};
+}
+
+/// A newer XMI may hold a metamodel of its time.
+bool isUml1(std::string_view aNamespace) {
+  return aNamespace.find("omg.org/") != kNone &&
+         (aNamespace.find("UML/1.") != kNone || aNamespace.find("UML1.") != kNone);
 }
 
 bool isTables(FirstTags const& aFirst) {
@@ -163,6 +177,12 @@ bool isUml2(std::string_view aNamespace) {
   return aNamespace.find("/spec/UML/2") != kNone || aNamespace.find("eclipse.org/uml2/") != kNone;
 }
 
+Kind uml1In(std::string_view aNamespace) {
+  return {"UML " + shown(aNamespace.substr(aNamespace.find("1.", aNamespace.find("UML")))) +
+              ", which is another metamodel",
+          std::string(kFromOldUml)};
+}
+
 Kind kindOfRoot(FirstTags const& aFirst) {
   Tag const& root = aFirst.fTags.front();
   bool const hasUml = std::any_of(aFirst.fNamespaces.begin(), aFirst.fNamespaces.end(), isUml2);
@@ -171,11 +191,13 @@ Kind kindOfRoot(FirstTags const& aFirst) {
     auto const child = std::find_if(aFirst.fTags.begin(), aFirst.fTags.end(), [](Tag const& aTag) {
       return aTag.fDepth == 1 && aTag.local() != "Documentation" && aTag.local() != "Extension";
     });
+    if (child != aFirst.fTags.end() && isUml1(child->fNamespace)) return uml1In(child->fNamespace);
     if (hasUml || child == aFirst.fTags.end()) return withoutUml;
     return {"XMI of another metamodel (it holds " + tagWithNamespace(*child) + ")",
             std::string(kAnotherLanguage)};
   }
   if (isUml2(root.fNamespace)) return withoutUml;
+  if (isUml1(root.fNamespace)) return uml1In(root.fNamespace);
   bool const isXmi = root.has("xmi:version");
   return {std::string(isXmi ? "XMI of another metamodel" : "XML of another kind") + " (its root is " +
               tagWithNamespace(root) + ")",
@@ -219,6 +241,25 @@ std::array<char, 2> firstCharacters(std::string_view aBytes) noexcept {
   return found;
 }
 
+/// Whether much of a text are bytes that its encoding has no characters for.
+bool isForeign(std::string_view aText) {
+  std::size_t count = 0;
+  std::size_t foreign = 0;
+  for (std::size_t place = 0; place < aText.size() && count < kLooked; ++count) {
+    auto const [code, length] = utf8::at(aText, place);
+    if (isEscapedByte(code) || isEscapedSurrogate(code)) ++foreign;
+    place += length;
+  }
+  return foreign > count / 20;
+}
+
+Kind kindOfText(SourceText const& aText) {
+  std::string_view const text = aText.utf8();
+  // What merely looks like a wide encoding tells more as bytes.
+  if (isForeign(text)) return kindOfBytes(aText.encoded(text), aText.name());
+  return kindOfBytes(text, aText.name());
+}
+
 }  // namespace
 
 bool isNoXml(std::string_view aBytes) noexcept {
@@ -231,7 +272,7 @@ bool isNoXml(std::string_view aBytes) noexcept {
 
 std::string whatItIs(SourceText const& aText) {
   std::string_view const text = aText.utf8();
-  Kind const kind = isNoXml(text) ? kindOfBytes(text, aText.name()) : kindOfXml(text);
+  Kind const kind = isNoXml(text) ? kindOfText(aText) : kindOfXml(text);
   return inQuotes(aText.name()) + " is " + kind.fWhat + ", not a UML 2 model in XMI; " + kind.fAdvice;
 }
 

@@ -12,19 +12,19 @@ void Edits::sort() {
   });
 }
 
-void Edits::write(std::size_t aFrom, std::size_t aTo, std::string& aOut, Copied const& aCopied) const {
+void Edits::write(std::size_t aFrom, std::size_t aTo, bool aIsAll, std::string& aOut,
+                  Copied const& aCopied) const {
   std::size_t at = aFrom;
-  // In a text without lines what comes in before or behind a part touches it.
-  bool const isPart = aFrom > 0 || aTo < fText.size();
   auto const copy = [&](std::size_t aEnd) {
     aCopied(at, aEnd);
     aOut += fText.substr(at, aEnd - at);
   };
   auto edit = std::ranges::lower_bound(fEdits, aFrom, {}, &Edit::fFrom);
-  for (; edit != fEdits.end() && (edit->fFrom < aTo || !isPart); ++edit) {
+  for (; edit != fEdits.end() && (edit->fFrom < aTo || aIsAll); ++edit) {
     if (edit->fFrom < at || edit->fTo > aTo) continue;
-    if (edit->fFrom <= aFrom && edit->fTo >= aTo) continue;
-    if (isPart && edit->fTo == aFrom) continue;
+    // In a text without lines what comes in before or behind a part touches it.
+    bool const isAround = edit->fFrom <= aFrom && edit->fTo >= aTo;
+    if (!aIsAll && (isAround || edit->fTo == aFrom)) continue;
     copy(edit->fFrom);
     if (edit->fWrite)
       edit->fWrite(aOut);

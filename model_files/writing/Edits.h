@@ -26,13 +26,18 @@ class Edits {
   void replace(std::size_t aFrom, std::size_t aTo, Write aWrite) {
     fEdits.push_back({aFrom, aTo, fEdits.size(), {}, std::move(aWrite)});
   }
-  bool empty() const noexcept { return fEdits.empty(); }
 
   /// What is changed first in a place comes first. To be called when all changes are there.
   void sort();
   /// Appends a part of the text with the changes in it; those that would take the whole part away are left
   /// out.
-  void write(std::size_t aFrom, std::size_t aTo, std::string& aOut, Copied const& aCopied) const;
+  void write(std::size_t aFrom, std::size_t aTo, std::string& aOut, Copied const& aCopied) const {
+    write(aFrom, aTo, false, aOut, aCopied);
+  }
+  /// Appends the text with all changes, also those that take it away or come behind it.
+  void writeAll(std::string& aOut, Copied const& aCopied) const {
+    write(0, fText.size(), true, aOut, aCopied);
+  }
 
  private:
   struct Edit {
@@ -42,6 +47,8 @@ class Edits {
     std::string fText;
     Write fWrite;
   };
+
+  void write(std::size_t aFrom, std::size_t aTo, bool aIsAll, std::string& aOut, Copied const& aCopied) const;
 
   std::string_view fText;
   std::vector<Edit> fEdits;

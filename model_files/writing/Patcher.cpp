@@ -77,7 +77,7 @@ std::string Patcher::render() {
   fApplications.restart();
   fEdits.sort();
   std::string text;
-  fEdits.write(0, fText.size(), text, [this](std::size_t aFrom, std::size_t aTo) { noteCopied(aFrom, aTo); });
+  fEdits.writeAll(text, [this](std::size_t aFrom, std::size_t aTo) { noteCopied(aFrom, aTo); });
   return text;
 }
 
@@ -319,12 +319,16 @@ bool Patcher::isNamed(Element& aOwner, Tag const& aTag, Feature const& aFeature,
   if (node == fNodes.end() || fHomeless.contains(&aPart) || isForeign(aPart))
     return aPlaces.at(&aPart) != &aFeature;
   std::size_t const name = fFile.fMade[node->second].fOffset;
-  bool const isHere = std::ranges::binary_search(aTag.fChildren, name, {}, &markup::Child::fName);
+  // In a child, or in what a tool puts around it there.
+  auto const behind = std::ranges::upper_bound(aTag.fChildren, name, {}, &markup::Child::fName);
+  bool const isInside = behind != aTag.fChildren.begin() && name < std::prev(behind)->fTo;
+  std::size_t const child = isInside ? std::prev(behind)->fName : 0;
+  bool const isHere =
+      isInside && (child == name || !std::ranges::binary_search(fFile.fMade, child, {}, &Made::fOffset));
   Feature const* const written =
       placeCalled(metaclassOf(aOwner), markup::nameAt(fText, name), metaclassOf(aPart));
   bool const isPlace = written != nullptr && !written->fDerived;
-  bool const isInside = !isHere && name > aTag.fName && name < aTag.fEnd;
-  return (!isHere && !isInside) || (isPlace && written != &aFeature);
+  return !isHere || (isPlace && written != &aFeature);
 }
 
 void Patcher::patchTop() {
