@@ -78,7 +78,8 @@ void checkValue(std::string_view aTag, std::string_view aValue) {
 void checkIsPlain(ModelFiles const& aFiles, Application const& aApplication, std::string_view aTag) {
   if (aApplication.fSpot.fOffset == 0) return;
   ParsedTag const tag(aFiles.fFiles[aApplication.fSpot.fFile].fText, aApplication.fSpot.fOffset);
-  for (pugi::xml_node const child : tag.node().children(std::string(aTag).c_str()))
+  std::string const name(aTag);  // The children that are called by it keep no copy.
+  for (pugi::xml_node const child : tag.node().children(name.c_str()))
     for (pugi::xml_node const part : child.children())
       if (part.type() == pugi::node_element && !child.attribute("href") && !child.attribute("xmi:idref"))
         throw Error("The value of " + quoted(aTag) + " has parts of its own (" + part.name() +
