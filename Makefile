@@ -88,7 +88,7 @@ test-packages:
 lint: generate
 	$(INSTALL_PACKAGES) packages-dev.txt
 	@$(SOURCES) | xargs clang-format --dry-run --Werror
-	@$(SOURCES) | grep '\.cpp$$' | grep -v '^tests/\|^benchmarks/\|^examples/' | xargs -P 2 -n 4 clang-tidy-16 -p build/release --quiet
+	@$(SOURCES) | grep '\.cpp$$' | grep -v '^tests/\|^benchmarks/\|^examples/\|^fuzz/' | xargs -P 2 -n 4 clang-tidy-16 -p build/release --quiet
 
 format:
 	$(INSTALL_PACKAGES) packages-dev.txt

@@ -76,7 +76,7 @@ Kelm::Object textObject(std::string_view aText) {
     // Without a way out of the loop, so that it takes several characters in a step.
     signed char all = 0;
     for (std::size_t at = 0; at < length; ++at) {
-      all |= static_cast<signed char>(aText[at]);
+      all = static_cast<signed char>(all | aText[at]);
       wide[at] = static_cast<unsigned char>(aText[at]);
     }
     isAscii = all >= 0;
