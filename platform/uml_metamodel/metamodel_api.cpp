@@ -1,4 +1,6 @@
 #include "engine/Change.h"
+#include "engine/FeatureSequence.h"
+#include "engine/Reading.h"
 #include "engine/classTables.h"
 #include "engine/engine.h"
 #include "engine/enumerations.h"
@@ -11,6 +13,10 @@
 namespace umlmm {
 
 namespace detail {
+
+namespace {
+constexpr char kSource[] = "uml_metamodel/engine/access";
+}  // namespace
 
 Kelm::NSInterface::ModelElementIntf* createElement(int aMetaclass, Kelm::Model const& aModel,
                                                    std::span<Kelm::Object const> aRequired) {
@@ -38,6 +44,28 @@ Kelm::EnumerationType const* enumerationType(Kelm::NSInterface::DataTypeIntf con
   engine::ValueType kind = engine::ValueType::String;
   int const index = reflection::dataTypeIndex(aType, kind);
   return index >= 0 && kind == engine::ValueType::Enumeration ? &engine::enumeration(index) : nullptr;
+}
+
+void raiseNotReadable(ModelElement const& aElement) { engine::raiseNotInVariant(aElement, kSource); }
+
+ModelElement const* containerIn(ModelElement const& aElement, std::uint16_t aNumber) noexcept {
+  return engine::containerThrough(aElement, engine::feature(aNumber));
+}
+
+ModelElement const* computedIn(ModelElement const& aElement, Kelm::Deviant const& aDeviant,
+                               std::uint16_t aNumber) {
+  return engine::elementOf(engine::read(aElement, aDeviant, engine::feature(aNumber)));
+}
+
+std::vector<ModelElement*> computedListIn(ModelElement const& aElement, Kelm::Deviant const& aDeviant,
+                                          std::uint16_t aNumber) {
+  return engine::readable(aElement, aDeviant, kSource).values(aNumber);
+}
+
+void setText(ModelElement& aElement, Kelm::Deviant const& aDeviant, std::uint16_t aNumber,
+             Kelm::StringObject const* aText) {
+  engine::checkWritable(aElement, aDeviant, kSource);
+  engine::Change::setText(aElement, engine::feature(aNumber), aText);
 }
 
 }  // namespace detail

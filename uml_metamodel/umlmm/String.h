@@ -20,7 +20,7 @@ class UMLMM_API String : public Kelm::String {
   String(Text const& aText) : Kelm::String(std::u16string_view(aText)) {}
   /// From UTF-8; what is malformed becomes the replacement character.
   template <std::convertible_to<std::string_view> Text>
-  String(Text const& aText) : Kelm::String(Kelm::toUtf16(aText)) {}
+  String(Text const& aText) : Kelm::String(Kelm::StringObject::make(std::string_view(aText)), Counted()) {}
   String(Kelm::String const& aText) noexcept : Kelm::String(aText) {}
   /// The text that the object carries; raises the incorrect-type failure for a null or any other object.
   explicit String(Kelm::ImmutableObject const& aObject);

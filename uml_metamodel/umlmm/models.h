@@ -38,8 +38,18 @@ inline Kelm::Model createNewModel() { return Kelm::NSInterface::FactoryIntf::cre
 /// `aFrom` as a reference to the more special or more general `X`; null if the element is no X. A read-only
 /// reference becomes a read-only one alone: `cast<ImmutableClass>(view)`.
 template <class X, class From>
-requires(detail::Changeable<From> || !detail::Changeable<X>) X cast(From const& aFrom) {
+requires(!detail::ViewClass<From> && (detail::Changeable<From> || !detail::Changeable<X>)) X
+    cast(From const& aFrom) {
   return Kelm::queryHandle<X, VisitationDomain>(aFrom);
+}
+
+/// A view as one of the more special `V`; a view of none if the element is no such.
+template <detail::ViewClass V, detail::ViewClass From>
+V cast(From const& aFrom) {
+  constexpr unsigned kMetaclass = V::InterfaceType::kMetaclassIndex;
+  if (!aFrom || (aFrom.element()->classTable()->fGenerals[kMetaclass / 64] >> kMetaclass % 64 & 1) == 0)
+    return V();
+  return V(*aFrom.element(), aFrom.getDeviant(), aFrom.guard());
 }
 
 /// The name of an element's own metaclass, such as "Class"; it lives as long as the process.

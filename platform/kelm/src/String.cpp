@@ -15,7 +15,8 @@ void* StringObject::operator new(std::size_t aSize, std::size_t aCharacters) {
 void StringObject::operator delete(void* aMemory) { ::operator delete(aMemory); }
 void StringObject::operator delete(void* aMemory, std::size_t) { ::operator delete(aMemory); }
 
-StringObject* StringObject::make(std::u16string_view aText) {
+template <class Units>
+StringObject* StringObject::copy(Units aText) {
   if (aText.empty()) {
     empty()->incRef();
     return empty();
@@ -25,6 +26,15 @@ StringObject* StringObject::make(std::u16string_view aText) {
   auto* const text = const_cast<char16_t*>(record->data());
   *std::copy(aText.begin(), aText.end(), text) = u'\0';
   return record;
+}
+
+StringObject* StringObject::make(std::u16string_view aText) { return copy(aText); }
+
+StringObject* StringObject::make(std::string_view aText) {
+  // Without a way out of the loop, so that it takes several characters in a step.
+  unsigned all = 0;
+  for (char const character : aText) all |= static_cast<unsigned char>(character);
+  return all < 0x80 ? copy(aText) : copy(std::u16string_view(toUtf16(aText)));
 }
 
 StringObject* StringObject::empty() noexcept {
@@ -60,21 +70,13 @@ String::String(String&& aOther) noexcept : String() {
   std::swap(fNarrow, aOther.fNarrow);
 }
 
-String::String(StringObject const* aRecord) noexcept
-    : fText(aRecord == nullptr ? StringObject::empty() : aRecord) {
-  fText->incRef();
-}
-
 String& String::operator=(String aOther) noexcept {
   std::swap(fText, aOther.fText);
   std::swap(fNarrow, aOther.fNarrow);
   return *this;
 }
 
-String::~String() {
-  delete[] fNarrow;
-  fText->decRef();
-}
+void String::dropNarrow() noexcept { delete[] std::exchange(fNarrow, nullptr); }
 
 void String::assign(std::u16string_view aText) {
   // Made before the old record goes: the text may lie in it.

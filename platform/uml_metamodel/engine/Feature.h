@@ -5,6 +5,7 @@
 #include <span>
 
 #include "engine/counts.h"
+#include "uml_metamodel/umlmm/detail/stored.h"
 
 /// The metamodel as the engine sees it: one record a feature and a metaclass, made from the catalogue and by
 /// extensions of it.
@@ -17,18 +18,7 @@ inline constexpr FeatureIndex kNoFeature = 0xFFFF;
 
 enum class ValueType : std::uint8_t { Boolean, Integer, UnlimitedNatural, String, Enumeration, Reference };
 
-/// Where a feature's value comes from.
-enum class Storage : std::uint8_t {
-  Flag,           ///< One bit, and a presence bit behind it if optional.
-  Enumeration,    ///< Four bits and a presence bit.
-  Integer,        ///< Half a word.
-  String,         ///< A text record, null when unset.
-  Reference,      ///< An element, null when unset.
-  List,           ///< A list of elements, null when none was ever made.
-  PrimitiveList,  ///< A sequence of values, null when none was ever made.
-  Container,      ///< No slot: the container, if the far end holds the element.
-  Computed        ///< No slot: a derivation.
-};
+using detail::Storage;
 
 struct Feature {
   char const* fName = "";

@@ -68,8 +68,7 @@ decltype(auto) withList(Element const& aOwner, Feature const& aRoot, Visit aVisi
   return aVisit(*pointerSlot<ReferenceList>(aOwner, indexOf(aRoot)));
 }
 
-/// Bits of an enumeration's number; its presence bit follows.
-inline constexpr unsigned kEnumerationBits = 4;
+using detail::kEnumerationBits;
 
 inline int metaclassOf(Element const& aElement) noexcept { return aElement.classTable()->fMetaclass; }
 inline bool isA(Element const& aElement, int aMetaclass) noexcept {

@@ -2,8 +2,8 @@
 
 #include <span>
 
-#include "kelm/ClassObject.h"
 #include "kelm/Model.h"
+#include "kelm/ModelElementIntf.h"
 #include "kelm/meta.h"
 #include "kelm/values.h"
 #include "lum/visibility.h"
@@ -33,6 +33,13 @@ UMLMM_API Kelm::ImmutableClass metaClass(int aMetaclass);
 
 /// The literals of an enumeration, as objects; null for a primitive type and for a type of another metamodel.
 UMLMM_API Kelm::EnumerationType const* enumerationType(Kelm::NSInterface::DataTypeIntf const& aType);
+
+/// An element seen as one of its interfaces, or null. What `queryInterface` answers, without a virtual call.
+template <class Intf>
+Intf const* interfaceOf(Kelm::NSInterface::ModelElementIntf const* aElement) {
+  if (aElement == nullptr) return nullptr;
+  return static_cast<Intf const*>(aElement->cast(Kelm::tagPair<Intf, VisitationDomain>()));
+}
 
 /// A reference to a metaclass interface as a reference to any object, in the same variant.
 template <class Intf>

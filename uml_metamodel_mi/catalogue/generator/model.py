@@ -192,6 +192,20 @@ class Feature(Named):
         return not self.root.is_derived and not self.is_many and far is not None and far.is_composite
 
     @property
+    def storage(self) -> str:
+        """Where the value comes from: a name of the engine's enumeration."""
+        root = self.root
+        if root.is_derived:
+            return "Computed"
+        if root.is_many:
+            return "List" if root.is_reference else "PrimitiveList"
+        if root.is_container:
+            return "Container"
+        if root.is_reference or isinstance(root.type, Enumeration):
+            return "Reference" if root.is_reference else "Enumeration"
+        return {"Boolean": "Flag", "String": "String"}.get(root.type.name, "Integer")
+
+    @property
     def is_stored(self) -> bool:
         return not self.root.is_derived and not self.is_container
 

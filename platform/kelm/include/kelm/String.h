@@ -19,6 +19,8 @@ class UMLMM_API StringObject final : public NSInterface::ObjectIntf {
   /// A new text with one count, which is the caller's; the one empty text for no characters. What is
   /// malformed in `aText` is kept as it is.
   static StringObject* make(std::u16string_view aText);
+  /// The same of UTF-8; what is malformed becomes the replacement character.
+  static StringObject* make(std::string_view aText);
   static StringObject* empty() noexcept;
 
   int incRef() const override {
@@ -45,6 +47,8 @@ class UMLMM_API StringObject final : public NSInterface::ObjectIntf {
   /// The last count is gone.
   [[gnu::cold]] int end() const;
   [[gnu::cold]] int countShared(int aStep) const noexcept;
+  template <class Units>
+  static StringObject* copy(Units aText);
 
   StringObject() = default;
   ~StringObject() override;
@@ -66,9 +70,16 @@ class UMLMM_API String {
   String(std::u16string const& aText) : fText(StringObject::make(aText)) {}
   explicit String(std::same_as<std::u16string_view> auto aText) : fText(StringObject::make(aText)) {}
   /// Adds a count; the empty text for null.
-  explicit String(StringObject const* aRecord) noexcept;
+  explicit String(StringObject const* aRecord) noexcept
+      : fText(aRecord == nullptr ? StringObject::empty() : aRecord) {
+    fText->incRef();
+  }
   String& operator=(String aOther) noexcept;
-  ~String();
+  ~String() {
+    if (fNarrow != nullptr) [[unlikely]]
+      dropNarrow();
+    fText->decRef();
+  }
 
   /// Good until this String is assigned or ends.
   std::u16string_view text() const noexcept { return fText->text(); }
@@ -101,6 +112,7 @@ class UMLMM_API String {
   struct Counted {};
   /// Takes over a count on the record.
   String(StringObject const* aRecord, Counted) noexcept : fText(aRecord) {}
+  [[gnu::cold]] void dropNarrow() noexcept;
 
   StringObject const* fText;
   mutable char* fNarrow = nullptr;
