@@ -64,9 +64,28 @@ class Patcher {
   void patchParts(Element& aOwner);
   void patchParts(Element& aOwner, Tag const& aTag, Feature const& aFeature,
                   std::vector<Element*> const& aParts, PartPlaces const& aPlaces);
-  /// Whether a part of the feature stands under another tag, so that the feature has to name it.
-  bool isNamed(Element& aOwner, Tag const& aTag, Feature const& aFeature, Element& aPart,
-               PartPlaces const& aPlaces) const;
+  /// Whether a feature has to name a part that stands under another tag.
+  enum class Naming {
+    None,
+    Implied,  ///< The feature of its tag tells as much.
+    Needed
+  };
+  /// `aPlace` receives the tag of one that has it in another feature.
+  Naming namingOf(Element& aOwner, Tag const& aTag, Feature const& aFeature, Element& aPart,
+                  PartPlaces const& aPlaces, markup::Child& aPlace) const;
+  struct Names {
+    /// Parts that stand elsewhere, or are to.
+    Elements fElsewhere;
+    /// Parts that a tag of the feature names.
+    Elements fNeeded;
+    /// Those that none has to name, and where their tags stand.
+    std::unordered_map<Element const*, markup::Child> fImplied;
+  };
+  /// Names parts in an attribute, or tells for which there shall be a tag; `aStanding` receives those that
+  /// have one. Tags that name nothing go.
+  Names patchNames(Element& aOwner, Tag const& aTag, Feature const& aFeature,
+                   std::vector<Element*> const& aParts, PartPlaces const& aPlaces,
+                   std::unordered_map<Element const*, markup::Child>& aStanding);
   void patchTop();
   /// Tags of an owner that name parts in other files, by what they name.
   std::unordered_map<Element const*, markup::Child> foreignParts(Element& aOwner, Tag const& aTag,

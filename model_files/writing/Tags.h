@@ -13,6 +13,9 @@
 
 namespace umlmm::files {
 
+/// Whether all values of a feature are values of another one.
+bool isSubsetOf(Feature const& aSpecial, Feature const& aGeneral);
+
 /// The feature under which each part of an owner is written: of those that hold it the most general. The
 /// others name it by its id.
 using PartPlaces = std::unordered_map<Element const*, Feature const*>;

@@ -23,7 +23,11 @@ WRAPPED = OMG.replace(b"<type xmi:idref='_i'/>", b"""<xmi:Extension extender='to
 TYPED = ECLIPSE.replace(b'type="_i"/>', b'><type xmi:type="uml:PrimitiveType" '
                         b'href="pathmap://UML_LIBRARIES/UMLPrimitiveTypes.library.uml#String"/></ownedAttribute>')
 
-CHANGED = DIALECTS | {"strange": STRANGE, "twice": TWICE, "wrapped": WRAPPED, "typed": TYPED}
+SPECIAL = OMG.replace(b"</packagedElement>", b"""<ownedOperation xmi:type='uml:Operation' xmi:id='_f'>
+<bodyCondition xmi:type='uml:Constraint' xmi:id='_b'/><ownedRule xmi:type='uml:Constraint' xmi:id='_r'/>
+</ownedOperation></packagedElement>""", 1)
+
+CHANGED = DIALECTS | {"strange": STRANGE, "twice": TWICE, "wrapped": WRAPPED, "typed": TYPED, "special": SPECIAL}
 
 # A weight that no metaclass has a place for stands at the top of the model, and in the tag of another element.
 INSIDE = ECLIPSE.replace(b"</uml:Model>", b"""  <packagedElement xmi:type="uml:Activity" xmi:id="_a">
@@ -73,6 +77,9 @@ EDITS = {
     "an id that means another element": (TWICE, lambda model: part(
         model, model.by_id("_m"), "ownedComment", umlmm.Comment,
         annotatedElement=[operations(model)["two"], operations(model)["one"]])),
+    "beside a part in a special feature": (SPECIAL, lambda model: part(
+        model, model.by_id("_f"), "ownedParameter", umlmm.Parameter)),
+    "in front of a part in a special feature": (SPECIAL, lambda model: model.by_id("_f").ownedRule.reverse()),
     "a standard type with a comment": (TYPED, lambda model: part(model, string(model), "ownedComment", umlmm.Comment)),
     "a standard type with another name": (TYPED, lambda model: setattr(string(model), "name", "Text")),
     "a standard type as a part": (TYPED, lambda model: model.by_id("_m").packagedElement.append(string(model))),
