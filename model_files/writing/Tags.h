@@ -55,6 +55,8 @@ class Tags {
   void useId(std::string_view aId, Element const& aElement) {
     fUsedIds.try_emplace(std::string(aId), &aElement);
   }
+  /// No element may get this id.
+  void reserveId(std::string_view aId) { fUsedIds.try_emplace(std::string(aId), nullptr); }
   void order(std::vector<Element*>& aOrder) noexcept { fOrder = &aOrder; }
 
   /// An element as a part of a feature, or as a root: `aTagName` is "ownedAttribute" or "uml:Class"; or under
