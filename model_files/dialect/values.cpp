@@ -180,6 +180,15 @@ std::vector<Element*> elementsOf(Element const& aElement, Feature const& aFeatur
   return elements;
 }
 
+Element* elementAt(Element const& aElement, Feature const& aFeature, std::size_t aPosition,
+                   Kelm::Deviant const& aDeviant) {
+  Kelm::Generic::SequenceIntf const& list = listOf(aElement, aFeature, aDeviant);
+  if (aPosition >= static_cast<std::size_t>(list.generic_size(aDeviant))) return nullptr;
+  Kelm::Generic::Loan loan;
+  list.readBlock(aDeviant, static_cast<int>(aPosition), 1, &loan);
+  return Kelm::Generic::RefAccess<Kelm::ClassObject>::get(loan).get();
+}
+
 std::vector<std::string> textsOf(Element const& aElement, Feature const& aFeature,
                                  Kelm::Deviant const& aDeviant) {
   std::vector<std::string> texts;

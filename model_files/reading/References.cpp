@@ -142,6 +142,8 @@ Element& References::partMeant(Pending const& aReference, Element& aValue) {
 
 void References::link(Pending const& aReference, Element& aValue) {
   Feature const& feature = *aReference.fFeature;
+  bool const isEnd = feature.fOpposite != nullptr && feature.fOpposite->fComposite;
+  if (feature.fComposite || isEnd) ++fPartLinks;
   try {
     if (!feature.fMany)
       return feature.fMethods->setEntry(aReference.fElement, fDeviant, feature.fId,
@@ -216,23 +218,33 @@ Element* References::walk(ModelFile& aFile, std::string_view aPath) {
         Kelm::ClassObject const value =
             Kelm::queryHandle<Kelm::ClassObject, Kelm::VisitationDomain>(read(*at, *feature, fDeviant));
         next = value.get();
-      } else if (auto const values = elementsOf(*at, *feature, fDeviant); position < values.size()) {
-        next = values[position];
+      } else {
+        next = elementAt(*at, *feature, position, fDeviant);
       }
     } else {
-      for (Element* const part : elementsOf(*at, *metaclass.feature("ownedElement"), fDeviant)) {
-        Feature const* const name = metamodel.metaclassOf(*part).feature("name");
-        if (name == nullptr) continue;
-        Kelm::Object const value = read(*part, *name, fDeviant);
-        if (!value.isNull() && textOf(*name, value) == piece) {
-          next = part;
-          break;
-        }
-      }
+      next = partCalled(*at, piece);
     }
     at = next;
   }
   return at;
+}
+
+Element* References::partCalled(Element& aOwner, std::string_view aName) {
+  PartNames& known = fPartNames[&aOwner];
+  if (known.fLinks != fPartLinks + 1) {
+    Metamodel const& metamodel = Metamodel::instance();
+    known.fParts.clear();
+    for (Element* const part :
+         elementsOf(aOwner, *metamodel.metaclassOf(aOwner).feature("ownedElement"), fDeviant)) {
+      Feature const* const name = metamodel.metaclassOf(*part).feature("name");
+      if (name == nullptr) continue;
+      Kelm::Object const value = read(*part, *name, fDeviant);
+      if (!value.isNull()) known.fParts.try_emplace(textOf(*name, value), part);
+    }
+    known.fLinks = fPartLinks + 1;
+  }
+  auto const found = known.fParts.find(std::string(aName));
+  return found == known.fParts.end() ? nullptr : found->second;
 }
 
 ModelFile* References::fileAt(std::string_view aFile, std::uint32_t aFrom) {

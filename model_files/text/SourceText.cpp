@@ -24,7 +24,7 @@ constexpr std::size_t kBlock = 8192;
 constexpr std::array<std::string_view, 4> kModelSuffixes{".uml", ".xmi", ".mdxml", ".emx"};
 
 [[noreturn]] void cannotRead(std::string const& aPath, int aReason) {
-  std::string const advice = aReason == ENOENT || aReason == ENOTDIR ? "check the path"
+  std::string const advice = aReason == ENOENT || aReason == ENOTDIR || aReason == ELOOP ? "check the path"
                              : aReason == EACCES || aReason == EPERM
                                  ? "ask for the right to read it"
                                  : "check the disk, or take a copy of the file";
