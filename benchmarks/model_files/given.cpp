@@ -61,12 +61,13 @@ class Plan {
     for (Metaclass const* const kind : fKinds) made.push_back(makeElement(model, *kind).get());
     for (Value const& value : fValues) {
       Feature const& feature = *value.fFeature;
+      Kelm::Object const object = umlmm::files::valueOf(feature, value.fText);
       if (!feature.fMany)
-        feature.fMethods->setEntry(made[value.fElement], deviant, feature.fId, value.fValue);
+        feature.fMethods->setEntry(made[value.fElement], deviant, feature.fId, object);
       else
         umlmm::files::appendValue(
-            *feature.fMethods->getSequenceEntry(made[value.fElement], deviant, feature.fId), feature,
-            value.fValue, deviant);
+            *feature.fMethods->getSequenceEntry(made[value.fElement], deviant, feature.fId), feature, object,
+            deviant);
     }
     for (auto const* const links : {&fParts, &fReferences})
       for (Link const& link : *links) {
@@ -87,7 +88,7 @@ class Plan {
   struct Value {
     std::size_t fElement;
     Feature const* fFeature;
-    Kelm::Object fValue;
+    std::string fText;
   };
   struct Link {
     std::size_t fElement;
@@ -110,8 +111,7 @@ class Plan {
       if (feature->fKind != Kind::Reference) {
         auto const texts = umlmm::files::textsOf(element, *feature, fDeviant);
         if (texts == umlmm::files::textsOf(*fresh.get(), *feature, aScratch.getDeviant())) continue;
-        for (std::string const& text : texts)
-          fValues.push_back({aNumber, feature, umlmm::files::valueOf(*feature, text)});
+        for (std::string const& text : texts) fValues.push_back({aNumber, feature, text});
         continue;
       }
       if (feature->fComposite) continue;
