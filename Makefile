@@ -3,7 +3,7 @@
 #   make run [SCRIPT=file.py] [ARGS="..."]   builds the product alone, and runs a script in the host
 #   make umlmm ARGS="info some.uml"          builds the product alone, and runs a command on model files
 #   make test [MODELS=folder]                builds the rest, and runs all tests; also on the model files of a folder
-#   make bench                               measures, against limits taken in the same run
+#   make bench [MODELS=folder]               measures, against limits taken in the same run; or the model files of a folder
 #   make bench-smoke                         runs every benchmark once, for a moment, without a look at the times
 #   make describe                            writes the published surface to build/describe.json
 #   make reference                           writes a page for each metaclass to build/reference
@@ -59,7 +59,8 @@ fuzz-files: packages
 bench bench-smoke: test-packages
 	$(CONFIGURE) release $(FIRST) -DUMLMM_BENCHMARKS=ON
 	@cmake --build --preset release --target umlmm_benchmarks
-	$(HOST) benchmarks/run.py --build build/release $(if $(filter bench-smoke,$@),--smoke)
+	$(HOST) benchmarks/run.py --build build/release $(if $(filter bench-smoke,$@),--smoke) \
+	  $(if $(MODELS),--models "$$(realpath -- "$(MODELS)")")
 
 describe: product
 	$(HOST) -m umlmm describe > build/describe.json

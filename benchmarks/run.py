@@ -1,6 +1,6 @@
 """Measures everything and prints one table: each figure, its limit measured in the same run, and its bound.
 
-    PYTHONPATH=<build>/python python3 benchmarks/run.py --build <build> [--only PART] [--check | --smoke]
+    PYTHONPATH=<build>/python python3 benchmarks/run.py --build <build> [--only PART | --models FOLDER] [--check | --smoke]
 
 What the figures mean and how the last ones came about stands in README.md beside this file.
 """
@@ -33,12 +33,18 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("--build", required=True, type=pathlib.Path, help="folder of a release build")
     parser.add_argument("--only", choices=("programs", "scripts", "sequences"), help="measure a part")
+    parser.add_argument("--models", type=pathlib.Path, help="measure the model files of a folder, and nothing else")
     modes = parser.add_mutually_exclusive_group()
     modes.add_argument("--check", action="store_true", help="exit with 1 if a bound is missed, goals aside")
     modes.add_argument("--smoke", action="store_true", help="run everything once, whatever the times are")
     options = parser.parse_args()
     figures.smoke = options.smoke
 
+    if options.models is not None:
+        import given
+
+        print(*given.table(options.build, options.models), sep="\n")
+        return
     found = []
     for figure in measured(options.build, options.only):
         found.append(figure)

@@ -85,8 +85,10 @@ NameIndex::Parts& NameIndex::partsOf(Element const* aOwner) {
 template <class Visit>
 void NameIndex::forEachPart(Element const* aOwner, Visit aVisit) const {
   if (aOwner == nullptr) {
+    // Where one has left its entry stays behind for a while.
     if (fModel.roots() != nullptr)
-      for (Element* const root : *fModel.roots()) aVisit(root);
+      for (Element* const root : *fModel.roots())
+        if (root != nullptr) aVisit(root);
     return;
   }
   auto const& parts = *aOwner->getKernelSequence(fDeviant, ModelElementIntf::ContaineeKelm);

@@ -90,13 +90,19 @@ bool isReentrantByDefault(std::string_view aAddress) noexcept {
 }
 
 void Prefixes::declare(std::string_view aPrefix, std::string_view aAddress) {
-  fDeclared.push_back({aPrefix, aAddress, spaceOf(aAddress)});
+  std::size_t& last = fLast[aPrefix];
+  fDeclared.push_back({aPrefix, aAddress, spaceOf(aAddress), last});
+  last = fDeclared.size();
+}
+
+void Prefixes::close(std::size_t aOpen) noexcept {
+  for (; fDeclared.size() > aOpen; fDeclared.pop_back())
+    fLast.find(fDeclared.back().fPrefix)->second = fDeclared.back().fBefore;
 }
 
 Prefixes::Declaration const* Prefixes::declaration(std::string_view aPrefix) const noexcept {
-  for (auto at = fDeclared.rbegin(); at != fDeclared.rend(); ++at)
-    if (at->fPrefix == aPrefix) return &*at;
-  return nullptr;
+  auto const last = fLast.find(aPrefix);
+  return last == fLast.end() || last->second == 0 ? nullptr : &fDeclared[last->second - 1];
 }
 
 Space Prefixes::find(std::string_view aPrefix) const noexcept {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 /// Namespaces of model files, told by their addresses: versions and tools differ, the shape of an address
@@ -31,6 +32,8 @@ class Prefixes {
     std::string_view fPrefix;
     std::string_view fAddress;
     Space fSpace;
+    /// How many there were up to the one before it with the same prefix; 0 for none.
+    std::size_t fBefore;
   };
 
   void declare(std::string_view aPrefix, std::string_view aAddress);
@@ -39,11 +42,13 @@ class Prefixes {
   Declaration const* declaration(std::string_view aPrefix) const noexcept;
   /// Declarations so far; `close` forgets what came later.
   std::size_t open() const noexcept { return fDeclared.size(); }
-  void close(std::size_t aOpen) noexcept { fDeclared.resize(aOpen); }
+  void close(std::size_t aOpen) noexcept;
   std::vector<Declaration> const& all() const noexcept { return fDeclared; }
 
  private:
   std::vector<Declaration> fDeclared;
+  /// By prefix, how many there were up to the last one.
+  std::unordered_map<std::string_view, std::size_t> fLast;
 };
 
 /// Whether it is a name by which an applied stereotype names its element: "base_Class".

@@ -68,21 +68,20 @@ Kelm::Object literal(Kelm::EnumerationType const& aType, std::string_view aText)
 }  // namespace
 
 Kelm::Object textObject(std::string_view aText) {
-  std::array<char16_t, 256> wide;
+  std::array<char16_t, 256> some;
+  std::u16string many;
   std::size_t const length = aText.size();
-  std::u16string rest;
-  bool isAscii = length <= wide.size();
-  if (isAscii) {
-    // Without a way out of the loop, so that it takes several characters in a step.
-    signed char all = 0;
-    for (std::size_t at = 0; at < length; ++at) {
-      all = static_cast<signed char>(all | aText[at]);
-      wide[at] = static_cast<unsigned char>(aText[at]);
-    }
-    isAscii = all >= 0;
+  if (length > some.size()) many.resize(length);
+  char16_t* const wide = length > some.size() ? many.data() : some.data();
+  // Without a way out of the loop, so that it takes several characters in a step.
+  signed char all = 0;
+  for (std::size_t at = 0; at < length; ++at) {
+    all = static_cast<signed char>(all | aText[at]);
+    wide[at] = static_cast<unsigned char>(aText[at]);
   }
+  bool const isAscii = all >= 0;
   Kelm::StringObject* const record = Kelm::StringObject::make(
-      isAscii ? std::u16string_view(wide.data(), length) : std::u16string_view(rest = Kelm::toUtf16(aText)));
+      isAscii ? std::u16string_view(wide, length) : std::u16string_view(many = Kelm::toUtf16(aText)));
   Kelm::Object const object(record, Kelm::Deviant());
   record->decRef();
   return object;
@@ -178,6 +177,15 @@ std::vector<Element*> elementsOf(Element const& aElement, Feature const& aFeatur
   for (auto const& loan : loansOf(listOf(aElement, aFeature, aDeviant), aDeviant))
     elements.push_back(Kelm::Generic::RefAccess<Kelm::ClassObject>::get(loan).get());
   return elements;
+}
+
+Element* elementAt(Element const& aElement, Feature const& aFeature, std::size_t aPosition,
+                   Kelm::Deviant const& aDeviant) {
+  Kelm::Generic::SequenceIntf const& list = listOf(aElement, aFeature, aDeviant);
+  if (aPosition >= static_cast<std::size_t>(list.generic_size(aDeviant))) return nullptr;
+  Kelm::Generic::Loan loan;
+  list.readBlock(aDeviant, static_cast<int>(aPosition), 1, &loan);
+  return Kelm::Generic::RefAccess<Kelm::ClassObject>::get(loan).get();
 }
 
 std::vector<std::string> textsOf(Element const& aElement, Feature const& aFeature,

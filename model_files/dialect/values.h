@@ -27,6 +27,9 @@ Kelm::Object read(Element const& aElement, Feature const& aFeature, Kelm::Devian
 /// The elements of a feature, of a single one as well.
 std::vector<Element*> elementsOf(Element const& aElement, Feature const& aFeature,
                                  Kelm::Deviant const& aDeviant);
+/// One of many, counted from 0; null if there are fewer.
+Element* elementAt(Element const& aElement, Feature const& aFeature, std::size_t aPosition,
+                   Kelm::Deviant const& aDeviant);
 /// Values of a feature as texts.
 std::vector<std::string> textsOf(Element const& aElement, Feature const& aFeature,
                                  Kelm::Deviant const& aDeviant);

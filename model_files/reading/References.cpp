@@ -28,10 +28,12 @@ std::string decoded(std::string_view aText) {
   return text;
 }
 
-/// Has the memory of an element come, as far as a link needs it of most.
+/// Has the memory of an element come, as far as a link needs it of most. Without a question for null, behind
+/// which nothing comes: the place is a number here, as a pointer must not leave what it points to.
 void prefetch(Element const* aElement) noexcept {
-  auto const* const bytes = reinterpret_cast<char const*>(aElement);
-  for (std::size_t at = 0; at < 192; at += 64) __builtin_prefetch(bytes + at, 1);
+  auto const place = reinterpret_cast<std::uintptr_t>(aElement);
+  for (std::uintptr_t at = 0; at < 192; at += 64)
+    __builtin_prefetch(reinterpret_cast<void const*>(place + at), 1);
 }
 
 }  // namespace
@@ -140,6 +142,8 @@ Element& References::partMeant(Pending const& aReference, Element& aValue) {
 
 void References::link(Pending const& aReference, Element& aValue) {
   Feature const& feature = *aReference.fFeature;
+  bool const isEnd = feature.fOpposite != nullptr && feature.fOpposite->fComposite;
+  if (feature.fComposite || isEnd) ++fPartLinks;
   try {
     if (!feature.fMany)
       return feature.fMethods->setEntry(aReference.fElement, fDeviant, feature.fId,
@@ -214,23 +218,33 @@ Element* References::walk(ModelFile& aFile, std::string_view aPath) {
         Kelm::ClassObject const value =
             Kelm::queryHandle<Kelm::ClassObject, Kelm::VisitationDomain>(read(*at, *feature, fDeviant));
         next = value.get();
-      } else if (auto const values = elementsOf(*at, *feature, fDeviant); position < values.size()) {
-        next = values[position];
+      } else {
+        next = elementAt(*at, *feature, position, fDeviant);
       }
     } else {
-      for (Element* const part : elementsOf(*at, *metaclass.feature("ownedElement"), fDeviant)) {
-        Feature const* const name = metamodel.metaclassOf(*part).feature("name");
-        if (name == nullptr) continue;
-        Kelm::Object const value = read(*part, *name, fDeviant);
-        if (!value.isNull() && textOf(*name, value) == piece) {
-          next = part;
-          break;
-        }
-      }
+      next = partCalled(*at, piece);
     }
     at = next;
   }
   return at;
+}
+
+Element* References::partCalled(Element& aOwner, std::string_view aName) {
+  PartNames& known = fPartNames[&aOwner];
+  if (known.fLinks != fPartLinks + 1) {
+    Metamodel const& metamodel = Metamodel::instance();
+    known.fParts.clear();
+    for (Element* const part :
+         elementsOf(aOwner, *metamodel.metaclassOf(aOwner).feature("ownedElement"), fDeviant)) {
+      Feature const* const name = metamodel.metaclassOf(*part).feature("name");
+      if (name == nullptr) continue;
+      Kelm::Object const value = read(*part, *name, fDeviant);
+      if (!value.isNull()) known.fParts.try_emplace(textOf(*name, value), part);
+    }
+    known.fLinks = fPartLinks + 1;
+  }
+  auto const found = known.fParts.find(std::string(aName));
+  return found == known.fParts.end() ? nullptr : found->second;
 }
 
 ModelFile* References::fileAt(std::string_view aFile, std::uint32_t aFrom) {

@@ -97,6 +97,8 @@ class References {
   Element* findUuid(std::string_view aUuid);
   Element* findInFile(ModelFile& aFile, std::string_view aFragment);
   Element* walk(ModelFile& aFile, std::string_view aPath);
+  /// The first part of this name; null for none.
+  Element* partCalled(Element& aOwner, std::string_view aName);
   ModelFile* fileAt(std::string_view aFile, std::uint32_t aFrom);
   ModelFile* searchFile(std::string_view aFile, std::uint32_t aFrom);
   /// The path that an address means, seen from a file; empty for one that lies nowhere.
@@ -126,6 +128,13 @@ class References {
   /// Answers of `fileAt`.
   std::map<std::pair<std::uint32_t, std::string_view>, ModelFile*> fFilesAt;
   std::vector<std::filesystem::path> fLocations;
+  /// Answers of `partCalled`, which hold until another link moves parts.
+  struct PartNames {
+    std::unordered_map<std::string, Element*> fParts;
+    std::size_t fLinks = 0;
+  };
+  std::unordered_map<Element const*, PartNames> fPartNames;
+  std::size_t fPartLinks = 0;
   /// Addresses that were looked at for files that are wanted, and how far.
   std::set<std::pair<std::uint32_t, std::string_view>> fLookedAt;
   std::size_t fSeen = 0;

@@ -195,7 +195,13 @@ class TableEncoding final : public Encoding {
 
   std::optional<std::string> decoded(std::string aBytes) const override {
     std::size_t size = 0;
-    for (char const byte : aBytes) size += fLengths[static_cast<unsigned char>(byte)];
+    for (std::size_t place = 0; place < aBytes.size();) {
+      bool const isPlain = fHasAscii && utf8::isAsciiWord(aBytes, place);
+      std::size_t const end = std::min(place + utf8::kWord, aBytes.size());
+      if (isPlain) size += utf8::kWord;
+      for (; !isPlain && place < end; ++place) size += fLengths[static_cast<unsigned char>(aBytes[place])];
+      place = end;
+    }
     if (fHasAscii && size == aBytes.size()) return aBytes;
     std::string text(size + kLongest, '\0');
     char* out = text.data();

@@ -24,7 +24,7 @@ constexpr std::size_t kBlock = 8192;
 constexpr std::array<std::string_view, 4> kModelSuffixes{".uml", ".xmi", ".mdxml", ".emx"};
 
 [[noreturn]] void cannotRead(std::string const& aPath, int aReason) {
-  std::string const advice = aReason == ENOENT || aReason == ENOTDIR ? "check the path"
+  std::string const advice = aReason == ENOENT || aReason == ENOTDIR || aReason == ELOOP ? "check the path"
                              : aReason == EACCES || aReason == EPERM
                                  ? "ask for the right to read it"
                                  : "check the disk, or take a copy of the file";
@@ -113,14 +113,22 @@ Place SourceText::placeOf(std::size_t aOffset) const {
   std::string_view const text = utf8();
   std::size_t const offset = std::min(aOffset, text.size());
   if (fBlocks.empty()) fBlocks.push_back({1, 0});
-  auto const scan = [text](Block aBlock, std::size_t aFrom, std::size_t aTo) {
-    for (std::size_t i = aFrom; i < aTo; ++i) {
-      if (text[i] > '\r') continue;
-      bool const isLast =
-          text[i] == '\n' || (text[i] == '\r' && (i + 1 == text.size() || text[i + 1] != '\n'));
-      if (isLast) aBlock = {aBlock.fLine + 1, i + 1};
-    }
-    return aBlock;
+  auto const endsLine = [text](std::size_t aAt) {
+    bool const isPair = aAt + 1 < text.size() && text[aAt + 1] == '\n';
+    return text[aAt] == '\n' || (text[aAt] == '\r' && !isPair);
+  };
+  auto const scan = [&](Block aBlock, std::size_t aFrom, std::size_t aTo) {
+    // The first finding of a kind may stand at the end of a long text: a search goes over several bytes in a
+    // step.
+    std::string_view const part = text.substr(0, aTo);
+    std::size_t lines = 0;
+    for (char const end : {'\n', '\r'})
+      for (std::size_t at = part.find(end, aFrom); at != part.npos; at = part.find(end, at + 1))
+        lines += endsLine(at);
+    if (lines == 0) return aBlock;
+    std::size_t last = aTo - 1;
+    while (!endsLine(last)) --last;
+    return Block{aBlock.fLine + lines, last + 1};
   };
   while (fBlocks.size() <= offset / kBlock) {
     fBlocks.push_back(scan(fBlocks.back(), (fBlocks.size() - 1) * kBlock, fBlocks.size() * kBlock));

@@ -15,7 +15,8 @@ Metaclass const& metaclassOf(Element const& aElement) { return Metamodel::instan
 }  // namespace
 
 Patcher::Patcher(Kelm::Model const& aModel, ModelFiles const& aFiles, std::uint32_t aFile,
-                 ModelFiles const& aRead, Comparison& aComparison, Elements const& aMoved)
+                 ModelFiles const& aRead, Comparison& aComparison, Elements const& aMoved,
+                 Places const& aForced)
     : fModel(aModel),
       fFiles(aFiles),
       fFile(aFiles.fFiles[aFile]),
@@ -23,12 +24,19 @@ Patcher::Patcher(Kelm::Model const& aModel, ModelFiles const& aFiles, std::uint3
       fRead(aRead),
       fComparison(aComparison),
       fMoved(aMoved),
+      fForced(aForced),
       fText(fFile.fText.utf8()),
       fEdits(fText, aRead.fFiles[aFile].fStyle.fQuote),
       fTags(aModel, aComparison.readModel(), aRead.fFiles[aFile].fStyle, fEdits.layout()),
       fApplications(aFiles, aFile, aComparison.deviant(), fEdits, fTags) {
   for (std::size_t at = 0; at < fFile.fMade.size(); ++at) fNodes.emplace(fFile.fMade[at].fElement.get(), at);
   fFile.fIds.forEach([this](std::string_view aId, Element const& aElement) { fTags.useId(aId, aElement); });
+  // What leads nowhere shall not lead to something that only comes into this text.
+  for (Dangling const& dangling : fFiles.fDangling) {
+    std::size_t const hash = dangling.fAddress.find('#');
+    if (hash != std::string::npos) fTags.reserveId(std::string_view(dangling.fAddress).substr(hash + 1));
+    if (dangling.fSpot.fFile == fNumber) fTags.reserveId(dangling.fAddress);
+  }
   fTags.fKnownId = [this](Element& aElement) { return fFiles.idOf(aElement); };
   fTags.fKept = [this](Element& aElement) { return keptBy(aElement); };
   fTags.fForeignAddress = [this](Element& aElement) { return addressOf(aElement); };
@@ -93,25 +101,50 @@ void Patcher::compare(std::size_t aNumber) {
   std::size_t const name = fFile.fMade[aNumber].fOffset;
   Element& read = *fRead.fFiles[fNumber].fMade[aNumber].fElement;
   bool const isThere = fComparison.isThere(element);
-  if (!isThere || !isAtHome(element, read, name)) {
+  bool const isOut = fReplaced.contains(name);
+  if (!isThere || isOut || !isAtHome(element, read, name)) {
     bool const isGone = !isThere || isForeign(element);
     std::size_t const end = name - 1 + markup::element(fText, name).size();
-    fEdits.removeTag(name - 1, end);
+    if (!isOut && !becomesReference(aNumber)) fEdits.removeTag(name - 1, end);
     fCuts.push_back({name - 1, end, !isGone});
     if (isGone) fGoneTo = std::max(fGoneTo, end);
     if (!isThere) return;
     fHomeless.insert(&element);
+    fMovedTags.emplace_back(end, &element);
+    fMovedTo = std::max(fMovedTo, end);
     if (Element* const owner = containerOf(element, fComparison.deviant())) fChangedOwners.insert(owner);
   }
   Tag tag;
   bool isLooked = false;
   for (Feature const* const feature : metaclassOf(element).fOrder) {
     if (!isWritten(*feature)) continue;
-    if (fComparison.isSame(element, read, *feature) && !namesMoved(element, *feature)) continue;
+    bool const isForced = !fForced.empty() && fForced.contains({&element, feature});
+    if (!isForced && fComparison.isSame(element, read, *feature) && !namesMoved(element, *feature)) continue;
     if (!isLooked) tag = fEdits.tagOf(name);
     isLooked = true;
     patch(element, tag, *feature);
   }
+}
+
+bool Patcher::becomesReference(std::size_t aNumber) {
+  Made const& made = fFile.fMade[aNumber];
+  Element const& read = *fRead.fFiles[fNumber].fMade[aNumber].fElement;
+  if (containerOf(read, fComparison.readDeviant()) != nullptr || fFiles.isTop({fNumber, made.fOffset}))
+    return false;
+  for (std::size_t at = aNumber; at-- > 0;) {
+    Made const& around = fFile.fMade[at];
+    if (around.fOffset + markup::element(fText, around.fOffset).size() <= made.fOffset) continue;
+    Element& element = *around.fElement;
+    Feature const* const feature = featureCalled(metaclassOf(element), markup::nameAt(fText, made.fOffset));
+    bool const refers = feature != nullptr && feature->fKind == Kind::Reference && !feature->fComposite &&
+                        !feature->fDerived && fComparison.isThere(element);
+    if (!refers) return false;
+    fReplaced.insert(made.fOffset);
+    patchReferences(element, fEdits.tagOf(around.fOffset), *feature,
+                    elementsOf(element, *feature, fComparison.deviant()));
+    return true;
+  }
+  return false;
 }
 
 bool Patcher::isAtHome(Element& aElement, Element& aRead, std::size_t aName) {
@@ -119,6 +152,13 @@ bool Patcher::isAtHome(Element& aElement, Element& aRead, std::size_t aName) {
   Element* const readOwner = containerOf(aRead, fComparison.readDeviant());
   // One at the top may stand in the tag of another one that goes.
   if (owner == nullptr && aName < fGoneTo) return false;
+  // Or in that of one that has become a part of it.
+  if (owner == nullptr && aName < fMovedTo)
+    for (auto const& [end, moved] : fMovedTags) {
+      Element* top = moved;
+      while (Element* const above = containerOf(*top, fComparison.deviant())) top = above;
+      if (end > aName && top == &aElement) return false;
+    }
   auto const isOutside = [&](Element* aOwner) { return aOwner == nullptr || isForeign(*aOwner); };
   bool const isOfMany = fFiles.fFiles.size() > 1;
   bool const isTop = isOfMany && fFiles.isTop({fNumber, aName});
@@ -163,7 +203,7 @@ void Patcher::removeDerived(Element& aElement, Tag const& aTag, Feature const& a
 
 void Patcher::patchValue(Element& aElement, Tag const& aTag, Feature const& aFeature) {
   auto texts = textsOf(aElement, aFeature, fComparison.deviant());
-  auto const* const attribute = attributeCalled(aTag, aElement, aFeature);
+  auto const* const attribute = onlyAttribute(aTag, aElement, aFeature);
   auto const children = childrenCalled(aTag, aElement, aFeature);
   bool const asAttribute = children.empty() && (attribute != nullptr ? texts.size() < 2 : !aFeature.fMany);
   if (attribute != nullptr && (texts.empty() || !asAttribute)) fEdits.removeAttribute(*attribute);
@@ -182,8 +222,21 @@ void Patcher::patchValue(Element& aElement, Tag const& aTag, Feature const& aFea
 
 void Patcher::patchReferences(Element& aElement, Tag const& aTag, Feature const& aFeature,
                               std::vector<Element*> const& aValues) {
-  auto const* const attribute = attributeCalled(aTag, aElement, aFeature);
   auto children = childrenCalled(aTag, aElement, aFeature);
+  // Elements that stand where they are referred to. One that is all that the feature holds stays there.
+  std::vector<std::size_t> whole;
+  for (markup::Child const& child : children)
+    if (!aFeature.fComposite && std::ranges::binary_search(fFile.fMade, child.fName, {}, &Made::fOffset))
+      whole.push_back(child.fName);
+  if (whole.size() == 1 && aValues.size() == 1 && children.size() == 1) {
+    auto const node = fNodes.find(aValues.front());
+    bool const isIt = node != fNodes.end() && fFile.fMade[node->second].fOffset == whole.front();
+    if (isIt && !fReplaced.contains(whole.front()) &&
+        containerOf(*aValues.front(), fComparison.deviant()) == nullptr)
+      return;
+  }
+  fReplaced.insert(whole.begin(), whole.end());
+  auto const* const attribute = onlyAttribute(aTag, aElement, aFeature);
   // Of a containment those that name what stands elsewhere.
   if (aFeature.fComposite)
     std::erase_if(children, [&](auto const& aChild) {
@@ -206,7 +259,9 @@ void Patcher::patchReferences(Element& aElement, Tag const& aTag, Feature const&
     Dangling const& dangling = *one;
     if (dangling.fFeature != &aFeature || dangling.fSpot.fFile != fNumber) continue;
     if (!aFeature.fMany && !aValues.empty()) continue;
-    if (attribute != nullptr && dangling.fSpot.fOffset == attribute->fFrom)
+    bool const isInAttribute = std::ranges::any_of(
+        aTag.fAttributes, [&](auto const& aAttribute) { return aAttribute.fFrom == dangling.fSpot.fOffset; });
+    if (isInAttribute)
       (ids += ids.empty() ? "" : " ") += dangling.fAddress;
     else
       kept.insert(dangling.fSpot.fOffset);
@@ -234,101 +289,6 @@ void Patcher::patchReferences(Element& aElement, Tag const& aTag, Feature const&
   std::ranges::copy_if(children, std::back_inserter(old),
                        [&](auto const& aChild) { return !kept.contains(aChild.fName); });
   fEdits.replaceChildren(aTag, old, std::move(written));
-}
-
-void Patcher::patchParts(Element& aOwner) {
-  auto const node = fNodes.find(&aOwner);
-  // The owner is new: it is written with all its parts.
-  if (node == fNodes.end()) return;
-  Tag const tag = fEdits.tagOf(fFile.fMade[node->second].fOffset);
-  PartPlaces const places = placesOf(aOwner, fComparison.deviant());
-  // Among its parts an id means one alone.
-  if (!fRead.fReport.fDuplicateIds.empty())
-    for (Element* const part :
-         elementsOf(aOwner, *metaclassOf(aOwner).feature("ownedElement"), fComparison.deviant()))
-      if (!isForeign(*part) && !fFiles.idOf(*part).empty()) fTags.idOf(*part);
-  for (Feature const* const feature : metaclassOf(aOwner).fOrder) {
-    if (!isWritten(*feature) || feature->fKind != Kind::Reference || !feature->fComposite) continue;
-    auto const parts = elementsOf(aOwner, *feature, fComparison.deviant());
-    patchParts(aOwner, tag, *feature, parts, places);
-    auto named = parts;
-    std::erase_if(named, [&](Element* aPart) { return !isNamed(aOwner, tag, *feature, *aPart, places); });
-    patchReferences(aOwner, tag, *feature, named);
-  }
-}
-
-void Patcher::patchParts(Element& aOwner, Tag const& aTag, Feature const& aFeature,
-                         std::vector<Element*> const& aParts, PartPlaces const& aPlaces) {
-  // Places of the tags that stay, in the order of the text.
-  std::unordered_map<std::size_t, markup::Child const*> byName;
-  for (markup::Child const& child : aTag.fChildren) byName.emplace(child.fName, &child);
-  std::vector<markup::Child> slots;
-  auto const foreign = foreignParts(aOwner, aTag, aFeature);
-  std::unordered_set<Element const*> const parts(aParts.begin(), aParts.end());
-  for (auto const& [part, child] : foreign)
-    if (!parts.contains(part)) fEdits.removeTag(child.fFrom, child.fTo);
-  auto const slotOf = [&](Element* aPart) -> markup::Child const* {
-    if (auto const found = foreign.find(aPart); found != foreign.end()) return &found->second;
-    auto const node = fNodes.find(aPart);
-    if (node == fNodes.end() || fHomeless.contains(aPart)) return nullptr;
-    auto const found = byName.find(fFile.fMade[node->second].fOffset);
-    return found == byName.end() ? nullptr : found->second;
-  };
-  for (Element* const part : aParts)
-    if (auto const* const slot = slotOf(part)) slots.push_back(*slot);
-  std::ranges::sort(slots, {}, &markup::Child::fFrom);
-  std::string name(slots.empty() ? aFeature.fName : markup::nameAt(fText, slots.front().fName));
-  if (featureCalled(metaclassOf(aOwner), name) != &aFeature) name = aFeature.fName;
-  auto const written = [&](Element* aPart) -> Write {
-    if (isForeign(*aPart))
-      return [this, name, aPart](std::string& aOut) { fTags.writeReference(name, *aPart, aOut); };
-    return [this, aPart, name, &aFeature,
-            indent = std::string(fEdits.indentAt(aTag.fName - 1))](std::string& aOut) {
-      fTags.write(*aPart, name, &aFeature, indent + fTags.layout().fUnit, aOut);
-    };
-  };
-  std::size_t next = 0;
-  std::size_t behind = 0;
-  for (Element* const part : aParts) {
-    if (slotOf(part) != nullptr) {
-      markup::Child const& slot = slots[next];
-      if (slotOf(part)->fName != slot.fName) fEdits.replace(slot.fFrom, slot.fTo, written(part));
-      behind = slots[next++].fTo;
-      continue;
-    }
-    // It has a tag that stays where it is, in what a tool puts around it.
-    bool const isElsewhere = fNodes.contains(part) && !fHomeless.contains(part);
-    if (isElsewhere || aPlaces.at(part) != &aFeature) continue;
-    if (behind == 0 && !slots.empty()) {
-      // In front of all that are there.
-      std::string const gap = fTags.layout().fLineEnd + std::string(fEdits.indentAt(slots.front().fFrom));
-      fEdits.replace(slots.front().fFrom, slots.front().fFrom,
-                     [write = written(part), gap](std::string& aOut) {
-                       write(aOut);
-                       aOut += gap;
-                     });
-    } else {
-      fEdits.addChild(aTag, behind, written(part));
-    }
-  }
-}
-
-bool Patcher::isNamed(Element& aOwner, Tag const& aTag, Feature const& aFeature, Element& aPart,
-                      PartPlaces const& aPlaces) const {
-  auto const node = fNodes.find(&aPart);
-  if (node == fNodes.end() || fHomeless.contains(&aPart) || isForeign(aPart))
-    return aPlaces.at(&aPart) != &aFeature;
-  std::size_t const name = fFile.fMade[node->second].fOffset;
-  // In a child, or in what a tool puts around it there.
-  auto const behind = std::ranges::upper_bound(aTag.fChildren, name, {}, &markup::Child::fName);
-  bool const isInside = behind != aTag.fChildren.begin() && name < std::prev(behind)->fTo;
-  std::size_t const child = isInside ? std::prev(behind)->fName : 0;
-  bool const isHere =
-      isInside && (child == name || !std::ranges::binary_search(fFile.fMade, child, {}, &Made::fOffset));
-  Feature const* const written =
-      placeCalled(metaclassOf(aOwner), markup::nameAt(fText, name), metaclassOf(aPart));
-  bool const isPlace = written != nullptr && !written->fDerived;
-  return !isHere || (isPlace && written != &aFeature);
 }
 
 void Patcher::patchTop() {
@@ -382,10 +342,19 @@ void Patcher::addIds() {
 
 markup::Attribute const* Patcher::attributeCalled(Tag const& aTag, Element const& aElement,
                                                   Feature const& aFeature) const {
-  auto const found = std::ranges::find_if(aTag.fAttributes, [&](auto const& aAttribute) {
-    return featureCalled(metaclassOf(aElement), aAttribute.fName) == &aFeature;
-  });
-  return found == aTag.fAttributes.end() ? nullptr : &*found;
+  markup::Attribute const* last = nullptr;
+  for (markup::Attribute const& attribute : aTag.fAttributes)
+    if (featureCalled(metaclassOf(aElement), attribute.fName) == &aFeature) last = &attribute;
+  return last;
+}
+
+markup::Attribute const* Patcher::onlyAttribute(Tag const& aTag, Element const& aElement,
+                                                Feature const& aFeature) {
+  markup::Attribute const* const last = attributeCalled(aTag, aElement, aFeature);
+  for (markup::Attribute const& attribute : aTag.fAttributes)
+    if (&attribute != last && featureCalled(metaclassOf(aElement), attribute.fName) == &aFeature)
+      fEdits.removeAttribute(attribute);
+  return last;
 }
 
 std::vector<markup::Child> Patcher::childrenCalled(Tag const& aTag, Element const& aElement,

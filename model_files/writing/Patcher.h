@@ -1,6 +1,7 @@
 #pragma once
 
 #include <map>
+#include <set>
 #include <string>
 #include <unordered_map>
 #include <unordered_set>
@@ -21,11 +22,13 @@ namespace umlmm::files {
 class Patcher {
  public:
   using Elements = std::unordered_set<Element const*>;
+  using Places = std::set<std::pair<Element const*, Feature const*>>;
 
   /// `aRead` is what the files hold now, read anew; its elements are paired with those of the model.
   /// `aMoved` have come into another file than their tags stand in, and are named in other ways now.
+  /// `aForced` are written anew although they hold what they held: the text contradicts itself there.
   Patcher(Kelm::Model const& aModel, ModelFiles const& aFiles, std::uint32_t aFile, ModelFiles const& aRead,
-          Comparison& aComparison, Elements const& aMoved);
+          Comparison& aComparison, Elements const& aMoved, Places const& aForced);
 
   /// The id by which an element of another file is known there.
   std::function<std::string(std::size_t aFile, Element&)> fIdIn;
@@ -54,6 +57,8 @@ class Patcher {
   bool isForeign(Element& aElement) const;
   /// Whether a feature names something that has moved.
   bool namesMoved(Element& aElement, Feature const& aFeature) const;
+  /// The same of an element that stands where another one refers to it: a reference takes its place.
+  bool becomesReference(std::size_t aNumber);
   bool isAtHome(Element& aElement, Element& aRead, std::size_t aName);
   void patch(Element& aElement, Tag const& aTag, Feature const& aFeature);
   /// Removes "upper" where "upperValue" has changed, from which it follows.
@@ -64,9 +69,28 @@ class Patcher {
   void patchParts(Element& aOwner);
   void patchParts(Element& aOwner, Tag const& aTag, Feature const& aFeature,
                   std::vector<Element*> const& aParts, PartPlaces const& aPlaces);
-  /// Whether a part of the feature stands under another tag, so that the feature has to name it.
-  bool isNamed(Element& aOwner, Tag const& aTag, Feature const& aFeature, Element& aPart,
-               PartPlaces const& aPlaces) const;
+  /// Whether a feature has to name a part that stands under another tag.
+  enum class Naming {
+    None,
+    Implied,  ///< The feature of its tag tells as much.
+    Needed
+  };
+  /// `aPlace` receives the tag of one that has it in another feature.
+  Naming namingOf(Element& aOwner, Tag const& aTag, Feature const& aFeature, Element& aPart,
+                  PartPlaces const& aPlaces, markup::Child& aPlace) const;
+  struct Names {
+    /// Parts that stand elsewhere, or are to.
+    Elements fElsewhere;
+    /// Parts that a tag of the feature names.
+    Elements fNeeded;
+    /// Those that none has to name, and where their tags stand.
+    std::unordered_map<Element const*, markup::Child> fImplied;
+  };
+  /// Names parts in an attribute, or tells for which there shall be a tag; `aStanding` receives those that
+  /// have one. Tags that name nothing go.
+  Names patchNames(Element& aOwner, Tag const& aTag, Feature const& aFeature,
+                   std::vector<Element*> const& aParts, PartPlaces const& aPlaces,
+                   std::unordered_map<Element const*, markup::Child>& aStanding);
   void patchTop();
   /// Tags of an owner that name parts in other files, by what they name.
   std::unordered_map<Element const*, markup::Child> foreignParts(Element& aOwner, Tag const& aTag,
@@ -83,6 +107,8 @@ class Patcher {
                                             Feature const& aFeature) const;
   markup::Attribute const* attributeCalled(Tag const& aTag, Element const& aElement,
                                            Feature const& aFeature) const;
+  /// The same; of several attributes the last one counts, and the others go.
+  markup::Attribute const* onlyAttribute(Tag const& aTag, Element const& aElement, Feature const& aFeature);
   std::string render();
   std::string addressOf(Element& aElement) const;
   void noteCopied(std::size_t aFrom, std::size_t aTo);
@@ -96,6 +122,7 @@ class Patcher {
   ModelFiles const& fRead;
   Comparison& fComparison;
   Elements const& fMoved;
+  Places const& fForced;
   bool fIsCompared = false;
   /// Of files from which elements have come.
   std::map<std::uint32_t, std::map<std::string, std::string>> fPrefixes;
@@ -104,6 +131,11 @@ class Patcher {
   /// The tags of elements, by their numbers.
   std::unordered_map<Element const*, std::size_t> fNodes;
   std::unordered_set<Element const*> fHomeless;
+  /// Where the tags of those end, if they are still there, and the last of these places.
+  std::vector<std::pair<std::size_t, Element*>> fMovedTags;
+  std::size_t fMovedTo = 0;
+  /// Tags of elements that stood where they are referred to, and become references.
+  std::unordered_set<std::size_t> fReplaced;
   /// The end of the last tag that goes with its element, which is gone or in another file now: what stands in
   /// an uncovered part of it loses its place.
   std::size_t fGoneTo = 0;

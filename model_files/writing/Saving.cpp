@@ -92,10 +92,21 @@ class Saving {
     return texts;
   }
 
+  /// The same, once they would be read as the model is. `aLook` sees them before.
+  template <class Look>
+  std::vector<std::string> checkedTexts(Look aLook) {
+    for (;;) {
+      auto all = texts();
+      aLook(all);
+      if (check(all)) return all;
+    }
+  }
+
   /// Reads the new texts and holds them against the model; raises Error for one that would not be read as it
-  /// is.
-  void check(std::vector<std::string> const& aTexts) {
-    if (fOrders.empty()) return;
+  /// is. False if more has to be written than what has changed, as the text told otherwise in a second place,
+  /// and all texts have to be made again.
+  bool check(std::vector<std::string> const& aTexts) {
+    if (fOrders.empty()) return true;
     for (std::size_t file = 0; file < fOrders.size(); ++file)
       if (fOrders[file].empty())
         throw Error(
@@ -109,7 +120,7 @@ class Saving {
       pairOrder(comparison, file, readFiles.fFiles[file]);
     checkNoneIsLost(comparison);
     pairStandIns(comparison, fFiles, readFiles);
-    verify(comparison);
+    if (!verify(comparison)) return false;
     // What stood with elements of the new reading stands with those of the model.
     auto const toModel = [&](ElementPtr& aElement) {
       if (aElement != nullptr) aElement.reset(comparison.toModel(aElement.get()));
@@ -125,6 +136,7 @@ class Saving {
     ApplicationCheck applications(fModel, fFiles, readFiles);
     for (std::uint32_t file = 0; file < fApplications.size(); ++file)
       applications.check(file, fApplications[file]);
+    return true;
   }
 
   /// The new texts, which were checked, are the model's files from now on.
@@ -149,7 +161,7 @@ class Saving {
              std::vector<Tags::NewIds>& aRenewed, std::vector<std::string>& aTexts) {
     std::deque<Patcher> patchers;
     for (std::uint32_t file = 0; file < fFiles.fFiles.size(); ++file) {
-      Patcher& patcher = patchers.emplace_back(fModel, fFiles, file, aRead, aComparison, aMoved);
+      Patcher& patcher = patchers.emplace_back(fModel, fFiles, file, aRead, aComparison, aMoved, fForced);
       patcher.fIdIn = [&](std::size_t aFile, Element& aElement) { return patchers[aFile].idOf(aElement); };
       patcher.renew(aRenewed[file]);
     }
@@ -217,29 +229,62 @@ class Saving {
                       pathOf(*made.fElement, fModel.getDeviant()));
   }
 
-  /// A text that would not be read as the model is must not be written.
-  void verify(Comparison& aComparison) const {
-    Metamodel const& metamodel = Metamodel::instance();
+  /// A text that would not be read as the model is must not be written. False if there is something that can
+  /// be forced.
+  bool verify(Comparison& aComparison) {
+    std::size_t const known = fForced.size();
     for (auto const& order : fOrders)
-      for (Element* const element : order) {
-        Metaclass const& metaclass = metamodel.metaclassOf(*element);
-        for (Feature const* const feature : metaclass.fOrder) {
+      for (Element* const element : order)
+        for (Feature const* const feature : Metamodel::instance().metaclassOf(*element).fOrder) {
           Element& read = *aComparison.toRead(element);
           if (!isWritten(*feature) || aComparison.isSame(*element, read, *feature)) continue;
           // The end of a link that the text leaves to the other end comes in the order of the others.
           bool const isEnd = feature->fOpposite != nullptr && feature->fMany && !feature->fOrdered;
           if (isEnd && aComparison.isSameSet(*element, read, *feature)) continue;
-          throw Error("The model was not saved: " + std::string(metaclass.fName) + " " +
-                      externalIdOf(*element, fModel.getDeviant()) + " can't be written with its " +
-                      std::string(feature->fName));
+          if (!force(aComparison, *element, *feature) && fForced.size() == known) refuse(*element, *feature);
         }
-      }
+    return fForced.size() == known;
+  }
+
+  /// Has both ends of links written that the new text tells otherwise than the model; false if they were.
+  bool force(Comparison const& aComparison, Element& aElement, Feature const& aFeature) {
+    bool isNew = fForced.emplace(&aElement, &aFeature).second;
+    if (aFeature.fKind != Kind::Reference || aFeature.fOpposite == nullptr) return isNew;
+    auto ends = elementsOf(aElement, aFeature, fModel.getDeviant());
+    for (Element const* const end :
+         elementsOf(*aComparison.toRead(&aElement), aFeature, aComparison.readDeviant()))
+      ends.push_back(aComparison.toModel(end));
+    for (Element const* const end : ends)
+      if (end != nullptr &&
+          Metamodel::instance().metaclassOf(*end).feature(aFeature.fOpposite->fName) != nullptr)
+        isNew |=
+            fForced.emplace(end, Metamodel::instance().metaclassOf(*end).feature(aFeature.fOpposite->fName))
+                .second;
+    return isNew;
+  }
+
+  [[noreturn]] void refuse(Element const& aElement, Feature const& aFeature) const {
+    Kelm::Deviant const deviant = fModel.getDeviant();
+    auto const tag = fFiles.tagOf(aElement);
+    Place const place = tag ? fFiles.place(*tag) : Place{};
+    std::string text =
+        "The model was not saved: " + std::string(Metamodel::instance().metaclassOf(aElement).fName) + ' ' +
+        pathOf(aElement, deviant) + " can't be written with its " + std::string(aFeature.fName);
+    if (tag) ((text += " (") += place.fFile + ':' + std::to_string(place.fLine)) += ')';
+    std::string others;
+    if (aFeature.fKind == Kind::Reference)
+      for (Element const* const other : elementsOf(aElement, aFeature, deviant))
+        (others += others.empty() ? "" : ", ") += pathOf(*other, deviant);
+    if (!others.empty()) (text += ", which the file tells otherwise at ") += others;
+    throw Error(text);
   }
 
   Kelm::Model fModel;
   ModelFiles& fFiles;
   /// The model of the new texts.
   Kelm::Model fRead;
+  /// Places that the text tells otherwise than the model, unless they are written.
+  Patcher::Places fForced;
   /// Elements of each file in the order of their tags.
   std::vector<std::vector<Element*>> fOrders;
   /// The numbers of its applications in the order of theirs.
@@ -268,7 +313,7 @@ std::string textOf(Kelm::Model const& aModel, SaveOptions const& aOptions, std::
   if (file == nullptr) throw Error("The model has no file " + std::string(aFile));
   Saving saving(aModel, *own);
   if (saving.isUnchanged()) return file->fText.encoded(file->fText.utf8());
-  auto const texts = saving.texts();
+  auto const texts = saving.checkedTexts([](auto const&) {});
   auto const isIt = [&](ModelFile const& aOne) { return &aOne == file; };
   auto const number = std::ranges::find_if(own->fFiles, isIt) - own->fFiles.begin();
   return file->fText.encoded(texts[static_cast<std::size_t>(number)]);
@@ -281,20 +326,21 @@ void save(Kelm::Model const& aModel, SaveOptions const& aOptions) {
   Saving saving(aModel, files);
   if (saving.isUnchanged()) return;
   checkHasRoot(aModel, files.fFiles.front().fText.name());
-  auto const texts = saving.texts();
   std::vector<std::string> bytes;
-  for (std::size_t at = 0; at < texts.size(); ++at) {
-    ModelFile const& file = files.fFiles[at];
-    SourceText const& text = file.fText;
-    bytes.push_back(texts[at] == text.utf8() ? std::string() : text.encoded(texts[at]));
-    if (bytes.back().empty()) continue;
-    if (file.fPath.empty())
-      throw Error(text.name() +
-                  " lies nowhere: it was given as bytes, or the model is a copy; save to a path");
-    if (!aOptions.fForce && stampOf(file.fPath) != file.fStamp)
-      throw Error(text.name() + " has changed on disk since it was read; save with force to write over it");
-  }
-  saving.check(texts);
+  auto const texts = saving.checkedTexts([&](std::vector<std::string> const& aTexts) {
+    bytes.clear();
+    for (std::size_t at = 0; at < aTexts.size(); ++at) {
+      ModelFile const& file = files.fFiles[at];
+      SourceText const& text = file.fText;
+      bytes.push_back(aTexts[at] == text.utf8() ? std::string() : text.encoded(aTexts[at]));
+      if (bytes.back().empty()) continue;
+      if (file.fPath.empty())
+        throw Error(text.name() +
+                    " lies nowhere: it was given as bytes, or the model is a copy; save to a path");
+      if (!aOptions.fForce && stampOf(file.fPath) != file.fStamp)
+        throw Error(text.name() + " has changed on disk since it was read; save with force to write over it");
+    }
+  });
   for (std::size_t at = 0; at < texts.size(); ++at)
     if (!bytes[at].empty()) writeFile(files.fFiles[at].fPath, bytes[at]);
   std::vector<std::string> paths;

@@ -20,12 +20,12 @@ std::uint64_t hashOf(std::string_view aText, std::uint64_t aSeed) noexcept {
   return aSeed;
 }
 
+}  // namespace
+
 bool isSubsetOf(Feature const& aSpecial, Feature const& aGeneral) {
   return std::ranges::any_of(aSpecial.fProperty->subsetted(),
                              [&](auto const* aProperty) { return aProperty == aGeneral.fProperty; });
 }
-
-}  // namespace
 
 PartPlaces placesOf(Element const& aOwner, Kelm::Deviant const& aDeviant) {
   PartPlaces places;

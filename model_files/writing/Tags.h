@@ -13,6 +13,9 @@
 
 namespace umlmm::files {
 
+/// Whether all values of a feature are values of another one.
+bool isSubsetOf(Feature const& aSpecial, Feature const& aGeneral);
+
 /// The feature under which each part of an owner is written: of those that hold it the most general. The
 /// others name it by its id.
 using PartPlaces = std::unordered_map<Element const*, Feature const*>;
@@ -52,6 +55,8 @@ class Tags {
   void useId(std::string_view aId, Element const& aElement) {
     fUsedIds.try_emplace(std::string(aId), &aElement);
   }
+  /// No element may get this id.
+  void reserveId(std::string_view aId) { fUsedIds.try_emplace(std::string(aId), nullptr); }
   void order(std::vector<Element*>& aOrder) noexcept { fOrder = &aOrder; }
 
   /// An element as a part of a feature, or as a root: `aTagName` is "ownedAttribute" or "uml:Class"; or under

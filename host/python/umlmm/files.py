@@ -256,7 +256,7 @@ def _call(name, *arguments, files=()):
         return getattr(_native, name)(*arguments)
     except _native.Failure as failure:
         told = decoded(str(failure))
-    missing = [file for file in files if not os.path.exists(file) and not file.startswith("<")]
+    missing = [file for file in files if not file.startswith("<") and _is_missing(file)]
     if told["kind"] == "Error" and missing:
         raise _missing(told["message"], missing[0])
     error = {"NotUml": NotUml, "ReadError": ReadError}.get(told["kind"], Error)(told["message"])
@@ -264,6 +264,16 @@ def _call(name, *arguments, files=()):
         if told.get(key):
             setattr(error, key, told[key])
     raise error
+
+
+def _is_missing(file):
+    try:
+        os.stat(file)
+    except (FileNotFoundError, NotADirectoryError):
+        return True
+    except OSError:  # it is there, in a circle of links or where nobody may look
+        pass
+    return False
 
 
 def _missing(message, file):

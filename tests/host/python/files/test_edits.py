@@ -23,7 +23,18 @@ WRAPPED = OMG.replace(b"<type xmi:idref='_i'/>", b"""<xmi:Extension extender='to
 TYPED = ECLIPSE.replace(b'type="_i"/>', b'><type xmi:type="uml:PrimitiveType" '
                         b'href="pathmap://UML_LIBRARIES/UMLPrimitiveTypes.library.uml#String"/></ownedAttribute>')
 
-CHANGED = DIALECTS | {"strange": STRANGE, "twice": TWICE, "wrapped": WRAPPED, "typed": TYPED}
+SPECIAL = OMG.replace(b"</packagedElement>", b"""<ownedOperation xmi:type='uml:Operation' xmi:id='_f'>
+<bodyCondition xmi:type='uml:Constraint' xmi:id='_b'/><ownedRule xmi:type='uml:Constraint' xmi:id='_r'/>
+</ownedOperation></packagedElement>""", 1)
+
+# A feature under both of its names, an element where it is referred to, and an edge that three nodes claim.
+ODD = ECLIPSE.replace(b'type="_i"/>', b'''><type xmi:type="uml:Class" xmi:id="_w" name="Whole"/></ownedAttribute>
+<ownedOperation xmi:id="_f"><ownedParameter xmi:id="_p" kind="in" direction="out"/></ownedOperation>''').replace(
+    b"</uml:Model>", b"""  <packagedElement xmi:type="uml:Activity" xmi:id="_a"><node xmi:type="uml:InitialNode" xmi:id="_1"/>
+<node xmi:type="uml:MergeNode" xmi:id="_2" incoming="_e"/><node xmi:type="uml:MergeNode" xmi:id="_3" incoming="_e"/>
+<edge xmi:type="uml:ControlFlow" xmi:id="_e" source="_1" target="_1"/></packagedElement>\n</uml:Model>""")
+
+CHANGED = DIALECTS | {"strange": STRANGE, "twice": TWICE, "wrapped": WRAPPED, "typed": TYPED, "special": SPECIAL, "odd": ODD}
 
 # A weight that no metaclass has a place for stands at the top of the model, and in the tag of another element.
 INSIDE = ECLIPSE.replace(b"</uml:Model>", b"""  <packagedElement xmi:type="uml:Activity" xmi:id="_a">
@@ -73,6 +84,15 @@ EDITS = {
     "an id that means another element": (TWICE, lambda model: part(
         model, model.by_id("_m"), "ownedComment", umlmm.Comment,
         annotatedElement=[operations(model)["two"], operations(model)["one"]])),
+    "beside a part in a special feature": (SPECIAL, lambda model: part(
+        model, model.by_id("_f"), "ownedParameter", umlmm.Parameter)),
+    "in front of a part in a special feature": (SPECIAL, lambda model: model.by_id("_f").ownedRule.reverse()),
+    "a feature under two names": (ODD, lambda model: setattr(
+        model.by_id("_p"), "direction", umlmm.ParameterDirectionKind.Inout)),
+    "an element that stands where it is referred to": (ODD, lambda model: setattr(
+        model.by_id("_w"), "package", model.by_id("_m"))),
+    "another one in the place of an element": (ODD, lambda model: setattr(model.by_id("_t"), "type", model.by_id("_i"))),
+    "a link that the file tells in three ways": (ODD, lambda model: model.by_id("_e").unset("target")),
     "a standard type with a comment": (TYPED, lambda model: part(model, string(model), "ownedComment", umlmm.Comment)),
     "a standard type with another name": (TYPED, lambda model: setattr(string(model), "name", "Text")),
     "a standard type as a part": (TYPED, lambda model: model.by_id("_m").packagedElement.append(string(model))),

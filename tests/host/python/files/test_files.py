@@ -65,6 +65,10 @@ def test_files_that_refer_to_each_other(tmp_path):
         model.close()
     with pytest.raises(files.MissingFile, match="none.uml"):
         umlmm.load_all([shop, tmp_path / "none.uml"])
+    (tmp_path / "round.uml").symlink_to("round.uml")
+    with pytest.raises(files.Error, match="links") as raised:
+        umlmm.load(tmp_path / "round.uml")
+    assert not isinstance(raised.value, files.MissingFile)
     with pytest.raises(ValueError, match="at least one"):
         umlmm.load_all([])
 

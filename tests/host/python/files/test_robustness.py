@@ -1,5 +1,8 @@
 """Files that nobody would write, and what is left of one when something fails."""
 
+import pathlib
+import time
+
 import pytest
 
 import umlmm
@@ -83,3 +86,32 @@ def test_roots_in_roots_survive_once(tmp_path):
 def test_a_file_in_the_frame_of_xmi_1_is_not_opened_empty():
     with pytest.raises(umlmm.files.NotUml, match="UML 2.0 in XMI 1.1"):
         umlmm.load(b'<XMI xmi.version="1.1" xmlns:UML="http://omg.org/UML2.0"><UML:Project/><UML:Class xmi.id="a"/></XMI>')
+
+
+def many(count, root, part):
+    roots, parts = (b"".join(text.replace(b"%d", b"%d" % i) for i in range(count)) for text in (root, part))
+    return ECLIPSE.replace(b' name="shop"', roots).replace(b"</uml:Model>", parts + b"</uml:Model>")
+
+
+@pytest.mark.parametrize("text", [
+    many(10_000, b"", b'<packagedElement xmi:type="uml:Class" name="C%d"><ownedAttribute type="//C9999"/></packagedElement>'),
+    many(80_000, b' xmlns:p%d="http://p"', b'<ownedComment p%d:a="1"/>')], ids=["names", "prefixes"])
+def test_what_many_look_for_is_found_at_once(text):
+    start = time.process_time()
+    umlmm.load(text).close()
+    assert time.process_time() - start < 3
+
+
+SEEDS = sorted((pathlib.Path(__file__).parents[4] / "fuzz" / "files" / "seeds").iterdir())
+
+
+@pytest.mark.parametrize("path", SEEDS, ids=lambda path: path.name)
+def test_damaged_files_give_a_model_or_a_sentence(path):
+    text = path.read_bytes()
+    for at in range(0, len(text), 97):
+        for damaged in (text[:at], text[:at] + b"<" + text[at + 1:], text[:at] + b"\0" + text[at + 1:]):
+            try:
+                model = umlmm.load(damaged)
+                assert umlmm.files.text(model) == damaged
+            except umlmm.files.Error as error:
+                assert len(str(error)) > 20

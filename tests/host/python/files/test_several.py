@@ -159,3 +159,16 @@ def test_what_is_named_by_what_moves_or_goes(write):
     model.by_id("Z").destroy()
     with pytest.raises(umlmm.files.Error, match="c.uml was not saved: all its elements are gone"):
         model.save()
+
+
+def test_what_led_nowhere_leads_to_nothing_that_comes(write):
+    paths = [write("a.uml", '<uml:Package xmi:id="A"><packagedElement xmi:type="uml:Class" name="user"><ownedAttribute type="X"/>'
+                            '<ownedAttribute><type href="b.uml#Y"/></ownedAttribute></packagedElement></uml:Package>'),
+             write("b.uml", '<uml:Package xmi:id="B"><packagedElement xmi:type="uml:Class" xmi:id="X" name="x"/></uml:Package>'),
+             write("c.uml", '<uml:Package xmi:id="C"><packagedElement xmi:type="uml:Class" xmi:id="Y" name="y"/></uml:Package>')]
+    model = umlmm.load_all(paths)
+    model.by_id("A").packagedElement.append(model.by_id("X"))
+    model.by_id("B").packagedElement.append(model.by_id("Y"))
+    model.save()
+    again = umlmm.load_all(paths)
+    assert names(again) == names(model) and [one.address for one in again.unresolved] == ["X", "b.uml#Y"]

@@ -52,3 +52,13 @@ def test_look_ups_find_what_a_walk_finds(seed):
             expected = by_walk(model)
             paths = [*expected, *("::".join(rng.choices("abcd", k=rng.randrange(1, 4))) for _ in range(10))]
             assert {path: model[path] for path in paths if path in model} == expected
+
+
+def test_the_first_look_up_may_come_after_elements_have_left_the_top_level():
+    with umlmm.new_model() as model:
+        packages = [umlmm.Package(owner=model, name=f"p{number}") for number in range(9)]
+        packages[1].destroy()
+        packages[0].packagedElement.append(packages[4])
+        assert model["p8"] is packages[8]
+        assert model["p0::p4"] is packages[4]
+        assert "p1" not in model and "p4" not in model
