@@ -58,6 +58,7 @@ def measure(build):
     yield from _destroying(Results(folder / "metamodel_destroy_benchmark"))
     yield from _memory(Results(folder / "metamodel_memory_benchmark"))
     yield from _threads(Results(folder / "metamodel_threads_benchmark"))
+    yield from _workloads(Results(folder / "metamodel_workloads_benchmark"))
     yield from _files(folder / "model_files_benchmark")
 
 
@@ -91,6 +92,30 @@ def _threads(results):
     title = "C++: create in two threads with a model each, to one"
     limit = results.nanoseconds(name + "1")
     yield Figure(title, results.nanoseconds(name + "2"), limit=limit, bound=1 / 1.7, goal=True)
+
+
+def _workloads(results):
+    """What programs do all day, against plain structs of the same shape."""
+    workloads = {
+        "create, name, append and type, an element": ("create", "create", 2.5),
+        "read a name": ("readName", "readName", 3),
+        "read a borrowed name": ("readNameBorrowed", "readName", 1.5),
+        "set a name from a std::string": ("setName", "setName", 3),
+        "set a name from a ready text": ("setNameToText", "setName", 2),
+        "type, owner and class of properties": ("walk", "walk", 8),
+        "type, owner and class of properties, borrowed": ("walkBorrowed", "walk", 3),
+        "all owned elements": ("allOwned", "allOwned", 2.5),
+        "members of classes": ("members", "members", 1.5),
+    }
+    for title, (name, limit, bound) in workloads.items():
+        for size in MODELS:
+            yield Figure(
+                f"C++ workload: {title}, {size:,}, to structs",
+                results.nanoseconds(f"{name}/{size}"),
+                limit=results.nanoseconds(f"{limit}Plain/{size}"),
+                bound=bound if size == 100_000 else None,
+                goal=True,
+            )
 
 
 def _files(program):

@@ -1,7 +1,6 @@
 #include "model_files/dialect/values.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
 #include <optional>
 
@@ -68,20 +67,7 @@ Kelm::Object literal(Kelm::EnumerationType const& aType, std::string_view aText)
 }  // namespace
 
 Kelm::Object textObject(std::string_view aText) {
-  std::array<char16_t, 256> some;
-  std::u16string many;
-  std::size_t const length = aText.size();
-  if (length > some.size()) many.resize(length);
-  char16_t* const wide = length > some.size() ? many.data() : some.data();
-  // Without a way out of the loop, so that it takes several characters in a step.
-  signed char all = 0;
-  for (std::size_t at = 0; at < length; ++at) {
-    all = static_cast<signed char>(all | aText[at]);
-    wide[at] = static_cast<unsigned char>(aText[at]);
-  }
-  bool const isAscii = all >= 0;
-  Kelm::StringObject* const record = Kelm::StringObject::make(
-      isAscii ? std::u16string_view(wide, length) : std::u16string_view(many = Kelm::toUtf16(aText)));
+  Kelm::StringObject* const record = Kelm::StringObject::make(aText);
   Kelm::Object const object(record, Kelm::Deviant());
   record->decRef();
   return object;

@@ -109,6 +109,25 @@ constexpr Owner kOwner = [] {
   return Owner{rows.ownerOf(owner), rows.namedOpposite(owner)};
 }();
 
+/// Whether the interfaces, by which typed accessors read, say of each feature what follows from the rows.
+constexpr bool interfacesAgree() {
+  Index const owner = Rows(kMetaclassRows).roleFeature(Role::Owner);
+  for (Metaclass const& metaclass : kDraft.fMetaclasses) {
+    auto const& stored = kStoredFeatures[metaclass.fIndex];
+    if (stored.size() != std::size_t{metaclass.fFeatureCount} + 1) return false;
+    for (std::size_t id = 1; id < stored.size(); ++id) {
+      auto const index = static_cast<Index>(metaclass.fFirstFeature + id - 1);
+      Feature const& feature = kDraft.fFeatures[index];
+      Index const number = feature.fStorage == engine::Storage::Computed ? index : feature.fRoot;
+      if (stored[id].fNumber != number || stored[id].fStorage != feature.fStorage ||
+          stored[id].fIsOwner != (index == owner))
+        return false;
+    }
+  }
+  return true;
+}
+static_assert(interfacesAgree(), "an interface places a feature where the rows do not");
+
 constexpr auto kPool = [] {
   std::array<Index, kDraft.fPoolSize> pool{};
   std::copy_n(kDraft.fPool.begin(), pool.size(), pool.begin());
