@@ -74,12 +74,13 @@ Kelm::Object textObject(std::string_view aText) {
   if (length > some.size()) many.resize(length);
   char16_t* const wide = length > some.size() ? many.data() : some.data();
   // Without a way out of the loop, so that it takes several characters in a step.
-  signed char all = 0;
+  unsigned char all = 0;
   for (std::size_t at = 0; at < length; ++at) {
-    all |= static_cast<signed char>(aText[at]);
-    wide[at] = static_cast<unsigned char>(aText[at]);
+    auto const byte = static_cast<unsigned char>(aText[at]);
+    all |= byte;
+    wide[at] = byte;
   }
-  bool const isAscii = all >= 0;
+  bool const isAscii = all < 0x80;
   Kelm::StringObject* const record = Kelm::StringObject::make(
       isAscii ? std::u16string_view(wide, length) : std::u16string_view(many = Kelm::toUtf16(aText)));
   Kelm::Object const object(record, Kelm::Deviant());
