@@ -92,14 +92,13 @@ Object unlimitedText(Reading aValue) {
 }
 bool takeUnlimited(Reading aValue, Object const& aText) {
   std::u16string_view const text = Kelm::asString(aText)->text();
-  auto number = queries::numberIn(text);
-  if (text == u"*")
-    number = UnlimitedNatural::kUnlimited;
-  else if (static_cast<std::uint64_t>(number.value_or(-1)) >= UnlimitedNatural::kUnlimited)
-    return false;
+  bool const isUnlimited = text == u"*";
+  std::int64_t const number =
+      isUnlimited ? UnlimitedNatural::kUnlimited : queries::numberIn(text).value_or(-1);
+  if (!isUnlimited && static_cast<std::uint64_t>(number) >= UnlimitedNatural::kUnlimited) return false;
   engine::write(
       *aValue, aValue.deviant(), engine::feature(ids::LiteralUnlimitedNatural::Value),
-      Kelm::makePrimitive(Kelm::PrimitiveKind::UnlimitedNatural, static_cast<std::uint32_t>(*number)));
+      Kelm::makePrimitive(Kelm::PrimitiveKind::UnlimitedNatural, static_cast<std::uint32_t>(number)));
   return true;
 }
 
