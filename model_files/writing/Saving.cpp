@@ -271,6 +271,10 @@ class Saving {
         "The model was not saved: " + std::string(Metamodel::instance().metaclassOf(aElement).fName) + ' ' +
         pathOf(aElement, deviant) + " can't be written with its " + std::string(aFeature.fName);
     if (tag) ((text += " (") += place.fFile + ':' + std::to_string(place.fLine)) += ')';
+    for (Dangling const* const dangling : fFiles.danglingOf(aElement))
+      if (dangling->fFeature == &aFeature)
+        throw Error(text + ": \"" + dangling->fAddress +
+                    "\" led nowhere when it was read, and would lead to an element now; set what is meant");
     std::string others;
     if (aFeature.fKind == Kind::Reference)
       for (Element const* const other : elementsOf(aElement, aFeature, deviant))

@@ -1,4 +1,3 @@
-#include <charconv>
 #include <optional>
 #include <string>
 
@@ -44,15 +43,6 @@ struct Form {
   bool (*fTake)(Reading aValue, Object const& aText);
 };
 
-template <class Number>
-std::optional<Number> numberIn(Object const& aText) {
-  std::string const text = Kelm::toUtf8(Kelm::asString(aText)->text());
-  Number number{};
-  auto const [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
-  return number;
-}
-
 Object stringText(Reading aValue) { return textObject(aValue, ids::LiteralString::Value); }
 bool takeString(Reading aValue, Object const& aText) {
   engine::write(*aValue, aValue.deviant(), engine::feature(ids::LiteralString::Value), aText);
@@ -89,8 +79,8 @@ Object integerText(Reading aValue) {
   return textObject(std::to_string(static_cast<int>(aValue.number(ids::LiteralInteger::Value))));
 }
 bool takeInteger(Reading aValue, Object const& aText) {
-  auto const number = numberIn<std::int32_t>(aText);
-  if (!number) return false;
+  auto const number = queries::numberIn(Kelm::asString(aText)->text());
+  if (!number || *number != static_cast<std::int32_t>(*number)) return false;
   engine::write(*aValue, aValue.deviant(), engine::feature(ids::LiteralInteger::Value),
                 Kelm::makePrimitive(Kelm::PrimitiveKind::Integer, static_cast<std::uint32_t>(*number)));
   return true;
@@ -101,12 +91,14 @@ Object unlimitedText(Reading aValue) {
   return textObject(number == UnlimitedNatural::kUnlimited ? std::string("*") : std::to_string(number));
 }
 bool takeUnlimited(Reading aValue, Object const& aText) {
-  auto number = numberIn<std::uint32_t>(aText);
-  if (number == UnlimitedNatural::kUnlimited) return false;
-  if (Kelm::asString(aText)->text() == u"*") number = UnlimitedNatural::kUnlimited;
-  if (!number) return false;
-  engine::write(*aValue, aValue.deviant(), engine::feature(ids::LiteralUnlimitedNatural::Value),
-                Kelm::makePrimitive(Kelm::PrimitiveKind::UnlimitedNatural, *number));
+  std::u16string_view const text = Kelm::asString(aText)->text();
+  bool const isUnlimited = text == u"*";
+  std::int64_t const number =
+      isUnlimited ? UnlimitedNatural::kUnlimited : queries::numberIn(text).value_or(-1);
+  if (!isUnlimited && static_cast<std::uint64_t>(number) >= UnlimitedNatural::kUnlimited) return false;
+  engine::write(
+      *aValue, aValue.deviant(), engine::feature(ids::LiteralUnlimitedNatural::Value),
+      Kelm::makePrimitive(Kelm::PrimitiveKind::UnlimitedNatural, static_cast<std::uint32_t>(number)));
   return true;
 }
 

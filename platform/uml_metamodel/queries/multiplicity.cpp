@@ -7,33 +7,48 @@ namespace umlmm::queries {
 
 namespace {
 
-constexpr std::uint32_t kUnlimited = UnlimitedNatural::kUnlimited;
+constexpr std::int64_t kNone = std::numeric_limits<std::int64_t>::min();
+constexpr std::int64_t kUnlimited = UnlimitedNatural::kUnlimited;
 
-std::uint32_t unlimitedValue(Reading aLiteral) noexcept {
-  return aLiteral.number(ids::LiteralUnlimitedNatural::Value);
-}
-std::int32_t integerValue(Reading aLiteral) noexcept {
-  return static_cast<std::int32_t>(aLiteral.number(ids::LiteralInteger::Value));
+/// The number that a literal gives; `kUnlimited` is no integer.
+std::int64_t numberOf(Reading aValue) noexcept {
+  if (!aValue) return kNone;
+  if (aValue.isA(ids::metaclass::LiteralInteger))
+    return static_cast<std::int32_t>(aValue.number(ids::LiteralInteger::Value));
+  if (aValue.isA(ids::metaclass::LiteralString)) {
+    // Tools write bounds as texts as well.
+    std::u16string_view const text = aValue.text(ids::LiteralString::Value);
+    return text == u"*" || text == u"n" ? kUnlimited : numberIn(text).value_or(kNone);
+  }
+  bool const isNatural = aValue.isA(ids::metaclass::LiteralUnlimitedNatural);
+  return isNatural ? std::int64_t{aValue.number(ids::LiteralUnlimitedNatural::Value)} : kNone;
 }
 
 }  // namespace
 
+std::optional<std::int64_t> numberIn(std::u16string_view aText) noexcept {
+  bool const isNegative = aText.starts_with(u'-');
+  if (isNegative) aText.remove_prefix(1);
+  if (aText.empty()) return std::nullopt;
+  std::int64_t number = 0;
+  for (char16_t const digit : aText) {
+    if (digit < u'0' || digit > u'9' || number > kUnlimited) return std::nullopt;
+    number = 10 * number + (digit - u'0');
+  }
+  return isNegative ? -number : number;
+}
+
 std::optional<std::int32_t> integerOf(Reading aValue) noexcept {
-  if (!aValue) return std::nullopt;
-  if (aValue.isA(ids::metaclass::LiteralInteger)) return integerValue(aValue);
-  if (!aValue.isA(ids::metaclass::LiteralUnlimitedNatural)) return std::nullopt;
-  std::uint32_t const value = unlimitedValue(aValue);
-  if (value > static_cast<std::uint32_t>(std::numeric_limits<std::int32_t>::max())) return std::nullopt;
-  return static_cast<std::int32_t>(value);
+  std::int64_t const number = numberOf(aValue);
+  if (number != static_cast<std::int32_t>(number)) return std::nullopt;
+  return static_cast<std::int32_t>(number);
 }
 
 std::optional<std::uint32_t> unlimitedOf(Reading aValue) noexcept {
-  if (!aValue) return std::nullopt;
-  if (aValue.isA(ids::metaclass::LiteralUnlimitedNatural)) return unlimitedValue(aValue);
-  if (!aValue.isA(ids::metaclass::LiteralInteger)) return std::nullopt;
-  std::int32_t const value = integerValue(aValue);
-  if (value == -1) return kUnlimited;
-  return value < 0 ? std::nullopt : std::optional(static_cast<std::uint32_t>(value));
+  std::int64_t const number = numberOf(aValue);
+  // -1 is written for unlimited.
+  if (number < -1 || number > kUnlimited) return std::nullopt;
+  return static_cast<std::uint32_t>(number);
 }
 
 std::int32_t lowerBound(Reading aMultiplicity) noexcept {

@@ -115,7 +115,10 @@ Elements allIncludedUseCases(Reading aUseCase);
 
 // Multiplicities (clause 7.5) and values (8.2).
 
-/// The whole number that a value gives to a lower bound, if it gives one; no value gives none.
+/// The whole number that a text is.
+std::optional<std::int64_t> numberIn(std::u16string_view aText) noexcept;
+/// The whole number that a value gives to a lower bound, if it gives one; no value gives none. Texts give
+/// what they say, as tools write bounds as texts, too.
 std::optional<std::int32_t> integerOf(Reading aValue) noexcept;
 /// The same for an upper bound; all bits set for unlimited.
 std::optional<std::uint32_t> unlimitedOf(Reading aValue) noexcept;

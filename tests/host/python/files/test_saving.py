@@ -104,3 +104,17 @@ def test_what_stood_in_an_uncovered_part_of_what_goes_stays(tmp_path):
     again = umlmm.load(path)
     assert [element.MetaClass().name for element in model.allElements()] == ["Package", "Activity", "InitialNode"]
     assert [element.MetaClass().name for element in again.allElements()] == ["Package", "Activity", "InitialNode"]
+
+
+def test_what_led_nowhere_and_would_lead_to_something_is_asked_for(tmp_path):
+    path = tmp_path / "shop.uml"
+    path.write_bytes(ECLIPSE.replace(b'type="_i"', b'type="//New"'))
+    before = path.read_bytes()
+    model = umlmm.load(path)
+    model.by_id("_i").name = "New"
+    with pytest.raises(files.Error, match='Order::item.*type.*:4.*"//New" led nowhere'):
+        model.save()
+    assert path.read_bytes() == before
+    model.by_id("_t").type = model.by_id("_i")
+    model.save()
+    assert umlmm.load(path).by_id("_t").type.name == "New"
