@@ -2,8 +2,8 @@
 
 import inspect
 
-# What checkers learn from other members.
-_HIDDEN = {"__construct__", "__class_iter__"}
+# What checkers learn from other members, or need not know.
+_HIDDEN = {"__construct__", "__class_iter__", "_ipython_key_completions_"}
 
 
 class _Omitted:

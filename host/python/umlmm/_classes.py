@@ -5,7 +5,7 @@ import functools
 import keyword
 import sys
 
-from umlmm import _host
+from umlmm import _host  # type: ignore[attr-defined]
 
 # Bits of a method's word.
 _HIDDEN, _STATIC, _OVERRIDES_ALL = 2, 8, 512

@@ -41,6 +41,8 @@ class Types:
             return _value(type_name)[1]
         if cls.is_list:
             return f"_Sequence[{self.given(cls.item)}]"
+        if type_name == "Kelm.ImmutableClass":  # a script class stands for its metaclass
+            return f"{self.shown(type_name)} | type"
         return f"{self.shown(type_name)} | str" if cls.literals else self.shown(type_name)
 
     def property_read(self, prop, type_name):
