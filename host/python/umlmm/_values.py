@@ -1,5 +1,5 @@
 """Values as Python has them: literals of enumerations that can be iterated, called for and compared with texts, and
-references with a truth value."""
+elements and models that are shown and have a truth value."""
 
 from umlmm import _front
 
@@ -75,3 +75,25 @@ class _Element:
     def __bool__(self) -> bool:
         """Whether there is an element: False for one that is gone, and for a query's answer that is none."""
         return self.isvalid()
+
+    def __str__(self) -> str:
+        """The qualified name; what has no name is told by its metaclass, as in `path`."""
+        return self.path if self else repr(self)
+
+    def __repr__(self) -> str:
+        kind = f"{type(self).__module__}.{type(self).__qualname__}"
+        return f"<{kind} {self.path!r}>" if self else f"<{kind} that is gone>"
+
+
+@_front.adds_to(_front.MODELS)
+class _Model:
+    def __bool__(self) -> bool:
+        """Whether the model is open."""
+        return self.isvalid()
+
+    def __repr__(self) -> str:
+        kind = f"{type(self).__module__}.{type(self).__qualname__}"
+        if not self:
+            return f"<{kind} that is closed>"
+        roots = self.rootElements()
+        return f"<{kind}: {', '.join(map(str, roots[:3])) or 'empty'}{', ...' * (len(roots) > 3)}>"
