@@ -97,6 +97,12 @@ class _Model:
             return _found(self, path) is not None
         return bool(path) and getattr(path, "modelKelm", None) == self.asMutable()
 
+    def check(self) -> "list[str]":
+        """What is wrong with ownership, types and multiplicities, a line each, parts among it that were taken out of
+        a list and have no owner any more."""
+        from umlmm import _check
+        return list(_check.findings(self))
+
     def _ipython_key_completions_(self):
         return _names(self.rootElements())
 
