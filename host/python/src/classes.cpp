@@ -191,9 +191,10 @@ void finishType(ClassFront& front, PyTypeObject* type) {
 // --- the class of classes
 
 PyObject* refuseSubclass(PyTypeObject*, PyObject*, PyObject*) {
-  PyErr_SetString(PyExc_TypeError,
-                  "Published classes cannot be subclassed by a script; Kelm.extend adds methods to them");
-  return nullptr;
+  return guarded<PyObject*>(nullptr, []() -> PyObject* {
+    raise(PyExc_TypeError,
+          "Published classes cannot be subclassed by a script; Kelm.extend adds methods to them");
+  });
 }
 
 PyObject* getClassAttribute(PyObject* type, PyObject* name) {

@@ -71,6 +71,11 @@ PyObject* beforeFirstClass(PyObject*, PyObject* function) {
   Py_RETURN_NONE;
 }
 
+PyObject* errorFamily(PyObject*, PyObject* function) {
+  setErrorFamily(function);
+  Py_RETURN_NONE;
+}
+
 PyObject* state(PyObject*, PyObject* model) {
   return guarded<PyObject*>(nullptr, [=] { return stateOfModel(model).release(); });
 }
@@ -131,6 +136,8 @@ PyMethodDef sFunctions[] = {
     {"additions", additions, METH_NOARGS, "additions() -> the members added so far, by kind"},
     {"before_first_class", beforeFirstClass, METH_O,
      "before_first_class(function): to be called once, before the first class is made"},
+    {"error_family", errorFamily, METH_O,
+     "error_family(function): to be called with one of Python's exceptions for the class to raise"},
     {"state", state, METH_O,
      "state(object) -> a dictionary of a model or an element's model, which lives until it is closed"},
     {"shown_object", shownObject, METH_O,

@@ -43,17 +43,18 @@ def _at(owner, path):
     if found is not None:
         return found
     if not isinstance(path, str):
-        raise TypeError(f"Elements are found by their path, a text such as 'shop::Order', not by {path!r}")
+        from umlmm import errors
+        raise errors.WrongType(f"Elements are found by their path, a text such as 'shop::Order', not by {path!r}")
     # Where the path breaks off, and what is there instead.
     names = path.split("::")
     known = owner
     while len(names) > 1 and (part := _found(known, names[0])) is not None:
         known, names = part, names[1:]
-    from umlmm import Kelm
     import difflib
+    from umlmm import Kelm, errors
     inside = known.rootElements() if isinstance(known, Kelm.ImmutableModel) else known.containeeKelm
     near = difflib.get_close_matches(names[0], _names(inside), 1)
-    raise KeyError(f"{known!r} has no part {names[0]!r}" + (f"; did you mean {near[0]!r}?" if near else ""))
+    raise errors.NotFound(f"{known!r} has no part {names[0]!r}" + (f"; did you mean {near[0]!r}?" if near else ""))
 
 
 def _each(elements, kind):

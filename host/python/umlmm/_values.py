@@ -36,15 +36,16 @@ class _Enumeration:
         return spelling
 
     def __construct__(cls, arguments, keywords):
+        from umlmm import errors
         if len(arguments) != 1 or keywords:
-            raise TypeError(f"{cls.__module__}.{cls.__qualname__} is called with the text of a literal")
+            raise errors.WrongType(f"{cls.__module__}.{cls.__qualname__} is called with the text of a literal")
         text, = arguments
         if isinstance(text, cls):
             return text
         literal = _of(cls).get(text[:1].lower() + text[1:]) if isinstance(text, str) else None
         if literal is None:
-            raise ValueError(f"{text!r} is no literal of {cls.__module__}.{cls.__qualname__}; "
-                             f"these are: {', '.join(_of(cls))}")
+            raise errors.WrongValue(f"{text!r} is no literal of {cls.__module__}.{cls.__qualname__}; "
+                                    f"these are: {', '.join(_of(cls))}")
         return literal
 
     def __class_iter__(cls):
@@ -54,7 +55,8 @@ class _Enumeration:
         try:
             return cls(name)
         except ValueError as error:
-            raise KeyError(str(error)) from None
+            from umlmm import errors
+            raise errors.NotFound(str(error)) from None
 
     def __eq__(self, other: object) -> bool:
         if self is other:

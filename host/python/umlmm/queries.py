@@ -14,7 +14,7 @@ import re
 from collections.abc import Sequence
 
 import umlmm
-from umlmm import Kelm
+from umlmm import Kelm, errors
 from umlmm._classes import python_name
 
 TYPE_CHECKING = False
@@ -55,7 +55,7 @@ class Found(list["_T"]):
     def table(self, *columns: str) -> Table:
         """A row for each element, with the features or paths of features (`"type.name"`) that are named."""
         if not columns:
-            raise TypeError('A table needs columns, such as table("name", "type.name")')
+            raise errors.WrongType('A table needs columns, such as table("name", "type.name")')
         paths = [column.split(".") for column in columns]
         for names in paths:
             _check_known(self, names[0])
@@ -170,7 +170,7 @@ def _walk(element, names):
                     found += value
                     are_several = True
                 elif callable(value) and not hasattr(value, "toString"):
-                    raise AttributeError(f"'{name}' is a method: [each.{name}() for each in ...] calls it")
+                    raise errors.NoSuchMember(f"'{name}' is a method: [each.{name}() for each in ...] calls it")
                 elif value is not None:
                     found.append(value)
         values = found
@@ -190,7 +190,7 @@ def _check_known(found, name):
     known = {member for cls in classes for member in dir(cls)} if found else _all_features()
     near = difflib.get_close_matches(name, known, 1)
     kinds = ", ".join(sorted(cls.__name__ for cls in classes)[:3])
-    raise AttributeError((f"None of what was found ({kinds}) has '{name}'" if found else f"No element has '{name}'")
+    raise errors.NoSuchMember((f"None of what was found ({kinds}) has '{name}'" if found else f"No element has '{name}'")
                          + (f"; did you mean '{near[0]}'?" if near else ""))
 
 
@@ -247,4 +247,4 @@ def _package(name, what):
     try:
         return importlib.import_module(name)
     except ImportError as error:
-        raise ImportError(f"{what} needs the Python package {name}, which is not installed", name=name) from error
+        raise errors.CannotLoad(f"{what} needs the Python package {name}, which is not installed", name=name) from error

@@ -11,7 +11,7 @@
 from __future__ import annotations
 
 import umlmm
-from umlmm import Kelm
+from umlmm import Kelm, errors
 
 __all__ = ["associate", "connect", "depend", "generalize", "realize", "send"]
 
@@ -107,7 +107,7 @@ def send(sender: umlmm.Lifeline, receiver: umlmm.Lifeline, name: str = "", *, so
     happens in the interaction so far."""
     interaction = sender.interaction
     if interaction is None or receiver.interaction != interaction:
-        raise ValueError(f"{sender!r} and {receiver!r} are not lifelines of one interaction")
+        raise errors.WrongValue(f"{sender!r} and {receiver!r} are not lifelines of one interaction")
     with _Making() as making:
         model = sender.modelKelm
         made = making.new(umlmm.Message, model, name=name, messageSort=sort, interaction=interaction)
@@ -159,6 +159,6 @@ def _common_structure(ends):
     inner = [part or role for part, role in ends]
     owners = [role.owner for role in inner]
     if owners[0] is None or owners[0] != owners[1] or not isinstance(owners[0], Kelm.ClassObject):
-        raise ValueError(f"{inner[0]!r} and {inner[1]!r} are not parts or ports of one classifier; say in which the "
+        raise errors.WrongValue(f"{inner[0]!r} and {inner[1]!r} are not parts or ports of one classifier; say in which the "
                          f"connector is to be: owner=classifier")
     return owners[0]
