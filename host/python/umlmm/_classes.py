@@ -147,6 +147,10 @@ class Packages:
         other = self.classes.get(cls.changeable) if cls else None
         return other.name if other and name in other.superclasses else name
 
+    def is_element_of_uml(self, cls):
+        """Whether the class shows elements of a metaclass."""
+        return cls.package.name == "umlmm" and any(base.name == "Kelm.ImmutableClassObject" for base in self.linear(cls))
+
     def is_changeable(self, cls):
         """Whether the class is a changeable one whose first superclass is its read-only twin."""
         return bool(cls.superclasses) and cls.superclasses[0] != cls.name and \

@@ -13,11 +13,20 @@ from __future__ import annotations
 import umlmm
 from umlmm import Kelm, errors
 
+TYPE_CHECKING = False
+if TYPE_CHECKING:
+    from typing import Literal, Union
+
+    _Bounds = Union[str, int, tuple[int, Union[int, str, None]]]
+    _End = Union[umlmm.ConnectableElement, tuple[umlmm.Property, umlmm.ConnectableElement]]
+    _Sort = Literal["synchCall", "asynchCall", "asynchSignal", "createMessage", "deleteMessage", "reply"]
+
 __all__ = ["associate", "connect", "depend", "generalize", "realize", "send"]
 
 
 def associate(first: umlmm.Type, second: umlmm.Type, *, name: str = "", ends: tuple[str, str] = ("", ""),
-              multiplicity: tuple = ("1", "1"), aggregation: str = "none",
+              multiplicity: tuple[_Bounds, _Bounds] = ("1", "1"),
+              aggregation: umlmm.AggregationKind | Literal["none", "shared", "composite"] = "none",
               navigable: bool | tuple[bool, bool] | None = None, kind: type | None = None,
               owner: umlmm.Package | None = None) -> umlmm.Association:
     """An association (UML 2.5.1, clause 11.5) of two types, in the package of the first one unless `owner` is given.
@@ -82,7 +91,7 @@ def depend(client: umlmm.NamedElement, supplier: umlmm.NamedElement, *, name: st
         return made
 
 
-def connect(first, second, *, name: str = "", type: umlmm.Association | None = None,
+def connect(first: _End, second: _End, *, name: str = "", type: umlmm.Association | None = None,
             owner: umlmm.StructuredClassifier | None = None) -> umlmm.Connector:
     """A connector (UML 2.5.1, clause 11.2) of two parts or ports, in the classifier that owns them unless `owner` is given. A
     port of a part is given as a pair: `connect((engine, shaft), wheel)`."""
@@ -101,7 +110,7 @@ def connect(first, second, *, name: str = "", type: umlmm.Association | None = N
         return made
 
 
-def send(sender: umlmm.Lifeline, receiver: umlmm.Lifeline, name: str = "", *, sort: str = "synchCall",
+def send(sender: umlmm.Lifeline, receiver: umlmm.Lifeline, name: str = "", *, sort: umlmm.MessageSort | _Sort = "synchCall",
          signature: umlmm.NamedElement | None = None) -> umlmm.Message:
     """A message (UML 2.5.1, clause 17.4) between two lifelines of an interaction, with an occurrence on each, behind all that
     happens in the interaction so far."""
