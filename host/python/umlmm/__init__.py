@@ -48,7 +48,13 @@ def _family(builtin):
     return errors._of_family(builtin)
 
 
+def _described(*asked):
+    from umlmm import _help
+    return _help.described(*asked)
+
+
 _host.error_family(_family)
+_host.describer(_described)
 _host.before_first_class(_add)
 _host.load("uml_metamodel_mi")
 Kelm = _show("umlmm.Kelm", "Kelm")

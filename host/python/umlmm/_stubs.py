@@ -7,6 +7,7 @@ from umlmm import _front, _host
 from umlmm._added import stub_lines
 from umlmm._classes import Packages, python_name
 from umlmm._module_stubs import module_stubs
+from umlmm._texts import text_of
 from umlmm._types import Types
 
 _COMPARISONS = {"lt": "__lt__", "le": "__le__", "gt": "__gt__", "ge": "__ge__"}
@@ -108,11 +109,12 @@ class _PackageStub:
             bases.insert(0, f"_{cls.short}")
         root = "_typing.Enumeration" if cls.literals else "_typing.Instance"
         lines += [f"class {cls.short}({', '.join(bases or [root])}):"]
-        body = [f'"""{cls.description}"""'] if cls.description else []
+        body = _doc(self._meaning(cls) or cls.description)
         body += self._constructors(cls)
         body += self._properties(cls)
         names = dict.fromkeys(method.name for method in cls.methods if not method.is_constructor)
-        body += [f"{python_name(name)}: _ClassVar[{cls.short}]" for name in cls.literals]
+        for name in cls.literals:
+            body += [f"{python_name(name)}: _ClassVar[{cls.short}]", *_doc(self._meaning(cls, name))]
         for name in names:
             if name not in cls.literals:
                 body += self._method(cls, name)
@@ -124,6 +126,10 @@ class _PackageStub:
         """What may be given for a literal: its published name, or UML's spelling."""
         texts = [text for name in cls.literals for text in (name, name[:1].lower() + name[1:])]
         return f"_{cls.short}Text = _Literal[{', '.join(map(repr, texts))}]"
+
+    def _meaning(self, cls, member=""):
+        """What the catalogue says of the metaclass or enumeration that a class shows, or of a member of it."""
+        return "" if self._package.name != "umlmm" or cls.item else text_of(cls.subject, member)
 
     def _constructors(self, cls):
         own = [f"def __init__({self._types.parameters(method, 'self')}) -> None: ..." for method in cls.constructors]
@@ -159,13 +165,13 @@ class _PackageStub:
 
     def _properties(self, cls):
         if self._packages.is_changeable(cls):
-            return [self._changeable_property(prop)
-                    for prop in self._packages.classes[cls.superclasses[0]].properties]
+            return [line for prop in self._packages.classes[cls.superclasses[0]].properties
+                    for line in (self._changeable_property(prop), *_doc(self._meaning(cls, prop.name)))]
         body = []
         for prop in cls.properties:
             read = self._types.property_read(prop, prop.type)
             body += [f"{python_name(prop.name)}: _typing.ReadOnlyProperty[{read}]"]
-            body += [f'"""{prop.summary}"""'] if prop.summary else []
+            body += _doc(" ".join(filter(None, (self._meaning(cls, prop.name), prop.summary))))
         return body
 
     def _changeable_property(self, prop):
@@ -205,6 +211,10 @@ class _PackageStub:
     def _covers(self, method, other):
         return len(method.arguments) == len(other.arguments) and all(
             self._packages.accepts(*pair) for pair in zip(method.arguments, other.arguments))
+
+
+def _doc(text):
+    return [f'"""{text}"""'] if text else []
 
 
 def _overloads(definitions, is_static=False):

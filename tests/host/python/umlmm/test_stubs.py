@@ -117,7 +117,7 @@ def types_of_properties(cls, stubs):
     return found
 
 
-TYPED = pathlib.Path(__file__).with_name("typed_script.txt").read_text("utf-8")
+TYPED = pathlib.Path(__file__).with_name("typed_script.py").read_text("utf-8")
 
 
 def test_mypy_accepts_what_is_right_and_finds_what_is_wrong(tmp_path):
