@@ -110,22 +110,31 @@ def connect(first: _End, second: _End, *, name: str = "", type: umlmm.Associatio
         return made
 
 
-def send(sender: umlmm.Lifeline, receiver: umlmm.Lifeline, name: str = "", *, sort: umlmm.MessageSort | _Sort = "synchCall",
-         signature: umlmm.NamedElement | None = None) -> umlmm.Message:
+def send(sender: umlmm.Lifeline, receiver: umlmm.Lifeline, name: str = "", *,
+         sort: umlmm.MessageSort | _Sort | None = None,
+         signature: umlmm.Operation | umlmm.Signal | None = None) -> umlmm.Message:
     """A message (UML 2.5.1, clause 17.4) between two lifelines of an interaction, with an occurrence on each, behind all that
-    happens in the interaction so far."""
+    happens in the interaction so far. `signature` is what is called or sent: the occurrences get events of it, in the
+    package of the interaction. Unless `sort` is given, a message is a call that waits, and that of a signal is one."""
     interaction = sender.interaction
     if interaction is None or receiver.interaction != interaction:
         raise errors.WrongValue(f"{sender!r} and {receiver!r} are not lifelines of one interaction")
+    is_signal = isinstance(signature, umlmm.ImmutableSignal)
+    if not (signature is None or is_signal or isinstance(signature, umlmm.ImmutableOperation)):
+        raise errors.WrongType(f"The signature of a message is an operation or a signal, not {signature!r}")
     with _Making() as making:
         model = sender.modelKelm
+        sort = sort or ("asynchSignal" if is_signal else "synchCall")
         made = making.new(umlmm.Message, model, name=name, messageSort=sort, interaction=interaction)
-        if signature is not None:
-            made.signature = signature
         for feature, lifeline in (("sendEvent", sender), ("receiveEvent", receiver)):
             occurrence = making.new(umlmm.MessageOccurrenceSpecification, model, covered=[lifeline], message=made)
             interaction.fragment.append(occurrence)
             setattr(made, feature, occurrence)
+            if signature is not None:
+                kind = f"{feature.removesuffix('Event').title()}{'Signal' if is_signal else 'Operation'}Event"
+                occurrence.event = making.new(getattr(umlmm, kind), model, **{
+                    "signal" if is_signal else "operation": signature})
+                _put(occurrence.event, _package_of(interaction))
         return made
 
 
