@@ -65,7 +65,8 @@ _show(__name__, "umlmm")
 # What this package adds to itself is brought in when it is first asked for: by name, the module that has it.
 _LATER = {name: "files" for name in ("files", "load", "load_all")} | {
     name: "relations" for name in ("associate", "connect", "depend", "generalize", "realize", "relations", "send")} | {
-    name: "changes" for name in ("changes", "new_model", "remove")} | {name: name for name in ("errors", "primitives", "queries")} | {"Error": "errors"}
+    name: "changes" for name in ("changes", "new_model", "remove")} | {
+    name: name for name in ("errors", "primitives", "queries")} | {"Error": "errors"}
 
 
 def __getattr__(name):

@@ -117,8 +117,9 @@ class _Reference:
             name = python_name(prop.name)
         else:  # a redefinition under the name of what it redefines has no property of its own
             reads, name = "as inherited", prop.name
-        return (f'| <a id="{prop.name}"></a>`{name}` | {text_of(prop.owner().name, prop.name)} | {self._type(prop)} [{prop.lower}..{upper}] | {reads} '
-                f"| {', '.join(facts)} | {'; '.join(relations)} |")
+        meaning = text_of(prop.owner().name, prop.name)
+        return (f'| <a id="{prop.name}"></a>`{name}` | {meaning} | {self._type(prop)} [{prop.lower}..{upper}] '
+                f"| {reads} | {', '.join(facts)} | {'; '.join(relations)} |")
 
     def _operations(self, own):
         methods = [method for method in own.methods if method.name not in self._common]
@@ -149,7 +150,8 @@ class _Reference:
         literals = [f"| {number} | `umlmm.{name}.{python_name(literal)}` | `\"{literal}\"` | {text_of(name, literal)} |"
                     for number, literal in enumerate(classes[0].literals)]
         methods = [method for method in classes[0].methods if method.name not in classes[0].literals]
-        return [text_of(name), "", "An enumeration. A literal is also what its call answers, and may be given by its name.", "",
+        return [text_of(name), "",
+                "An enumeration. A literal is also what its call answers, and may be given by its name.", "",
                 "| Number | Literal | Name | Meaning |", "|---|---|---|---|", *literals,
                 "", "## Methods", "", *map(self._signature, methods), *self._classes(classes)]
 
