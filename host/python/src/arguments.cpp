@@ -92,6 +92,18 @@ int costOfBuiltList(PyObject* object, ClassRecord& cls) {
   return fits ? cost::kBuiltSequence : cost::kNone;
 }
 
+/// The method by which a published class tells what describes it, if that is a value of a type; or null. A
+/// class is taken for its description.
+host::Member const* descriptionOf(PyObject* object, ClassRecord& wanted) {
+  if (!Py_IS_TYPE(object, &gMetaType)) return nullptr;
+  ClassFront const* const front = reinterpret_cast<ClassObject*>(object)->fFront;
+  host::Member const* const member =
+      front ? front->fRecord->findMember(internal::interned<"MetaClass">()) : nullptr;
+  if (!member || member->fProperty) return nullptr;
+  ClassRecord* const told = host::findClass(member->fMethods.front()->fSignature->result());
+  return told && told->distanceTo(wanted) >= 0 ? member : nullptr;
+}
+
 int costOfObject(PyObject* object, host::Type const& wanted) {
   ClassRecord& cls = classOf(wanted);
   bool const isList = cls.info().getSequenceHook() != nullptr;
@@ -102,7 +114,7 @@ int costOfObject(PyObject* object, host::Type const& wanted) {
   if (isEmpty(object)) return cost::kExact;
   if (isList) return costOfBuiltList(object, cls);
   if (PyUnicode_Check(object)) return isEnumeration(cls) ? cost::kCoercion : cost::kNone;
-  if (!isListOrTuple(object)) return cost::kNone;
+  if (!isListOrTuple(object)) return descriptionOf(object, cls) ? cost::kCoercion : cost::kNone;
   return allItems(object, [&](PyObject* item) { return isInstanceOf(item, cls); }) ? cost::kList
                                                                                    : cost::kNone;
 }
@@ -246,8 +258,12 @@ VeskValue toObject(PyObject* object, host::Type const& wanted) {
   if (isEmpty(object)) return tarnCreateEmpty(objectClassId);
   if (isList) return instanceOf(buildList(cls, object).get()).newReference();
   if (PyUnicode_Check(object)) return toLiteral(object, cls);
-  if (!isListOrTuple(object)) throwMatch(object, acceptedValues(wanted));
-  return toObjectRow(object, cls);
+  if (isListOrTuple(object)) return toObjectRow(object, cls);
+  host::Member const* const description = descriptionOf(object, cls);
+  if (!description) throwMatch(object, acceptedValues(wanted));
+  Arguments none(nullptr);
+  host::MethodRecord const& method = host::resolveMethod(*description, host::CallForm::OnClass, none, 0);
+  return host::callMethod(method, host::CallForm::OnClass, nullptr, none, 0).release();
 }
 
 // The rows of functions, one a carrier.

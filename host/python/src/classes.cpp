@@ -13,6 +13,7 @@
 #include "members.h"
 #include "names.h"
 #include "packages.h"
+#include "texts.h"
 #include "vesk/host/PackageRecord.h"
 
 namespace vesk::python {
@@ -24,8 +25,13 @@ namespace {
 using host::ClassRecord;
 using host::MethodRecord;
 
-PyTypeObject gClassDocType{};
+/// A member of every class that tells of the class it is asked through.
+struct ClassText {
+  PyObject_HEAD PyObject* (*fTell)(PyObject* cls);
+};
+PyTypeObject gClassTextType{};
 PyObject* gClassDoc = nullptr;
+PyObject* gClassSignature = nullptr;
 
 /// Finalizers that run while Python makes a class can see it before it is finished.
 ClassFront& frontOfType(PyObject* type) {
@@ -98,6 +104,7 @@ Ref makeDictionary(ClassFront& front) {
   Ref const slots = Ref::checked(PyTuple_New(0));
   checkedInt(PyDict_SetItemString(dict, "__slots__", slots.get()));
   checkedInt(PyDict_SetItemString(dict, "__doc__", gClassDoc));
+  checkedInt(PyDict_SetItemString(dict, "__signature__", gClassSignature));
   Ref const module = pythonText(record.package() ? moduleNameOf(record.package()->name().view()) : "umlmm");
   checkedInt(PyDict_SetItemString(dict, "__module__", module.get()));
   for (host::PropertyRecord const& property : record.properties())
@@ -191,9 +198,10 @@ void finishType(ClassFront& front, PyTypeObject* type) {
 // --- the class of classes
 
 PyObject* refuseSubclass(PyTypeObject*, PyObject*, PyObject*) {
-  PyErr_SetString(PyExc_TypeError,
-                  "Published classes cannot be subclassed by a script; Kelm.extend adds methods to them");
-  return nullptr;
+  return guarded<PyObject*>(nullptr, []() -> PyObject* {
+    raise(PyExc_TypeError,
+          "Published classes cannot be subclassed by a script; Kelm.extend adds methods to them");
+  });
 }
 
 PyObject* getClassAttribute(PyObject* type, PyObject* name) {
@@ -226,22 +234,41 @@ PyObject* iterateClass(PyObject* type) {
   });
 }
 
-PyObject* classDoc(PyObject*, PyObject* object, PyObject* type) {
+PyObject* tellOfClass(PyObject* self, PyObject* object, PyObject* type) {
   return guarded<PyObject*>(nullptr, [=]() -> PyObject* {
     PyObject* cls = type ? type : reinterpret_cast<PyObject*>(Py_TYPE(object));
     if (!Py_IS_TYPE(cls, &gMetaType)) return Py_NewRef(Py_None);
-    ClassRecord& record = *frontOfType(cls).fRecord;
-    std::string text = nameOf(record);
-    std::string_view last;
-    for (char const* description : {record.info().getDescription(), record.info().getDetailedDescription()}) {
-      if (!description || !*description || description == last) continue;
-      text.append("\n\n").append(description);
-      last = description;
-    }
-    for (MethodRecord const* constructor : record.constructors()) text += "\n\n" + constructor->text();
-    return pythonText(text).release();
+    return reinterpret_cast<ClassText*>(self)->fTell(cls);
   });
 }
+
+PyObject* tellSignature(PyObject* cls) { return signatureOf(cls, Py_None).release(); }
+
+PyObject* tellDoc(PyObject* cls) {
+  ClassRecord& record = *frontOfType(cls).fRecord;
+  std::string text = nameOf(record);
+  std::string_view last;
+  for (char const* description : {record.info().getDescription(), record.info().getDetailedDescription()}) {
+    if (!description || !*description || description == last) continue;
+    text.append("\n\n").append(description);
+    last = description;
+  }
+  for (MethodRecord const* constructor : record.constructors()) text += "\n\n" + constructor->text();
+  return described(cls, Py_None, pythonText(text)).release();
+}
+
+PyObject* makeClassText(PyObject* (*tell)(PyObject* cls)) {
+  PyObject* text = checked(gClassTextType.tp_alloc(&gClassTextType, 0));
+  reinterpret_cast<ClassText*>(text)->fTell = tell;
+  return text;
+}
+
+// Tools ask the class of a class for its documentation as well.
+PyObject* docOfClass(PyObject* cls, void*) {
+  return guarded<PyObject*>(nullptr, [=] { return tellDoc(cls); });
+}
+PyGetSetDef sMetaAttributes[] = {{"__doc__", docOfClass, nullptr, nullptr, nullptr},
+                                 {nullptr, nullptr, nullptr, nullptr, nullptr}};
 
 }  // namespace
 
@@ -306,18 +333,19 @@ void setInType(PyTypeObject* type, PyObject* name, PyObject* member) {
 }
 
 void prepareMetaType() {
-  Py_SET_REFCNT(reinterpret_cast<PyObject*>(&gClassDocType), 1);
-  gClassDocType.tp_name = "umlmm._host.ClassDoc";
-  gClassDocType.tp_basicsize = sizeof(PyObject);
-  gClassDocType.tp_flags = Py_TPFLAGS_DEFAULT | Py_TPFLAGS_DISALLOW_INSTANTIATION;
-  gClassDocType.tp_descr_get = classDoc;
-  checkedInt(PyType_Ready(&gClassDocType));
-  gClassDoc = checked(gClassDocType.tp_alloc(&gClassDocType, 0));
+  Py_SET_REFCNT(reinterpret_cast<PyObject*>(&gClassTextType), 1);
+  gClassTextType.tp_name = "umlmm._host.ClassText";
+  gClassTextType.tp_basicsize = sizeof(ClassText);
+  gClassTextType.tp_flags = Py_TPFLAGS_DEFAULT | Py_TPFLAGS_DISALLOW_INSTANTIATION;
+  gClassTextType.tp_descr_get = tellOfClass;
+  checkedInt(PyType_Ready(&gClassTextType));
+  gClassDoc = makeClassText(tellDoc);
+  gClassSignature = makeClassText(tellSignature);
 
   PyTypeObject& type = gMetaType;
   Py_SET_REFCNT(reinterpret_cast<PyObject*>(&type), 1);
   type.tp_name = "umlmm._host.Class";
-  type.tp_doc = "The class of published classes.";
+  type.tp_getset = sMetaAttributes;
   type.tp_base = &PyType_Type;
   type.tp_basicsize = sizeof(ClassObject);
   type.tp_itemsize = PyType_Type.tp_itemsize;

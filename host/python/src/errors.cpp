@@ -28,11 +28,23 @@ PyObject* classOfKind(VeskError::Kind kind) noexcept {
   return PyExc_RuntimeError;
 }
 
+PyObject* sErrorFamily = nullptr;
+
+/// The class of the package's own family that stands for one of Python's.
+Ref ofFamily(PyObject* type) noexcept {
+  PyErr_Clear();  // another error comes
+  Ref const function = Ref::shared(sErrorFamily);
+  Ref own(function ? PyObject_CallOneArg(function.get(), type) : nullptr);
+  if (own && PyExceptionClass_Check(own.get())) return own;
+  PyErr_Clear();
+  return Ref::shared(type);
+}
+
 void setError(PyObject* type, char const* text) noexcept {
   PyObject* message =
       PyUnicode_DecodeUTF8(text, static_cast<Py_ssize_t>(std::char_traits<char>::length(text)), "replace");
   if (!message) return;
-  PyErr_SetObject(type, message);
+  PyErr_SetObject(ofFamily(type).get(), message);
   Py_DECREF(message);
 }
 
@@ -64,6 +76,8 @@ PyObject* classNamed(std::string const& fullName, char const* doc, PyObject* bas
 
 }  // namespace
 
+void setErrorFamily(PyObject* function) noexcept { Py_XSETREF(sErrorFamily, Py_NewRef(function)); }
+
 void raiseCurrentException() noexcept { raiseExplained({}); }
 
 void raiseExplained(Explain const& explain, bool isAssignment) noexcept {
@@ -93,10 +107,11 @@ void raise(PyObject* type, std::string const& text) {
 
 void raiseAttributeError(std::string const& text, PyObject* object, PyObject* name) {
   Ref const message = pythonText(text);
-  Ref const error = Ref::checked(PyObject_CallOneArg(PyExc_AttributeError, message.get()));
+  Ref const type = ofFamily(PyExc_AttributeError);
+  Ref const error = Ref::checked(PyObject_CallOneArg(type.get(), message.get()));
   checkedInt(PyObject_SetAttrString(error.get(), "name", name));
   checkedInt(PyObject_SetAttrString(error.get(), "obj", object));
-  PyErr_SetObject(PyExc_AttributeError, error.get());
+  PyErr_SetObject(type.get(), error.get());
   throw PythonError();
 }
 
@@ -114,7 +129,11 @@ void addNote(std::function<std::string()> const& makeNote) noexcept {
 }
 
 PyObject* failureClass(char const* fullName) {
-  return classNamed(fullName, "A failure that the library reports.", PyExc_RuntimeError);
+  Ref const family = ofFamily(PyExc_Exception);
+  bool const hasFamily = family.get() != PyExc_Exception;
+  Ref const bases = Ref::checked(hasFamily ? PyTuple_Pack(2, family.get(), PyExc_RuntimeError)
+                                           : PyTuple_Pack(1, PyExc_RuntimeError));
+  return classNamed(fullName, "A failure that the library reports.", bases.get());
 }
 
 PyObject* readOnlyFailureClass(char const* fullName) {

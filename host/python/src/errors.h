@@ -19,6 +19,10 @@ using Explain = std::function<std::string(host::FailureKind)>;
 /// The same with an explanation. A failed assignment to what is read-only is an AttributeError too.
 void raiseExplained(Explain const& explain, bool isAssignment = false) noexcept;
 
+/// Sets the function that answers, for one of Python's own exception classes, the class that errors of that
+/// kind are raised as. Until then, and where it fails, they are raised as Python's own.
+void setErrorFamily(PyObject* function) noexcept;
+
 /// Runs `work` and answers what it answers; `failure` with a Python error set if it throws. Every C function
 /// that Python calls goes through here once.
 template <class Result, class Work>

@@ -13,6 +13,7 @@
 #include "lists.h"
 #include "names.h"
 #include "results.h"
+#include "texts.h"
 #include "vesk/Detail.h"
 #include "vesk/VeskError.h"
 
@@ -193,6 +194,15 @@ PyObject* getLiteral(PyObject* self, PyObject*, PyObject*) {
 
 // --- what tools read
 
+PyObject* ownerType(ClassRecord& owner) {
+  return Py_NewRef(reinterpret_cast<PyObject*>(frontOf(owner).fType));
+}
+/// None for a function of a package.
+Ref ownerOf(host::Member const& member) {
+  ClassRecord* const owner = member.fMethods.front()->fOwner;
+  return owner ? Ref(ownerType(*owner)) : Ref::shared(Py_None);
+}
+
 /// One line a signature, then the description. Superclasses mostly declare a signature again: it is shown
 /// once.
 std::string textOf(host::Member const& member) {
@@ -212,11 +222,33 @@ std::string textOf(host::Member const& member) {
 PyObject* methodDoc(PyObject* self, void*) {
   return guarded<PyObject*>(nullptr, [=] {
     MethodObject& method = asMethod(self);
-    return pythonText(textOf(*meaningOf(method, *method.fOwner))).release();
+    Ref const owner(ownerType(*method.fOwner));
+    return described(owner.get(), pythonName(method.fName),
+                     pythonText(textOf(*meaningOf(method, *method.fOwner))))
+        .release();
   });
 }
 PyObject* boundDoc(PyObject* self, void*) {
-  return guarded<PyObject*>(nullptr, [=] { return pythonText(textOf(*asBound(self).fMember)).release(); });
+  return guarded<PyObject*>(nullptr, [=] {
+    host::Member const& member = *asBound(self).fMember;
+    return described(ownerOf(member).get(), pythonName(member.fName), pythonText(textOf(member))).release();
+  });
+}
+
+PyObject* methodSignature(PyObject* self, void*) {
+  return guarded<PyObject*>(nullptr, [=] {
+    MethodObject& method = asMethod(self);
+    Ref const owner(ownerType(*method.fOwner));
+    return signatureOf(owner.get(), pythonName(method.fName)).release();
+  });
+}
+PyObject* boundSignature(PyObject* self, void*) {
+  return guarded<PyObject*>(nullptr, [=] {
+    BoundMethod& bound = asBound(self);
+    return signatureOf(bound.fReceiver ? bound.fReceiver : ownerOf(*bound.fMember).get(),
+                       pythonName(bound.fMember->fName))
+        .release();
+  });
 }
 
 /// Name and type, the line that the library has for the property, and the descriptions.
@@ -228,7 +260,8 @@ PyObject* propertyDoc(PyObject* self, void*) {
       if (detail.fName == std::string_view("summary")) text += "\n\n" + std::get<std::string>(detail.fValue);
     for (char const* more : {property.fInfo->getDescription(), property.fInfo->getDetailedDescription()})
       if (more && *more) text.append("\n\n").append(more);
-    return pythonText(text).release();
+    Ref const owner(ownerType(*property.fOwner));
+    return described(owner.get(), pythonName(property.fName), pythonText(text)).release();
   });
 }
 
@@ -246,9 +279,6 @@ PyObject* boundSelf(PyObject* self, void*) {
   return Py_NewRef(receiver ? receiver : Py_None);
 }
 
-PyObject* ownerType(ClassRecord& owner) {
-  return Py_NewRef(reinterpret_cast<PyObject*>(frontOf(owner).fType));
-}
 PyObject* propertyOwner(PyObject* self, void*) {
   return guarded<PyObject*>(nullptr, [=] { return ownerType(*asProperty(self).fRecord->fOwner); });
 }
@@ -269,10 +299,12 @@ PyGetSetDef sPropertyAttributes[] = {{"__doc__", propertyDoc, nullptr, nullptr, 
                                      {"__objclass__", propertyOwner, nullptr, nullptr, nullptr},
                                      {nullptr, nullptr, nullptr, nullptr, nullptr}};
 PyGetSetDef sMethodAttributes[] = {{"__doc__", methodDoc, nullptr, nullptr, nullptr},
+                                   {"__signature__", methodSignature, nullptr, nullptr, nullptr},
                                    {"__name__", methodName, nullptr, nullptr, nullptr},
                                    {"__objclass__", methodOwner, nullptr, nullptr, nullptr},
                                    {nullptr, nullptr, nullptr, nullptr, nullptr}};
 PyGetSetDef sBoundAttributes[] = {{"__doc__", boundDoc, nullptr, nullptr, nullptr},
+                                  {"__signature__", boundSignature, nullptr, nullptr, nullptr},
                                   {"__name__", boundName, nullptr, nullptr, nullptr},
                                   {"__self__", boundSelf, nullptr, nullptr, nullptr},
                                   {nullptr, nullptr, nullptr, nullptr, nullptr}};

@@ -11,6 +11,7 @@
 #include "names.h"
 #include "packages.h"
 #include "tarn/tarn.h"
+#include "texts.h"
 #include "vesk/VeskError.h"
 #include "vesk/factory/BindingRegistry.h"
 #include "vesk/host/PackageRecord.h"
@@ -68,6 +69,16 @@ PyObject* additions(PyObject*, PyObject*) {
 
 PyObject* beforeFirstClass(PyObject*, PyObject* function) {
   callBeforeFirstClass(function);
+  Py_RETURN_NONE;
+}
+
+PyObject* errorFamily(PyObject*, PyObject* function) {
+  setErrorFamily(function);
+  Py_RETURN_NONE;
+}
+
+PyObject* describer(PyObject*, PyObject* function) {
+  setDescriber(function);
   Py_RETURN_NONE;
 }
 
@@ -131,6 +142,11 @@ PyMethodDef sFunctions[] = {
     {"additions", additions, METH_NOARGS, "additions() -> the members added so far, by kind"},
     {"before_first_class", beforeFirstClass, METH_O,
      "before_first_class(function): to be called once, before the first class is made"},
+    {"error_family", errorFamily, METH_O,
+     "error_family(function): to be called with one of Python's exceptions for the class to raise"},
+    {"describer", describer, METH_O,
+     "describer(function): to be called with what, class, name and the host's own text for documentation and "
+     "signatures"},
     {"state", state, METH_O,
      "state(object) -> a dictionary of a model or an element's model, which lives until it is closed"},
     {"shown_object", shownObject, METH_O,

@@ -90,6 +90,8 @@ PyObject* getMember(PyObject* module, PyObject* name) {
       return member.release();
     }
     if (PyObject* other = PyModule_Type.tp_getattro(module, name)) return other;
+    // What the module's own `__getattr__` tells of a name stays.
+    if (PyErr_Occurred() != PyExc_AttributeError) throw PythonError();
     PyErr_Clear();
     raiseAttributeError("package '" + moduleNameOf(package.name().view()) + "' has no member '" + text + "'" +
                             didYouMean(text, publicNames(package)),

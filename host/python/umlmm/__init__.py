@@ -20,7 +20,11 @@ it. Python's operations count from 0, as `items[0]` does, the published methods 
 
 import sys as _sys
 
-from umlmm import _host
+try:
+    from umlmm import _host
+except ImportError as _error:
+    from umlmm import _unloadable
+    raise _unloadable.explained(_error) from None
 
 __version__ = "0.1.0"
 
@@ -39,6 +43,18 @@ def _add():
     from umlmm import _copying, _file_members, _finding, _making, _pickling, _values
 
 
+def _family(builtin):
+    from umlmm import errors
+    return errors._of_family(builtin)
+
+
+def _described(*asked):
+    from umlmm import _help
+    return _help.described(*asked)
+
+
+_host.error_family(_family)
+_host.describer(_described)
 _host.before_first_class(_add)
 _host.load("uml_metamodel_mi")
 Kelm = _show("umlmm.Kelm", "Kelm")
@@ -49,11 +65,15 @@ _show(__name__, "umlmm")
 # What this package adds to itself is brought in when it is first asked for: by name, the module that has it.
 _LATER = {name: "files" for name in ("files", "load", "load_all")} | {
     name: "relations" for name in ("associate", "connect", "depend", "generalize", "realize", "relations", "send")} | {
-    name: "changes" for name in ("changes", "new_model", "remove")} | {"primitives": "primitives"}
+    name: "changes" for name in ("changes", "new_model", "remove")} | {
+    name: name for name in ("errors", "primitives", "queries")} | {"Error": "errors"}
 
 
 def __getattr__(name):
     if name not in _LATER:
+        if name[:1].isupper():
+            from umlmm import _others
+            raise _others.refusal(name) or AttributeError(name)
         raise AttributeError(name)
     import importlib
     module = importlib.import_module("umlmm." + _LATER[name])

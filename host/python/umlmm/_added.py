@@ -2,8 +2,9 @@
 
 import inspect
 
-# What checkers learn from other members.
-_HIDDEN = {"__construct__", "__class_iter__"}
+# What checkers learn from other members, or need not know.
+_HIDDEN = {"__construct__", "__class_getitem__", "__class_iter__", "__copy__", "__deepcopy__", "__reduce_ex__",
+           "_ipython_key_completions_"}
 
 
 class _Omitted:

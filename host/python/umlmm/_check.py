@@ -4,10 +4,24 @@ from umlmm import files
 
 
 def findings(model):
-    """What is wrong with a model that was read, a line each."""
+    """What is wrong with a model, a line each."""
+    dangling = set()
+    if files.is_loaded(model):
+        yield from _wrong_in_files(model, dangling)
+    yield from _wrong_owners(model)
+    features = _Features()
+    for element in model.allElements():
+        for feature in features.of(element):
+            values = feature.values(element)
+            if (element, feature.name) not in dangling:
+                yield from feature.wrong_counts(element, values)
+            yield from feature.wrong_types(element, values)
+
+
+def _wrong_in_files(model, dangling):
+    """What reading has met; adds elements and features whose references lead nowhere to a set."""
     for duplicate in files.report(model).duplicate_ids:
         yield f"{duplicate.file}:{duplicate.line}: the id '{duplicate.id}' is declared again"
-    dangling = set()
     for reference in files.unresolved(model):
         dangling.add((reference.element, reference.feature.rpartition(".")[2]))
         if _is_local(reference.address):
@@ -20,14 +34,6 @@ def findings(model):
         if finding.kind == "value":
             times = f", {finding.count} times" * (finding.count > 1)
             yield f"{finding.file}:{finding.line}: {finding.what} is no value{times}"
-    yield from _wrong_owners(model)
-    features = _Features()
-    for element in model.allElements():
-        for feature in features.of(element):
-            values = feature.values(element)
-            if (element, feature.name) not in dangling:
-                yield from feature.wrong_counts(element, values)
-            yield from feature.wrong_types(element, values)
 
 
 def shown(element):

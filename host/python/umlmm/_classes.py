@@ -5,7 +5,7 @@ import functools
 import keyword
 import sys
 
-from umlmm import _host
+from umlmm import _host  # type: ignore[attr-defined]
 
 # Bits of a method's word.
 _HIDDEN, _STATIC, _OVERRIDES_ALL = 2, 8, 512
@@ -146,6 +146,10 @@ class Packages:
         cls = self.classes.get(name)
         other = self.classes.get(cls.changeable) if cls else None
         return other.name if other and name in other.superclasses else name
+
+    def is_element_of_uml(self, cls):
+        """Whether the class shows elements of a metaclass."""
+        return cls.package.name == "umlmm" and any(base.name == "Kelm.ImmutableClassObject" for base in self.linear(cls))
 
     def is_changeable(self, cls):
         """Whether the class is a changeable one whose first superclass is its read-only twin."""

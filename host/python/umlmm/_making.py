@@ -53,6 +53,6 @@ class _Model:
         """`with umlmm.new_model() as model:` closes the model at the end."""
         return self
 
-    def __exit__(self, *error) -> None:
+    def __exit__(self, *error: object) -> None:
         if self.isvalid():
             self.close()

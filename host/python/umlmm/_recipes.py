@@ -4,7 +4,7 @@ taken back when something is refused."""
 from __future__ import annotations
 
 import umlmm
-from umlmm import Kelm, _host  # type: ignore[attr-defined]
+from umlmm import Kelm, _host, errors  # type: ignore[attr-defined]
 from umlmm._classes import python_name
 
 _recipes: dict[type, _Recipe] = {}
@@ -36,11 +36,11 @@ def make_in(values, kind, keywords):
     """An element in a list of a feature."""
     owner = _host.shown_object(values)
     if owner is None:
-        raise TypeError(f"{_named(type(values))} shows no feature of an element; make an element with "
+        raise errors.WrongType(f"{_named(type(values))} shows no feature of an element; make an element with "
                         f"{_named(kind or _item_class(values))}(model, ...) and append it")
     kind = kind or _item_class(values)
     if kind.MetaClass().isAbstract():
-        raise TypeError(f"{_named(kind)} is abstract: say of which class the element is to be, "
+        raise errors.WrongType(f"{_named(kind)} is abstract: say of which class the element is to be, "
                         f"as in create(umlmm.Class, ...)")
     made = make(kind, (owner.modelKelm,), keywords)
     try:
@@ -58,7 +58,7 @@ class _Recipe:
     @classmethod
     def of(cls, made):
         if not isinstance(made, type):
-            raise TypeError(f"A class makes elements, not {made!r}")
+            raise errors.WrongType(f"A class makes elements, not {made!r}")
         recipe = _recipes[made] = cls(made)
         return recipe
 
@@ -73,10 +73,10 @@ class _Recipe:
 
     def refuse(self, name):
         if name in self.known:
-            raise TypeError(f"'{name}' of {_named(self.cls)} is read-only and cannot be given")
+            raise errors.WrongType(f"'{name}' of {_named(self.cls)} is read-only and cannot be given")
         import difflib
         near = difflib.get_close_matches(name, [*self.settable, "owner"], 1)
-        raise TypeError(f"{_named(self.cls)} has no feature '{name}'"
+        raise errors.WrongType(f"{_named(self.cls)} has no feature '{name}'"
                         + (f"; did you mean '{near[0]}'?" if near else ""))
 
     def fill(self, made, keywords, owner=None, place=None, is_list=False):
@@ -90,7 +90,7 @@ class _Recipe:
                 getattr(owner, place).append(made)
             elif place:
                 if getattr(owner, place) is not None:
-                    raise ValueError(f"{place} of {owner!r} is taken; assign None to it first")
+                    raise errors.WrongValue(f"{place} of {owner!r} is taken; assign None to it first")
                 setattr(owner, place, made)
         except BaseException:
             for part in before:
@@ -104,14 +104,14 @@ class _Recipe:
     def find_place(self, owner):
         """The one feature of an owner that takes the element, and whether it is a list."""
         if not isinstance(owner, Kelm.ImmutableClassObject):
-            raise TypeError(f"owner is an element, or a pair of one and the name of a feature, not {owner!r}")
+            raise errors.WrongType(f"owner is an element, or a pair of one and the name of a feature, not {owner!r}")
         fits = self._fitting(owner)
         subsets = {general.name for feature in fits for general in feature.subsetted}
         fits = [feature for feature in fits if not {general.name for general in feature.subsetted}
                 & {other.name for other in fits}] if subsets else fits
         if len(fits) != 1:
             names = ", ".join(sorted(python_name(feature.name) for feature in fits))
-            raise TypeError(
+            raise errors.WrongType(
                 f"{_named(self.cls)} has several places in {owner!r}: {names}. "
                 f"Say which: owner=(element, {python_name(fits[0].name)!r})" if fits else
                 f"{_named(self.cls)} has no place in {owner!r}: none of its features owns such elements")
@@ -123,7 +123,7 @@ class _Recipe:
             if python_name(feature.name) == name:
                 return name, feature.isMultivalued
         names = ", ".join(sorted(python_name(feature.name) for feature in self._fitting(owner)))
-        raise TypeError(f"'{name}' of {owner!r} owns no {_named(self.cls)}; what does: {names or 'nothing'}")
+        raise errors.WrongType(f"'{name}' of {owner!r} owns no {_named(self.cls)}; what does: {names or 'nothing'}")
 
     def _fitting(self, owner):
         metaclass = self.cls.MetaClass()
@@ -177,7 +177,7 @@ def _model_among(cls, keywords):
     for value in keywords.values():
         for element in _parts(value):
             return element.modelKelm
-    raise TypeError(f"{_named(cls)} needs a model or an owner: {_named(cls)}(model, ...), {_named(cls)}(owner=...)")
+    raise errors.WrongType(f"{_named(cls)} needs a model or an owner: {_named(cls)}(model, ...), {_named(cls)}(owner=...)")
 
 
 def _item_class(values):
@@ -211,7 +211,7 @@ def bounds(value):
     except (TypeError, ValueError):
         lower = -1
     if lower < 0 or (upper != "*" and upper < lower):
-        raise ValueError(f"{given!r} is no multiplicity; what is: '1', '0..*', '*', 2, (0, None)")
+        raise errors.WrongValue(f"{given!r} is no multiplicity; what is: '1', '0..*', '*', 2, (0, None)")
     return lower, upper
 
 

@@ -5,6 +5,7 @@ import pathlib
 
 import umlmm
 from umlmm._classes import Packages, python_name
+from umlmm._texts import text_of
 from umlmm._types import Types
 
 _UNLIMITED = -1
@@ -91,14 +92,14 @@ class _Reference:
         lines += self._properties(metaclass, own)
         lines += self._operations(own)
         lines += self._inherited(own)
-        return [lines[0], "", *lines[1:], *self._classes(classes)]
+        return [text_of(name), "", lines[0], "", *lines[1:], *self._classes(classes)]
 
     def _properties(self, metaclass, own):
         rows = [self._property(prop, own) for prop in metaclass.ownedProperties()]
         if not rows:
             return []
-        return ["", "## Properties", "", "| Property | Type | A script reads | Facts | Relations |",
-                "|---|---|---|---|---|", *rows]
+        return ["", "## Properties", "", "| Property | Meaning | Type | A script reads | Facts | Relations |",
+                "|---|---|---|---|---|---|", *rows]
 
     def _property(self, prop, own):
         upper = "*" if prop.upper == _UNLIMITED else prop.upper
@@ -116,8 +117,9 @@ class _Reference:
             name = python_name(prop.name)
         else:  # a redefinition under the name of what it redefines has no property of its own
             reads, name = "as inherited", prop.name
-        return (f'| <a id="{prop.name}"></a>`{name}` | {self._type(prop)} [{prop.lower}..{upper}] | {reads} '
-                f"| {', '.join(facts)} | {'; '.join(relations)} |")
+        meaning = text_of(prop.owner().name, prop.name)
+        return (f'| <a id="{prop.name}"></a>`{name}` | {meaning} | {self._type(prop)} [{prop.lower}..{upper}] '
+                f"| {reads} | {', '.join(facts)} | {'; '.join(relations)} |")
 
     def _operations(self, own):
         methods = [method for method in own.methods if method.name not in self._common]
@@ -145,11 +147,12 @@ class _Reference:
 
     def _enumeration(self, classes):
         name = classes[0].short
-        literals = [f"| {number} | `umlmm.{name}.{python_name(literal)}` | `\"{literal}\"` |"
+        literals = [f"| {number} | `umlmm.{name}.{python_name(literal)}` | `\"{literal}\"` | {text_of(name, literal)} |"
                     for number, literal in enumerate(classes[0].literals)]
         methods = [method for method in classes[0].methods if method.name not in classes[0].literals]
-        return ["An enumeration. A literal is also what its call answers, and may be given by its name.", "",
-                "| Number | Literal | Name |", "|---|---|---|", *literals,
+        return [text_of(name), "",
+                "An enumeration. A literal is also what its call answers, and may be given by its name.", "",
+                "| Number | Literal | Name | Meaning |", "|---|---|---|---|", *literals,
                 "", "## Methods", "", *map(self._signature, methods), *self._classes(classes)]
 
     def _value_sentence(self, subject, classes):

@@ -6,9 +6,14 @@ import re
 from umlmm import _front, _host
 from umlmm._added import stub_lines
 from umlmm._classes import Packages, python_name
+from umlmm._module_stubs import module_stubs
+from umlmm._texts import text_of
 from umlmm._types import Types
 
 _COMPARISONS = {"lt": "__lt__", "le": "__le__", "gt": "__gt__", "ge": "__ge__"}
+
+# Features of the kernel that say nothing of UML.
+_KERNELS = {"uri", "externalToolInfo"}
 
 _HEAD = '''"""{title}
 
@@ -18,7 +23,8 @@ Written by `python -m umlmm stubs` from the filled classes. A feature that must 
 # mypy: disable-error-code="override,misc"
 
 from collections.abc import Callable as _Callable, Iterable as _Iterable, Sequence as _Sequence
-from typing import Any as _Any, ClassVar as _ClassVar, NoReturn as _NoReturn, TypeVar as _TypeVar, overload as _overload
+from typing import Any as _Any, ClassVar as _ClassVar, Literal as _Literal, NoReturn as _NoReturn, TypeVar as _TypeVar
+from typing import overload as _overload
 
 _T = _TypeVar("_T")
 
@@ -33,7 +39,7 @@ def write_stubs(folder):
     packages = Packages()
     added = {kind: stub_lines(members) for kind, members in _host.additions().items()}
     files = {"py.typed": "", "_typing.pyi": pathlib.Path(__file__).with_name("_typing.pyi").read_text("utf-8"),
-             "_kinds.pyi": _kinds(added)}
+             "_kinds.pyi": _kinds(added), **module_stubs()}
     for package in packages.packages:
         name = "__init__.pyi" if package.name == "umlmm" else f"{package.name}.pyi"
         files[name] = _PackageStub(packages, package, added).text()
@@ -74,8 +80,9 @@ class _PackageStub:
         lines = [_HEAD.format(title=f"The package `{self._package.module.__name__}`.") + _imports("".join(added)),
                  "from umlmm import _typing"]
         if self._package.name == "umlmm":
-            lines += ["from umlmm import Kelm as Kelm", *_later_imports(), "", "__version__: str"]
-        lines += [""]
+            lines += ["from umlmm import Kelm as Kelm", *_later_imports(), "", "__version__: str",
+                      "_Owner = Element | Kelm.Model | tuple[Element, str] | None"]
+        lines += ["", *(self._texts(cls) for cls in self._package.classes.values() if cls.literals)]
         lines += filter(None, (self._member(*member) for member in self._package.other_members.items()))
         lines += [self._definition(function) + "\n" for function in self._package.functions]
         for cls in self._package.classes.values():
@@ -102,39 +109,69 @@ class _PackageStub:
             bases.insert(0, f"_{cls.short}")
         root = "_typing.Enumeration" if cls.literals else "_typing.Instance"
         lines += [f"class {cls.short}({', '.join(bases or [root])}):"]
-        body = [f'"""{cls.description}"""'] if cls.description else []
+        body = _doc(self._meaning(cls) or cls.description)
         body += self._constructors(cls)
         body += self._properties(cls)
         names = dict.fromkeys(method.name for method in cls.methods if not method.is_constructor)
-        body += [f"{python_name(name)}: _ClassVar[{cls.short}]" for name in cls.literals]
+        for name in cls.literals:
+            body += [f"{python_name(name)}: _ClassVar[{cls.short}]", *_doc(self._meaning(cls, name))]
         for name in names:
             if name not in cls.literals:
                 body += self._method(cls, name)
         body += self._added.get(cls.name, [])
         return lines + ["    " + line for line in body or ["..."]] + [""]
 
+    @staticmethod
+    def _texts(cls):
+        """What may be given for a literal: its published name, or UML's spelling."""
+        texts = [text for name in cls.literals for text in (name, name[:1].lower() + name[1:])]
+        return f"_{cls.short}Text = _Literal[{', '.join(map(repr, texts))}]"
+
+    def _meaning(self, cls, member=""):
+        """What the catalogue says of the metaclass or enumeration that a class shows, or of a member of it."""
+        return "" if self._package.name != "umlmm" or cls.item else text_of(cls.subject, member)
+
     def _constructors(self, cls):
         own = [f"def __init__({self._types.parameters(method, 'self')}) -> None: ..." for method in cls.constructors]
-        if own and cls.subject == cls.short:
-            # With keywords the model may be the owner's.
-            own = [line.replace(", /)", ", /, **features: _Any)") for line in own]
-            refers = any(len(method.arguments) > 1 for method in cls.constructors)
-            owner = "" if refers else "*, owner: _Any, "
-            own += [f"def __init__(self, {owner}**features: _Any) -> None: ..."]
+        if cls.subject == cls.short and self._packages.is_element_of_uml(cls):
+            return _overloads(self._makers(cls, own))
         inherited = any(base.constructors for base in self._packages.linear(cls)[1:])
         if not own and inherited:
             return ["def __init__(self, has_no_constructor: _NoReturn, /) -> None: ..."]
         return _overloads(own)
 
+    def _makers(self, cls, own):
+        """Constructors with keywords. An abstract class takes what some class below it takes, as a script may have the
+        class from elsewhere: `def make(kind: type[T]) -> T`."""
+        if not own:
+            return ["def __init__(self, model: Kelm.Model = ..., /, *, owner: _Owner = ..., **features: _Any) -> None: ..."]
+        keywords = ", ".join(f"{name}: {given} = ..." for name, given in self._keywords(cls).items())
+        own = [line.replace(", /)", f", /, *, owner: _Owner = ..., {keywords})") for line in own]
+        refers = any(len(method.arguments) > 1 for method in cls.constructors)
+        return [*own, f"def __init__(self, *, owner: _Owner{' = ...' * refers}, {keywords}) -> None: ..."]
+
+    def _keywords(self, cls):
+        """What a keyword takes, by name: the features that can be set, and what was added with a setter."""
+        found = {}
+        for base in self._packages.linear(cls):
+            for prop in base.properties:
+                if not prop.is_read_only and prop.name not in _KERNELS:
+                    found.setdefault(python_name(prop.name), self._types.property_given(prop))
+            for line in self._added.get(base.name, []):
+                added = re.match(r"(\w+): _typing\.Property\[[^,]*, (.*)\]$", line)
+                if added:
+                    found.setdefault(added[1], added[2])
+        return found
+
     def _properties(self, cls):
         if self._packages.is_changeable(cls):
-            return [self._changeable_property(prop)
-                    for prop in self._packages.classes[cls.superclasses[0]].properties]
+            return [line for prop in self._packages.classes[cls.superclasses[0]].properties
+                    for line in (self._changeable_property(prop), *_doc(self._meaning(cls, prop.name)))]
         body = []
         for prop in cls.properties:
             read = self._types.property_read(prop, prop.type)
             body += [f"{python_name(prop.name)}: _typing.ReadOnlyProperty[{read}]"]
-            body += [f'"""{prop.summary}"""'] if prop.summary else []
+            body += _doc(" ".join(filter(None, (self._meaning(cls, prop.name), prop.summary))))
         return body
 
     def _changeable_property(self, prop):
@@ -174,6 +211,10 @@ class _PackageStub:
     def _covers(self, method, other):
         return len(method.arguments) == len(other.arguments) and all(
             self._packages.accepts(*pair) for pair in zip(method.arguments, other.arguments))
+
+
+def _doc(text):
+    return [f'"""{text}"""'] if text else []
 
 
 def _overloads(definitions, is_static=False):

@@ -35,13 +35,15 @@ class Types:
         return self.shown(type_name) if type_name in self._packages.classes else _value(type_name)[0]
 
     def given(self, type_name):
-        """The type of what a script may hand over: for a literal also its name, for a list any sequence."""
+        """The type of what a script may hand over: for a literal also its text, for a list any sequence."""
         cls = self._packages.classes.get(type_name)
         if cls is None:
             return _value(type_name)[1]
         if cls.is_list:
             return f"_Sequence[{self.given(cls.item)}]"
-        return f"{self.shown(type_name)} | str" if cls.literals else self.shown(type_name)
+        if type_name == "Kelm.ImmutableClass":  # a script class stands for its metaclass
+            return f"{self.shown(type_name)} | type"
+        return f"{self.shown(type_name)} | _{cls.short}Text" if cls.literals else self.shown(type_name)
 
     def property_read(self, prop, type_name):
         """The type of what a property reads as, which is of `type_name` when it is there."""

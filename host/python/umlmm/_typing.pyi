@@ -1,4 +1,5 @@
 """What the stubs of umlmm share. There is no such module when a script runs."""
+# mypy: disable-error-code="assignment,misc,override"
 
 from collections.abc import Callable, Iterable, Iterator, Sequence
 from typing import Any, ClassVar, Generic, NoReturn, SupportsIndex, TypeVar, overload
@@ -21,6 +22,11 @@ class ReadOnlyProperty(Generic[_Read]):
 class Property(ReadOnlyProperty[_Read], Generic[_Read, _Write]):
     """A property that takes more than it gives: a reference takes None, a list any iterable."""
 
+    # Beside `__set__`, so that checkers see that what is assigned is not what will be read.
+    @overload
+    def __get__(self, instance: None, owner: type, /) -> Self: ...
+    @overload
+    def __get__(self, instance: object, owner: type | None = ..., /) -> _Read: ...
     def __set__(self, instance: object, value: _Write, /) -> None: ...
 
 class Instance:
@@ -29,8 +35,8 @@ class Instance:
 class _Literals(type):
     """What an enumeration's class can do: its literals in order, and each by its text."""
 
-    def __iter__(cls: type[_Item]) -> Iterator[_Item]: ...  # type: ignore[misc]
-    def __getitem__(cls: type[_Item], text: str, /) -> _Item: ...  # type: ignore[misc]
+    def __iter__(cls: type[_Item]) -> Iterator[_Item]: ...
+    def __getitem__(cls: type[_Item], text: str, /) -> _Item: ...
 
 class Enumeration(_kinds.Enumeration, metaclass=_Literals):
     """A literal may be called as the method that it is published as."""
@@ -41,7 +47,8 @@ class Enumeration(_kinds.Enumeration, metaclass=_Literals):
 class List(_kinds.List, Instance, Sequence[_Item]):
     """A list counts from 0 in Python's own ways, and from 1 in the published methods."""
 
-    __hash__: ClassVar[None]  # type: ignore[assignment]
+    __hash__: ClassVar[None]
+    def __eq__(self, other: object) -> bool: ...
     @overload
     def __getitem__(self, place: SupportsIndex, /) -> _Item: ...
     @overload
@@ -57,7 +64,7 @@ class ChangeableList(List[_Item]):
     @overload
     def __setitem__(self, places: slice, values: Iterable[_Item], /) -> None: ...
     def __delitem__(self, places: SupportsIndex | slice, /) -> None: ...
-    def __iadd__(self, values: Iterable[_Item], /) -> Self: ...  # type: ignore[misc, override]
+    def __iadd__(self, values: Iterable[_Item], /) -> Self: ...
     def extend(self, values: Iterable[_Item], /) -> None: ...
     def remove(self, value: _Item, /) -> None: ...
     def pop(self, place: SupportsIndex = -1, /) -> _Item: ...

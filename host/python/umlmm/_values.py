@@ -1,5 +1,5 @@
 """Values as Python has them: literals of enumerations that can be iterated, called for and compared with texts, and
-references with a truth value."""
+elements and models that are shown and have a truth value."""
 
 from umlmm import _front
 
@@ -36,15 +36,16 @@ class _Enumeration:
         return spelling
 
     def __construct__(cls, arguments, keywords):
+        from umlmm import errors
         if len(arguments) != 1 or keywords:
-            raise TypeError(f"{cls.__module__}.{cls.__qualname__} is called with the text of a literal")
+            raise errors.WrongType(f"{cls.__module__}.{cls.__qualname__} is called with the text of a literal")
         text, = arguments
         if isinstance(text, cls):
             return text
         literal = _of(cls).get(text[:1].lower() + text[1:]) if isinstance(text, str) else None
         if literal is None:
-            raise ValueError(f"{text!r} is no literal of {cls.__module__}.{cls.__qualname__}; "
-                             f"these are: {', '.join(_of(cls))}")
+            raise errors.WrongValue(f"{text!r} is no literal of {cls.__module__}.{cls.__qualname__}; "
+                                    f"these are: {', '.join(_of(cls))}")
         return literal
 
     def __class_iter__(cls):
@@ -54,7 +55,8 @@ class _Enumeration:
         try:
             return cls(name)
         except ValueError as error:
-            raise KeyError(str(error)) from None
+            from umlmm import errors
+            raise errors.NotFound(str(error)) from None
 
     def __eq__(self, other: object) -> bool:
         if self is other:
@@ -75,3 +77,25 @@ class _Element:
     def __bool__(self) -> bool:
         """Whether there is an element: False for one that is gone, and for a query's answer that is none."""
         return self.isvalid()
+
+    def __str__(self) -> str:
+        """The qualified name; what has no name is told by its metaclass, as in `path`."""
+        return self.path if self else repr(self)
+
+    def __repr__(self) -> str:
+        kind = f"{type(self).__module__}.{type(self).__qualname__}"
+        return f"<{kind} {self.path!r}>" if self else f"<{kind} that is gone>"
+
+
+@_front.adds_to(_front.MODELS)
+class _Model:
+    def __bool__(self) -> bool:
+        """Whether the model is open."""
+        return self.isvalid()
+
+    def __repr__(self) -> str:
+        kind = f"{type(self).__module__}.{type(self).__qualname__}"
+        if not self:
+            return f"<{kind} that is closed>"
+        roots = self.rootElements()
+        return f"<{kind}: {', '.join(map(str, roots[:3])) or 'empty'}{', ...' * (len(roots) > 3)}>"

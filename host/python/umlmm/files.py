@@ -16,7 +16,7 @@ import os
 import sys
 
 import umlmm
-from umlmm import _host  # type: ignore[attr-defined]
+from umlmm import _host, errors  # type: ignore[attr-defined]
 from umlmm._answers import DuplicateId, Finding, Report, ReportFile, Unknown, Unresolved, decoded
 from umlmm._stereotypes import Stereotype, Stereotypes
 
@@ -43,7 +43,7 @@ _native = umlmm._show("umlmm._files", "umlmm_files")  # type: ignore[attr-define
 _STEP_MILLISECONDS = 50
 
 
-class Error(Exception):
+class Error(errors.Error):
     """A file cannot be opened, read or written. `file`, `line`, `column` and `path`, the names of the elements from
     the root on, tell where, as far as it is known."""
 

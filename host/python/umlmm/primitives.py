@@ -5,7 +5,7 @@ from __future__ import annotations
 from collections.abc import Iterator
 
 import umlmm
-from umlmm import Kelm
+from umlmm import Kelm, errors
 
 NAMES = ("Boolean", "Integer", "Real", "String", "UnlimitedNatural")
 
@@ -25,7 +25,7 @@ class Primitives:
 
     def __getattr__(self, name: str) -> umlmm.PrimitiveType:
         if name not in NAMES:
-            raise AttributeError(f"The standard has no primitive type '{name}'; it has {', '.join(NAMES)}")
+            raise errors.NoSuchMember(f"The standard has no primitive type '{name}'; it has {', '.join(NAMES)}")
         # A reading has made those that its files name.
         for element in self._model.instancesOf(umlmm.PrimitiveType.MetaClass()):
             if element.name == name and element.owner is None and not element.externalId:  # type: ignore[attr-defined]

@@ -11,13 +11,22 @@
 from __future__ import annotations
 
 import umlmm
-from umlmm import Kelm
+from umlmm import Kelm, errors
+
+TYPE_CHECKING = False
+if TYPE_CHECKING:
+    from typing import Literal, Union
+
+    _Bounds = Union[str, int, tuple[int, Union[int, str, None]]]
+    _End = Union[umlmm.ConnectableElement, tuple[umlmm.Property, umlmm.ConnectableElement]]
+    _Sort = Literal["synchCall", "asynchCall", "asynchSignal", "createMessage", "deleteMessage", "reply"]
 
 __all__ = ["associate", "connect", "depend", "generalize", "realize", "send"]
 
 
 def associate(first: umlmm.Type, second: umlmm.Type, *, name: str = "", ends: tuple[str, str] = ("", ""),
-              multiplicity: tuple = ("1", "1"), aggregation: str = "none",
+              multiplicity: tuple[_Bounds, _Bounds] = ("1", "1"),
+              aggregation: umlmm.AggregationKind | Literal["none", "shared", "composite"] = "none",
               navigable: bool | tuple[bool, bool] | None = None, kind: type | None = None,
               owner: umlmm.Package | None = None) -> umlmm.Association:
     """An association (UML 2.5.1, clause 11.5) of two types, in the package of the first one unless `owner` is given.
@@ -82,7 +91,7 @@ def depend(client: umlmm.NamedElement, supplier: umlmm.NamedElement, *, name: st
         return made
 
 
-def connect(first, second, *, name: str = "", type: umlmm.Association | None = None,
+def connect(first: _End, second: _End, *, name: str = "", type: umlmm.Association | None = None,
             owner: umlmm.StructuredClassifier | None = None) -> umlmm.Connector:
     """A connector (UML 2.5.1, clause 11.2) of two parts or ports, in the classifier that owns them unless `owner` is given. A
     port of a part is given as a pair: `connect((engine, shaft), wheel)`."""
@@ -101,22 +110,31 @@ def connect(first, second, *, name: str = "", type: umlmm.Association | None = N
         return made
 
 
-def send(sender: umlmm.Lifeline, receiver: umlmm.Lifeline, name: str = "", *, sort: str = "synchCall",
-         signature: umlmm.NamedElement | None = None) -> umlmm.Message:
+def send(sender: umlmm.Lifeline, receiver: umlmm.Lifeline, name: str = "", *,
+         sort: umlmm.MessageSort | _Sort | None = None,
+         signature: umlmm.Operation | umlmm.Signal | None = None) -> umlmm.Message:
     """A message (UML 2.5.1, clause 17.4) between two lifelines of an interaction, with an occurrence on each, behind all that
-    happens in the interaction so far."""
+    happens in the interaction so far. `signature` is what is called or sent: the occurrences get events of it, in the
+    package of the interaction. Unless `sort` is given, a message is a call that waits, and that of a signal is one."""
     interaction = sender.interaction
     if interaction is None or receiver.interaction != interaction:
-        raise ValueError(f"{sender!r} and {receiver!r} are not lifelines of one interaction")
+        raise errors.WrongValue(f"{sender!r} and {receiver!r} are not lifelines of one interaction")
+    is_signal = isinstance(signature, umlmm.ImmutableSignal)
+    if not (signature is None or is_signal or isinstance(signature, umlmm.ImmutableOperation)):
+        raise errors.WrongType(f"The signature of a message is an operation or a signal, not {signature!r}")
     with _Making() as making:
         model = sender.modelKelm
+        sort = sort or ("asynchSignal" if is_signal else "synchCall")
         made = making.new(umlmm.Message, model, name=name, messageSort=sort, interaction=interaction)
-        if signature is not None:
-            made.signature = signature
         for feature, lifeline in (("sendEvent", sender), ("receiveEvent", receiver)):
             occurrence = making.new(umlmm.MessageOccurrenceSpecification, model, covered=[lifeline], message=made)
             interaction.fragment.append(occurrence)
             setattr(made, feature, occurrence)
+            if signature is not None:
+                kind = f"{feature.removesuffix('Event').title()}{'Signal' if is_signal else 'Operation'}Event"
+                occurrence.event = making.new(getattr(umlmm, kind), model, **{
+                    "signal" if is_signal else "operation": signature})
+                _put(occurrence.event, _package_of(interaction))
         return made
 
 
@@ -159,6 +177,6 @@ def _common_structure(ends):
     inner = [part or role for part, role in ends]
     owners = [role.owner for role in inner]
     if owners[0] is None or owners[0] != owners[1] or not isinstance(owners[0], Kelm.ClassObject):
-        raise ValueError(f"{inner[0]!r} and {inner[1]!r} are not parts or ports of one classifier; say in which the "
+        raise errors.WrongValue(f"{inner[0]!r} and {inner[1]!r} are not parts or ports of one classifier; say in which the "
                          f"connector is to be: owner=classifier")
     return owners[0]

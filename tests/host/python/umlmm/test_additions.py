@@ -147,7 +147,7 @@ STUBS = {"Kelm.pyi": ["import umlmm\n", '    def shown(self, mark: str = ..., *m
                       '    note: _typing.Property[str, str | None]\n    """A note."""\n', "    fixed: _typing.ReadOnlyProperty[_Any]\n",
                       "    @classmethod\n    def everyone(cls) -> int: ...\n", "    def __contains__(self, name): ...\n"],
          "__init__.pyi": ["    def shown(self): ...\n", "class VisibilityKind(_typing.Enumeration):\n"],
-         "_kinds.pyi": ["    def having(self, **features: object) -> int: ...\n", "    def __class_getitem__(cls, text): ...\n"]}
+         "_kinds.pyi": ["    def having(self, **features: object) -> int: ...\n"]}
 
 
 def test_additions_act_as_members_of_the_class_would_and_never_hide_any(tmp_path):

@@ -1,6 +1,8 @@
 """Look-ups by name, held against a walk over the model while it is changed at random."""
 
 import random
+import sys
+import types
 
 import pytest
 
@@ -62,3 +64,43 @@ def test_the_first_look_up_may_come_after_elements_have_left_the_top_level():
         assert model["p8"] is packages[8]
         assert model["p0::p4"] is packages[4]
         assert "p1" not in model and "p4" not in model
+
+
+class Graph:
+    """As much of a graph of networkx as is asked for here."""
+
+    def __init__(self):
+        self.nodes, self.edges = {}, []
+
+    def __contains__(self, node):
+        return node in self.nodes
+
+    def add_node(self, node, **attributes):
+        self.nodes[node] = attributes
+
+    def add_edge(self, source, target, **attributes):
+        assert source in self and target in self
+        self.edges.append((source.name, target.name, attributes["feature"]))
+
+
+def test_what_was_found_is_a_graph(model, monkeypatch):
+    a, b, c = (umlmm.Class(model, name=name) for name in "abc")
+    umlmm.generalize(a, b)
+    x = a.ownedAttribute.create(name="x", type=c)
+    monkeypatch.setitem(sys.modules, "networkx", types.SimpleNamespace(MultiDiGraph=Graph))
+    graph = model.where(umlmm.Class, lambda each: each != c).graph("general", "ownedAttribute.type")
+    assert graph.edges == [("a", "b", "general"), ("a", "c", "ownedAttribute.type")]
+    assert graph.nodes[c] == {"kind": "Class", "path": "c"} and len(graph.nodes) == 3
+    assert a.descendants(umlmm.Property).graph().edges == []
+    assert umlmm.queries.Found([a, x, c]).graph().edges == [
+        ("a", "x", "ownedAttribute"), ("x", "a", "class_"), ("x", "c", "type")]
+    for name, ask in (("networkx", lambda: model.all().graph()), ("pandas", lambda: model.all().table("path").dataframe())):
+        monkeypatch.setitem(sys.modules, name, None)
+        with pytest.raises(ImportError, match=f"needs the Python package {name}, which is not installed"):
+            ask()
+
+
+def test_a_table_is_written_as_comma_separated_values(model, tmp_path):
+    umlmm.Class(model, name='a "quoted", name')
+    text = model.all(umlmm.Class).table("name", "isAbstract").csv(tmp_path / "table.csv")
+    assert (tmp_path / "table.csv").read_text() == text == 'name,isAbstract\n"a ""quoted"", name",False\n'

@@ -117,55 +117,7 @@ def types_of_properties(cls, stubs):
     return found
 
 
-TYPED = '''
-import umlmm
-model = umlmm.Factory.createNewModel()
-shop, order, item = umlmm.Package(model), umlmm.Class(model), umlmm.Class(model)
-shop.packagedElement = (element for element in (order, item))
-shop.packagedElement += [umlmm.Package(model)]
-order.name, order.visibility = "Order", "Private"
-items = umlmm.Property(model)
-items.type, items.upper, items.aggregation = item.asImmutable(), 3, umlmm.AggregationKind.None_()
-order.ownedAttribute.append(items)
-order.ownedAttribute.insert(1, umlmm.Port(model))
-order.package = None
-first: umlmm.Property = order.ownedAttribute[0]
-rest: list[umlmm.Property] = order.ownedAttribute[1:]
-both: list[umlmm.Property] = sorted(order.ownedAttribute, key=lambda attribute: attribute.name)
-views: list[umlmm.ImmutableProperty] = list(order.asImmutable().ownedAttribute)
-owner: umlmm.Class | None = items.class_
-parents: umlmm.ImmutableSequenceOfImmutableClassifier = order.allParents()
-is_more: bool = umlmm.VisibilityKind.Private > umlmm.VisibilityKind.Public
-link = umlmm.Factory.createNewFactory(model).createGeneralization(order, item)
-general: umlmm.Classifier = link.general
-def nameOf(element: umlmm.ImmutableNamedElement) -> str:
-    return element.ownedAttribute[0].name if isinstance(element, umlmm.ImmutableClass) else element.qualifiedName
-nameOf(order)
-umlmm.Kelm.extend("umlmm.Class", "nameOf", nameOf)
-umlmm.SequenceOfString.make(model).extend(["a", "b"])
-cart = umlmm.Class(owner=shop, name="Cart", isAbstract=True)
-lines: umlmm.Association = umlmm.associate(cart, item, ends=("", "lines"), multiplicity=("1", "0..*"))
-special: umlmm.Generalization = umlmm.Generalization(specific=cart, general=order)
-found: list[umlmm.Classifier] = model.all(umlmm.Classifier)
-text: umlmm.Property = cart.ownedAttribute.create(name="text", type=model.primitives.String, multiplicity="0..1")
-other: umlmm.Property | None = text.other_end
-kind: str = umlmm.VisibilityKind("private").value
-kinds: list[umlmm.VisibilityKind] = [*umlmm.VisibilityKind, umlmm.VisibilityKind["public"]]
-order.nmae  # wrong
-order.name = 5  # wrong
-order.asImmutable().name = "Order"  # wrong
-order.ownedAttribute.append(umlmm.Comment(model))  # wrong
-order.asImmutable().ownedAttribute.append(items)  # wrong
-order.ownedMember.clear()  # wrong
-order.package.name  # wrong
-order.conformsTo("Item")  # wrong
-umlmm.Element(model)  # wrong
-umlmm.Class()  # wrong
-cart.descendants("Class")  # wrong
-umlmm.remove(model)  # wrong
-umlmm.AggregationKind.Compsite  # wrong
-umlmm.SequenceOfInteger.make(model).append("a")  # wrong
-'''
+TYPED = pathlib.Path(__file__).with_name("typed_script.py").read_text("utf-8")
 
 
 def test_mypy_accepts_what_is_right_and_finds_what_is_wrong(tmp_path):
@@ -175,7 +127,7 @@ def test_mypy_accepts_what_is_right_and_finds_what_is_wrong(tmp_path):
     # What lies on Python's own path counts as installed: errors in it are not shown.
     environment = {name: value for name, value in os.environ.items() if name not in ("LD_PRELOAD", "PYTHONPATH")}
     done = subprocess.run(
-        [sys.executable, "-m", "mypy", "--no-error-summary", "--cache-dir", tmp_path / "cache", script],
+        [sys.executable, "-m", "mypy", "--strict", "--no-error-summary", "--cache-dir", tmp_path / "cache", script],
         env=environment | {"MYPYPATH": str(STUBS.parent)}, cwd=tmp_path, capture_output=True, text=True)
     wrong = {line for line, text in enumerate(TYPED.splitlines(), 1) if text.endswith("# wrong")}
     assert {tuple(line.split(": ")[:2]) for line in done.stdout.splitlines() if ": note: " not in line} == \

@@ -227,9 +227,9 @@ def test_import_makes_no_class():
 
 def test_help_tells_each_signature_once_and_what_the_metamodel_says():
     assert umlmm.Comment.cast.__doc__.split("\n") == [
-        "cast(Kelm.Object other) -> Kelm.Object", "cast(Kelm.ImmutableObject other) -> Kelm.ImmutableObject",
-        "cast(Kelm.Object other) -> Kelm.ImmutableObject", ""]
+        "cast(other: Kelm.Object, /) -> Kelm.Object", "cast(other: Kelm.ImmutableObject, /) -> Kelm.ImmutableObject",
+        "cast(other: Kelm.Object, /) -> Kelm.ImmutableObject"]
     assert umlmm.Class.ownedOperation.__doc__ == (
-        "ownedOperation: umlmm.ImmutableSequenceOfImmutableOperation\n\n"
+        "ownedOperation: umlmm.ImmutableSequenceOfImmutableOperation\n\nThe operations, in order.\n\n"
         "Operation [0..*], composite, ordered; opposite Operation.class")
     assert umlmm.ImmutableMultiplicityElement.upper.__doc__.endswith("UnlimitedNatural [0..1] = 1, derived")
