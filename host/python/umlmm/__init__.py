@@ -49,7 +49,8 @@ _show(__name__, "umlmm")
 # What this package adds to itself is brought in when it is first asked for: by name, the module that has it.
 _LATER = {name: "files" for name in ("files", "load", "load_all")} | {
     name: "relations" for name in ("associate", "connect", "depend", "generalize", "realize", "relations", "send")} | {
-    name: "changes" for name in ("changes", "new_model", "remove")} | {"primitives": "primitives"}
+    name: "changes" for name in ("changes", "new_model", "remove")} | {
+    "primitives": "primitives", "draw": "drawing"}
 
 
 def __getattr__(name):

@@ -1,0 +1,83 @@
+"""Models for views: one with everything that class diagrams have a notation for, and random ones."""
+
+import umlmm
+
+MULTIPLICITIES = ["1", "0..1", "0..*", "1..*", "2", "3..7"]
+
+
+def shop():
+    """A small model with one of each."""
+    model = umlmm.new_model()
+    top = umlmm.Package(model, name="shop")
+    users, billing = (umlmm.Package(owner=top, name=name) for name in ("users", "billing"))
+    umlmm.Package(owner=top, name="empty")
+    order, item = (umlmm.Class(owner=top, name=name) for name in ("Order", "Item"))
+    person = umlmm.Class(owner=users, name="Person", isAbstract=True)
+    customer = umlmm.Class(owner=users, name="Customer")
+    invoice = umlmm.Class(owner=billing, name="Invoice")
+    state = umlmm.Enumeration(owner=top, name="State")
+    for name in ("open", "paid"):
+        state.ownedLiteral.create(name=name)
+    sellable = umlmm.Interface(owner=top, name="Sellable")
+    sellable.ownedOperation.create(name="price")
+    order.ownedAttribute.create(name="total", type=model.primitives.Integer, multiplicity="0..1", visibility="private",
+                                default="0")
+    order.ownedAttribute.create(name="count", isStatic=True, isReadOnly=True, isDerived=True)
+    add = order.ownedOperation.create(name="add", isAbstract=True, visibility="protected")
+    add.ownedParameter.create(name="item", type=item)
+    add.ownedParameter.create(name="done", direction="return", type=model.primitives.Boolean)
+    order.nestedClassifier.create(umlmm.Class, name="Line")
+    umlmm.associate(order, item, name="lines", ends=("order", "items"), multiplicity=("1", "0..*"),
+                    aggregation="composite")
+    umlmm.associate(customer, order, ends=("", "orders"), multiplicity=("1", "*"))
+    umlmm.associate(person, person, ends=("parent", "child"), multiplicity=("2", "*"), aggregation="shared")
+    umlmm.associate(invoice, order, name="Payment", kind=umlmm.AssociationClass)
+    several(model, top, "deal", [customer, item, invoice])
+    umlmm.generalize(customer, person)
+    umlmm.realize(item, sellable)
+    umlmm.depend(order, sellable, kind=umlmm.Usage)
+    umlmm.depend(billing, users)
+    billing.packageImport.create(importedPackage=users, visibility="private")
+    top.packagedElement.append(umlmm.Dependency(model, client=[order, item], supplier=[state, person]))
+    top.ownedComment.create(body="What a customer wants", annotatedElement=[order])
+    return top
+
+
+def several(model, package, name, types):
+    association = umlmm.Association(model, name=name)
+    for at, kind in enumerate(types):
+        end = umlmm.Property(model, name=f"{name}{at}", type=kind)
+        association.ownedEnd.append(end)
+        association.memberEnd.append(end)
+    package.packagedElement.append(association)
+
+
+def random_model(rng):
+    """Packages in packages, classes and interfaces in them, and relations among any."""
+    model = umlmm.new_model()
+    packages = [umlmm.Package(model, name="p0")]
+    for at in range(1, rng.randint(1, 5)):
+        packages.append(umlmm.Package(owner=rng.choice(packages), name=f"p{at}"))
+    types = [rng.choice([umlmm.Class, umlmm.Interface, umlmm.Class])(owner=rng.choice(packages), name=f"c{at}")
+             for at in range(rng.randint(2, 12))]
+    for at in range(rng.randint(1, 18)):
+        one, other = rng.choice(types), rng.choice(types)
+        action = rng.random()
+        if action < .4:
+            umlmm.associate(one, other, name=f"a{at}", ends=(f"x{at}", rng.choice(["", f"y{at}"])),
+                            multiplicity=(rng.choice(MULTIPLICITIES), rng.choice(MULTIPLICITIES)),
+                            aggregation=rng.choice(["none", "shared", "composite"]),
+                            kind=rng.choice([umlmm.Association, umlmm.Association, umlmm.AssociationClass]),
+                            navigable=rng.choice([None, True, (True, False)]))
+        elif action < .6 and one != other and one not in other.allParents():
+            umlmm.generalize(one, other)
+        elif action < .7 and isinstance(one, umlmm.Class) and isinstance(other, umlmm.Interface):
+            umlmm.realize(one, other)
+        elif action < .8:
+            several(model, rng.choice(packages), f"n{at}", [one, other, rng.choice(types)])
+        elif action < .9:
+            first, second = rng.choice(packages + types), rng.choice(packages + types)
+            umlmm.depend(first, second, name=f"d{at}", kind=rng.choice([umlmm.Usage, umlmm.Dependency]))
+        else:
+            rng.choice(packages).packageImport.create(importedPackage=rng.choice(packages))
+    return model
