@@ -257,8 +257,7 @@ class Diagram:
             name = keyword = ""  # stands in the box of the association class
         ends = list(association.memberEnd)
         if isinstance(association, umlmm.ImmutableExtension) and len(ends) == 2:
-            [own] = association.ownedEnd
-            [other] = [end for end in ends if end != own]
+            own, other = ends if ends[0] in association.ownedEnd else ends[::-1]
             self._line(association, End(self._place(own.type), element=own),
                        End(self._place(other.type), "filled triangle", element=other), upward=True)
         elif len(ends) == 2:
