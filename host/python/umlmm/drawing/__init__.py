@@ -21,15 +21,16 @@ def draw(what: Any, kind: str | None = None, *, depth: int | None = None, show: 
          direction: str = "down", limit: int | None = LIMIT) -> View:
     """A view of a model, of an element, or of several elements.
 
-    `kind` is "class", "inheritance" or "references" (who refers to the elements); "class" unless said. `depth` is how
+    `kind` is "class", "sequence", "inheritance" or "references" (who refers to the elements); unless said it is found
+    from the element: "sequence" for an interaction, "class" for most. `depth` is how
     many levels of packages are opened, of other elements how many relations are followed. `show` and `hide` name what
     is to be seen, such as "inherited", "comments", "operations", "visibility"; `hide` takes elements, too. `direction`
     is where subordinate boxes go: "down", "up", "left" or "right". A view that would have more boxes than `limit` keeps
     packages closed, or stays nearer to its elements, and says so in `notes`; `limit=None` draws whatever there is.
     """
-    from umlmm.drawing import choosing, class_diagram, reference_diagram
-    kinds = {"class": class_diagram.build, "inheritance": class_diagram.build_inheritance,
-             "references": reference_diagram.build}
+    from umlmm.drawing import choosing, class_diagram, reference_diagram, sequence_diagram
+    kinds = {"class": class_diagram.build, "sequence": sequence_diagram.build,
+             "inheritance": class_diagram.build_inheritance, "references": reference_diagram.build}
     if kind is not None and kind not in kinds:
         raise ValueError(f"{kind!r} is no kind of view; what is: {', '.join(kinds)}")
     if direction not in DIRECTIONS:
@@ -39,4 +40,5 @@ def draw(what: Any, kind: str | None = None, *, depth: int | None = None, show: 
     if limit is not None and (not isinstance(limit, int) or limit < 1):
         raise ValueError(f"limit is a number of boxes from 1 on, or None for any, not {limit!r}")
     options = Options(show, hide)
-    return kinds[kind or "class"](choosing.Chosen(what), options, depth, direction, limit)
+    chosen = choosing.Chosen(what)
+    return kinds[kind or chosen.kind](chosen, options, depth, direction, limit)

@@ -7,6 +7,10 @@ from umlmm import Kelm
 from umlmm.drawing import notation, relating
 
 
+# Kinds of views by metaclass.
+_KINDS = {"Interaction": "sequence", "Element": "class"}
+
+
 class Chosen:
     """`elements` in the order in which they were given. Elements whose contents are drawn (`opened`) are what a model
     has at its top, and a package that was given alone."""
@@ -36,6 +40,12 @@ class Chosen:
         self.is_one = isinstance(what, Kelm.ImmutableClassObject)
 
     is_one = False
+
+    @property
+    def kind(self):
+        """The kind of view that shows the elements best."""
+        kinds = {relating.nearest(_KINDS, element) for element in self.elements}
+        return kinds.pop() if len(kinds) == 1 else "class"
 
 
 def _is_standard(element):

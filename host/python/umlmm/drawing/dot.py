@@ -10,6 +10,8 @@ _MARKS = {"": "none", "arrow": "vee", "triangle": "onormal", "filled triangle": 
 
 
 def write(view):
+    if view.kind == "sequence":
+        raise ValueError("Graphviz has no sequences: svg(), plantuml() and mermaid() show them")
     rows = [f"digraph {_quoted(view.title)} {{", *(f"  // {note}" for note in view.notes),
             f'  graph [rankdir={_RANKS[view.direction]} compound=true fontname="Helvetica" fontsize=12];',
             '  node [shape=plain fontname="Helvetica" fontsize=12];',

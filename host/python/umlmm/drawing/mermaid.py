@@ -13,6 +13,9 @@ _MARKED = re.compile(r"[^\w .,:=\[\]\xab\xbb-]|(?<=-)-|_(?=_)|:(?=:)")
 
 
 def write(view):
+    if view.kind == "sequence":
+        from umlmm.drawing import sequence_texts
+        return sequence_texts.mermaid(view, text)
     rows = ["classDiagram", *(f"  %% {note}" for note in view.notes), f"  direction {_RANKS[view.direction]}"]
     ends = {end.box for relation in view.relations for end in (relation.source, relation.target)}
     notes, remarks = {}, {}

@@ -130,6 +130,20 @@ def reception(feature, options):
     return line(feature, signal + f"{clean(feature.name)}({_parameters(feature, options)})", kind="reception")
 
 
+def value(specification):
+    """A value as text, without what quotes it."""
+    for feature in ("value", "body", "instance", "symbol", "expr"):
+        found = getattr(specification, feature, None)
+        if found is None:
+            continue
+        if feature == "instance":
+            return name_of(found)
+        if feature == "expr":
+            return value(found)
+        return str(found[0] if feature == "body" and found else "" if feature == "body" else found)
+    return getattr(specification, "name", "") or ""
+
+
 def literal(feature, _options):
     return line(feature, clean(feature.name), kind="literal")
 

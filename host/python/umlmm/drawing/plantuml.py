@@ -15,6 +15,9 @@ _MARKED = re.compile(
 
 
 def write(view):
+    if view.kind == "sequence":
+        from umlmm.drawing import sequence_texts
+        return sequence_texts.plantuml(view, text)
     rows = ["@startuml", *(f"' {note}" for note in view.notes), "skinparam classAttributeIconSize 0",
             "hide empty members"]
     if view.direction in ("left", "right"):

@@ -22,7 +22,10 @@ _ADDRESS = re.compile(r"(?:https?:|mailto:|#|[^:/?#\s]*(?:[/?#]|$))", re.IGNOREC
 def write(view, theme="light", links=None):
     if theme not in _THEMES:
         raise ValueError(f"{theme!r} is no theme; what is: {', '.join(_THEMES)}")
-    return _Picture(view, layouts.lay_out(view), _THEMES[theme], links).text()
+    if view.kind == "sequence":
+        from umlmm.drawing import sequence_svg
+        return sequence_svg.SequencePicture(view, _THEMES[theme], links).text()
+    return _Boxes(view, _THEMES[theme], links).text()
 
 
 def address(text):
@@ -48,32 +51,34 @@ def _number(value):
     return f"{value:.1f}".removesuffix(".0")
 
 
-class _Picture:
-    def __init__(self, view, layout, colors, links):
+class Picture:
+    """What pictures of all kinds are drawn with. A kind knows its size, `w` and `h`, and how to `draw`."""
+
+    w: float
+    h: float
+
+    def __init__(self, view, colors, links):
         self._view = view
-        self._layout = layout
         self._colors = colors
         self._links = links
         self._rows = []
-        self._labels = {}
-        for label in layout.texts:
-            self._labels.setdefault(label.relation, []).append(label)
+
+    def draw(self):
+        raise NotImplementedError
 
     def text(self):
-        view, layout = self._view, self._layout
+        view = self._view
         notes = [row for note in view.notes for row in notation.wrapped(note, 90)]
-        w = max([layout.w, width(view.title) + 32, *(width(row) + 32 for row in notes)])
-        h = layout.h + LINE * len(notes) + (8 if notes else 0)
+        w = max([self.w, width(view.title) + 32, *(width(row) + 32 for row in notes)])
+        h = self.h + LINE * len(notes) + (8 if notes else 0)
         self._add(f"<svg{_attributes(xmlns='http://www.w3.org/2000/svg', width=float(w), height=float(h))}"
                   f' viewBox="0 0 {_number(w)} {_number(h)}" role="img" font-family="Helvetica, Arial, Liberation Sans, '
                   f'sans-serif"{_attributes(font_size=SIZE, data_view=view.kind)}>')
         self._add(f"<title>{escape(view.title)}</title>")
         self._add(f'<rect width="100%" height="100%"{_attributes(fill=self._colors["page"])}/>')
-        self._boxes(view.boxes)
-        for relation in view.relations:
-            self._relation(relation)
+        self.draw()
         for at, row in enumerate(notes):
-            self._write(16.0, layout.h + LINE * at + SIZE, row, fill=self._colors["faint"], data_note="note")
+            self._write(16.0, self.h + LINE * at + SIZE, row, fill=self._colors["faint"], data_note="note")
         self._add("</svg>\n")
         return "\n".join(self._rows)
 
@@ -97,7 +102,43 @@ class _Picture:
                   + (f"<title>{escape(title)}</title>" if title else ""))
         return "</g></a>" if link else "</g>"
 
-    # --- boxes
+    def _rect(self, frame, fill="fill"):
+        self._add(f"<rect{_attributes(x=float(frame.x), y=float(frame.y), width=float(frame.w), height=float(frame.h))}"
+                  f"{self._stroke(fill)}/>")
+
+    def _stroke(self, fill=None, dashed=False):
+        return _attributes(fill=self._colors[fill] if fill else "none", stroke=self._colors["line"],
+                           stroke_dasharray="6 4" if dashed else None)
+
+    def _line(self, points, dashed=False, source_mark="", target_mark=""):
+        """A line through points, with what is drawn at its ends."""
+        points = list(points)
+        marks = []
+        for name, at, before in ((source_mark, 0, 1), (target_mark, -1, -2)):
+            if name:
+                mark, points[at] = _mark(name, points[at], points[before])
+                marks.append(mark)
+        self._add(f"<path{_attributes(d=_open(points))}{self._stroke(dashed=dashed)}/>")
+        for shape, is_filled in marks:
+            fill = "none" if is_filled is None else self._colors["line" if is_filled else "fill"]
+            self._add(f"<path{_attributes(d=shape, fill=fill, stroke=self._colors['line'])}/>")
+
+
+class _Boxes(Picture):
+    """Boxes and lines where Graphviz has put them."""
+
+    def __init__(self, view, colors, links):
+        super().__init__(view, colors, links)
+        self._layout = layouts.lay_out(view)
+        self.w, self.h = self._layout.w, self._layout.h
+        self._labels = {}
+        for label in self._layout.texts:
+            self._labels.setdefault(label.relation, []).append(label)
+
+    def draw(self):
+        self._boxes(self._view.boxes)
+        for relation in self._view.relations:
+            self._relation(relation)
 
     def _boxes(self, boxes):
         for box in boxes:
@@ -111,14 +152,6 @@ class _Picture:
     def _box(self, box, frame):
         self._rect(frame)
         self._contents(box, frame, frame.y)
-
-    def _rect(self, frame, fill="fill"):
-        self._add(f"<rect{_attributes(x=float(frame.x), y=float(frame.y), width=float(frame.w), height=float(frame.h))}"
-                  f"{self._stroke(fill)}/>")
-
-    def _stroke(self, fill=None, dashed=False, width=1):
-        return _attributes(fill=self._colors[fill] if fill else "none", stroke=self._colors["line"],
-                           stroke_width=width if width != 1 else None, stroke_dasharray="6 4" if dashed else None)
 
     def _head(self, box, x, y, is_left=False):
         for text, is_name in layouts.head_lines(box):
@@ -182,18 +215,7 @@ class _Picture:
         ends = self._opened(relation.element, relation.title, id=relation.key, data_relation=relation.kind,
                             data_path=relation.path, data_source=source.box, data_target=target.box,
                             data_knot=relation.knot, data_source_mark=source.mark, data_target_mark=target.mark)
-        points = list(self._layout.lines[relation.key])
-        marks = []
-        for end, at, before in ((source, 0, 1), (target, -1, -2)):
-            if end.mark:
-                mark, points[at] = _mark(end.mark, points[at], points[before])
-                marks.append(mark)
-        way = "".join(f"{'L' if at else 'M'}{_number(x)} {_number(y)}" for at, (x, y) in enumerate(points))
-        self._add(f"<path{_attributes(d=way)}{self._stroke(dashed=relation.dashed)}/>")
-        for shape, is_filled in marks:
-            fill = _attributes(fill=self._colors["line" if is_filled else "fill"] if is_filled is not None else "none",
-                               stroke=self._colors["line"])
-            self._add(f"<path{_attributes(d=shape)}{fill}/>")
+        self._line(self._layout.lines[relation.key], relation.dashed, source.mark, target.mark)
         for label in self._labels.get(relation.key, ()):
             self._write(label.frame.x + 1, label.frame.bottom - 3, label.text, data_end=label.side,
                         data_label=label.what)

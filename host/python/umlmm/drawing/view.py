@@ -154,6 +154,38 @@ class View:
         _replace(os.fspath(path), content.encode() if isinstance(content, str) else content)
 
 
+@dataclasses.dataclass(slots=True)
+class Step:
+    """What happens in a sequence, one below the other. `kind` is message, fragment, operand, end (of a fragment), use
+    (of another interaction), state or event; `lifelines` are the keys of those that it covers, of a message its source
+    and its target, of which one is "" if it is lost or found."""
+
+    kind: str
+    element: Any
+    text: str = ""
+    lifelines: tuple[str, ...] = ()
+    sort: str = ""  # of a message
+
+
+@dataclasses.dataclass(slots=True)
+class Execution:
+    """What a lifeline does from one step to another, by their numbers."""
+
+    lifeline: str
+    first: int
+    last: int
+    element: Any
+    level: int = 0  # how many others it lies in
+
+
+@dataclasses.dataclass(slots=True)
+class Sequence(View):
+    """What lifelines, `boxes`, say to each other."""
+
+    steps: list[Step] = dataclasses.field(default_factory=list)
+    executions: list[Execution] = dataclasses.field(default_factory=list)
+
+
 def _replace(path, content):
     """Writes a file whole, or leaves what is there."""
     import tempfile

@@ -52,6 +52,44 @@ def several(model, package, name, types):
     package.packagedElement.append(association)
 
 
+def talk():
+    """An interaction with messages of all sorts, fragments in fragments and an execution."""
+    model = umlmm.new_model()
+    talk = umlmm.Interaction(owner=umlmm.Package(model, name="shop"), name="Talk")
+    lines = [umlmm.Lifeline(model, name=name, interaction=talk) for name in ("customer", "shop", "store", "log")]
+    customer, shop, store, log = lines
+    order = umlmm.send(customer, shop, "order")
+    alternatives = _fragment(talk.fragment, "alt", lines[1:3])
+    for guard in ("in stock", "otherwise"):
+        operand = alternatives.operand.create()
+        operand.guard = umlmm.InteractionConstraint(model)
+        operand.guard.specification = umlmm.LiteralString(model, value=guard)
+        _move(umlmm.send(shop, store, f"take {guard}", sort="asynchCall"), operand)
+        _move(umlmm.send(store, store, f"count {guard}"), operand)
+    again = _fragment(operand.fragment, "loop", lines[1:3]).operand.create()
+    _move(umlmm.send(store, shop, "again", sort="asynchSignal"), again)
+    talk.fragment.append(umlmm.InteractionUse(model, name="pay", covered=lines[:2]))
+    umlmm.send(shop, log, "make", sort="createMessage")
+    umlmm.send(customer, shop, "lost").receiveEvent.destroy()
+    umlmm.send(log, shop, "found").sendEvent.destroy()
+    state = umlmm.StateInvariant(model, covered=[shop], invariant=umlmm.Constraint(model, name="ready"))
+    talk.fragment.append(state)
+    done = umlmm.send(shop, customer, "done", sort="reply")
+    talk.fragment.append(umlmm.BehaviorExecutionSpecification(model, name="work", start=order.receiveEvent,
+                                                              finish=done.sendEvent, covered=[shop]))
+    umlmm.send(shop, log, "stop", sort="deleteMessage")
+    return talk
+
+
+def _fragment(fragments, operator, covered):
+    return fragments.create(umlmm.CombinedFragment, interactionOperator=operator, covered=covered)
+
+
+def _move(message, operand):
+    for event in (message.sendEvent, message.receiveEvent):
+        operand.fragment.append(event)
+
+
 def random_model(rng):
     """Packages in packages, classes and interfaces in them, and relations among any."""
     model = umlmm.new_model()

@@ -12,7 +12,7 @@ import umlmm
 from pictures import Picture
 from random_models import random_model, shop
 
-SEEDS = range(40)
+SEEDS = range(25)
 
 
 def bounds(end):

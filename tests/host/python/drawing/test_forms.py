@@ -9,7 +9,7 @@ import pytest
 
 import umlmm
 from pictures import Picture
-from random_models import shop
+from random_models import shop, talk
 
 TEXTS = ["<script>alert(1)</script>", "a\"b'c", "]]>", "--> <!-- x", "javascript:alert(1)", "\u202egnp.exe", "x" * 10_000,
          "&lt;", "\u5b57\u05d0\u0301",
@@ -17,12 +17,14 @@ TEXTS = ["<script>alert(1)</script>", "a\"b'c", "]]>", "--> <!-- x", "javascript
          "__under__ **bold** //it//", "<&icon> <img:x>", "{", "}", "|", "#quot; #35;", "style a:b #c;d;", "\x1b[0m", "-- x",
          "' remark", "/' x '/", "$a %date()", "::c", "\ufffe", "class", "+ x", "..", ""]
 ELEMENTS = {"svg", "g", "a", "title", "rect", "path", "circle", "text"}
-PLANTUML = re.compile(
+WORDS = {"plantuml": r"(?:(?:[\w .,:()\[\]*=+«»-]|<U\+[0-9A-F]{4,5}>)+)",
+         "mermaid": r"(?:(?:[\w .,:=\[\]«»-]|#\d+;)+)"}
+PLANTUML = (
     r"(@startuml|@enduml|skinparam classAttributeIconSize 0|hide empty members|--|}|<> b\d+|"
     r'(package|class|abstract class|enum|interface) "T" as b\d+( <<T>>)*( \{)?|note "T(\\nT)*" as b\d+|'
     r"(\{(field|method|static|abstract)\} )+([-+#~] )?T|"
     r'(b\d+|\(b\d+, b\d+\))( "T")? (<\||<|o|\*|\+)?(--|\.\.)(\|>|>|o|\*|\+)?( "T")? (b\d+|\(b\d+, b\d+\))( : T)?)?')
-MERMAID = re.compile(
+MERMAID = (
     r"(classDiagram|direction TB|%% [\w ,.]+|\}|namespace \w+ \{|"
     r'class b\d+\["T"\] \{|<<T>>|[-+#~]?(T|T?\(T?\)( T)?)[*$]?|note (for b\d+ )?"T(<br>T)*"|'
     r'b\d+( "T")? (<\||<|o|\*)?(--|\.\.)(\|>|>|o|\*)?( "T")? b\d+( : T)?)?')
@@ -53,16 +55,35 @@ def test_texts_stay_texts(hostile):
     assert not re.search("[\u202a-\u202e\x00-\x08\x1b]", picture.text)
     assert max(len(each) for each, _ in picture.texts()) <= 100 and len(picture.text) < 200_000
     # Each line of the other forms is of one of their shapes, in which T is what stands for texts of the model.
-    allowed = {"plantuml": (r"(?:(?:[\w .,:()\[\]*=+«»-]|<U\+[0-9A-F]{4,5}>)+)", PLANTUML),
-               "mermaid": (r"(?:(?:[\w .,:=\[\]«»-]|#\d+;)+)", MERMAID)}
-    for form, (words, lines) in allowed.items():
-        line = re.compile(lines.pattern.replace("T", words) if form == "plantuml" else
-                          re.sub(r"T(?!B)", lambda _: words, lines.pattern))
+    for form, lines in (("plantuml", PLANTUML), ("mermaid", MERMAID)):
+        line = re.compile(re.sub(r"T(?!B)", lambda _: WORDS[form], lines))
         for each in getattr(view, form)().split("\n"):
             assert line.fullmatch(each.strip()), (form, each)
     laid_out = subprocess.run(["dot", "-Tsvg"], input=view.dot().encode(), capture_output=True)
     assert laid_out.stderr == b""
     xml.fromstring(laid_out.stdout)
+
+
+@pytest.mark.parametrize("text", [each for each in TEXTS if each], ids=lambda text: ascii(text[:12]))
+def test_texts_of_a_sequence_stay_texts(text):
+    interaction = talk()
+    usual = umlmm.draw(interaction)
+    names = {element.name for element in interaction.descendants(umlmm.NamedElement)} - {""}
+    names |= {f"[{value.value}]" for value in interaction.descendants(umlmm.LiteralString)} | {"sd Talk"}
+    known = re.compile("|".join(sorted((re.escape(re.escape(name)) for name in names), key=len, reverse=True)))
+    for element in [interaction, *interaction.descendants(umlmm.NamedElement)]:
+        if not isinstance(element, umlmm.ValueSpecification):
+            element.name = text
+    for value in interaction.descendants(umlmm.LiteralString):
+        value.value = text
+    view = umlmm.draw(interaction)
+    picture = Picture(view)
+    assert {element.tag.rpartition("}")[2] for element in picture.root.iter()} <= ELEMENTS
+    for form, words in WORDS.items():
+        lines = getattr(view, form)().split("\n")
+        for line, before in zip(lines, getattr(usual, form)().split("\n"), strict=True):
+            assert re.fullmatch(known.sub(lambda _: words, re.escape(before)), line), (form, line)
+    interaction.modelKelm.close()
 
 
 @pytest.mark.parametrize("link", ["javascript:alert(1)", "JavaScript:x", " javascript:x", "java\nscript:x",
