@@ -9,6 +9,7 @@ is written from it alone. Pictures are laid out by Graphviz's `dot`; the other f
 
 from __future__ import annotations
 
+import functools
 from typing import Any
 
 from umlmm.drawing.options import DIRECTIONS, LIMIT, Options
@@ -21,15 +22,17 @@ def draw(what: Any, kind: str | None = None, *, depth: int | None = None, show: 
          direction: str = "down", limit: int | None = LIMIT) -> View:
     """A view of a model, of an element, or of several elements.
 
-    `kind` is "class", "sequence", "inheritance" or "references" (who refers to the elements); unless said it is found
-    from the element: "sequence" for an interaction, "class" for most. `depth` is how
+    `kind` is "class", "component", "object", "use case", "activity", "sequence", "inheritance" or "references" (who
+    refers to the elements); unless said it is found from the element: "sequence" for an interaction, "class" for most.
+    `depth` is how
     many levels of packages are opened, of other elements how many relations are followed. `show` and `hide` name what
     is to be seen, such as "inherited", "comments", "operations", "visibility"; `hide` takes elements, too. `direction`
     is where subordinate boxes go: "down", "up", "left" or "right". A view that would have more boxes than `limit` keeps
     packages closed, or stays nearer to its elements, and says so in `notes`; `limit=None` draws whatever there is.
     """
-    from umlmm.drawing import choosing, class_diagram, reference_diagram, sequence_diagram
+    from umlmm.drawing import choosing, class_diagram, other_diagrams, reference_diagram, sequence_diagram
     kinds = {"class": class_diagram.build, "sequence": sequence_diagram.build,
+             **{name: functools.partial(class_diagram.build, of=of) for name, of in other_diagrams.KINDS.items()},
              "inheritance": class_diagram.build_inheritance, "references": reference_diagram.build}
     if kind is not None and kind not in kinds:
         raise ValueError(f"{kind!r} is no kind of view; what is: {', '.join(kinds)}")

@@ -8,7 +8,8 @@ from umlmm.drawing import notation, relating
 
 
 # Kinds of views by metaclass.
-_KINDS = {"Interaction": "sequence", "Element": "class"}
+_KINDS = {"Interaction": "sequence", "Activity": "activity", "ActivityNode": "activity", "UseCase": "use case",
+          "Actor": "use case", "EnumerationLiteral": "class", "InstanceSpecification": "object", "Element": "class"}
 
 
 class Chosen:

@@ -16,10 +16,12 @@ _COMPARTMENTS = (("attributes", "ownedAttribute", notation.attribute),
                  ("literals", "ownedLiteral", notation.literal))
 
 
-def build(chosen, options, depth, direction, limit):
-    if chosen.opened:
-        return _packages(chosen, options, depth, direction, limit)
-    return _neighbourhood(chosen, options, 1 if depth is None and chosen.is_one else depth or 0, direction, limit)
+def build(chosen, options, depth, direction, limit, of=None):
+    """A diagram of classes, or of another kind of boxes: `of` is a class of diagrams."""
+    of = of or Diagram
+    if chosen.opened or chosen.is_one and of.opens(chosen.elements[0]):
+        return _packages(chosen, options, depth, direction, limit, of)
+    return _neighbourhood(chosen, options, 1 if depth is None and chosen.is_one else depth or 0, direction, limit, of)
 
 
 def build_inheritance(chosen, options, depth, direction, limit):
@@ -55,9 +57,9 @@ def _specials(element):
             if isinstance(other, umlmm.ImmutableGeneralization) and other.specific is not None]
 
 
-def _packages(chosen, options, depth, direction, limit):
-    view = View("class", chosen.title, direction)
-    diagram = Diagram(view, options)
+def _packages(chosen, options, depth, direction, limit, of):
+    view = View(of.kind, chosen.title, direction)
+    diagram = of(view, options)
     opened = 1_000 if depth is None else depth
     count = diagram.count(chosen.elements, opened)
     if limit is not None and count > limit:
@@ -71,20 +73,20 @@ def _packages(chosen, options, depth, direction, limit):
     view.boxes = diagram.boxes_of(chosen.elements, opened)
     diagram.relate()
     view._pages = lambda: [page for package in _all_packages(chosen.elements)
-                           for page in _pages(package, options, direction, limit)]
+                           for page in _pages(package, options, direction, limit, of)]
     return view
 
 
-def _pages(package, options, direction, limit):
+def _pages(package, options, direction, limit, of):
     """The members of a package, as many to a page as fit."""
-    members = Diagram(View("class", "", direction), options).members(package)
+    members = of(View(of.kind, "", direction), options).members(package)
     step = max(len(members), 1) if limit is None else max(limit - 1, 1)
     for first in range(0, len(members), step):
         title = f"Package {notation.name_of(package)}"
         if len(members) > step:
             title += f", {first + 1} to {min(first + step, len(members))} of {len(members)}"
-        page = View("class", title, direction)
-        diagram = Diagram(page, options)
+        page = View(of.kind, title, direction)
+        diagram = of(page, options)
         page.boxes = [diagram.box(package)]
         page.boxes[0].inside = diagram.boxes_of(members[first:first + step], 0)
         diagram.relate()
@@ -98,9 +100,9 @@ def _all_packages(elements):
             yield from _all_packages(element.nestedPackage)
 
 
-def _neighbourhood(chosen, options, depth, direction, limit):
-    view = View("class", chosen.title, direction)
-    diagram = Diagram(view, options)
+def _neighbourhood(chosen, options, depth, direction, limit, of):
+    view = View(of.kind, chosen.title, direction)
+    diagram = of(view, options)
     shown, steps = choosing.around(chosen.elements, depth, limit, diagram.has_box)
     if steps < depth:
         view.notes.append(f"{steps + 1} steps away there are more than {limit} boxes; this shows what is within "
@@ -115,6 +117,13 @@ def _neighbourhood(chosen, options, depth, direction, limit):
 
 class Diagram:
     """Makes boxes and relations of a view, and knows which element has which box."""
+
+    kind = "class"
+
+    @staticmethod
+    def opens(element):
+        """Whether boxes of such elements have others in them."""
+        return isinstance(element, umlmm.ImmutablePackage)
 
     def __init__(self, view, options):
         self.view = view
@@ -156,7 +165,7 @@ class Diagram:
 
     def count(self, elements, levels):
         """How many boxes there are with packages opened so many levels down."""
-        return sum(1 + (self.count(self.members(element), levels - 1) if levels and _is_package(element) else 0)
+        return sum(1 + (self.count(self.members(element), levels - 1) if levels and self.opens(element) else 0)
                    for element in elements if self.has_box(element))
 
     def boxes_of(self, elements, levels):
@@ -165,15 +174,18 @@ class Diagram:
             if self.has_box(element):
                 box = self.box(element)
                 boxes.append(box)
-                if _is_package(element) and levels:
+                if self.opens(element) and levels:
                     box.inside = self.boxes_of(self.members(element), levels - 1)
         return boxes
+
+    def shape(self, element):
+        return "package" if isinstance(element, umlmm.ImmutablePackage) else "box"
 
     def box(self, element, is_full=True):
         key = self.shown[element] = self.key()
         name = Text(notation.name_of(element), element, bold=True, italic=bool(getattr(element, "isAbstract", False)))
         metaclass = element.MetaClass().name
-        box = Box(key, element, metaclass, "package" if _is_package(element) else "box", name,
+        box = Box(key, element, metaclass, self.shape(element), name,
                   notation.title(element.path), notation.title(f"{metaclass} {element.path}"))
         keyword = _KEYWORDS.get(metaclass, metaclass[0].lower() + metaclass[1:])
         box.keywords = [keyword] if keyword else []
@@ -210,6 +222,10 @@ class Diagram:
             self._add_nesting()
             if "comments" in self.options:
                 self._add_comments()
+        self.finish()
+
+    def finish(self):
+        """To be called when all lines are there."""
         self._take_ends_out()
         for at, relation in enumerate(self.view.relations, 1):
             relation.key = f"r{at}"
@@ -237,15 +253,15 @@ class Diagram:
         keyword = ", ".join([*filter(None, [style.keyword]), *(notation.stereotypes(relation)
                                                                if "stereotypes" in self.options else ())])
         if len(sources) == len(targets) == 1:
-            self._line(relation, End(sources[0]), End(targets[0], style.mark), dashed=style.dashed,
+            self.line(relation, End(sources[0]), End(targets[0], style.mark), dashed=style.dashed,
                        upward=style.upward, keyword=keyword, label=name)
             return
         # Several clients or suppliers: branches that meet in a point.
-        middle = self._meeting(relation, "point", [*sources, *targets])
+        middle = self.add(relation, "point", [*sources, *targets])
         for source in sources:
-            self._line(relation, End(source), End(middle), dashed=style.dashed, upward=style.upward)
+            self.line(relation, End(source), End(middle), dashed=style.dashed, upward=style.upward)
         for at, target in enumerate(targets):
-            self._line(relation, End(middle), End(target, style.mark), dashed=style.dashed, upward=style.upward,
+            self.line(relation, End(middle), End(target, style.mark), dashed=style.dashed, upward=style.upward,
                        keyword="" if at else keyword, label="" if at else name)
 
     def _associate(self, association, types):
@@ -258,24 +274,24 @@ class Diagram:
         ends = list(association.memberEnd)
         if isinstance(association, umlmm.ImmutableExtension) and len(ends) == 2:
             own, other = ends if ends[0] in association.ownedEnd else ends[::-1]
-            self._line(association, End(self._place(own.type), element=own),
+            self.line(association, End(self._place(own.type), element=own),
                        End(self._place(other.type), "filled triangle", element=other), upward=True)
         elif len(ends) == 2:
             first, second = (self._end(end, other) for end, other in (ends, ends[::-1]))
-            line = self._line(association, first, second, keyword=keyword, label=name)
+            line = self.line(association, first, second, keyword=keyword, label=name)
             if association in self.shown:
                 self._hang(association, self._knot(line))
         else:
-            middle = self._meeting(association, "diamond", [self._place(each) for each in types])
+            middle = self.add(association, "diamond", [self._place(each) for each in types])
             for at, end in enumerate(ends):
-                self._line(association, End(middle), self._end(end, None), keyword="" if at else keyword,
+                self.line(association, End(middle), self._end(end, None), keyword="" if at else keyword,
                            label="" if at else name)
             if association in self.shown:
                 self._hang(association, middle)
 
     def _hang(self, association, key):
         """The box of an association class hangs on the association's line."""
-        self._line(association, End(self.shown[association]), End(key), dashed=True).kind = "association class"
+        self.line(association, End(self.shown[association]), End(key), dashed=True).kind = "association class"
 
     def _end(self, end, other):
         """The end of a line at the type of a member end; `other` is the end at the far side of a binary association."""
@@ -289,7 +305,7 @@ class Diagram:
                 made.mark = "arrow"
         return made
 
-    def _line(self, element, source, target, **style):
+    def line(self, element, source, target, **style):
         title = notation.title(f"{element.MetaClass().name} {element.path}")
         line = Relation("", element, element.MetaClass().name, source, target, title=title,
                         path=notation.title(element.path), **style)
@@ -297,9 +313,9 @@ class Diagram:
         self._drawn.setdefault(element, []).append(line)
         return line
 
-    def _meeting(self, element, shape, keys):
-        """A box in which the branches of a relation meet, in the innermost package that has all of their ends."""
-        box = Box(self.key(), element, element.MetaClass().name, shape, Text("", element),
+    def add(self, element, shape, keys, name=""):
+        """A box to which lines from other boxes come, in the innermost package that has all of these."""
+        box = Box(self.key(), element, element.MetaClass().name, shape, Text(name, element),
                   notation.title(element.path), notation.title(f"{element.MetaClass().name} {element.path}"))
         self._home(keys).append(box)
         self._drawn[element] = [box]
@@ -329,7 +345,7 @@ class Diagram:
             if "nesting" in self.options:
                 for part in getattr(element, "nestedClassifier", ()):
                     if part in self.shown:
-                        line = self._line(element, End(key, "nesting"), End(self.shown[part]))
+                        line = self.line(element, End(key, "nesting"), End(self.shown[part]))
                         line.kind, line.title, line.path = "nesting", f"{line.title} owns {notation.name_of(part)}", ""
 
     def _add_comments(self):
@@ -344,7 +360,7 @@ class Diagram:
             noted = [self.shown[element] for element in comment.annotatedElement if element in self.shown]
             self._home(noted).append(note)
             for key in noted:
-                self._line(comment, End(note.key), End(key), dashed=True).kind = "annotation"
+                self.line(comment, End(note.key), End(key), dashed=True).kind = "annotation"
 
     def _take_ends_out(self):
         """A line of an association says all that an attribute's line would."""
@@ -354,7 +370,3 @@ class Diagram:
             if box.shape == "box":
                 box.compartments = [kept for lines in box.compartments
                                     if (kept := [line for line in lines if line.element not in drawn])]
-
-
-def _is_package(element):
-    return isinstance(element, umlmm.ImmutablePackage)

@@ -6,7 +6,10 @@ from xml.sax.saxutils import escape
 
 _RANKS = {"down": "TB", "up": "BT", "right": "LR", "left": "RL"}
 _MARKS = {"": "none", "arrow": "vee", "triangle": "onormal", "filled triangle": "normal", "diamond": "odiamond",
-          "filled diamond": "diamond", "nesting": "odot"}
+          "filled diamond": "diamond", "nesting": "odot", "pin": "obox", "arrow pin": "oboxvee", "socket": "curve"}
+# An actor has no figure in Graphviz; it is told by its keyword.
+_SHAPES = {"ellipse": "ellipse", "actor": "plaintext", "action": "box style=rounded", "component": "component", "ball": "circle",
+           "port": "square"}
 
 
 def write(view):
@@ -41,6 +44,11 @@ def _boxes(boxes, rows, indent, inside):
         elif box.shape == "note":
             text = "".join(f"{line.text}\n" for lines in box.compartments for line in lines)
             rows.append(f"{indent}{box.key} [shape=note label={_quoted(text, 'l')}];")
+        elif box.shape in _SHAPES:
+            rows.append(f"{indent}{box.key} [shape={_SHAPES[box.shape]} label={_html(_head(box))}];")
+        elif box.shape in ("initial", "final"):
+            shape = "circle style=filled fillcolor=black" if box.shape == "initial" else "doublecircle"
+            rows.append(f'{indent}{box.key} [shape={shape} label="" width=0.2];')
         elif box.shape == "package":
             rows.append(f"{indent}{box.key} [shape=tab margin=0.2 label={_html(_head(box))}];")
         else:
@@ -55,7 +63,9 @@ def _boxes(boxes, rows, indent, inside):
 def _head(box):
     keywords = f"&#171;{_text(', '.join(box.keywords))}&#187;<BR/>" if box.keywords else ""
     name = f"<B>{_text(box.name.text)}</B>"
-    return keywords + (f"<I>{name}</I>" if box.name.italic else name)
+    for is_set, tag in ((box.name.italic, "I"), (box.name.underlined, "U")):
+        name = f"<{tag}>{name}</{tag}>" if is_set else name
+    return keywords + name
 
 
 def _line(line):

@@ -30,6 +30,8 @@ def place(view, layout, boxes):
     for key, frame in layout.frames.items():
         if key not in boxes or not boxes[key].inside:
             taken.add(frame)
+            if key in boxes and boxes[key].shape in ("ball", "port"):
+                taken.add(name_beside(boxes[key], frame))
         else:
             taken.add(tab(boxes[key], frame))
             corners = [(frame.x, frame.y), (frame.right, frame.y), (frame.right, frame.bottom), (frame.x, frame.bottom)]
@@ -39,11 +41,11 @@ def place(view, layout, boxes):
             for piece in _pieces(one, other):
                 crossed.add(Rect(*piece))
     overlaps = 0
-    for relation, side, what, text in _texts(view):
+    for relation, side, mark, what, text in _texts(view):
         way = layout.lines[relation.key]
         w = width(text) + 2
         places = _from_end(way[::-1] if side == "target" else way) if side else _from_middle(way)
-        frame, cost = _best(places, w, LINE - 2, taken, crossed, Rect)
+        frame, cost = _best(places, 9 if "pin" in mark else 5, w, LINE - 2, taken, crossed, Rect)
         overlaps += cost >= _BLOCKED
         taken.add(frame)
         layout.texts.append(Label(relation.key, side, what, text, frame))
@@ -52,23 +54,32 @@ def place(view, layout, boxes):
     return overlaps
 
 
+def name_beside(box, frame):
+    """Where the name of a box stands that is too small for it."""
+    from umlmm.drawing.layout import Rect
+    w = width(box.name.text, True)
+    if box.shape == "port":
+        return Rect(frame.right + 4, frame.middle[1] - LINE / 2, w, LINE)
+    return Rect(frame.middle[0] - w / 2, frame.bottom + 1, w, LINE)
+
+
 def _texts(view):
     """What stands beside lines; what belongs to an end first, as it can go nowhere else."""
     for relation in view.relations:
         for side, end in (("source", relation.source), ("target", relation.target)):
             for what in ("multiplicity", "role"):
                 if getattr(end, what):
-                    yield relation, side, what, getattr(end, what)
+                    yield relation, side, end.mark, what, getattr(end, what)
     for relation in view.relations:
         if relation.caption:
-            yield relation, "", "caption", relation.caption
+            yield relation, "", "", "caption", relation.caption
 
 
-def _best(places, w, h, taken, crossed, rect):
+def _best(places, near, w, h, taken, crossed, rect):
     found, least = None, math.inf
     for distance, (x, y), (dx, dy) in places:
         for sign in (1, -1):
-            for gap in (5, 18, 40):
+            for gap in (near, 18, 40):
                 nx, ny = -dy * sign, dx * sign
                 off = gap + abs(nx) * w / 2 + abs(ny) * h / 2
                 frame = rect(round(x + nx * off - w / 2, 1), round(y + ny * off - h / 2, 1), w, h)

@@ -13,6 +13,10 @@ from umlmm.drawing.notation import wrapped
 _RANKS = {"down": "TB", "up": "BT", "right": "LR", "left": "RL"}
 _MARGIN = 16
 _TAB = LINE + 4  # the height of a package's tab
+FIGURE = 40  # of an actor
+_SIZES = {"diamond": (28, 18), "initial": (16, 16), "final": (20, 20), "ball": (16, 16), "port": (12, 12)}
+_SHAPES = {"diamond": "shape=diamond", "ellipse": "shape=ellipse", "initial": "shape=circle", "final": "shape=circle",
+           "ball": "shape=circle"}
 
 
 @dataclasses.dataclass(slots=True)
@@ -72,19 +76,24 @@ def head_lines(box):
 
 def head_size(box):
     lines = head_lines(box)
-    return max(width(text, is_name) for text, is_name in lines) + 2 * PAD, LINE * len(lines) + PAD
+    icon = 44 if box.shape == "component" else 0
+    return max(width(text, is_name) for text, is_name in lines) + 2 * PAD + icon, LINE * len(lines) + PAD
 
 
 def size(box):
     if box.shape == "point":
         return 2, 2
-    if box.shape == "diamond":
-        return 28, 18
+    if box.shape in _SIZES:
+        return _SIZES[box.shape]
     texts = [line.text for lines in box.compartments for line in lines]
     w, h = (0, 0) if box.shape == "note" else head_size(box)
     w = max([w, 48, *(width(text) + 2 * PAD for text in texts)])
     h += sum(LINE * len(lines) + PAD for lines in box.compartments)
-    if box.shape == "package":
+    if box.shape == "ellipse":
+        w, h = max(w * 1.25, 90), h * 1.6
+    elif box.shape == "actor":
+        w, h = max(width(box.name.text, True), FIGURE), h + FIGURE + 8
+    elif box.shape == "package":
         w, h = max(w, 90), h + _TAB + LINE
     elif box.shape == "note":
         w += 10
@@ -184,7 +193,7 @@ def _add_boxes(rows, boxes, ends, knots):
         else:
             w, h = size(box)
             lonely += [box.key] * (box.key not in ends)
-            shape = "shape=diamond" if box.shape == "diamond" else ""
+            shape = _SHAPES.get(box.shape, "")
             rows.append(f"{box.key} [{shape} width={w / 72:.5f} height={h / 72:.5f}];")
     # Boxes without lines would stand in one row: what is not seen keeps them below each other.
     columns = math.ceil(math.sqrt(len(lonely) * 1.5))
@@ -252,6 +261,8 @@ def _loop(frame, points, at):
 def _below_tab(point, frame, box):
     """Where a line that comes to a package from above, beside its tab, meets the frame."""
     if box is None or not is_open(box):
+        return point
+    if box.shape != "package":
         return point
     above = tab(box, frame)
     x, y = point

@@ -13,6 +13,9 @@ _MARKED = re.compile(r"[^\w .,:=\[\]\xab\xbb-]|(?<=-)-|_(?=_)|:(?=:)")
 
 
 def write(view):
+    if view.kind in ("component", "object", "use case", "activity"):
+        from umlmm.drawing import flow_texts
+        return flow_texts.mermaid(view, text)
     if view.kind == "sequence":
         from umlmm.drawing import sequence_texts
         return sequence_texts.mermaid(view, text)

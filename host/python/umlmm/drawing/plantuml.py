@@ -15,6 +15,9 @@ _MARKED = re.compile(
 
 
 def write(view):
+    if view.kind in ("component", "object", "use case", "activity"):
+        from umlmm.drawing import flow_texts
+        return flow_texts.plantuml(view, text)
     if view.kind == "sequence":
         from umlmm.drawing import sequence_texts
         return sequence_texts.plantuml(view, text)

@@ -32,10 +32,10 @@ def build(chosen, options, depth, direction, limit):
                 drawn.add((other, element))
                 name = notation.clean(getattr(other, "name", "") or "") if other != place else ""
                 metaclass = other.MetaClass().name
-                line = diagram._line(other, End(diagram.shown[place]), End(diagram.shown[element], "arrow"),
-                                     dashed=True, keyword=metaclass[0].lower() + metaclass[1:], label=name)
-                line.key = f"r{len(view.relations)}"
+                diagram.line(other, End(diagram.shown[place]), End(diagram.shown[element], "arrow"),
+                             dashed=True, keyword=metaclass[0].lower() + metaclass[1:], label=name)
         edge = near
+    diagram.finish()
     if left_out:
         view.notes.append(f"{len(left_out)} more that refer to it are left out; limit=None draws all")
     return view

@@ -7,7 +7,7 @@ import math
 import re
 from xml.sax.saxutils import escape
 
-from umlmm.drawing import layout as layouts, notation
+from umlmm.drawing import labels, layout as layouts, notation
 from umlmm.drawing.metrics import LINE, PAD, SIZE, width
 
 _THEMES = {
@@ -102,9 +102,9 @@ class Picture:
                   + (f"<title>{escape(title)}</title>" if title else ""))
         return "</g></a>" if link else "</g>"
 
-    def _rect(self, frame, fill="fill"):
+    def _rect(self, frame, fill="fill", corner=None):
         self._add(f"<rect{_attributes(x=float(frame.x), y=float(frame.y), width=float(frame.w), height=float(frame.h))}"
-                  f"{self._stroke(fill)}/>")
+                  f"{_attributes(rx=corner)}{self._stroke(fill)}/>")
 
     def _stroke(self, fill=None, dashed=False):
         return _attributes(fill=self._colors[fill] if fill else "none", stroke=self._colors["line"],
@@ -158,7 +158,8 @@ class _Boxes(Picture):
             y += LINE
             left = x if is_left else x - width(text, is_name) / 2
             self._write(left, y - 3, text, bold=is_name,
-                        font_style="italic" if is_name and box.name.italic else None)
+                        font_style="italic" if is_name and box.name.italic else None,
+                        text_decoration="underline" if is_name and box.name.underlined else None)
         return y
 
     def _contents(self, box, frame, y):
@@ -204,6 +205,54 @@ class _Boxes(Picture):
         self._add(f"<path{_attributes(d=_closed([(x, frame.y), (frame.right, y), (x, frame.bottom), (frame.x, y)]))}"
                   f"{self._stroke('fill')}/>")
 
+    def _frame(self, box, frame):
+        self._rect(frame)
+        self._head(box, frame.x + PAD, frame.y, is_left=True)
+
+    def _ellipse(self, box, frame):
+        x, y = frame.middle
+        self._add(f"<ellipse{_attributes(cx=float(x), cy=float(y), rx=frame.w / 2, ry=frame.h / 2)}{self._stroke('fill')}/>")
+        self._head(box, x, y - LINE * len(layouts.head_lines(box)) / 2 - 2)
+
+    def _actor(self, box, frame):
+        x, y, h = frame.middle[0], frame.y, layouts.FIGURE
+        self._add(f'<path d="M{_number(x)} {_number(y + 16)}v{h * .4:.0f}l-11 {h * .3:.0f}m11 -{h * .3:.0f}l11 {h * .3:.0f}'
+                  f'M{_number(x - 14)} {_number(y + 22)}h28"{self._stroke()}/>')
+        self._add(f"<circle{_attributes(cx=float(x), cy=y + 9.0, r='7')}{self._stroke('fill')}/>")
+        self._head(box, x, y + h + 4)
+
+    def _action(self, box, frame):
+        self._rect(frame, corner=10)
+        self._contents(box, frame, frame.y)
+
+    def _component(self, box, frame):
+        self._rect(frame)
+        x, y = _number(frame.right - 20), _number(frame.y + 6)
+        self._add(f'<path d="M{x} {y}h12v14h-12zm-4 3h8v3h-8zm0 5h8v3h-8z"{self._stroke("fill")}/>')
+        self._contents(box, frame, frame.y)
+
+    def _initial(self, box, frame):
+        x, y = frame.middle
+        self._add(f"<circle{_attributes(cx=float(x), cy=float(y), r='8', fill=self._colors['line'])}/>")
+
+    def _final(self, box, frame):
+        x, y = frame.middle
+        self._add(f"<circle{_attributes(cx=float(x), cy=float(y), r='10')}{self._stroke('fill')}/>")
+        self._add(f"<circle{_attributes(cx=float(x), cy=float(y), r='6', fill=self._colors['line'])}/>")
+
+    def _ball(self, box, frame):
+        x, y = frame.middle
+        self._add(f"<circle{_attributes(cx=float(x), cy=float(y), r='8')}{self._stroke('fill')}/>")
+        self._name_beside(box, frame)
+
+    def _port(self, box, frame):
+        self._rect(frame)
+        self._name_beside(box, frame)
+
+    def _name_beside(self, box, frame):
+        place = labels.name_beside(box, frame)
+        self._write(place.x, place.bottom - 4, box.name.text, bold=True)
+
     def _point(self, box, frame):
         x, y = frame.middle
         self._add(f"<circle{_attributes(cx=float(x), cy=float(y), r='1.5', fill=self._colors['line'])}/>")
@@ -236,10 +285,22 @@ def _mark(mark, tip, before):
         return (_closed([tip, at(14, 7), at(14, -7)]), mark.startswith("filled")), at(14, 0)
     if mark.endswith("diamond"):
         return (_closed([tip, at(9, 5), at(18, 0), at(9, -5)]), mark.startswith("filled")), at(18, 0)
+    if mark == "pin":
+        return (_closed(_square(at)), False), at(12, 0)
+    if mark == "arrow pin":
+        wings = "".join(_open([at(23, side), at(12, 0)]) for side in (5, -5))
+        return (_closed(_square(at)) + wings, False), at(12, 0)
+    if mark == "socket":
+        (x1, y1), (x2, y2) = at(-2, 10.4), at(-2, -10.4)  # around the middle of the ball
+        return (f"M{_number(x1)} {_number(y1)}A12 12 0 0 0 {_number(x2)} {_number(y2)}", None), at(4, 0)
     x, y = at(7, 0)  # a circle with a cross in it: what owns the other end
     circle = (f"M{_number(x - 7)} {_number(y)}a7 7 0 1 0 14 0a7 7 0 1 0 -14 0M{_number(x - 7)} {_number(y)}h14"
               f"M{_number(x)} {_number(y - 7)}v14")
     return (circle, False), at(14, 0)
+
+
+def _square(at):
+    return [at(0, 6), at(12, 6), at(12, -6), at(0, -6)]
 
 
 def _open(points):

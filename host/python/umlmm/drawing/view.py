@@ -28,12 +28,14 @@ class Text:
 
 @dataclasses.dataclass(slots=True)
 class Box:
-    """An element, or where relations meet (`point`, `diamond`). `inside` is None for a package that is closed."""
+    """An element, or where relations meet. Shapes are box, package, frame (around others), note, diamond and point;
+    of use cases ellipse and actor; of activities action, initial and final; of components component, port and ball (an
+    interface). `inside` is None for a box that is closed."""
 
     key: str
     element: Any
     kind: str  # the metaclass
-    shape: str  # box, package, note, diamond, point
+    shape: str
     name: Text
     path: str = ""
     title: str = ""
@@ -44,10 +46,10 @@ class Box:
 
 @dataclasses.dataclass(slots=True)
 class End:
-    """One end of a relation: the box it comes to, what is drawn there and what stands beside it."""
+    """One end of a relation: the box it comes to, what is drawn there (a mark) and what stands beside it."""
 
     box: str
-    mark: str = ""  # arrow, triangle, filled triangle, diamond, filled diamond, nesting
+    mark: str = ""  # arrow, triangle, diamond, the latter two also filled; nesting, pin, arrow pin, socket
     role: str = ""
     multiplicity: str = ""
     element: Any = None

@@ -90,6 +90,64 @@ def _move(message, operand):
         operand.fragment.append(event)
 
 
+def use_cases():
+    package = umlmm.Package(umlmm.new_model(), name="shop")
+    web = umlmm.Component(owner=package, name="Webshop")
+    customer, member = (umlmm.Actor(owner=package, name=name) for name in ("Customer", "Member"))
+    order = umlmm.UseCase(owner=(web, "ownedUseCase"), name="Order")
+    pay = umlmm.UseCase(owner=package, name="Pay", subject=[web])
+    umlmm.generalize(member, customer)
+    umlmm.associate(customer, order, name="asks")
+    order.include.create(addition=pay)
+    umlmm.UseCase(owner=package, name="Wrap").extend.create(extendedCase=order)
+    return package
+
+
+def objects():
+    package = umlmm.Package(umlmm.new_model(), name="shop")
+    model = package.modelKelm
+    order, item = (umlmm.Class(owner=package, name=name) for name in ("Order", "Item"))
+    total = order.ownedAttribute.create(name="total")
+    first = order.ownedAttribute.create(name="first", type=item)
+    has = umlmm.associate(order, item, name="has", ends=("order", "items"))
+    one, other = (umlmm.InstanceSpecification(owner=package, name=name, classifier=[kind])
+                  for name, kind in (("o1", order), ("i1", item)))
+    link = umlmm.InstanceSpecification(owner=package, name="link", classifier=[has])
+    one.slot.create(definingFeature=total, value=[umlmm.LiteralInteger(model, value=7)])
+    for owner, feature, value in ((one, first, other), (link, has.memberEnd[0], one), (link, has.memberEnd[1], other)):
+        owner.slot.create(definingFeature=feature, value=[umlmm.InstanceValue(model, instance=value)])
+    return package
+
+
+def activity():
+    package = umlmm.Package(umlmm.new_model(), name="shop")
+    model = package.modelKelm
+    activity = umlmm.Activity(owner=package, name="Ship")
+    take, pack = (umlmm.OpaqueAction(model, name=name, activity=activity) for name in ("Take", "Pack"))
+    nodes = [umlmm.InitialNode(model, name="start", activity=activity), take, pack,
+             umlmm.ActivityFinalNode(model, name="stop", activity=activity)]
+    for source, target in zip(nodes, nodes[1:]):
+        umlmm.ControlFlow(model, source=source, target=target, activity=activity)
+    umlmm.ObjectFlow(model, source=take.outputValue.create(name="order"), activity=activity,
+                     target=pack.inputValue.create(umlmm.InputPin, name="what"))
+    return activity
+
+
+def components():
+    package = umlmm.Package(umlmm.new_model(), name="shop")
+    web, store = (umlmm.Component(owner=package, name=name) for name in ("Web", "Store"))
+    orders, engine = umlmm.Interface(owner=package, name="Orders"), umlmm.Class(owner=package, name="Engine")
+    umlmm.realize(store, orders)
+    umlmm.depend(web, orders, kind=umlmm.Usage)
+    http = web.ownedAttribute.create(umlmm.Port, name="http")
+    inlet = engine.ownedAttribute.create(umlmm.Port, name="inlet")
+    view, cart = (web.ownedAttribute.create(name=name, type=engine, aggregation="composite")
+                  for name in ("view", "cart"))
+    umlmm.connect(view, cart, owner=web)
+    umlmm.connect(http, (view, inlet), owner=web)
+    return package
+
+
 def random_model(rng):
     """Packages in packages, classes and interfaces in them, and relations among any."""
     model = umlmm.new_model()

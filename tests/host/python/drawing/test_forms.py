@@ -9,7 +9,7 @@ import pytest
 
 import umlmm
 from pictures import Picture
-from random_models import shop, talk
+from random_models import activity, components, objects, shop, talk, use_cases
 
 TEXTS = ["<script>alert(1)</script>", "a\"b'c", "]]>", "--> <!-- x", "javascript:alert(1)", "\u202egnp.exe", "x" * 10_000,
          "&lt;", "\u5b57\u05d0\u0301",
@@ -64,26 +64,33 @@ def test_texts_stay_texts(hostile):
     xml.fromstring(laid_out.stdout)
 
 
-@pytest.mark.parametrize("text", [each for each in TEXTS if each], ids=lambda text: ascii(text[:12]))
-def test_texts_of_a_sequence_stay_texts(text):
-    interaction = talk()
-    usual = umlmm.draw(interaction)
-    names = {element.name for element in interaction.descendants(umlmm.NamedElement)} - {""}
-    names |= {f"[{value.value}]" for value in interaction.descendants(umlmm.LiteralString)} | {"sd Talk"}
-    known = re.compile("|".join(sorted((re.escape(re.escape(name)) for name in names), key=len, reverse=True)))
-    for element in [interaction, *interaction.descendants(umlmm.NamedElement)]:
-        if not isinstance(element, umlmm.ValueSpecification):
+@pytest.mark.parametrize("make, kind", [(talk, "sequence"), (use_cases, "use case"), (objects, "object"),
+                                        (activity, "activity"), (components, "component")])
+def test_texts_stay_texts_in_other_kinds(make, kind):
+    drawn = make()
+    usual = umlmm.draw(drawn, kind)
+    values = drawn.descendants(umlmm.LiteralString)
+    named = [element for element in [drawn, *drawn.descendants(umlmm.NamedElement)]
+             if not isinstance(element, umlmm.ValueSpecification) and element.name]
+    words = {element.name for element in named} | {f"[{value.value}]" for value in values} | {"sd Talk"}
+    known = re.compile("|".join(sorted((re.escape(re.escape(word)) for word in words), key=len, reverse=True)))
+    shapes = {form: [known.sub(lambda _: WORDS[form], re.escape(line)) for line in getattr(usual, form)().split("\n")]
+              for form in WORDS}
+    for text in filter(None, TEXTS):
+        for element in named:
             element.name = text
-    for value in interaction.descendants(umlmm.LiteralString):
-        value.value = text
-    view = umlmm.draw(interaction)
-    picture = Picture(view)
-    assert {element.tag.rpartition("}")[2] for element in picture.root.iter()} <= ELEMENTS
-    for form, words in WORDS.items():
-        lines = getattr(view, form)().split("\n")
-        for line, before in zip(lines, getattr(usual, form)().split("\n"), strict=True):
-            assert re.fullmatch(known.sub(lambda _: words, re.escape(before)), line), (form, line)
-    interaction.modelKelm.close()
+        for value in values:
+            value.value = text
+        view = umlmm.draw(drawn, kind)
+        for form, lines in shapes.items():
+            for line, shape in zip(getattr(view, form)().split("\n"), lines, strict=True):
+                assert re.fullmatch(shape, line), (form, text, line)
+        if text in TEXTS[::4]:
+            assert {element.tag.rpartition("}")[2] for element in Picture(view).root.iter()} <= ELEMENTS | {"ellipse"}
+            if kind != "sequence":
+                laid_out = subprocess.run(["dot", "-Tsvg"], input=view.dot().encode(), capture_output=True)
+                assert laid_out.stderr == b"" and xml.fromstring(laid_out.stdout) is not None
+    drawn.modelKelm.close()
 
 
 @pytest.mark.parametrize("link", ["javascript:alert(1)", "JavaScript:x", " javascript:x", "java\nscript:x",
