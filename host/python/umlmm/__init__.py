@@ -36,7 +36,7 @@ def _show(name, package):
 
 def _add():
     """Adds this package's own members to the published classes, before the first of these is made."""
-    from umlmm import _copying, _file_members, _finding, _making, _pickling, _values
+    from umlmm import _copying, _file_members, _finding, _making, _notebook, _pickling, _values
 
 
 _host.before_first_class(_add)

@@ -10,7 +10,7 @@ is written from it alone. Pictures are laid out by Graphviz's `dot`; the other f
 from __future__ import annotations
 
 import functools
-from typing import Any
+from typing import Any, Callable
 
 from umlmm.drawing.options import DIRECTIONS, LIMIT, Options
 from umlmm.drawing.view import Missing, View
@@ -31,9 +31,10 @@ def draw(what: Any, kind: str | None = None, *, depth: int | None = None, show: 
     packages closed, or stays nearer to its elements, and says so in `notes`; `limit=None` draws whatever there is.
     """
     from umlmm.drawing import choosing, class_diagram, other_diagrams, reference_diagram, sequence_diagram
-    kinds = {"class": class_diagram.build, "sequence": sequence_diagram.build,
-             **{name: functools.partial(class_diagram.build, of=of) for name, of in other_diagrams.KINDS.items()},
-             "inheritance": class_diagram.build_inheritance, "references": reference_diagram.build}
+    kinds: dict[str, Callable[..., View]] = {
+        "class": class_diagram.build, "sequence": sequence_diagram.build,
+        **{name: functools.partial(class_diagram.build, of=of) for name, of in other_diagrams.KINDS.items()},
+        "inheritance": class_diagram.build_inheritance, "references": reference_diagram.build}
     if kind is not None and kind not in kinds:
         raise ValueError(f"{kind!r} is no kind of view; what is: {', '.join(kinds)}")
     if direction not in DIRECTIONS:

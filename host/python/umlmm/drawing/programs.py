@@ -28,8 +28,9 @@ def png_of(svg, scale):
 
 
 def _run(command, given, name):
-    """What a program answers; it ends with the caller, also by Ctrl-C."""
-    environment = {**os.environ, "LC_ALL": "C.UTF-8"}
+    """What a program answers; it ends with the caller, also by Ctrl-C. What is loaded into this process is not meant
+    for it."""
+    environment = {name: text for name, text in os.environ.items() if name != "LD_PRELOAD"} | {"LC_ALL": "C.UTF-8"}
     done = subprocess.run(command, input=given, capture_output=True, env=environment)
     if done.returncode:
         raise RuntimeError(f"{name} failed: {done.stderr.decode(errors='replace').strip()[-500:]}")

@@ -117,6 +117,11 @@ class View:
         boxes than the limit; this view itself if it is not of packages."""
         return (self._pages() if self._pages else []) or [self]
 
+    def _repr_mimebundle_(self, include: Any = None, exclude: Any = None) -> dict[str, str]:
+        """What a notebook shows."""
+        from umlmm.drawing import bundles
+        return bundles.of_view(self)
+
     # --- forms
 
     def svg(self, *, theme: str = "light", links: Callable[[Any], str | None] | None = None) -> str:

@@ -1,10 +1,18 @@
 """What a picture says of itself, read back from its text."""
 
 import collections
+import os
+import subprocess
 import xml.etree.ElementTree as xml
 
 SVG = "{http://www.w3.org/2000/svg}"
 Line = collections.namedtuple("Line", "kind path source target source_mark target_mark texts")
+
+
+def graphviz(text, form):
+    """What `dot` makes of a text."""
+    environment = {name: value for name, value in os.environ.items() if name != "LD_PRELOAD"}
+    return subprocess.run(["dot", f"-T{form}"], input=text.encode(), capture_output=True, env=environment)
 
 
 class Picture:

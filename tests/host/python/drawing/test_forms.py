@@ -8,7 +8,7 @@ import xml.etree.ElementTree as xml
 import pytest
 
 import umlmm
-from pictures import Picture
+from pictures import Picture, graphviz
 from random_models import activity, components, objects, shop, talk, use_cases
 
 TEXTS = ["<script>alert(1)</script>", "a\"b'c", "]]>", "--> <!-- x", "javascript:alert(1)", "\u202egnp.exe", "x" * 10_000,
@@ -59,7 +59,7 @@ def test_texts_stay_texts(hostile):
         line = re.compile(re.sub(r"T(?!B)", lambda _: WORDS[form], lines))
         for each in getattr(view, form)().split("\n"):
             assert line.fullmatch(each.strip()), (form, each)
-    laid_out = subprocess.run(["dot", "-Tsvg"], input=view.dot().encode(), capture_output=True)
+    laid_out = graphviz(view.dot(), "svg")
     assert laid_out.stderr == b""
     xml.fromstring(laid_out.stdout)
 
@@ -88,7 +88,7 @@ def test_texts_stay_texts_in_other_kinds(make, kind):
         if text in TEXTS[::4]:
             assert {element.tag.rpartition("}")[2] for element in Picture(view).root.iter()} <= ELEMENTS | {"ellipse"}
             if kind != "sequence":
-                laid_out = subprocess.run(["dot", "-Tsvg"], input=view.dot().encode(), capture_output=True)
+                laid_out = graphviz(view.dot(), "svg")
                 assert laid_out.stderr == b"" and xml.fromstring(laid_out.stdout) is not None
     drawn.modelKelm.close()
 
