@@ -26,6 +26,20 @@ def add_parsers(commands):
     table.add_argument("--format", choices=("csv", "markdown", "json"), default="csv")
 
 
+    site = _commands._add(commands, _site, "site", "write pages of a model that open in a browser")
+    site.add_argument("file", metavar="FILE")
+    site.add_argument("-o", "--output", metavar="FOLDER", default="site", help="default: site")
+
+
+def _site(options):
+    return _commands._for_each([options.file], lambda name, model: _tell_failures(_written, model, options))
+
+
+def _written(model, options):
+    from umlmm.drawing import site
+    print(site.write(model, options.output))
+
+
 def _draw(options):
     return _commands._for_each([options.file], lambda name, model: _tell_failures(_drawn, model, options))
 

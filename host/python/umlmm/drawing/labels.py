@@ -8,7 +8,7 @@ import math
 
 from umlmm.drawing.metrics import LINE, width
 
-_CELL = 80
+_CELL = 50
 _MARK = 20  # what is drawn at the end of a line reaches so far
 _BLOCKED, _CROSSED = 1_000, 12
 
@@ -76,16 +76,22 @@ def _texts(view):
 
 
 def _best(places, near, w, h, taken, crossed, rect):
+    """The cheapest frame for a text, and what it costs."""
     found, least = None, math.inf
     for distance, (x, y), (dx, dy) in places:
-        for sign in (1, -1):
-            for gap in (near, 18, 40):
+        for gap in (near, 18, 40):
+            cheapest = distance * .1 + gap * .3
+            if cheapest >= least:
+                break
+            for sign in (1, -1):
                 nx, ny = -dy * sign, dx * sign
                 off = gap + abs(nx) * w / 2 + abs(ny) * h / 2
                 frame = rect(round(x + nx * off - w / 2, 1), round(y + ny * off - h / 2, 1), w, h)
-                cost = distance * .1 + gap * .3 + _BLOCKED * taken.hits(frame) + _CROSSED * crossed.hits(frame)
-                if frame.x < 2 or frame.y < 2:
+                cost = cheapest
+                if frame.x < 2 or frame.y < 2 or taken.hits(frame, 1):
                     cost += _BLOCKED
+                if cost < least:
+                    cost += _CROSSED * crossed.hits(frame, (least - cost) / _CROSSED)
                 if cost < least:
                     found, least = frame, cost
     return found, least
@@ -144,9 +150,16 @@ class _Grid:
 
     def add(self, frame):
         for cell in self._around(frame):
-            self._cells.setdefault(cell, []).append(frame)
+            self._cells.setdefault(cell, []).append((frame.x, frame.y, frame.right, frame.bottom))
 
-    def hits(self, frame):
-        """How many frames meet one, each once."""
-        found = {id(other) for cell in self._around(frame) for other in self._cells.get(cell, ()) if other.meets(frame)}
-        return len(found)
+    def hits(self, frame, enough):
+        """How many frames meet one, counted as far as it matters; one in several cells may count for each."""
+        x, y, right, bottom = frame.x, frame.y, frame.right, frame.bottom
+        count = 0
+        for cell in self._around(frame):
+            for left, top, far, low in self._cells.get(cell, ()):
+                if left < right and x < far and top < bottom and y < low:
+                    count += 1
+                    if count >= enough:
+                        return count
+        return count

@@ -38,9 +38,6 @@ class Rect:
     def middle(self):
         return self.x + self.w / 2, self.y + self.h / 2
 
-    def meets(self, other):
-        return self.x < other.right and other.x < self.right and self.y < other.bottom and other.y < self.bottom
-
 
 @dataclasses.dataclass(slots=True)
 class Layout:

@@ -29,6 +29,11 @@ def line(element, text, **style):
     return Text(shown, element, title(text) if len(text) > len(shown) else "", **style)
 
 
+def lines_of(text, limit):
+    """A text of several lines, as a reader may see it."""
+    return "\n".join(clean(row, limit) for row in text[:limit].splitlines()) + ("..." * (len(text) > limit))
+
+
 def wrapped(text, width, most=20):
     """A text as rows of so many characters; what is more than so many rows is cut."""
     import textwrap

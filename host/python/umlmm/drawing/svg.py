@@ -19,13 +19,14 @@ _THEMES = {
 _ADDRESS = re.compile(r"(?:https?:|mailto:|#|[^:/?#\s]*(?:[/?#]|$))", re.IGNORECASE)
 
 
-def write(view, theme="light", links=None):
+def write(view, theme="light", links=None, layout=None):
+    """The text of a picture; `layout` is that of `layout.lay_out` if it is there already."""
     if theme not in _THEMES:
         raise ValueError(f"{theme!r} is no theme; what is: {', '.join(_THEMES)}")
     if view.kind == "sequence":
         from umlmm.drawing import sequence_svg
         return sequence_svg.SequencePicture(view, _THEMES[theme], links).text()
-    return _Boxes(view, _THEMES[theme], links).text()
+    return _Boxes(view, _THEMES[theme], links, layout or layouts.lay_out(view)).text()
 
 
 def address(text):
@@ -127,9 +128,9 @@ class Picture:
 class _Boxes(Picture):
     """Boxes and lines where Graphviz has put them."""
 
-    def __init__(self, view, colors, links):
+    def __init__(self, view, colors, links, layout):
         super().__init__(view, colors, links)
-        self._layout = layouts.lay_out(view)
+        self._layout = layout
         self.w, self.h = self._layout.w, self._layout.h
         self._labels = {}
         for label in self._layout.texts:
