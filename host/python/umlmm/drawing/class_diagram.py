@@ -103,11 +103,18 @@ def _all_packages(elements):
 def _neighbourhood(chosen, options, depth, direction, limit, of):
     view = View(of.kind, chosen.title, direction)
     diagram = of(view, options)
-    shown, steps = choosing.around(chosen.elements, depth, limit, diagram.has_box)
+    elements = chosen.elements
+    if limit is not None and len(elements) > limit:
+        view.notes.append(f"These are {len(elements)} elements, and the first {limit} are shown; pages() has views that "
+                          f"show everything, and limit=None draws all")
+        parts = [choosing.Chosen(elements[first:first + limit]) for first in range(0, len(elements), limit)]
+        view._pages = lambda: [_neighbourhood(part, options, 0, direction, limit, of) for part in parts]
+        elements, depth = elements[:limit], 0
+    shown, steps = choosing.around(elements, depth, limit, diagram.has_box)
     if steps < depth:
         view.notes.append(f"{steps + 1} steps away there are more than {limit} boxes; this shows what is within "
                           f"{steps}. limit=None draws all")
-    full = set(chosen.elements)
+    full = set(elements)
     for element in shown:
         if diagram.has_box(element) or element in full:
             view.boxes.append(diagram.box(element, is_full=element in full))

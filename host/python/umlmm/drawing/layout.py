@@ -110,7 +110,10 @@ def tab(box, frame):
 
 def _attempt(view, spread):
     boxes = {box.key: box for box in view.all_boxes()}
-    answer = programs.laid_out(_graph(view, boxes, spread))
+    try:
+        answer = programs.laid_out(_graph(view, boxes, spread))
+    except programs.Failed:  # its bent lines are what it fails at
+        answer = programs.laid_out(_graph(view, boxes, spread).replace("splines=polyline", "splines=line", 1))
     _, _, right, top = map(float, answer["bb"].split(","))
 
     def point(text):

@@ -118,5 +118,6 @@ def _relation(relation, first, second):
 def text(shown):
     """A text that Mermaid shows as it is: what it could read as its own is written by number."""
     written = _MARKED.sub(lambda found: f"#{ord(found[0])};", shown)
-    # Mermaid takes the last semicolon of a line with "style" in it for the end of a statement.
-    return written.replace("style", "#115;tyle") if "#" in written else written or " "
+    # Mermaid takes the last semicolon of a line with "style" in it for the end of a statement, and a line with a
+    # direction in it for that direction.
+    return written.replace("style", "#115;tyle").replace("direction ", "#100;irection ") or " "

@@ -9,6 +9,10 @@ import subprocess
 from umlmm.drawing.view import Missing
 
 
+class Failed(RuntimeError):
+    """A program has ended with an error, whose text this is."""
+
+
 def laid_out(graph):
     """A graph in Graphviz's language as the JSON of its layout."""
     program = shutil.which("dot")
@@ -33,5 +37,5 @@ def _run(command, given, name):
     environment = {name: text for name, text in os.environ.items() if name != "LD_PRELOAD"} | {"LC_ALL": "C.UTF-8"}
     done = subprocess.run(command, input=given, capture_output=True, env=environment)
     if done.returncode:
-        raise RuntimeError(f"{name} failed: {done.stderr.decode(errors='replace').strip()[-500:]}")
+        raise Failed(f"{name} failed: {done.stderr.decode(errors='replace').strip()[-500:]}")
     return done.stdout

@@ -100,11 +100,11 @@ class _Builder:
         return ""
 
     def _add_executions(self):
+        lost = 0
         for execution in self._executions:
             first, last = self._seen.get(execution.start), self._seen.get(execution.finish)
             if first is None or last is None or not execution.covered:
-                self.view.notes.append(f"{notation.name_of(execution)} has no start or no finish in the interaction, "
-                                       f"and is not shown")
+                lost += 1
                 continue
             key = self._keys.get(next(iter(execution.covered)))
             if key is not None:
@@ -112,6 +112,8 @@ class _Builder:
                 level = sum(other.lifeline == key and other.first <= last and first <= other.last
                             for other in self.view.executions)
                 self.view.executions.append(Execution(key, first, last, execution, level))
+        if lost:
+            self.view.notes.append(f"Executions without a start or a finish in the interaction are not shown: {lost}")
 
 
 def _guard(operand):

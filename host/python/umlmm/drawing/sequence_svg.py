@@ -203,9 +203,9 @@ class SequencePicture(Picture):
     def _message_ends(self, step, at):
         source, target = step.lifelines
         if not source or not target:
-            known = self._x[source or target]
-            is_left = self._order[source or target] == 0
-            away = known + (-1 if is_left else 1) * (width(step.text) + 30)
+            sign = -1 if self._order[source or target] == 0 else 1
+            known = self._x[source or target] + sign * self._reach(source or target, at)
+            away = known + sign * (width(step.text) + 30)
             return (known, away) if source else (away, known)
         first, last = self._x[source], self._x[target]
         sign = 1 if first < last else -1

@@ -108,6 +108,27 @@ def test_the_notation_of_everything_in_a_class_diagram():
     top.modelKelm.close()
 
 
+def test_what_is_said_of_features_and_ends():
+    model = umlmm.new_model()
+    order, item = (umlmm.Class(model, name=name) for name in ("Order", "Item"))
+    general = order.ownedAttribute.create(name="all", isDerivedUnion=True, isReadOnly=True, multiplicity="*")
+    order.ownedAttribute.create(name="some", type=item, isDerived=True, visibility="package", multiplicity="2..5",
+                                isOrdered=True, isUnique=False, subsettedProperty=[general])
+    find = order.ownedOperation.create(name="find", isQuery=True)
+    find.ownedParameter.create(name="key", direction="inout", type=item, multiplicity="0..1", default="1")
+    has = umlmm.associate(order, item, name="has", ends=("order", "items"), multiplicity=("1", "*"))
+    has.isDerived = True
+    order["items"].isOrdered = True
+    order["items"].qualifier.create(name="number", type=item)
+    assert [line.text for box in umlmm.draw([order]).boxes for lines in box.compartments for line in lines] == [
+        "all [*] {readOnly, union}", "~ /some : Item [2..5] {subsets all, ordered, nonunique}",
+        "items : Item [*] {ordered}", "find(inout key : Item [0..1] = 1) {query}"]
+    [line] = umlmm.draw([order, item]).relations
+    assert (line.source.text, line.caption, line.target.text) == (
+        "[number : Item] order 1", "/has", "items {ordered} *")
+    model.close()
+
+
 @pytest.mark.parametrize("options, has, has_not", [
     ({}, ["total", "add(", "items", "0..1"], ["~"]),
     ({"hide": "attributes"}, ["add("], ["total"]),
@@ -155,4 +176,7 @@ def test_a_large_view_says_what_it_leaves_out():
         umlmm.depend(packages[0]["c0"], package)
     around = umlmm.draw(packages[0]["c0"], limit=2)
     assert len(around.boxes) == 1 and "more than 2" in around.notes[0]
+    several = umlmm.draw(model.all(umlmm.Class), limit=40)
+    assert len(several.boxes) == 40 and "90 elements" in several.notes[0]
+    assert [len(page.boxes) for page in several.pages()] == [40, 40, 10]
     model.close()

@@ -1,6 +1,8 @@
 """The forms of a view: what texts of a model may do in them, files, and what is missing on a machine."""
 
+import os
 import re
+import shutil
 import subprocess
 import sys
 import xml.etree.ElementTree as xml
@@ -15,7 +17,7 @@ TEXTS = ["<script>alert(1)</script>", "a\"b'c", "]]>", "--> <!-- x", "javascript
          "&lt;", "\u5b57\u05d0\u0301",
          "a\nb\r\n@enduml\n}", "\\N\\l\\", "[[http://x y]]", "!include /etc/hosts", "%%{init: {}}%%", "`*_~bold~_*`",
          "__under__ **bold** //it//", "<&icon> <img:x>", "{", "}", "|", "#quot; #35;", "style a:b #c;d;", "\x1b[0m", "-- x",
-         "' remark", "/' x '/", "$a %date()", "::c", "\ufffe", "class", "+ x", "..", ""]
+         "' remark", "/' x '/", "$a %date()", "::c", "\ufffe", "class", "+ x", "..", "direction TB", ""]
 ELEMENTS = {"svg", "g", "a", "title", "rect", "path", "circle", "text"}
 WORDS = {"plantuml": r"(?:(?:[\w .,:()\[\]*=+«»-]|<U\+[0-9A-F]{4,5}>)+)",
          "mermaid": r"(?:(?:[\w .,:=\[\]«»-]|#\d+;)+)"}
@@ -59,6 +61,7 @@ def test_texts_stay_texts(hostile):
         line = re.compile(re.sub(r"T(?!B)", lambda _: WORDS[form], lines))
         for each in getattr(view, form)().split("\n"):
             assert line.fullmatch(each.strip()), (form, each)
+    assert len(re.findall(r"direction\s+TB", view.mermaid())) == 1
     laid_out = graphviz(view.dot(), "svg")
     assert laid_out.stderr == b""
     xml.fromstring(laid_out.stdout)
@@ -130,6 +133,21 @@ def test_without_other_programs_the_texts_are_there(monkeypatch):
     with pytest.raises(umlmm.drawing.Missing, match="apt-get install librsvg2-bin"):
         view.png()
     assert "enum" in view.plantuml() and "<<enumeration>>" in view.mermaid() and "State" in view.dot()
+    top.modelKelm.close()
+
+
+def test_a_layout_that_fails_is_tried_with_plain_lines(monkeypatch, tmp_path):
+    top = shop()
+    real = shutil.which("dot")
+    program = tmp_path / "dot"
+    program.write_text("#!/bin/sh\ngraph=$(cat)\n"
+                       f'case "$graph" in *polyline*) exit 1;; esac; printf %s "$graph" | {real} "$@"\n')
+    program.chmod(0o755)
+    monkeypatch.setenv("PATH", f"{tmp_path}:{os.environ['PATH']}")
+    assert "Order" in umlmm.draw(top).svg()
+    program.write_text("#!/bin/sh\necho no memory >&2; exit 1\n")
+    with pytest.raises(RuntimeError, match="dot failed: no memory"):
+        umlmm.draw(top).svg()
     top.modelKelm.close()
 
 
