@@ -33,6 +33,8 @@ def build_inheritance(chosen, options, depth, direction, limit):
                     if isinstance(part, umlmm.ImmutableGeneralization)]
         elements = dict.fromkeys(end for part in elements if part.general is not None and part.specific is not None
                                  for end in (part.general, part.specific))
+    elif not all(isinstance(element, umlmm.ImmutableClassifier) for element in elements):
+        raise ValueError(f"Inheritance is drawn of classifiers, not of {chosen.title}")
     found, level = dict.fromkeys(elements), 0
     up = down = list(found)
     while (up or down) and (depth is None or level < depth):
@@ -105,8 +107,8 @@ def _neighbourhood(chosen, options, depth, direction, limit, of):
     diagram = of(view, options)
     elements = chosen.elements
     if limit is not None and len(elements) > limit:
-        view.notes.append(f"These are {len(elements)} elements, and the first {limit} are shown; pages() has views that "
-                          f"show everything, and limit=None draws all")
+        view.notes.append(f"These are {len(elements)} elements, and the first {limit} are shown; pages() has "
+                          f"views that show everything, and limit=None draws all")
         parts = [choosing.Chosen(elements[first:first + limit]) for first in range(0, len(elements), limit)]
         view._pages = lambda: [_neighbourhood(part, options, 0, direction, limit, of) for part in parts]
         elements, depth = elements[:limit], 0

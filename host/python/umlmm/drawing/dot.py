@@ -8,8 +8,8 @@ _RANKS = {"down": "TB", "up": "BT", "right": "LR", "left": "RL"}
 _MARKS = {"": "none", "arrow": "vee", "triangle": "onormal", "filled triangle": "normal", "diamond": "odiamond",
           "filled diamond": "diamond", "nesting": "odot", "pin": "obox", "arrow pin": "oboxvee", "socket": "curve"}
 # An actor has no figure in Graphviz; it is told by its keyword.
-_SHAPES = {"ellipse": "ellipse", "actor": "plaintext", "action": "box style=rounded", "component": "component", "ball": "circle",
-           "port": "square"}
+_SHAPES = {"ellipse": "ellipse", "actor": "plaintext", "action": "box style=rounded", "component": "component",
+           "ball": "circle", "port": "square"}
 
 
 def write(view):

@@ -5,7 +5,8 @@ from __future__ import annotations
 
 _WORDS = {"ellipse": "usecase", "actor": "actor", "component": "component", "ball": "interface", "port": "rectangle",
           "package": "package", "initial": "circle", "final": "circle"}
-_SOURCE = {"arrow": "<", "arrow pin": "<", "triangle": "<|", "filled triangle": "<|", "diamond": "o", "filled diamond": "*", "socket": ")"}
+_SOURCE = {"arrow": "<", "arrow pin": "<", "triangle": "<|", "filled triangle": "<|", "diamond": "o", "filled diamond": "*",
+           "socket": ")"}
 _TARGET = {**_SOURCE, "arrow": ">", "arrow pin": ">", "triangle": "|>", "filled triangle": "|>", "socket": "("}
 _SHAPES = {"ellipse": ("([", "])"), "actor": ("((", "))"), "ball": ("((", "))"), "action": ("(", ")"),
            "initial": ("((", "))"), "final": ("(((", ")))"), "diamond": ("{", "}"), "component": ("[[", "]]"),

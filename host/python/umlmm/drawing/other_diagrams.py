@@ -28,6 +28,10 @@ class _Special(Diagram):
         return [part for part in getattr(element, "packagedElement", ()) if self.has_box(part)]
 
 
+def _typed(element):
+    return f"{notation.clean(element.name or '')} : {notation.name_of(element.type)}".strip()
+
+
 class UseCaseDiagram(_Special):
     """Actors and use cases, these in the classifiers whose use cases they are."""
 
@@ -165,7 +169,7 @@ class ActivityDiagram(_Special):
             if isinstance(element, umlmm.ImmutableControlNode):
                 box.name.text = notation.clean(element.name or "")
             if isinstance(element, umlmm.ImmutableObjectNode) and element.type is not None:
-                box.name = Text(f"{notation.clean(element.name or '')} : {notation.name_of(element.type)}".strip(), element)
+                box.name = Text(_typed(element), element)
         return box
 
     def relate(self, only=None):
@@ -194,6 +198,7 @@ class ComponentDiagram(_Special):
 
     kind = "component"
     of = (umlmm.ImmutableComponent,)
+    _SHAPES = {"Package": "package", "Component": "component", "Port": "port", "Element": "box"}
 
     @staticmethod
     def opens(element):
@@ -208,13 +213,13 @@ class ComponentDiagram(_Special):
         return [*inner, *(part for part in getattr(element, "ownedAttribute", ()) if self.has_box(part))]
 
     def shape(self, element):
-        return relating.nearest({"Package": "package", "Component": "component", "Port": "port", "Element": "box"}, element)
+        return relating.nearest(self._SHAPES, element)
 
     def box(self, element, is_full=True):
         box = super().box(element, is_full=False)
         box.keywords = [word for word in box.keywords if word not in ("property", "port")]
-        if box.shape == "box" and element.type is not None:
-            box.name = Text(f"{notation.clean(element.name or '')} : {notation.name_of(element.type)}".strip(), element)
+        if box.shape == "box" and getattr(element, "type", None) is not None:
+            box.name = Text(_typed(element), element)
         return box
 
     def relate(self, only=None):

@@ -59,9 +59,8 @@ class _Builder:
             elif isinstance(fragment, umlmm.ImmutableCombinedFragment):
                 self._fragment(fragment)
             elif isinstance(fragment, umlmm.ImmutableInteractionUse):
-                other = fragment.refersTo
-                self._step("use", fragment, notation.name_of(other) if other is not None else notation.name_of(fragment),
-                           self._covered(fragment))
+                other = fragment.refersTo if fragment.refersTo is not None else fragment
+                self._step("use", fragment, notation.name_of(other), self._covered(fragment))
             elif isinstance(fragment, (umlmm.ImmutableStateInvariant, umlmm.ImmutableContinuation)):
                 condition = getattr(fragment, "invariant", None)
                 text = (_condition(condition) if condition is not None else "") or notation.name_of(fragment)
@@ -122,7 +121,8 @@ def _guard(operand):
         return ""
     bounds = [notation.value(each) for each in (guard.minint, guard.maxint) if each is not None]
     text = _condition(guard)
-    return notation.clean(" ".join(filter(None, (f"({', '.join(bounds)})" if bounds else "", f"[{text}]" if text else ""))))
+    words = [f"({', '.join(bounds)})"] * bool(bounds) + [f"[{text}]"] * bool(text)
+    return notation.clean(" ".join(words))
 
 
 def _condition(constraint):

@@ -197,7 +197,8 @@ class SequencePicture(Picture):
 
     def _reach(self, key, at):
         """How far what is drawn of executions reaches beside a lifeline."""
-        levels = [each.level for each in self._view.executions if each.lifeline == key and each.first <= at <= each.last]
+        levels = [each.level for each in self._view.executions
+                  if each.lifeline == key and each.first <= at <= each.last]
         return _BAR + 4 * max(levels) if levels else 0
 
     def _message_ends(self, step, at):
@@ -228,8 +229,7 @@ class SequencePicture(Picture):
         middle = sum(self._x[key] for key in step.lifelines) / max(len(step.lifelines), 1)
         wide = width(step.text) + 24
         done = self._opened(step.element, "", data_state=step.text, data_path=notation.title(step.element.path))
-        self._add(f'<rect x="{middle - wide / 2:.1f}" y="{self._tops[at] + 4:.1f}" width="{wide:.1f}" height="24" rx="10"'
-                  f"{self._stroke('fill')}/>")
+        self._rect(Rect(middle - wide / 2, self._tops[at] + 4, wide, 24), corner=10)
         self._write(middle - width(step.text) / 2, self._tops[at] + 20, step.text, data_label="state")
         self._add(done)
 

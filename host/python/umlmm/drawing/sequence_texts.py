@@ -2,8 +2,8 @@
 
 from __future__ import annotations
 
-_PLANTUML_ARROWS = {"synchCall": "->", "asynchCall": "->>", "asynchSignal": "->>", "reply": "-->>", "createMessage": "-->>",
-                    "deleteMessage": "->"}
+_PLANTUML_ARROWS = {"synchCall": "->", "asynchCall": "->>", "asynchSignal": "->>", "reply": "-->>",
+                    "createMessage": "-->>", "deleteMessage": "->"}
 _PLANTUML_FRAGMENTS = {"alt", "opt", "loop", "par", "break", "critical"}
 _MERMAID_ARROWS = {"synchCall": "->>", "asynchCall": "-)", "asynchSignal": "-)", "reply": "--)", "createMessage": "--)",
                    "deleteMessage": "-x"}

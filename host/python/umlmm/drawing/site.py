@@ -131,7 +131,7 @@ class _Site:
 
     def _stereotypes(self, element):
         rows = [(escape(notation.clean(application.name)), escape(notation.clean(tag)), escape(_text(value)))
-                for application in element.stereotypes for tag, value in (*application.values.items(), ("", ""))[:_ROWS]]
+                for application in element.stereotypes for tag, value in application.values.items() or [("", "")]]
         return _table("Stereotypes", ("stereotype", "tag", "value"), rows)
 
     def _features(self, element):

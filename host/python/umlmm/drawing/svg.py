@@ -73,8 +73,8 @@ class Picture:
         w = max([self.w, width(view.title) + 32, *(width(row) + 32 for row in notes)])
         h = self.h + LINE * len(notes) + (8 if notes else 0)
         self._add(f"<svg{_attributes(xmlns='http://www.w3.org/2000/svg', width=float(w), height=float(h))}"
-                  f' viewBox="0 0 {_number(w)} {_number(h)}" role="img" font-family="Helvetica, Arial, Liberation Sans, '
-                  f'sans-serif"{_attributes(font_size=SIZE, data_view=view.kind)}>')
+                  f' viewBox="0 0 {_number(w)} {_number(h)}" role="img" '
+                  f'font-family="Helvetica, Arial, Liberation Sans, sans-serif"{_attributes(font_size=SIZE, data_view=view.kind)}>')
         self._add(f"<title>{escape(view.title)}</title>")
         self._add(f'<rect width="100%" height="100%"{_attributes(fill=self._colors["page"])}/>')
         self.draw()
@@ -212,12 +212,14 @@ class _Boxes(Picture):
 
     def _ellipse(self, box, frame):
         x, y = frame.middle
-        self._add(f"<ellipse{_attributes(cx=float(x), cy=float(y), rx=frame.w / 2, ry=frame.h / 2)}{self._stroke('fill')}/>")
+        self._add(f"<ellipse{_attributes(cx=float(x), cy=float(y), rx=frame.w / 2, ry=frame.h / 2)}"
+                  f"{self._stroke('fill')}/>")
         self._head(box, x, y - LINE * len(layouts.head_lines(box)) / 2 - 2)
 
     def _actor(self, box, frame):
         x, y, h = frame.middle[0], frame.y, layouts.FIGURE
-        self._add(f'<path d="M{_number(x)} {_number(y + 16)}v{h * .4:.0f}l-11 {h * .3:.0f}m11 -{h * .3:.0f}l11 {h * .3:.0f}'
+        body, leg = f"v{h * .4:.0f}", f"{h * .3:.0f}"
+        self._add(f'<path d="M{_number(x)} {_number(y + 16)}{body}l-11 {leg}m11 -{leg}l11 {leg}'
                   f'M{_number(x - 14)} {_number(y + 22)}h28"{self._stroke()}/>')
         self._add(f"<circle{_attributes(cx=float(x), cy=y + 9.0, r='7')}{self._stroke('fill')}/>")
         self._head(box, x, y + h + 4)

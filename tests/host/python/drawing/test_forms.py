@@ -13,10 +13,12 @@ import umlmm
 from pictures import Picture, graphviz
 from random_models import activity, components, objects, shop, talk, use_cases
 
-TEXTS = ["<script>alert(1)</script>", "a\"b'c", "]]>", "--> <!-- x", "javascript:alert(1)", "\u202egnp.exe", "x" * 10_000,
+TEXTS = ["<script>alert(1)</script>", "a\"b'c", "]]>", "--> <!-- x", "javascript:alert(1)", "\u202egnp.exe",
+         "x" * 10_000,
          "&lt;", "\u5b57\u05d0\u0301",
          "a\nb\r\n@enduml\n}", "\\N\\l\\", "[[http://x y]]", "!include /etc/hosts", "%%{init: {}}%%", "`*_~bold~_*`",
-         "__under__ **bold** //it//", "<&icon> <img:x>", "{", "}", "|", "#quot; #35;", "style a:b #c;d;", "\x1b[0m", "-- x",
+         "__under__ **bold** //it//", "<&icon> <img:x>", "{", "}", "|", "#quot; #35;", "style a:b #c;d;", "\x1b[0m",
+         "-- x",
          "' remark", "/' x '/", "$a %date()", "::c", "\ufffe", "class", "+ x", "..", "direction TB", ""]
 ELEMENTS = {"svg", "g", "a", "title", "rect", "path", "circle", "text"}
 WORDS = {"plantuml": r"(?:(?:[\w .,:()\[\]*=+«»-]|<U\+[0-9A-F]{4,5}>)+)",

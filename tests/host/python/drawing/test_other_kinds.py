@@ -41,3 +41,21 @@ def test_the_kind_is_found_from_the_element():
     ship = activity()
     assert umlmm.draw(ship).kind == "activity" and umlmm.draw(ship.owner).kind == "class"
     assert umlmm.draw(objects()["o1"]).kind == "object"
+
+
+def test_an_element_of_any_class_is_drawn_or_refused_in_a_sentence():
+    model = umlmm.new_model()
+    classes = [getattr(umlmm, name) for name in dir(umlmm) if not name.startswith(("_", "Immutable"))]
+    elements = [cls(model) for cls in classes if isinstance(cls, type) and issubclass(cls, umlmm.Element)
+                and not cls.MetaClass().isAbstract()]
+    assert len(elements) > 120
+    for element in elements:
+        for kind in (None, "class", "component", "object", "use case", "activity", "sequence", "inheritance",
+                     "references"):
+            try:
+                view = umlmm.draw(element, kind, show=["comments", "inherited"])
+            except ValueError as refused:
+                assert " drawn of " in str(refused)
+                continue
+            assert view.plantuml() and view.mermaid()
+    model.close()

@@ -54,7 +54,8 @@ def test_what_is_drawn_of_fragments_executions_and_states(interaction):
     ("plantuml", ["b1 -> b2 : order", "activate b2", "alt [in stock]", "else [otherwise]", "loop",
                   "ref over b1, b2 : pay", "create b4", "b2 -->> b4 : make", "b1 ->] : lost", "[-> b2 : found",
                   "hnote over b2 : ready", "b2 -->> b1 : done", "deactivate b2", "destroy b4"]),
-    ("mermaid", ["b1->>b2: order", "activate b2", "alt [in stock]", "else [otherwise]", "loop", "Note over b1,b2: ref pay",
+    ("mermaid", ["b1->>b2: order", "activate b2", "alt [in stock]", "else [otherwise]", "loop",
+                 "Note over b1,b2: ref pay",
                  "b2--)b4: make", "b1->>away: lost", "away->>b2: found", "Note over b2: ready", "b2--)b1: done",
                  "deactivate b2", "b2-xb4: stop"]),
 ])
