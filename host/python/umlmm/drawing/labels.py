@@ -31,7 +31,9 @@ def place(view, layout, boxes):
         if key not in boxes or not boxes[key].inside:
             taken.add(frame)
             if key in boxes and boxes[key].shape in ("ball", "port"):
-                taken.add(name_beside(boxes[key], frame))
+                name = name_beside(boxes[key], frame)
+                taken.add(name)
+                layout.w, layout.h = max(layout.w, name.right + 4), max(layout.h, name.bottom + 4)
         else:
             taken.add(tab(boxes[key], frame))
             corners = [(frame.x, frame.y), (frame.right, frame.y), (frame.right, frame.bottom), (frame.x, frame.bottom)]
@@ -59,7 +61,7 @@ def name_beside(box, frame):
     from umlmm.drawing.layout import Rect
     w = width(box.name.text, True)
     if box.shape == "port":
-        return Rect(frame.right + 4, frame.middle[1] - LINE / 2, w, LINE)
+        return Rect(frame.right + 4, frame.middle[1] + 1, w, LINE)
     return Rect(frame.middle[0] - w / 2, frame.bottom + 1, w, LINE)
 
 

@@ -135,6 +135,7 @@ def _attempt(view, spread):
         key, _, part = edge.get("id", "").partition(" ")
         parts.setdefault(key, {})[part] = [point(each) for each in edge["pos"].split()] if "pos" in edge else []
     lines = _lines(view, frames, parts, boxes)
+    _put_ports_on_borders(view, frames, lines)
     w = max([right + 2 * _MARGIN, *(x + _MARGIN for line in lines.values() for x, _ in line)])
     layout = Layout(w, top + 2 * _MARGIN, frames, lines, [])
     overlaps = labels.place(view, layout, boxes)
@@ -249,6 +250,36 @@ def _lines(view, frames, parts, boxes):
                 points[at] = _below_tab(points[at], frames[end], boxes.get(end))
         lines[relation.key] = _without_repeats(points)
     return lines
+
+
+def _put_ports_on_borders(view, frames, lines):
+    """Graphviz knows nothing that stands on the border of what is around it: a port goes to the nearest border that
+    nothing is before, but for the upper one, where the name is; and its lines follow."""
+    for key, (outer, *_) in view.outer_boxes().items():
+        port = frames[key]
+        if next(box for box in outer.inside if box.key == key).shape != "port":
+            continue
+        around, (x, y) = frames[outer.key], port.middle
+        others = [frame for other, frame in frames.items() if other not in (key, outer.key)
+                  and not _contains(frame, around)]
+        ways = [(abs(to - at), place) for to, at, place in (
+            (around.bottom, y, (x, around.bottom)), (around.x, x, (around.x, y)),
+            (around.right, x, (around.right, y)))]
+        for _, (far_x, far_y) in sorted(ways):
+            way = Rect(min(x, far_x) - 8, min(y, far_y) - 8, abs(far_x - x) + 16, abs(far_y - y) + 16)
+            if not any(_meet(way, other) for other in others):
+                frames[key] = moved = Rect(far_x - port.w / 2, far_y - port.h / 2, port.w, port.h)
+                for relation in view.relations:
+                    for end, at in ((relation.source, 0), (relation.target, -1)):
+                        if end.box == key:
+                            added = [_border(moved, (x, y)), (x, y)]
+                            line = lines[relation.key]
+                            lines[relation.key] = added + line[1:] if at == 0 else line[:-1] + added[::-1]
+                break
+
+
+def _meet(one, other):
+    return one.x < other.right and other.x < one.right and one.y < other.bottom and other.y < one.bottom
 
 
 def _loop(frame, points, at):

@@ -35,6 +35,19 @@ def test_what_is_drawn(make, kind, boxes, lines):
     drawn.modelKelm.close()
 
 
+def test_ports_stand_on_the_border():
+    package = components()
+    frames = {}
+    picture = Picture(umlmm.draw(package, "component"))
+    for key, frame in picture.frames():
+        frames.setdefault(picture.boxes[key].get("data-name"), frame)
+    left, top, right, bottom = frames["http"]
+    around = frames["Web"]
+    assert any(one < border < other for one, other, border in (
+        (left, right, around[0]), (left, right, around[2]), (top, bottom, around[1]), (top, bottom, around[3])))
+    package.modelKelm.close()
+
+
 def test_the_kind_is_found_from_the_element():
     package = use_cases()
     assert umlmm.draw(package["Customer"]).kind == umlmm.draw(package["Webshop::Order"]).kind == "use case"
