@@ -16,7 +16,9 @@ Functions outside classes have no place in a class model and are left out.
 """
 
 import ast
+import os
 import sys
+import tempfile
 
 import python_source as source
 import umlmm
@@ -190,13 +192,27 @@ def print_answers(model):
         print(f"    {cls.name:32}{len(users(cls)):4}, such as {users(cls)[0]}")
 
 
+def save_picture(package):
+    """Draws the package; without Graphviz, as a text of PlantUML."""
+    view = umlmm.draw(package, hide=["parameters", "comments"])
+    for suffix in (".svg", ".puml"):
+        path = os.path.join(tempfile.gettempdir(), f"umlmm-{package.name}{suffix}")
+        try:
+            view.save(path)
+            return print(f"\nThe picture of {package.name} is {path}")
+        except RuntimeError as missing:
+            print(f"\n{missing}")
+
+
 def main():
     model = umlmm.Factory.createNewModel()
     reader = Reader(model)
-    print_tree(reader.read(sys.argv[1] if len(sys.argv) > 1 else "http"))
+    package = reader.read(sys.argv[1] if len(sys.argv) > 1 else "http")
+    print_tree(package)
     print("\nBases from elsewhere:", ", ".join(cls.name for cls in reader.external.ownedType))
     print_counts(model)
     print_answers(model)
+    save_picture(package)
     model.close()
 
 

@@ -24,8 +24,8 @@ def run(script, folder):
 
 
 def test_scripts_do_what_is_told(tmp_path):
-    assert [kind for kind, _ in BLOCKS] == ["python", "text", "python", "python"]
-    script, shown, files, stereotypes = (text for _, text in BLOCKS)
+    assert [kind for kind, _ in BLOCKS] == ["python", "text", "python", "python", "python"]
+    script, shown, files, stereotypes, pictures = (text for _, text in BLOCKS)
     result = run(script, tmp_path)
     assert (result.stderr, result.stdout) == ("", shown)
     (tmp_path / "shop.uml").write_text(SHOP)
@@ -38,3 +38,5 @@ def test_scripts_do_what_is_told(tmp_path):
     assert run(start + stereotypes + "model.save()", tmp_path).stderr == ""
     assert (tmp_path / "tables.uml").read_text() == TABLES.replace('<D:Table base_Class="_Hx4kQ" name="order"/>',
                                                                    '<D:Audited base_Class="_Hx4kQ"/>')
+    assert run(script + pictures, tmp_path).stderr == ""
+    assert "Order" in (tmp_path / "shop.svg").read_text()

@@ -40,7 +40,7 @@ def _show(name, package):
 
 def _add():
     """Adds this package's own members to the published classes, before the first of these is made."""
-    from umlmm import _copying, _file_members, _finding, _making, _pickling, _values
+    from umlmm import _copying, _file_members, _finding, _making, _notebook, _pickling, _values
 
 
 def _family(builtin):
@@ -66,7 +66,8 @@ _show(__name__, "umlmm")
 _LATER = {name: "files" for name in ("files", "load", "load_all")} | {
     name: "relations" for name in ("associate", "connect", "depend", "generalize", "realize", "relations", "send")} | {
     name: "changes" for name in ("changes", "new_model", "remove")} | {
-    name: name for name in ("errors", "primitives", "queries")} | {"Error": "errors"}
+    name: name for name in ("errors", "primitives", "queries")} | {
+    "Error": "errors", "draw": "drawing"}
 
 
 def __getattr__(name):

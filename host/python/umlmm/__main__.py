@@ -1,5 +1,5 @@
-"""Command line: `python -m umlmm info`, `tree`, `convert` and `check` work on model files, `describe`, `stubs` and
-`reference` tell of the published classes, which they read back from the filled ones.
+"""Command line: `python -m umlmm info`, `tree`, `convert`, `check`, `draw`, `table` and `site` work on model files,
+`describe`, `stubs` and `reference` tell of the published classes, which they read back from the filled ones.
 """
 
 import argparse

@@ -124,5 +124,10 @@ class Report:
     def __str__(self):
         return self._page
 
+    def _repr_mimebundle_(self, include=None, exclude=None):
+        """What a notebook shows."""
+        from umlmm.drawing import bundles
+        return bundles.of_report(self)
+
     def __repr__(self):
         return f"<report on {', '.join(file.path for file in self.files)}: {self.element_count} elements>"

@@ -25,6 +25,9 @@ def add_parsers(commands):
     check = _add(commands, _check, "check", "verify ownership, types and multiplicities")
     check.add_argument("files", nargs="+", metavar="FILE")
 
+    from umlmm import _picture_commands
+    _picture_commands.add_parsers(commands)
+
 
 def _add(commands, run, name, text):
     parser = commands.add_parser(name, help=text, description=text[0].upper() + text[1:] + ".")

@@ -1,0 +1,167 @@
+"""Room for the texts of lines: roles and multiplicities as near to their end as nothing else is in the way, captions
+as near to the middle. Crossing another line is the lesser evil."""
+
+from __future__ import annotations
+
+import dataclasses
+import math
+
+from umlmm.drawing.metrics import LINE, width
+
+_CELL = 50
+_MARK = 20  # what is drawn at the end of a line reaches so far
+_BLOCKED, _CROSSED = 1_000, 12
+
+
+@dataclasses.dataclass(slots=True)
+class Label:
+    relation: str
+    side: str  # source, target, or nothing for the caption
+    what: str  # role, multiplicity or caption
+    text: str
+    frame: object
+
+
+def place(view, layout, boxes):
+    """Adds the texts of lines to a layout; how many of them stand on something else."""
+    from umlmm.drawing.layout import Rect, tab
+    taken, crossed = _Grid(), _Grid()
+    ways = list(layout.lines.values())
+    for key, frame in layout.frames.items():
+        if key not in boxes or not boxes[key].inside:
+            taken.add(frame)
+            if key in boxes and boxes[key].shape in ("ball", "port"):
+                name = name_beside(boxes[key], frame)
+                taken.add(name)
+                layout.w, layout.h = max(layout.w, name.right + 4), max(layout.h, name.bottom + 4)
+        else:
+            taken.add(tab(boxes[key], frame))
+            corners = [(frame.x, frame.y), (frame.right, frame.y), (frame.right, frame.bottom), (frame.x, frame.bottom)]
+            ways.append([*corners, corners[0]])
+    for points in ways:
+        for one, other in zip(points, points[1:]):
+            for piece in _pieces(one, other):
+                crossed.add(Rect(*piece))
+    overlaps = 0
+    for relation, side, mark, what, text in _texts(view):
+        way = layout.lines[relation.key]
+        w = width(text) + 2
+        places = _from_end(way[::-1] if side == "target" else way) if side else _from_middle(way)
+        frame, cost = _best(places, 9 if "pin" in mark else 5, w, LINE - 2, taken, crossed, Rect)
+        overlaps += cost >= _BLOCKED
+        taken.add(frame)
+        layout.texts.append(Label(relation.key, side, what, text, frame))
+        layout.w = max(layout.w, frame.right + 4)
+        layout.h = max(layout.h, frame.bottom + 4)
+    return overlaps
+
+
+def name_beside(box, frame):
+    """Where the name of a box stands that is too small for it."""
+    from umlmm.drawing.layout import Rect
+    w = width(box.name.text, True)
+    if box.shape == "port":
+        return Rect(frame.right + 4, frame.middle[1] + 1, w, LINE)
+    return Rect(frame.middle[0] - w / 2, frame.bottom + 1, w, LINE)
+
+
+def _texts(view):
+    """What stands beside lines; what belongs to an end first, as it can go nowhere else."""
+    for relation in view.relations:
+        for side, end in (("source", relation.source), ("target", relation.target)):
+            for what in ("multiplicity", "role"):
+                if getattr(end, what):
+                    yield relation, side, end.mark, what, getattr(end, what)
+    for relation in view.relations:
+        if relation.caption:
+            yield relation, "", "", "caption", relation.caption
+
+
+def _best(places, near, w, h, taken, crossed, rect):
+    """The cheapest frame for a text, and what it costs."""
+    found, least = None, math.inf
+    for distance, (x, y), (dx, dy) in places:
+        for gap in (near, 18, 40):
+            cheapest = distance * .1 + gap * .3
+            if cheapest >= least:
+                break
+            for sign in (1, -1):
+                nx, ny = -dy * sign, dx * sign
+                off = gap + abs(nx) * w / 2 + abs(ny) * h / 2
+                frame = rect(round(x + nx * off - w / 2, 1), round(y + ny * off - h / 2, 1), w, h)
+                cost = cheapest
+                if frame.x < 2 or frame.y < 2 or taken.hits(frame, 1):
+                    cost += _BLOCKED
+                if cost < least:
+                    cost += _CROSSED * crossed.hits(frame, (least - cost) / _CROSSED)
+                if cost < least:
+                    found, least = frame, cost
+    return found, least
+
+
+def _from_end(way):
+    """Places along a line from its end on, up to a little more than half of it, with the line's direction there."""
+    total = _length(way)
+    return _at(way, [at for step in range(40) if (at := _MARK * .6 + 8 * step) < total * .55] or [total * .3], 0)
+
+
+def _from_middle(way):
+    total = _length(way)
+    return _at(way, [at for step in range(40) for at in (total / 2 + 8 * step, total / 2 - 8 * step)
+                     if _MARK < at < total - _MARK] or [total / 2], total / 2)
+
+
+def _length(way):
+    return sum(math.dist(one, other) for one, other in zip(way, way[1:]))
+
+
+def _at(way, distances, wanted):
+    """How far each place is from the wanted one, where it is, and the direction of the line there."""
+    passed = 0
+    for one, other in zip(way, way[1:]):
+        long = math.dist(one, other)
+        if not long:
+            continue
+        direction = (other[0] - one[0]) / long, (other[1] - one[1]) / long
+        for distance in distances:
+            if passed <= distance < passed + long:
+                at = distance - passed
+                yield abs(distance - wanted), (one[0] + direction[0] * at, one[1] + direction[1] * at), direction
+        passed += long
+
+
+def _pieces(one, other):
+    """A line as small frames."""
+    count = max(1, math.ceil(math.dist(one, other) / 10))
+    for at in range(count):
+        x1, y1 = (one[axis] + (other[axis] - one[axis]) * at / count for axis in (0, 1))
+        x2, y2 = (one[axis] + (other[axis] - one[axis]) * (at + 1) / count for axis in (0, 1))
+        yield min(x1, x2) - .5, min(y1, y2) - .5, abs(x2 - x1) + 1, abs(y2 - y1) + 1
+
+
+class _Grid:
+    """Frames by the cells that they lie in."""
+
+    def __init__(self):
+        self._cells = {}
+
+    def _around(self, frame):
+        for column in range(int(frame.x // _CELL), int(frame.right // _CELL) + 1):
+            for row in range(int(frame.y // _CELL), int(frame.bottom // _CELL) + 1):
+                yield column, row
+
+    def add(self, frame):
+        for cell in self._around(frame):
+            self._cells.setdefault(cell, []).append((frame.x, frame.y, frame.right, frame.bottom))
+
+    def hits(self, frame, enough):
+        """How many frames meet one, counted as far as it matters; one in several cells may count for each."""
+        x, y, right, bottom = frame.x, frame.y, frame.right, frame.bottom
+        count = 0
+        for cell in self._around(frame):
+            for left, top, far, low in self._cells.get(cell, ()):
+                if left < right and x < far and top < bottom and y < low:
+                    count += 1
+                    if count >= enough:
+                        return count
+        return count

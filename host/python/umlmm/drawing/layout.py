@@ -1,0 +1,331 @@
+"""Where everything in a picture stands. Sizes are worked out here, Graphviz places boxes of these sizes and leads lines
+around them, and the texts at the ends of lines go where they find room."""
+
+from __future__ import annotations
+
+import dataclasses
+import math
+
+from umlmm.drawing import labels, programs
+from umlmm.drawing.metrics import LINE, PAD, width
+from umlmm.drawing.notation import wrapped
+
+_RANKS = {"down": "TB", "up": "BT", "right": "LR", "left": "RL"}
+_MARGIN = 16
+_TAB = LINE + 4  # the height of a package's tab
+FIGURE = 40  # of an actor
+_SIZES = {"diamond": (28, 18), "initial": (16, 16), "final": (20, 20), "ball": (16, 16), "port": (12, 12)}
+_SHAPES = {"diamond": "shape=diamond", "ellipse": "shape=ellipse", "initial": "shape=circle", "final": "shape=circle",
+           "ball": "shape=circle"}
+
+
+@dataclasses.dataclass(slots=True)
+class Rect:
+    x: float
+    y: float
+    w: float
+    h: float
+
+    @property
+    def right(self):
+        return self.x + self.w
+
+    @property
+    def bottom(self):
+        return self.y + self.h
+
+    @property
+    def middle(self):
+        return self.x + self.w / 2, self.y + self.h / 2
+
+
+@dataclasses.dataclass(slots=True)
+class Layout:
+    """Frames of boxes by key; of relations, by key, the points of the line; captions and texts at ends with their
+    frames."""
+
+    w: float
+    h: float
+    frames: dict
+    lines: dict
+    texts: list
+
+
+def lay_out(view):
+    best = None
+    for spread in (1, 1.5, 2.2):
+        found = _attempt(view, spread)
+        overlaps = found[1]
+        if best is None or overlaps < best[1]:
+            best = found
+        if not overlaps:
+            break
+    return best[0]
+
+
+# --- sizes
+
+def head_lines(box):
+    """What stands in the compartment of the name: text and whether it is that name."""
+    keywords = wrapped(f"\xab{', '.join(box.keywords)}\xbb", 48) if box.keywords else []
+    return [*((row, False) for row in keywords), (box.name.text, True)]
+
+
+def head_size(box):
+    lines = head_lines(box)
+    icon = 44 if box.shape == "component" else 0
+    return max(width(text, is_name) for text, is_name in lines) + 2 * PAD + icon, LINE * len(lines) + PAD
+
+
+def size(box):
+    if box.shape == "point":
+        return 2, 2
+    if box.shape in _SIZES:
+        return _SIZES[box.shape]
+    texts = [line.text for lines in box.compartments for line in lines]
+    w, h = (0, 0) if box.shape == "note" else head_size(box)
+    w = max([w, 48, *(width(text) + 2 * PAD for text in texts)])
+    h += sum(LINE * len(lines) + PAD for lines in box.compartments)
+    if box.shape == "ellipse":
+        w, h = max(w * 1.25, 90), h * 1.6
+    elif box.shape == "actor":
+        w, h = max(width(box.name.text, True), FIGURE), h + FIGURE + 8
+    elif box.shape == "package":
+        w, h = max(w, 90), h + _TAB + LINE
+    elif box.shape == "note":
+        w += 10
+    return math.ceil(w), math.ceil(h)
+
+
+def is_open(box):
+    return bool(box.inside)
+
+
+def tab(box, frame):
+    """The tab of an open package, in which its name stands."""
+    return Rect(frame.x, frame.y, head_size(box)[0], _TAB * len(head_lines(box)))
+
+
+# --- Graphviz
+
+def _attempt(view, spread):
+    boxes = {box.key: box for box in view.all_boxes()}
+    try:
+        answer = programs.laid_out(_graph(view, boxes, spread))
+    except programs.Failed:  # its bent lines are what it fails at
+        answer = programs.laid_out(_graph(view, boxes, spread).replace("splines=polyline", "splines=line", 1))
+    _, _, right, top = map(float, answer["bb"].split(","))
+
+    def point(text):
+        x, y = text.split(",")[:2]
+        return round(float(x) + _MARGIN, 1), round(top - float(y) + _MARGIN, 1)
+
+    frames = {}
+    for each in answer.get("objects", ()):
+        if "bb" in each:
+            left, bottom, far, high = map(float, each["bb"].split(","))
+            frames[each["name"].removeprefix("cluster_")] = Rect(
+                round(left + _MARGIN, 1), round(top - high + _MARGIN, 1), round(far - left, 1), round(high - bottom, 1))
+        elif "pos" in each and not each["name"].startswith("in_"):
+            x, y = point(each["pos"])
+            w, h = size(boxes[each["name"]]) if each["name"] in boxes else (0, 0)
+            frames[each["name"]] = Rect(round(x - w / 2, 1), round(y - h / 2, 1), w, h)
+    parts = {}
+    for edge in answer.get("edges", ()):
+        key, _, part = edge.get("id", "").partition(" ")
+        parts.setdefault(key, {})[part] = [point(each) for each in edge["pos"].split()] if "pos" in edge else []
+    lines = _lines(view, frames, parts, boxes)
+    _put_ports_on_borders(view, frames, lines)
+    w = max([right + 2 * _MARGIN, *(x + _MARGIN for line in lines.values() for x, _ in line)])
+    layout = Layout(w, top + 2 * _MARGIN, frames, lines, [])
+    overlaps = labels.place(view, layout, boxes)
+    return layout, overlaps
+
+
+def _graph(view, boxes, spread):
+    rows = [f"digraph {{ graph [rankdir={_RANKS[view.direction]} compound=true splines=polyline "
+            f"nodesep={0.45 * spread:.2f} ranksep={0.75 * spread:.2f} fontsize=1];",
+            'node [shape=box fixedsize=true label=""]; edge [dir=none fontsize=1];']
+    ends = {end.box for relation in view.relations for end in (relation.source, relation.target)}
+    outer = view.outer_boxes()
+    knots = {}
+    for relation in view.relations:
+        if relation.knot:
+            both = outer.get(relation.target.box, ())
+            home = next((box.key for box in outer.get(relation.source.box, ()) if box in both), None)
+            knots.setdefault(home, []).append(f"{relation.knot} [shape=point width=0.02 height=0.02];")
+    rows += knots.pop(None, [])
+    _add_boxes(rows, view.boxes, ends, knots)
+    above = {key: ways[0].key for key, ways in outer.items()}
+    for relation in view.relations:
+        first, second = relation.source.box, relation.target.box
+        if relation.upward:
+            first, second = second, first
+        label = f"label={_room(*room)}" if (room := _caption_room(relation)) else ""
+        if relation.knot:
+            rows.append(_edge(boxes, above, first, relation.knot, f'id="{relation.key} 1" {label}'))
+            rows.append(_edge(boxes, above, relation.knot, second, f'id="{relation.key} 2"'))
+        else:
+            rows.append(_edge(boxes, above, first, second, f'id="{relation.key} 1" {label}'))
+    return "\n".join([*rows, "}"])
+
+
+def _caption_room(relation):
+    """What is to be kept free beside a line: its caption; of a line that comes back to its box, the texts at its ends,
+    too."""
+    texts = [relation.caption] if relation.caption else []
+    if relation.source.box == relation.target.box:
+        texts += [text for end in (relation.source, relation.target) for text in (end.role, end.multiplicity) if text]
+        return (max(map(width, texts)) + 24, LINE * len(texts)) if texts else (24, LINE)
+    return (width(relation.caption) + 8, LINE) if texts else None
+
+
+def _add_boxes(rows, boxes, ends, knots):
+    lonely = []
+    for box in boxes:
+        if is_open(box):
+            name = tab(box, Rect(0, 0, 0, 0))
+            rows.append(f"subgraph cluster_{box.key} {{ graph [labeljust=l margin=16 label={_room(name.w, name.h)}];")
+            if box.key in ends:
+                rows.append(f"in_{box.key} [shape=point width=0.02 height=0.02];")
+            rows += knots.get(box.key, [])
+            _add_boxes(rows, box.inside, ends, knots)
+            rows.append("}")
+        else:
+            w, h = size(box)
+            lonely += [box.key] * (box.key not in ends)
+            shape = _SHAPES.get(box.shape, "")
+            rows.append(f"{box.key} [{shape} width={w / 72:.5f} height={h / 72:.5f}];")
+    # Boxes without lines would stand in one row: what is not seen keeps them below each other.
+    columns = math.ceil(math.sqrt(len(lonely) * 1.5))
+    rows += [f"{above} -> {below} [style=invis];" for above, below in zip(lonely, lonely[columns:])]
+
+
+def _room(w, h):
+    """A label of a size and without a text: what Graphviz knows of fonts must not matter."""
+    return (f'<<TABLE BORDER="0" CELLBORDER="0" CELLPADDING="0" CELLSPACING="0" FIXEDSIZE="TRUE" '
+            f'WIDTH="{math.ceil(w)}" HEIGHT="{math.ceil(h)}"><TR><TD></TD></TR></TABLE>>')
+
+
+def _edge(boxes, above, first, second, more):
+    """An edge; one that comes to an open package ends at its frame."""
+    names = []
+    for end, other, word in ((first, second, "ltail"), (second, first, "lhead")):
+        if end in boxes and is_open(boxes[end]):
+            names.append(f"in_{end}")
+            if not _is_in(other, end, above):
+                more += f" {word}=cluster_{end}"
+        else:
+            names.append(end)
+    return f"{names[0]} -> {names[1]} [{more}];"
+
+
+def _is_in(key, outer, above):
+    while key is not None and key != outer:
+        key = above.get(key)
+    return key == outer
+
+
+# --- lines
+
+def _lines(view, frames, parts, boxes):
+    lines, loops = {}, {}
+    for relation in view.relations:
+        source, target = relation.source.box, relation.target.box
+        found = parts.get(relation.key, {})
+        if source == target and not relation.knot:
+            loops[source] = at = loops.get(source, -1) + 1
+            lines[relation.key] = _loop(frames[source], found.get("1", []), at)
+            continue
+        points = []
+        for part in ("1", "2"):
+            points += found.get(part, [])[::3]
+        if relation.upward:
+            points.reverse()
+        outer = _contains(frames[source], frames[target]), _contains(frames[target], frames[source])
+        if len(points) < 2 or any(outer):
+            points = _straight(frames[source], frames[target], *outer)
+        else:
+            for at, end in ((0, source), (-1, target)):
+                points[at] = _below_tab(points[at], frames[end], boxes.get(end))
+        lines[relation.key] = _without_repeats(points)
+    return lines
+
+
+def _put_ports_on_borders(view, frames, lines):
+    """Graphviz knows nothing that stands on the border of what is around it: a port goes to the nearest border that
+    nothing is before, but for the upper one, where the name is; and its lines follow."""
+    for key, (outer, *_) in view.outer_boxes().items():
+        port = frames[key]
+        if next(box for box in outer.inside if box.key == key).shape != "port":
+            continue
+        around, (x, y) = frames[outer.key], port.middle
+        others = [frame for other, frame in frames.items() if other not in (key, outer.key)
+                  and not _contains(frame, around)]
+        ways = [(abs(to - at), place) for to, at, place in (
+            (around.bottom, y, (x, around.bottom)), (around.x, x, (around.x, y)),
+            (around.right, x, (around.right, y)))]
+        for _, (far_x, far_y) in sorted(ways):
+            way = Rect(min(x, far_x) - 8, min(y, far_y) - 8, abs(far_x - x) + 16, abs(far_y - y) + 16)
+            if not any(_meet(way, other) for other in others):
+                frames[key] = moved = Rect(far_x - port.w / 2, far_y - port.h / 2, port.w, port.h)
+                for relation in view.relations:
+                    for end, at in ((relation.source, 0), (relation.target, -1)):
+                        if end.box == key:
+                            added = [_border(moved, (x, y)), (x, y)]
+                            line = lines[relation.key]
+                            lines[relation.key] = added + line[1:] if at == 0 else line[:-1] + added[::-1]
+                break
+
+
+def _meet(one, other):
+    return one.x < other.right and other.x < one.right and one.y < other.bottom and other.y < one.bottom
+
+
+def _loop(frame, points, at):
+    far = max([frame.right + 18 + 12 * at, *(x for x, _ in points)])
+    y, half = frame.middle[1], min(frame.h / 2 - 3, 9 + 6 * at)
+    far = min(far, frame.right + 18 + 12 * at)
+    return [(frame.right, y - half), (far, y - half), (far, y + half), (frame.right, y + half)]
+
+
+def _below_tab(point, frame, box):
+    """Where a line that comes to a package from above, beside its tab, meets the frame."""
+    if box is None or not is_open(box):
+        return point
+    if box.shape != "package":
+        return point
+    above = tab(box, frame)
+    x, y = point
+    return (x, above.bottom) if x > above.right and y < above.bottom else point
+
+
+def _contains(outer, inner):
+    return (outer.x <= inner.x and outer.y <= inner.y and outer.right >= inner.right and outer.bottom >= inner.bottom
+            and outer is not inner)
+
+
+def _straight(one, other, is_around, is_inside):
+    """A line between two frames; from a frame to one in it, the way down to the frame's lower edge."""
+    if is_around or is_inside:
+        outer, inner = (one, other) if is_around else (other, one)
+        x = inner.middle[0]
+        way = [(x, outer.bottom), (x, inner.bottom)]
+        return way if is_around else way[::-1]
+    return [_border(one, other.middle), _border(other, one.middle)]
+
+
+def _border(frame, towards):
+    """Where the line from a frame's middle to a point leaves the frame."""
+    x, y = frame.middle
+    dx, dy = towards[0] - x, towards[1] - y
+    share = min([1.0, *(half / abs(way) for half, way in ((frame.w / 2, dx), (frame.h / 2, dy)) if way)])
+    return round(x + dx * share, 1), round(y + dy * share, 1)
+
+
+def _without_repeats(points):
+    kept = points[:1]
+    for at, (x, y) in enumerate(points[1:], 1):
+        if math.dist(kept[-1], (x, y)) > .5 or at == len(points) - 1 and len(kept) == 1:
+            kept.append((x, y))
+    return kept
