@@ -226,7 +226,9 @@ class World:
         elif change == 3:
             thing += value
         elif change == 4:
-            thing.extend(itertools.chain([value], thing if self.random.random() < 0.3 and len(thing) < 50 else []))
+            again = thing if self.random.random() < 0.3 and len(thing) < 50 else []
+            # A list of Python's own never comes to its end when it is added to itself on the way.
+            thing.extend(itertools.chain([value], list(again) if isinstance(again, list) else again))
         else:
             for item in thing:
                 self.disturb()

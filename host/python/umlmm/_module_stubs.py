@@ -3,6 +3,7 @@ bodies then, which takes most of its time."""
 
 import ast
 import pathlib
+import re
 
 _FOLDER = pathlib.Path(__file__).parent
 # Private modules whose classes public ones show.
@@ -16,8 +17,10 @@ from typing import Any as _Any
 
 def module_stubs():
     """The text of the stub of each public module, by file name."""
-    names = [path.stem for path in sorted(_FOLDER.glob("*.py")) if not path.stem.startswith("_")]
-    return {f"{name}.pyi": _stub((_FOLDER / f"{name}.py").read_text("utf-8")) for name in (*names, *_SHOWN)}
+    modules = [path.relative_to(_FOLDER) for path in sorted(_FOLDER.rglob("*.py"))]
+    shown = [module for module in modules if str(module) != "__init__.py" and
+             (not module.stem.startswith("_") or module.stem in ("__init__", *_SHOWN))]
+    return {str(module.with_suffix(".pyi")): _stub((_FOLDER / module).read_text("utf-8")) for module in shown}
 
 
 def _stub(source):
@@ -50,6 +53,8 @@ def _kept(statements):
             kept.append(statement)
         elif isinstance(statement, ast.Assign) and _is_type(statement):
             kept.append(statement)
+        elif isinstance(statement, ast.Assign) and re.fullmatch("[A-Z][A-Z_]*", ast.unparse(statement.targets[0])):
+            kept.append(ast.parse(f"{ast.unparse(statement.targets[0])}: _Any").body[0])
         elif at == 0 and isinstance(statement, ast.Expr):
             kept.append(statement)
     return kept

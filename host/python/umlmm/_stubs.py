@@ -44,6 +44,7 @@ def write_stubs(folder):
         name = "__init__.pyi" if package.name == "umlmm" else f"{package.name}.pyi"
         files[name] = _PackageStub(packages, package, added).text()
     for name, text in files.items():
+        (folder / name).parent.mkdir(exist_ok=True)
         (folder / name).write_text(text, "utf-8")
 
 
