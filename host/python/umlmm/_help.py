@@ -9,10 +9,16 @@ from umlmm._texts import text_of
 from umlmm._types import Types
 
 
+# Records of classes kept for the next question; all of them would slow each collection of garbage.
+_KEPT = 100
+
+
 def described(what, cls, name, own):
     """Documentation as a text, or a signature; None where there is nothing to tell beside what is there."""
     if cls is not None and _record(cls if isinstance(cls, type) else type(cls)) is None:
         return own  # of a package of somebody else
+    if len(_Packages.classes) > _KEPT:
+        _Packages.classes.clear()
     if what == "signature":
         return _class_signature(cls) if name is None else _method_signature(cls, name)
     return _class_doc(cls, own) if name is None else _member_doc(cls, name, own)
