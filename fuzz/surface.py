@@ -14,6 +14,7 @@ import faulthandler
 import gc
 import itertools
 import operator
+import os
 import pathlib
 import random
 import re
@@ -39,6 +40,8 @@ CLASSES = [getattr(package, name) for package in (umlmm, Kelm) for name in sorte
 ELEMENTS = [cls for cls in CLASSES if cls.__name__ in set(umlmm.Factory.__dict__) or hasattr(cls, "asImmutable")]
 # What a script can do to the process and not to models is out of bounds.
 SKIPPED = {"print", "__init_subclass__", "__subclasshook__", "__class_getitem__"}
+# Nor are other programs started: what shows itself in a notebook does so as if Graphviz were not installed.
+os.environ["PATH"] = ""
 
 
 class Planned(Exception):
