@@ -150,25 +150,14 @@ void run(benchmark::State& aState, Work aWork) {
   aState.SetItemsProcessed(static_cast<std::int64_t>(done));
 }
 
+template <class S>
 void create(benchmark::State& aState) {
   std::size_t done = 0;
   for (auto _ : aState) {
-    std::unique_ptr<Shape> shape;
+    std::unique_ptr<S> shape;
     {
       Stopwatch const watch(aState);
-      shape = std::make_unique<Shape>(static_cast<std::size_t>(aState.range(0)));
-    }
-    done += shape->elements();
-  }
-  aState.SetItemsProcessed(static_cast<std::int64_t>(done));
-}
-void createPlain(benchmark::State& aState) {
-  std::size_t done = 0;
-  for (auto _ : aState) {
-    std::unique_ptr<PlainShape> shape;
-    {
-      Stopwatch const watch(aState);
-      shape = std::make_unique<PlainShape>(static_cast<std::size_t>(aState.range(0)));
+      shape = std::make_unique<S>(static_cast<std::size_t>(aState.range(0)));
     }
     done += shape->elements();
   }
@@ -310,8 +299,8 @@ void sizes(benchmark::internal::Benchmark* aBenchmark) {
   for (int const size : {10'000, 100'000, 1'000'000}) aBenchmark->Arg(size);
 }
 
-BENCHMARK(create)->Apply(sizes)->UseManualTime();
-BENCHMARK(createPlain)->Apply(sizes)->UseManualTime();
+BENCHMARK(create<Shape>)->Name("create")->Apply(sizes)->UseManualTime();
+BENCHMARK(create<PlainShape>)->Name("createPlain")->Apply(sizes)->UseManualTime();
 BENCHMARK(readName)->Apply(sizes);
 BENCHMARK(readNameBorrowed)->Apply(sizes);
 BENCHMARK(readNamePlain)->Apply(sizes);
