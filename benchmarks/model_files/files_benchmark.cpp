@@ -10,6 +10,7 @@
 #include <map>
 #include <pugixml.hpp>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "model_files/files.h"
@@ -96,7 +97,9 @@ void create(benchmark::State& aState) {
 }
 
 Kelm::Model read(std::string const& aText) {
-  files::Loading loading({{"model.uml", aText}});
+  std::vector<files::Input> inputs;
+  inputs.push_back({"model.uml", aText});
+  files::Loading loading(std::move(inputs));
   while (!loading.step(std::chrono::hours(1))) {
   }
   return loading.model();

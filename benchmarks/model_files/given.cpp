@@ -16,6 +16,7 @@
 #include <string>
 #include <tuple>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "kelm/ModelElementIntf.h"
@@ -135,7 +136,9 @@ class Plan {
 };
 
 Kelm::Model read(std::string const& aPath, std::string const& aText) {
-  umlmm::files::Loading loading({{aPath, aText}});
+  std::vector<umlmm::files::Input> inputs;
+  inputs.push_back({aPath, aText});
+  umlmm::files::Loading loading(std::move(inputs));
   while (!loading.step(std::chrono::hours(1))) {
   }
   return loading.model();

@@ -69,6 +69,7 @@ Feature const& Metamodel::featureOf(PropertyIntf const& aProperty) {
   feature.fOrdered = aProperty.isOrdered();
   feature.fDerived = aProperty.isDerived();
   feature.fReadOnly = aProperty.isReadOnly();
+  feature.fStored = umlmm::detail::storedFeature(aProperty);
   Kelm::NSInterface::TypeIntf const& type = aProperty.getType();
   if (auto const* const dataType = dynamic_cast<DataTypeIntf const*>(&type)) {
     feature.fKind = kindOf(*dataType);

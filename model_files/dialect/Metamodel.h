@@ -8,6 +8,7 @@
 #include "kelm/IntrospectiveMethods.h"
 #include "kelm/meta.h"
 #include "kelm/values.h"
+#include "uml_metamodel/umlmm/detail/direct.h"
 
 /// The metamodel by the names that files use: what reflection tells, found in a step.
 namespace umlmm::files {
@@ -28,6 +29,8 @@ struct Feature {
   bool fOrdered = false;
   bool fDerived = false;
   bool fReadOnly = false;
+  /// How elements keep its values, if they do.
+  umlmm::detail::StoredFeature fStored = {};
   /// Of a reference.
   Metaclass const* fType = nullptr;
   Kelm::EnumerationType const* fEnumeration = nullptr;

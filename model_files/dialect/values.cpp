@@ -2,66 +2,81 @@
 
 #include <algorithm>
 #include <charconv>
+#include <memory>
 #include <optional>
 
 #include "kelm/String.h"
 #include "kelm/kernel/containers/Ref.h"
 #include "uml_metamodel/umlmm/Boolean.h"
 #include "uml_metamodel/umlmm/String.h"
+#include "uml_metamodel/umlmm/detail/direct.h"
 
 namespace umlmm::files {
 
 namespace {
 
+struct LetGo {
+  void operator()(Kelm::StringObject* aText) const noexcept { aText->decRef(); }
+};
+using TextPtr = std::unique_ptr<Kelm::StringObject, LetGo>;
+
 using Kelm::makePrimitive;
 using Kelm::PrimitiveKind;
 
+constexpr std::string_view kBlanks = " \t\r\n";
+
 std::string_view trimmed(std::string_view aText) noexcept {
-  constexpr std::string_view kBlanks = " \t\r\n";
+  // Mostly there are no blanks.
+  if (!aText.empty() && aText.front() > ' ' && aText.back() > ' ') [[likely]]
+    return aText;
   std::size_t const from = aText.find_first_not_of(kBlanks);
   if (from == std::string_view::npos) return {};
   return aText.substr(from, aText.find_last_not_of(kBlanks) - from + 1);
 }
 
 template <class Number>
-std::optional<Number> number(std::string_view aText) noexcept {
+std::optional<std::uint32_t> number(std::string_view aText) noexcept {
   Number value = 0;
   auto const [end, error] = std::from_chars(aText.data(), aText.data() + aText.size(), value);
   if (error != std::errc() || end != aText.data() + aText.size()) return std::nullopt;
-  return value;
+  return static_cast<std::uint32_t>(value);
 }
 
-Kelm::Object boolean(std::string_view aText) {
-  if (aText == "true" || aText == "1") return makePrimitive(PrimitiveKind::Boolean, 1);
-  if (aText == "false" || aText == "0") return makePrimitive(PrimitiveKind::Boolean, 0);
-  return {};
-}
-
-Kelm::Object integer(std::string_view aText) {
-  // Bounds are written as integers, too, and unlimited is less than none.
-  auto const value = aText == "*" ? std::optional(-1) : number<std::int32_t>(aText);
-  return value ? makePrimitive(PrimitiveKind::Integer, static_cast<std::uint32_t>(*value)) : Kelm::Object();
-}
-
-Kelm::Object unlimitedNatural(std::string_view aText) {
-  if (aText == "*" || aText == "-1" || aText == "n")
-    return makePrimitive(PrimitiveKind::UnlimitedNatural, UINT32_MAX);
-  auto const value = number<std::uint32_t>(aText);
-  return value ? makePrimitive(PrimitiveKind::UnlimitedNatural, *value) : Kelm::Object();
+std::optional<std::uint32_t> boolean(std::string_view aText) noexcept {
+  if (aText == "true" || aText == "1") return 1;
+  if (aText == "false" || aText == "0") return 0;
+  return std::nullopt;
 }
 
 /// Literals are written with a small first letter: "inout", "private", "sequential".
 bool isSpelling(std::string_view aText, std::string_view aLiteral) noexcept {
-  return aText.size() == aLiteral.size() && aText.substr(1) == aLiteral.substr(1) &&
-         (aText.front() | 0x20) == (aLiteral.front() | 0x20);
+  return aText.size() == aLiteral.size() && (aText.front() | 0x20) == (aLiteral.front() | 0x20) &&
+         aText.substr(1) == aLiteral.substr(1);
 }
 
-Kelm::Object literal(Kelm::EnumerationType const& aType, std::string_view aText) {
+std::optional<std::uint32_t> literal(Kelm::EnumerationType const& aType, std::string_view aText) {
   auto const literals = aType.literals();
   for (std::size_t at = 0; !aText.empty() && at < literals.size(); ++at)
-    if (isSpelling(aText, literals[at]))
-      return Kelm::Object(aType.object(static_cast<int>(at)), Kelm::Deviant());
-  return {};
+    if (isSpelling(aText, literals[at])) return static_cast<std::uint32_t>(at);
+  return std::nullopt;
+}
+
+/// What an element keeps of a value that is neither text nor element; none if the text is no such value.
+std::optional<std::uint32_t> bitsOf(Feature const& aFeature, std::string_view aText) {
+  std::string_view const text = trimmed(aText);
+  switch (aFeature.fKind) {
+    case Kind::Boolean:
+      return boolean(text);
+    case Kind::Integer:
+      // Bounds are written as integers, too, and unlimited is less than none.
+      return text == "*" ? UINT32_MAX : number<std::int32_t>(text);
+    case Kind::UnlimitedNatural:
+      return text == "*" || text == "-1" || text == "n" ? UINT32_MAX : number<std::uint32_t>(text);
+    case Kind::Enumeration:
+      return literal(*aFeature.fEnumeration, text);
+    default:
+      return std::nullopt;
+  }
 }
 
 }  // namespace
@@ -74,21 +89,55 @@ Kelm::Object textObject(std::string_view aText) {
 }
 
 Kelm::Object valueOf(Feature const& aFeature, std::string_view aText) {
+  if (aFeature.fKind == Kind::String) return textObject(aText);
+  auto const bits = bitsOf(aFeature, aText);
+  if (!bits) return {};
   switch (aFeature.fKind) {
     case Kind::Boolean:
-      return boolean(trimmed(aText));
+      return makePrimitive(PrimitiveKind::Boolean, *bits);
     case Kind::Integer:
-      return integer(trimmed(aText));
+      return makePrimitive(PrimitiveKind::Integer, *bits);
     case Kind::UnlimitedNatural:
-      return unlimitedNatural(trimmed(aText));
-    case Kind::Enumeration:
-      return literal(*aFeature.fEnumeration, trimmed(aText));
-    case Kind::String:
-      return textObject(aText);
-    case Kind::Reference:
-      break;
+      return makePrimitive(PrimitiveKind::UnlimitedNatural, *bits);
+    default:
+      return Kelm::Object(aFeature.fEnumeration->object(static_cast<int>(*bits)), Kelm::Deviant());
   }
-  return {};
+}
+
+bool setValue(Element& aElement, Feature const& aFeature, std::string_view aText,
+              Kelm::Deviant const& aDeviant) {
+  auto& element = static_cast<umlmm::detail::ModelElement&>(aElement);
+  umlmm::detail::StoredFeature const& stored = aFeature.fStored;
+  if (stored.fStorage == umlmm::detail::Storage::String) {
+    TextPtr const text(Kelm::StringObject::make(aText));
+    umlmm::detail::setText(element, aDeviant, stored.fNumber, text.get());
+    return true;
+  }
+  if (stored.fStorage <= umlmm::detail::Storage::Integer) {
+    auto const bits = bitsOf(aFeature, aText);
+    if (bits) umlmm::detail::setBits(element, aDeviant, stored.fNumber, *bits);
+    return bits.has_value();
+  }
+  Kelm::Object const value = valueOf(aFeature, aText);
+  if (value.isNull()) return false;
+  if (aFeature.fMany)
+    return appendValue(*aFeature.fMethods->getSequenceEntry(&aElement, aDeviant, aFeature.fId), aFeature,
+                       value, aDeviant);
+  aFeature.fMethods->setEntry(&aElement, aDeviant, aFeature.fId, value);
+  return true;
+}
+
+void addElement(Element& aElement, Feature const& aFeature, Element& aValue, Kelm::Deviant const& aDeviant) {
+  auto const storage = aFeature.fStored.fStorage;
+  if (storage == umlmm::detail::Storage::Reference || storage == umlmm::detail::Storage::List)
+    return umlmm::detail::addTarget(static_cast<umlmm::detail::ModelElement&>(aElement), aDeviant,
+                                    aFeature.fStored.fNumber,
+                                    static_cast<umlmm::detail::ModelElement&>(aValue));
+  if (!aFeature.fMany)
+    return aFeature.fMethods->setEntry(&aElement, aDeviant, aFeature.fId, Kelm::Object(&aValue, aDeviant));
+  aFeature.fMethods->getSequenceEntry(&aElement, aDeviant, aFeature.fId)
+      ->generic_push_back(
+          aDeviant, Kelm::Generic::RefAccess<Kelm::ClassObject>::make(Kelm::ClassObject(&aValue, aDeviant)));
 }
 
 bool appendValue(Kelm::Generic::SequenceIntf& aList, Feature const& aFeature, Kelm::Object const& aValue,

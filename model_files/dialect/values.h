@@ -16,6 +16,11 @@ using Element = Kelm::NSInterface::ClassObjectIntf;
 Kelm::Object textObject(std::string_view aText);
 /// A value of a feature from its text in a file; null if the text is no such value.
 Kelm::Object valueOf(Feature const& aFeature, std::string_view aText);
+/// Sets or adds a value by its text in a file; false if the text is no value of the feature.
+bool setValue(Element& aElement, Feature const& aFeature, std::string_view aText,
+              Kelm::Deviant const& aDeviant);
+/// Sets a reference, or adds to one with many values.
+void addElement(Element& aElement, Feature const& aFeature, Element& aValue, Kelm::Deviant const& aDeviant);
 /// Adds to a list of values; false for a kind of value that no list of the metamodel holds.
 bool appendValue(Kelm::Generic::SequenceIntf& aList, Feature const& aFeature, Kelm::Object const& aValue,
                  Kelm::Deviant const& aDeviant);

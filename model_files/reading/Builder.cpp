@@ -6,6 +6,7 @@
 #include "kelm/kernel/containers/Ref.h"
 #include "model_files/dialect/older.h"
 #include "model_files/dialect/values.h"
+#include "model_files/reading/tree.h"
 #include "model_files/text/markup.h"
 #include "uml_metamodel/umlmm/MetamodelExtension.h"
 
@@ -72,7 +73,7 @@ Builder::Progress Builder::step(std::size_t aCount) {
     if (aCount-- == 0) return Progress::Going;
     Frame& frame = fFrames.back();
     pugi::xml_node const node = frame.fNext;
-    if (!node) {
+    if (!isThere(node)) {
       fTags.close(frame.fOpen);
       fFrames.pop_back();
       continue;
@@ -146,7 +147,7 @@ void Builder::handle(pugi::xml_node aNode) {
 
 void Builder::enter(pugi::xml_node aNode, Element* aElement, Metaclass const* aMetaclass, Content aContent) {
   pugi::xml_node const first = aNode.first_child();
-  if (!first) return;
+  if (!isThere(first)) return;
   std::uint64_t const offset = fPieces.offsetOf(aNode.name());
   fFrames.push_back({first, aElement, aMetaclass, fTags.open(), aContent, offset});
 }
@@ -182,7 +183,7 @@ void Builder::handleTop(pugi::xml_node aNode, QualifiedName aName, Head const& a
 void Builder::handleInside(Frame const& aFrame, pugi::xml_node aNode, QualifiedName aName,
                            Head const& aHead) {
   if (!aName.fPrefix.empty()) return handlePrefixed(aFrame, aNode, aName, aHead);
-  Feature const* const feature = featureOf(*aFrame.fMetaclass, aName.fName, NameWords(aName.fName));
+  Feature const* const feature = featureOf(*aFrame.fMetaclass, aName.fName, fTags.meaningOf(aName.fName));
   if (feature != nullptr) {
     if (aHead.fIsNil) {
       // What has a default is written so when it has no value.
@@ -326,8 +327,8 @@ void Builder::noteStyle(pugi::xml_node aNode, Feature const* aFeature, Metaclass
 }
 
 Feature const* Builder::featureOf(Metaclass const& aMetaclass, std::string_view aName,
-                                  NameWords const& aWords) {
-  return fFeatures.get(reinterpret_cast<std::uintptr_t>(&aMetaclass), aName, aWords,
+                                  TagReader::Name const& aMeaning) {
+  return fFeatures.get(static_cast<std::uint32_t>(aMetaclass.fNumber), aMeaning.fNumber,
                        [&] { return featureCalled(aMetaclass, aName); });
 }
 
@@ -350,15 +351,7 @@ Element& Builder::make(Metaclass const& aMetaclass, pugi::xml_node aNode, Head c
 
 void Builder::own(Element& aOwner, Feature const& aFeature, Element& aPart, pugi::xml_node aNode) {
   try {
-    Kelm::ClassObject const part(&aPart, fDeviant);
-    if (!aFeature.fMany)
-      return aFeature.fMethods->setEntry(&aOwner, fDeviant, aFeature.fId, Kelm::Object(&aPart, fDeviant));
-    if (fPartsOwner != &aOwner || fPartsFeature != &aFeature) {
-      fParts = aFeature.fMethods->getSequenceEntry(&aOwner, fDeviant, aFeature.fId);
-      fPartsOwner = &aOwner;
-      fPartsFeature = &aFeature;
-    }
-    fParts->generic_push_back(fDeviant, Kelm::Generic::RefAccess<Kelm::ClassObject>::make(part));
+    addElement(aOwner, aFeature, aPart, fDeviant);
   } catch (Kelm::Exception const& refusal) {
     fault("value refused", std::string(aFeature.fName) + ": " + refusal.what(), kAtTop, spotOf(aNode));
   }
@@ -367,10 +360,11 @@ void Builder::own(Element& aOwner, Feature const& aFeature, Element& aPart, pugi
 void Builder::readAttribute(Element& aElement, Metaclass const& aMetaclass,
                             TagReader::Attribute const& aAttribute) {
   using Role = TagReader::Role;
-  if (aAttribute.fRole != Role::Plain && aAttribute.fRole != Role::Foreign) return;
+  Role const role = aAttribute.fMeaning.fRole;
+  if (role != Role::Plain && role != Role::Foreign) return;
   Spot const spot = spotOf(aAttribute.fName.data());
-  if (aAttribute.fRole == Role::Foreign) return keep(&aElement, spot, true);
-  Feature const* const feature = featureOf(aMetaclass, aAttribute.fName, aAttribute.fWords);
+  if (role == Role::Foreign) return keep(&aElement, spot, true);
+  Feature const* const feature = featureOf(aMetaclass, aAttribute.fName, aAttribute.fMeaning);
   if (feature == nullptr) {
     fault("feature", in(aMetaclass, aAttribute.fName), kKept, spot);
     return keep(&aElement, spot, true);
@@ -410,20 +404,11 @@ void Builder::setDerived() {
 }
 
 bool Builder::assign(Element& aElement, Feature const& aFeature, std::string_view aText, Spot aSpot) {
-  Kelm::Object const value = valueOf(aFeature, aText);
   auto const what = [&] { return std::string(aFeature.fName) + " \"" + std::string(aText) + '"'; };
-  if (value.isNull()) {
+  try {
+    if (files::setValue(aElement, aFeature, aText, fDeviant)) return true;
     fault("value", what(), kKept, aSpot);
     return false;
-  }
-  try {
-    if (!aFeature.fMany) {
-      aFeature.fMethods->setEntry(&aElement, fDeviant, aFeature.fId, value);
-      return true;
-    }
-    auto& values = *aFeature.fMethods->getSequenceEntry(&aElement, fDeviant, aFeature.fId);
-    if (!appendValue(values, aFeature, value, fDeviant)) fault("value", what(), kKept, aSpot);
-    return true;
   } catch (Kelm::Exception const& refusal) {
     if (!aFeature.fDerived)
       fault("value refused", what() + ": " + refusal.what(), kKept, aSpot);

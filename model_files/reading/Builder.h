@@ -85,7 +85,8 @@ class Builder {
 
   void noteStyle(pugi::xml_node aNode, Feature const* aFeature, Metaclass const& aMetaclass);
   /// Null if the metaclass has none.
-  Feature const* featureOf(Metaclass const& aMetaclass, std::string_view aName, NameWords const& aWords);
+  Feature const* featureOf(Metaclass const& aMetaclass, std::string_view aName,
+                           TagReader::Name const& aMeaning);
   Element& make(Metaclass const& aMetaclass, pugi::xml_node aNode, Head const& aHead);
   void own(Element& aOwner, Feature const& aFeature, Element& aPart, pugi::xml_node aNode);
   void readAttribute(Element& aElement, Metaclass const& aMetaclass, TagReader::Attribute const& aAttribute);
@@ -114,7 +115,7 @@ class Builder {
   References& fReferences;
   Pieces fPieces;
   TagReader fTags{fPieces};
-  Memo<Feature const*> fFeatures;
+  PairMemo<Feature const*> fFeatures;
   /// Where the next piece begins, and how long it has to be at least.
   std::size_t fFrom = 0;
   std::size_t fLength = 0;
@@ -131,10 +132,6 @@ class Builder {
   std::size_t fFound = 0;
   /// Elements by metaclass.
   std::vector<std::size_t> fCounts;
-  /// The list that got a part last; the next one mostly goes there as well.
-  Element const* fPartsOwner = nullptr;
-  Feature const* fPartsFeature = nullptr;
-  Kelm::Generic::SequenceIntf* fParts = nullptr;
   std::string fScratch;
   bool fIsAgain;
 };

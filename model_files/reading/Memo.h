@@ -77,4 +77,30 @@ class Memo {
   std::array<std::string, std::size_t{1} << kBits> fLongNames;
 };
 
+/// The same for things that depend on two numbers.
+template <class Value>
+class PairMemo {
+ public:
+  template <class Find>
+  Value const& get(std::uint32_t aFirst, std::uint32_t aSecond, Find aFind) {
+    std::uint64_t const key = std::uint64_t{aFirst} << 32 | aSecond;
+    Row& row = fRows[(aFirst * 37 + aSecond) % kRows];
+    if (row.fKey != key) [[unlikely]] {
+      row.fValue = aFind();
+      row.fKey = key;
+    }
+    return row.fValue;
+  }
+
+ private:
+  static constexpr std::size_t kRows = 512;
+
+  struct Row {
+    std::uint64_t fKey = UINT64_MAX;
+    Value fValue{};
+  };
+
+  std::array<Row, kRows> fRows;
+};
+
 }  // namespace umlmm::files

@@ -9,6 +9,7 @@
 #include "kelm/kernel/containers/Ref.h"
 #include "model_files/dialect/older.h"
 #include "model_files/dialect/values.h"
+#include "model_files/reading/Memo.h"
 #include "uml_metamodel/umlmm/MetamodelExtension.h"
 
 namespace umlmm::files {
@@ -26,6 +27,21 @@ std::string decoded(std::string_view aText) {
     if (isEscape) at += 2;
   }
   return text;
+}
+
+/// Each byte of every reference comes by here: eight are looked at together. One by one they took a fortieth
+/// of a reading.
+bool hasBlanks(std::string_view aText) noexcept {
+  constexpr std::size_t kWord = sizeof(std::uint64_t);
+  constexpr std::uint64_t kOnes = UINT64_MAX / 0xFF;
+  bool found = false;
+  std::size_t at = 0;
+  for (; at + kWord <= aText.size(); at += kWord) {
+    auto const word = NameWords::load<std::uint64_t>(aText.data() + at);
+    found |= ((word - kOnes * (' ' + 1)) & ~word & kOnes * 0x80) != 0;
+  }
+  for (; at < aText.size(); ++at) found |= static_cast<unsigned char>(aText[at]) <= ' ';
+  return found;
 }
 
 /// Has the memory of an element come, as far as a link needs it of most. Without a question for null, behind
@@ -72,10 +88,7 @@ void References::finish() {
 
 void References::addAll(Element& aElement, Feature const& aFeature, std::string_view aText, Spot aSpot) {
   if (aText.empty()) return;
-  // Each byte of every reference comes by here: several are looked at in a step, as there is no way out of
-  // the loop. Sets of characters took a twentieth of a reading.
-  bool hasBlanks = false;
-  for (char const byte : aText) hasBlanks |= static_cast<unsigned char>(byte) <= ' ';
+  bool const hasBlanks = files::hasBlanks(aText);
   if (!hasBlanks) return add(aElement, aFeature, aText, aSpot);
   constexpr std::string_view kBlanks = " \t\r\n";
   std::size_t const from = aText.find_first_not_of(kBlanks);
@@ -145,13 +158,8 @@ void References::link(Pending const& aReference, Element& aValue) {
   bool const isEnd = feature.fOpposite != nullptr && feature.fOpposite->fComposite;
   if (feature.fComposite || isEnd) ++fPartLinks;
   try {
-    if (!feature.fMany)
-      return feature.fMethods->setEntry(aReference.fElement, fDeviant, feature.fId,
-                                        Kelm::Object(&aValue, fDeviant));
-    feature.fMethods->getSequenceEntry(aReference.fElement, fDeviant, feature.fId)
-        ->generic_push_back(fDeviant, Kelm::Generic::RefAccess<Kelm::ClassObject>::make(
-                                          Kelm::ClassObject(&aValue, fDeviant)));
-    fLinked.push_back({aReference.fElement, &feature, &aValue, aReference.fOffset});
+    addElement(*aReference.fElement, feature, aValue, fDeviant);
+    if (feature.fMany) fLinked.push_back({aReference.fElement, &feature, &aValue, aReference.fOffset});
   } catch (Kelm::Exception const& refusal) {
     fFindings.add(Findings::Weight::Fault, "value refused",
                   std::string(feature.fName) + ": " + refusal.what(), "kept as written", aReference.spot(),

@@ -1,6 +1,7 @@
 #include "model_files/reading/TagReader.h"
 
 #include "model_files/dialect/older.h"
+#include "model_files/reading/tree.h"
 
 namespace umlmm::files {
 
@@ -13,64 +14,47 @@ bool isDeclaration(std::string_view aName) noexcept {
 }  // namespace
 
 TagReader::Head TagReader::read(pugi::xml_node aNode) {
-  if (collect(aNode, fAttributes)) [[unlikely]]
-    declare(fAttributes);
-  return headOf(fAttributes);
+  std::uintptr_t const scope = fScope;
+  Head const head = collect(aNode, fAttributes);
+  if (!fDeclares) [[likely]]
+    return head;
+  // What a tag declares holds for the tag itself.
+  declare(aNode);
+  return fScope == scope ? head : collect(aNode, fAttributes);
 }
 
-TagReader::Head TagReader::headOf(pugi::xml_node aNode) {
-  collect(aNode, fInner);
-  return headOf(fInner);
-}
+TagReader::Head TagReader::headOf(pugi::xml_node aNode) { return collect(aNode, fInner); }
 
-bool TagReader::collect(pugi::xml_node aNode, std::vector<Attribute>& aOut) {
-  bool declares = false;
-  aOut.clear();
-  for (pugi::xml_attribute at = aNode.first_attribute(); at; at = at.next_attribute()) {
-    char const* const name = at.name();
-    declares |= name[0] == 'x' && name[1] == 'm' && name[2] == 'l';
-    std::string_view const text = name;
-    aOut.push_back({text, at.value(), Role::Plain, NameWords(text)});
-  }
-  return declares;
-}
-
-void TagReader::declare(std::vector<Attribute> const& aAttributes) {
-  for (Attribute const& attribute : aAttributes) {
-    if (!isDeclaration(attribute.fName)) continue;
-    std::string_view const prefix = attribute.fName.size() > 6 ? attribute.fName.substr(6) : "";
-    std::string_view const address = fPieces.lasting(attribute.fValue);
-    fPrefixes.declare(prefix.empty() ? prefix : fPieces.lasting(prefix), address);
-    ++fScope;
-    Space const space = fPrefixes.all().back().fSpace;
-    if (space == Space::Uml && fUmlAddress.empty()) fUmlAddress = address;
-    if (space == Space::Xmi && fXmiAddress.empty()) fXmiAddress = address;
-  }
-}
-
-TagReader::Head TagReader::headOf(std::vector<Attribute>& aAttributes) {
+TagReader::Head TagReader::collect(pugi::xml_node aNode, std::vector<Attribute>& aOut) {
   Head head;
-  for (Attribute& attribute : aAttributes) {
-    attribute.fRole =
-        fRoles.get(fScope, attribute.fName, attribute.fWords, [&] { return roleOf(attribute.fName); });
-    switch (attribute.fRole) {
+  fDeclares = false;
+  aOut.clear();
+  for (pugi::xml_attribute at = aNode.first_attribute(); isThere(at); at = at.next_attribute()) {
+    std::string_view const text = at.name();
+    std::string_view const value = at.value();
+    Name const& name = meaningOf(text);
+    aOut.push_back({text, value, name});
+    switch (name.fRole) {
       case Role::Plain:
-        if (attribute.fName == "href") head.fHref = attribute.fValue;
+        if (name.fIsHref) head.fHref = value;
+        break;
+      case Role::Declaration:
+        fDeclares = true;
         break;
       case Role::Type:
-        head.fType = attribute.fValue;
+        head.fType = value;
         break;
       case Role::Id:
-        head.fId = attribute.fValue;
+        head.fId = value;
         break;
       case Role::Uuid:
-        head.fUuid = attribute.fValue;
+        head.fUuid = value;
         break;
       case Role::Idref:
-        head.fIdref = attribute.fValue;
+        head.fIdref = value;
         break;
       case Role::Nil:
-        head.fIsNil = attribute.fValue.find_first_of("1tTyY") == 0;
+        head.fIsNil = value.find_first_of("1tTyY") == 0;
         break;
       default:
         break;
@@ -80,6 +64,20 @@ TagReader::Head TagReader::headOf(std::vector<Attribute>& aAttributes) {
     head.fTypeSaid =
         fTypes.get(fScope, head.fType, NameWords(head.fType), [&] { return typeOf(head.fType); });
   return head;
+}
+
+void TagReader::declare(pugi::xml_node aNode) {
+  for (pugi::xml_attribute const attribute : aNode.attributes()) {
+    std::string_view const name = attribute.name();
+    if (!isDeclaration(name)) continue;
+    std::string_view const prefix = name.size() > 6 ? name.substr(6) : "";
+    std::string_view const address = fPieces.lasting(attribute.value());
+    fPrefixes.declare(prefix.empty() ? prefix : fPieces.lasting(prefix), address);
+    ++fScope;
+    Space const space = fPrefixes.all().back().fSpace;
+    if (space == Space::Uml && fUmlAddress.empty()) fUmlAddress = address;
+    if (space == Space::Xmi && fXmiAddress.empty()) fXmiAddress = address;
+  }
 }
 
 TagReader::Role TagReader::roleOf(std::string_view aName) const {

@@ -27,11 +27,16 @@ class TagReader {
     OtherXmi,
     Foreign
   };
+  /// What the name of a tag or attribute tells wherever it stands. Names with the same number are equal.
+  struct Name {
+    Role fRole = Role::Plain;
+    bool fIsHref = false;
+    std::uint32_t fNumber = 0;
+  };
   struct Attribute {
     std::string_view fName;
     std::string_view fValue;
-    Role fRole;
-    NameWords fWords;
+    Name fMeaning;
   };
   struct Type {
     Space fSpace = Space::None;
@@ -58,6 +63,12 @@ class TagReader {
   /// Of the tag that was read last.
   std::vector<Attribute> const& attributes() const noexcept { return fAttributes; }
 
+  /// Its meaning is found once, and again after others have declared prefixes.
+  Name const& meaningOf(std::string_view aName) {
+    return fNames.get(fScope, aName, NameWords(aName), [&] {
+      return Name{roleOf(aName), aName == "href", ++fNumbers};
+    });
+  }
   Role roleOf(std::string_view aName) const;
   Space space(std::string_view aPrefix) const noexcept { return fPrefixes.find(aPrefix); }
   std::size_t open() const noexcept { return fPrefixes.open(); }
@@ -70,18 +81,19 @@ class TagReader {
   std::string_view xmiAddress() const noexcept { return fXmiAddress; }
 
  private:
-  /// Answers whether prefixes may be declared there.
-  static bool collect(pugi::xml_node aNode, std::vector<Attribute>& aOut);
-  void declare(std::vector<Attribute> const& aAttributes);
-  Head headOf(std::vector<Attribute>& aAttributes);
+  Head collect(pugi::xml_node aNode, std::vector<Attribute>& aOut);
+  void declare(pugi::xml_node aNode);
   Type typeOf(std::string_view aValue) const;
 
   Pieces& fPieces;
   Prefixes fPrefixes;
   /// Changes with the prefixes.
   std::uintptr_t fScope = 1;
-  Memo<Role> fRoles;
+  Memo<Name> fNames;
+  std::uint32_t fNumbers = 0;
   Memo<Type> fTypes;
+  /// Whether the tag that was read last declares prefixes.
+  bool fDeclares = false;
   std::vector<Attribute> fAttributes;
   std::vector<Attribute> fInner;
   std::string_view fUmlAddress;

@@ -5,6 +5,8 @@
 #include <cerrno>
 #include <cstdint>
 #include <cstring>
+#include <map>
+#include <mutex>
 #include <new>
 #include <utility>
 #include <vector>
@@ -196,22 +198,18 @@ class TableEncoding final : public Encoding {
   std::optional<std::string> decoded(std::string aBytes) const override {
     std::size_t size = 0;
     for (std::size_t place = 0; place < aBytes.size();) {
-      bool const isPlain = fHasAscii && utf8::isAsciiWord(aBytes, place);
-      std::size_t const end = std::min(place + utf8::kWord, aBytes.size());
-      if (isPlain) size += utf8::kWord;
-      for (; !isPlain && place < end; ++place) size += fLengths[static_cast<unsigned char>(aBytes[place])];
-      place = end;
+      std::size_t const plain = plainEnd(aBytes, place);
+      std::size_t const end = std::min(plain + utf8::kWord, aBytes.size());
+      size += plain - place;
+      for (place = plain; place < end; ++place) size += fLengths[static_cast<unsigned char>(aBytes[place])];
     }
     if (fHasAscii && size == aBytes.size()) return aBytes;
     std::string text(size + kLongest, '\0');
     char* out = text.data();
     for (std::size_t place = 0; place < aBytes.size();) {
-      if (fHasAscii && utf8::isAsciiWord(aBytes, place)) {
-        std::memcpy(out, aBytes.data() + place, utf8::kWord);
-        out += utf8::kWord;
-        place += utf8::kWord;
-        continue;
-      }
+      std::size_t const plain = plainEnd(aBytes, place);
+      out = std::copy(aBytes.data() + place, aBytes.data() + plain, out);
+      place = plain;
       // Copies of one length are the fastest; what is too much is written over.
       for (std::size_t const end = std::min(place + utf8::kWord, aBytes.size()); place < end; ++place) {
         auto const byte = static_cast<unsigned char>(aBytes[place]);
@@ -227,11 +225,9 @@ class TableEncoding final : public Encoding {
     std::string bytes;
     bytes.reserve(aText.size());
     for (std::size_t place = 0; place < aText.size();) {
-      if (fHasAscii && utf8::isAsciiWord(aText, place)) {
-        bytes.append(aText, place, utf8::kWord);
-        place += utf8::kWord;
-        continue;
-      }
+      std::size_t const plain = plainEnd(aText, place);
+      bytes.append(aText, place, plain - place);
+      place = plain;
       for (std::size_t const end = std::min(place + utf8::kWord, aText.size()); place < end;) {
         auto const [code, length] = utf8::at(aText, place);
         appendCharacter(bytes, code);
@@ -243,6 +239,11 @@ class TableEncoding final : public Encoding {
 
  private:
   static constexpr std::size_t kLongest = 4;
+
+  /// Where bytes that stand for themselves end, or before it.
+  std::size_t plainEnd(std::string_view aBytes, std::size_t aPlace) const noexcept {
+    return fHasAscii ? utf8::asciiEnd(aBytes, aPlace) : aPlace;
+  }
 
   void appendCharacter(std::string& aBytes, char32_t aCode) const {
     if (aCode < fBytes.size() && fBytes[aCode] >= 0) {
@@ -297,9 +298,18 @@ std::shared_ptr<TableEncoding const> tableOf(std::string const& aName) {
 }  // namespace
 
 std::shared_ptr<Encoding const> iconvEncoding(std::string const& aName) {
+  // A table takes as long to make as reading a tenth of a megabyte. Few are ever needed.
+  constexpr std::size_t kMostTables = 8;
+  static std::mutex sMutex;
+  static std::map<std::string, std::shared_ptr<TableEncoding const>> sTables;
+  std::lock_guard const lock(sMutex);
+  if (auto const known = sTables.find(aName); known != sTables.end()) return known->second;
   if (!Converter("UTF-8", aName.c_str()).isValid() || !Converter(aName.c_str(), "UTF-8").isValid())
     return nullptr;
-  if (auto table = tableOf(aName)) return table;
+  if (auto table = tableOf(aName)) {
+    if (sTables.size() < kMostTables) sTables.emplace(aName, table);
+    return table;
+  }
   return std::make_shared<MultiByteEncoding>(aName);
 }
 

@@ -51,12 +51,16 @@ inline void append(std::string& aText, char32_t aCode) {
 
 inline constexpr std::size_t kWord = sizeof(std::uint64_t);
 
-/// Whether so many bytes follow, all of them of ASCII.
-inline bool isAsciiWord(std::string_view aText, std::size_t aPlace) noexcept {
-  std::uint64_t word = 0;
-  if (aText.size() - aPlace < kWord) return false;
-  std::memcpy(&word, aText.data() + aPlace, kWord);
-  return (word & 0x8080808080808080U) == 0;
+/// The end of what is ASCII from a place on, up to some bytes before it: four words in a step, for most of
+/// most texts is ASCII.
+inline std::size_t asciiEnd(std::string_view aText, std::size_t aPlace) noexcept {
+  constexpr std::size_t kWords = 4;
+  std::uint64_t words[kWords];
+  for (; aText.size() - aPlace >= sizeof words; aPlace += sizeof words) {
+    std::memcpy(words, aText.data() + aPlace, sizeof words);
+    if (((words[0] | words[1] | words[2] | words[3]) & 0x8080808080808080U) != 0) break;
+  }
+  return aPlace;
 }
 
 /// The first character of a kind, all of which begin with these bytes; npos for none.

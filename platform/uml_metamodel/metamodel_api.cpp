@@ -8,6 +8,7 @@
 #include "engine/featureAccess.h"
 #include "engine/links.h"
 #include "reflection/reflection.h"
+#include "uml_metamodel/umlmm/detail/direct.h"
 #include "uml_metamodel/umlmm/detail/metamodel.h"
 
 namespace umlmm {
@@ -66,6 +67,30 @@ void setText(ModelElement& aElement, Kelm::Deviant const& aDeviant, std::uint16_
              Kelm::StringObject const* aText) {
   engine::checkWritable(aElement, aDeviant, kSource);
   engine::Change::setText(aElement, engine::feature(aNumber), aText);
+}
+
+StoredFeature storedFeature(Kelm::NSInterface::PropertyIntf const& aProperty) noexcept {
+  int const index = reflection::featureIndex(aProperty);
+  if (index < 0) return {};
+  engine::Feature const& feature = engine::feature(static_cast<engine::FeatureIndex>(index));
+  Storage const storage = feature.fStorage;
+  bool const isKept =
+      storage != Storage::Computed && storage != Storage::Container && storage != Storage::PrimitiveList;
+  bool const isPublished = !engine::isAdded(feature.fRoot) && !feature.fReadOnly;
+  if (!isKept || !isPublished || (storage == Storage::List) != feature.isMany()) return {};
+  return {feature.fRoot, storage, false};
+}
+
+void setBits(ModelElement& aElement, Kelm::Deviant const& aDeviant, std::uint16_t aNumber,
+             std::uint32_t aBits) {
+  engine::checkWritable(aElement, aDeviant, kSource);
+  engine::writeBits(aElement, engine::feature(aNumber), aBits);
+}
+
+void addTarget(ModelElement& aElement, Kelm::Deviant const& aDeviant, std::uint16_t aNumber,
+               ModelElement& aValue) {
+  engine::checkWritable(aElement, aDeviant, kSource);
+  engine::add(aElement, engine::feature(aNumber), aValue);
 }
 
 }  // namespace detail

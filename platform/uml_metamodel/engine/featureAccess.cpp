@@ -120,6 +120,11 @@ void checkMutable(Element const& aElement, Deviant const& aDeviant, Feature cons
 
 }  // namespace
 
+void writeBits(Element& aElement, Feature const& aRoot, std::uint32_t aBits) {
+  if (aRoot.fStorage == Storage::Integer) return Change::setInteger(aElement, indexOf(aRoot), aBits);
+  writeFlag(aElement, aRoot, aBits);
+}
+
 void setReference(Element& aElement, Feature const& aRoot, Element* aValue) {
   // A many-valued slot that a redefinition has narrowed to one value is replaced as a whole.
   Element* const old = single(aElement, aRoot);

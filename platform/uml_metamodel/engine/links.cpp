@@ -231,6 +231,39 @@ void link(Element& aOwner, Feature const& aRoot, Element& aValue, std::uint32_t 
   change.commit();
 }
 
+namespace {
+
+/// Whether a link is one entry at its owner, with nothing to be taken away for it and nothing to be held
+/// beside it.
+bool isOneEntry(Element const& aOwner, Feature const& aRoot, Feature const& aSeen,
+                Element const& aValue) noexcept {
+  if (!aRoot.fSupersets.empty() || Change::isObserved(aOwner)) return false;
+  if (aRoot.fStorage == Storage::Reference)
+    return aSeen.fOpposite == kNoFeature && !aRoot.fComposite && single(aOwner, aRoot) == nullptr;
+  if (aRoot.fStorage != Storage::List || !ownsParts(aRoot) || aSeen.fUpper > 0) return false;
+  // One that owns nothing is in no circle.
+  if (aValue.container() != nullptr || (aValue.marks() & Element::HasContents) != 0 || &aValue == &aOwner)
+    return false;
+  if (aSeen.fOpposite == kNoFeature) return true;
+  Feature const& far = feature(aSeen.fOpposite);
+  return isView(far) && far.fSupersets.empty() && far.fNarrowings.empty();
+}
+
+}  // namespace
+
+void add(Element& aOwner, Feature const& aRoot, Element& aValue) {
+  Feature const& seen = seenOn(aOwner, aRoot);
+  if (aValue.model() == aOwner.model() && isA(aValue, seen.fType) && isOneEntry(aOwner, aRoot, seen, aValue))
+      [[likely]] {
+    Change::reserve(aOwner, aRoot, aValue);
+    return Change::insert(aOwner, aRoot, aValue, kAtEnd);
+  }
+  if (holds(aOwner, aRoot, aValue)) return;
+  Element* const old = seen.isMany() ? nullptr : single(aOwner, aRoot);
+  checkLink(aOwner, aRoot, aValue, old);
+  replace(aOwner, aRoot, old, &aValue);
+}
+
 void unlink(Element& aOwner, Feature const& aRoot, Element& aValue) {
   if (Change::isObserved(aOwner)) [[unlikely]]
     return Change::together(aOwner, [&] { unlink(aOwner, aRoot, aValue); });

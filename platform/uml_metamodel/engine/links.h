@@ -47,6 +47,10 @@ void checkRoom(Element const& aOwner, Feature const& aRoot, std::span<Element* c
 /// container view; `aPosition` counts in the owner's list.
 void link(Element& aOwner, Feature const& aRoot, Element& aValue, std::uint32_t aPosition = kAtEnd);
 
+/// Has the value for the one or the last value of the feature, with the checks of `checkLink`; nothing if it
+/// is there. What nobody owns yet comes into its owner in a third of the time.
+void add(Element& aOwner, Feature const& aRoot, Element& aValue);
+
 /// Takes the link away, also from the subsets at both ends; nothing if there is none. A part becomes a
 /// top-level element of its model.
 void unlink(Element& aOwner, Feature const& aRoot, Element& aValue);

@@ -315,8 +315,16 @@ PropertyIntf const* metaProperty(int aFeature) {
 }
 PackageIntf const* metaPackage() { return &metamodel().fPackage; }
 int featureIndex(PropertyIntf const& aProperty) {
-  for (int index = 0; index < kFeatureCount + static_cast<int>(metamodel().fAddedProperties.size()); ++index)
-    if (&propertyAt(index) == &aProperty) return index;
+  // One of a published class stands where the class and its number say.
+  metamodel();
+  int const owner = indexIn(aProperty.getOwner());
+  if (owner >= 0 && owner < kMetaclassCount) {
+    engine::Metaclass const& own = engine::metaclass(owner);
+    unsigned const place = aProperty.getId() - 1;
+    if (place < own.fFeatureCount) return own.fFirstFeature + static_cast<int>(place);
+  }
+  for (std::size_t index = 0; index < metamodel().fAddedProperties.size(); ++index)
+    if (&metamodel().fAddedProperties[index] == &aProperty) return kFeatureCount + static_cast<int>(index);
   return -1;
 }
 int dataTypeIndex(DataTypeIntf const& aType, engine::ValueType& aKind) {
