@@ -142,8 +142,8 @@ struct Report {
 struct LoadOptions {
   /// Raise ReadError at the first finding, instead of noting it.
   bool fStrict = false;
-  /// Bind the model to the path of its first file, with a number behind it if that is taken: it lives until
-  /// it is closed then, and not only as long as somebody has it.
+  /// Bind the model to the path of its first file, with a number behind it if that is taken, for as long as
+  /// somebody has it.
   bool fBind = false;
   /// Where addresses lead, by what they start with: {"pathmap://MY_PROFILES/", "/models/profiles/"}.
   std::map<std::string, std::string> fPaths;

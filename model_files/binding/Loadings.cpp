@@ -67,7 +67,6 @@ int beginLoading(bool aIsStrict) {
   sLast = sLast == INT32_MAX ? 1 : sLast + 1;
   LoadOptions& options = loadings()[sLast].fOptions;
   options.fStrict = aIsStrict;
-  // Scripts close their models.
   options.fBind = true;
   return sLast;
 }

@@ -37,13 +37,14 @@ bool mentionsUml(std::string_view aText) noexcept {
   return aText.find("/spec/UML/") != std::string_view::npos || aText.find("/uml2/") != std::string_view::npos;
 }
 
-/// Models that have no uri live as long as somebody has them.
+/// By its uri the model can be found as long as somebody has it.
 void bindTo(Kelm::Model const& aModel, std::string const& aName) {
   auto& cache = Kelm::ModelCache::instance();
   auto const guard = cache.guard();
   std::u16string const uri = cache.getNextAvailableModelUri(Kelm::toUtf16(aName.empty() ? "model" : aName));
   aModel.setModelUri(Kelm::String(uri));
   cache.bindModel(uri, aModel);
+  cache.letGo(aModel.object());
 }
 
 }  // namespace

@@ -298,4 +298,9 @@ Ref copyOf(PyObject* object, PyObject* place) {
   return toPython(host::OwnedValue(instance.classRecord(), copy));
 }
 
+void letGoOf(PyObject* object) {
+  PyInstance& instance = boundInstance(object);
+  instance.classRecord().info().letGo(instance.nativeId());
+}
+
 }  // namespace vesk::python

@@ -40,6 +40,8 @@ void runBeforeFirstClass();
 /// Copies what an object stands for, with all that it owns, beside it or into `place`. Throws for what can't
 /// be copied.
 [[nodiscard]] Ref copyOf(PyObject* object, PyObject* place);
+/// The library keeps a model no longer by itself.
+void letGoOf(PyObject* object);
 
 // What registries of members share.
 

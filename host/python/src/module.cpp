@@ -98,6 +98,13 @@ PyObject* copy(PyObject*, PyObject* arguments) {
   });
 }
 
+PyObject* letGo(PyObject*, PyObject* object) {
+  return guarded<PyObject*>(nullptr, [=] {
+    letGoOf(object);
+    return Py_NewRef(Py_None);
+  });
+}
+
 host::PackageRecord& packageOf(PyObject* name) {
   host::PackageRecord* package = host::findPackage(utf8(name));
   if (!package) raise(PyExc_ValueError, "Package " + shortRepr(name) + " is not loaded");
@@ -153,6 +160,9 @@ PyMethodDef sFunctions[] = {
      "shown_object(list) -> the object whose property a list shows and changes, None for another list"},
     {"copy", copy, METH_VARARGS,
      "copy(object, place=None) -> a copy of all that it owns, or place, filled with it"},
+    {"let_go", letGo, METH_O,
+     "let_go(model): from now on the model lives as long as an object of it is there, and no longer by "
+     "itself"},
     {"class_names", classNames, METH_O, "class_names(package) -> full names in the order of announcement"},
     {"describe_class", describe, METH_O, "describe_class(name) -> what the filled class tells of itself"},
     {"describe_functions", describePackageFunctions, METH_O,

@@ -29,12 +29,12 @@ class _Element:
 
 @_front.adds_to(_front.MODELS)
 class _Model:
-    """A copy of a model is a new one, open until it is closed, with copies of all elements. What belongs to the files of
+    """A copy of a model is a new one, which goes with its last object, with copies of all elements. What belongs to the files of
     the model goes along; the copy is saved to a path of its own."""
 
     def __copy__(self):
         import umlmm
-        made = umlmm.Factory.createNewModel()
+        made = umlmm.new_model()
         try:
             copy = _host.copy(self, made)
             if files := sys.modules.get("umlmm.files"):  # else no model came from files

@@ -11,7 +11,7 @@ def _model(texts):
     import umlmm
     from umlmm import files
     if not texts:
-        return umlmm.Factory.createNewModel()
+        return umlmm.new_model()
     streams = []
     for name, text in texts:
         stream = io.BytesIO(text)

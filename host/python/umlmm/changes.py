@@ -3,15 +3,17 @@
 from __future__ import annotations
 
 import umlmm
-from umlmm import Kelm
+from umlmm import Kelm, _host  # type: ignore[attr-defined]
 from umlmm._answers import _Record
 
 __all__ = ["Removed", "new_model", "remove"]
 
 
 def new_model(name: str = "") -> Kelm.Model:
-    """A new model, with a package of that name if one is given; `with umlmm.new_model() as model:` closes it."""
+    """A new model, with a package of that name if one is given. It goes with the last object that shows something of
+    it; `with umlmm.new_model() as model:` closes it. One of `Factory.createNewModel` stays until it is closed."""
     model = umlmm.Factory.createNewModel()
+    _host.let_go(model)
     if name:
         umlmm.Package(model, name=name)
     return model

@@ -3,7 +3,9 @@
 #include <array>
 #include <cstdint>
 
+#include "frame/ElementClassInfo.h"
 #include "kelm/DeviantRegistry.h"
+#include "kelm/ModelObject.h"
 #include "tarn/tarn.h"
 #include "vesk/VeskInterface.h"
 #include "vesk/factory/BindingRegistry.h"
@@ -26,6 +28,18 @@ struct NameCacheEntry {
 constexpr std::size_t kNameCacheSize = 256;
 constinit thread_local std::array<NameCacheEntry, kNameCacheSize> sNameCache{};
 
+/// The open model of a variant; null for other deviants.
+ModelObject* modelOf(Deviant const& aDeviant) noexcept {
+  return aDeviant.variant() == nullptr ? nullptr : aDeviant.variant()->fModel;
+}
+
+/// What the host shows it holds, and the model in which it shows it.
+void hold(ReferenceCountingIntf const* aObject, Deviant const& aDeviant) {
+  if (aObject == nullptr) return;
+  aObject->incRef();
+  if (ModelObject* const model = modelOf(aDeviant)) model->enterHost();
+}
+
 ReferenceCountingIntf* asCounted(ReferenceCountingIntf const* aObject) {
   return queryInterface<ReferenceCountingIntf>(aObject);
 }
@@ -46,8 +60,17 @@ VeskValue announceObject(ReferenceCountingIntf const* aObject, Deviant const& aD
   bool created = false;
   VeskValue const value =
       BindingRegistry::announce(DeviantRegistry::getId(counted, aDeviant, aImmutable), aClass, created);
-  if (created && counted != nullptr) counted->incRef();
+  if (created) hold(counted, aDeviant);
   return value;
+}
+
+void releaseBoundObject(void* aId) {
+  auto const [object, deviant] = DeviantRegistry::getVariantInfo(aId);
+  ModelObject* const model = object == nullptr ? nullptr : modelOf(deviant);
+  BindingRegistry::remove(aId);
+  if (object != nullptr) object->decRef();
+  // The object may have been the model, which is closed by then unless something else of it is shown.
+  if (model != nullptr && modelOf(deviant) == model) model->leaveHost();
 }
 
 VeskValue ReferenceBoxer::boxObject(NSInterface::ObjectIntf const* aObject, Deviant const& aDeviant,
@@ -72,7 +95,7 @@ void bindConstructed(ReferenceCountingIntf const* aObject, Deviant const& aDevia
   ReferenceCountingIntf* const counted = asCounted(aObject);
   BindingRegistry::announceForConstructor(DeviantRegistry::getId(counted, aDeviant, false), aClass,
                                           aHostObject.array(), true);
-  if (counted != nullptr) counted->incRef();
+  hold(counted, aDeviant);
 }
 
 VeskValue boxIterator(Generic::IteratorIntf const* aIterator, Deviant const& aDeviant, bool aImmutable,

@@ -4,6 +4,7 @@
 #include "kelm/Asserter.h"
 #include "kelm/DeviantRegistry.h"
 #include "kelm/ElementQueries.h"
+#include "kelm/ModelCache.h"
 #include "kelm/ModelElementIntf.h"
 #include "kelm/failureWords.h"
 
@@ -28,10 +29,8 @@ void checkChangeable(void const* aId, Deviant const& aDeviant) {
 
 }  // namespace
 
-void releaseBoundObject(void* aId) {
-  ReferenceCountingIntf* const object = DeviantRegistry::getVariantInfo(aId).first;
-  vesk::factory::basic::BindingRegistry::remove(aId);
-  if (object != nullptr) object->decRef();
+void letGoOfModel(void const* aId) {
+  if (ModelObject const* const model = modelOf(aId)) ModelCache::instance().letGo(*model);
 }
 
 vesk::Identity identifyBoundObject(void const* aId) {

@@ -36,9 +36,9 @@ void ModelCache::bindModel(std::u16string const& aUri, Model const& aModel) {
   if (aModel.isNull()) raiseNullReference("kelm/Kelm/Model_h");
   auto const own = guard();
   std::u16string uri(aUri);
-  auto const [entry, isNew] = fModels.try_emplace(aUri, aModel);
+  auto const [entry, isNew] = fModels.try_emplace(aUri, Entry{aModel.get(), aModel.getDeviant(), aModel});
   if (!isNew) {
-    if (entry->second.get() == aModel.get()) return;
+    if (entry->second.fModel == aModel.get()) return;
     Asserter::MakeAlways<Exception>("A model with the uri '%s' exists", String::to_string(aUri).c_str())
         .handle("kelm/Kelm/ModelCache", __LINE__, "");
   }
@@ -54,8 +54,18 @@ void ModelCache::bindModel(std::u16string const& aUri, Model const& aModel) {
   }
   // Nothing can fail from here on.
   std::u16string const old = std::exchange(known->second, std::move(uri));
-  fModels.erase(old);
+  auto const before = fModels.find(old);
+  if (before->second.fHold.isNull()) entry->second.fHold = Model();
+  fModels.erase(before);
   forgetNumber(old);
+}
+
+void ModelCache::letGo(ModelObject const& aModel) noexcept {
+  // Without the guard by then, and with nothing of the table in hand: the model may close.
+  Model hold;
+  auto const own = guard();
+  if (auto const known = fUris.find(&aModel); known != fUris.end())
+    std::swap(hold, fModels.find(known->second)->second.fHold);
 }
 
 void ModelCache::unbindModel(ModelObject const& aModel) noexcept {
@@ -72,7 +82,7 @@ void ModelCache::unbindModel(ModelObject const& aModel) noexcept {
 Model ModelCache::findModel(std::u16string const& aUri) const {
   auto const own = guard();
   auto const entry = fModels.find(aUri);
-  return entry == fModels.end() ? Model() : entry->second;
+  return entry == fModels.end() ? Model() : Model(entry->second.fModel, entry->second.fDeviant);
 }
 
 bool ModelCache::isBound(ModelObject const& aModel) const noexcept {

@@ -86,7 +86,8 @@ void ModelObject::close() {
   fExternalIds = nullptr;
   fAttachments.clear();
   noteChange();
-  fHostPlace.clear();  // may run code of scripts
+  fHostPlace.clear();                           // may run code of scripts
+  if (std::exchange(fShown, 0) != 0) --fCount;  // not the last
   decRef();
 }
 

@@ -54,6 +54,7 @@ bool VeskClassInfo::customSave(VeskInterfacePtr, VeskValue&, VeskDataTypePtr&) {
 bool VeskClassInfo::customLoad(VeskInterfacePtr&, VeskValue, VeskDataTypePtr) { return false; }
 std::vector<VeskInterfacePtr> VeskClassInfo::getChildrenOfInstance(VeskInterface*) { return {}; }
 bool VeskClassInfo::visitMemberNames(std::function<void(char const*)> const&) const { return false; }
+void VeskClassInfo::letGo(void const*) const {}
 lum::HostPlace* VeskClassInfo::hostPlace(void const*) const { return nullptr; }
 VeskValue VeskClassInfo::copy(void const*, void const*) const { return {}; }
 

@@ -5,8 +5,8 @@
 
 namespace Kelm::mi {
 
-/// Drops the binding of an id and gives back the count that the host object held, which may end the object.
-/// An object that is gone already is left alone.
+/// Drops the binding of an id and gives back the counts that the host object held on its object and on the
+/// model of its variant, which may end both. An object that is gone already is left alone.
 void releaseBoundObject(void* aId);
 /// The object of an id and its variant, which the read-only and the changeable view share; the id itself for
 /// one whose object is gone.
@@ -14,6 +14,9 @@ void releaseBoundObject(void* aId);
 /// The host's place with the open model that an id stands for or whose element it stands for; null for what
 /// is neither.
 [[nodiscard]] lum::HostPlace* hostPlaceOfModel(void const* aId);
+/// From now on the open model that an id stands for lives only as long as something of it is shown, or a
+/// reference holds it.
+void letGoOfModel(void const* aId);
 /// A copy of the element of an id, or of the elements of a model in the model of `aPlace`.
 [[nodiscard]] vesk::VeskValue copyBoundObject(void const* aId, void const* aPlace);
 
@@ -28,6 +31,7 @@ class ClassMetaData : public vesk::factory::HandleClassInfo<ReferenceCountingInt
   vesk::VeskValue copy(void const* aId, void const* aPlace) const override {
     return copyBoundObject(aId, aPlace);
   }
+  void letGo(void const* aId) const override { letGoOfModel(aId); }
 };
 
 /// Base of the class infos of meta-property classes, whose instances are bound to stateless markers and own

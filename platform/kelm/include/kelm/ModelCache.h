@@ -12,8 +12,8 @@
 namespace Kelm {
 
 /// The process-wide table of models by uri. It holds one count on each bound model, so a bound model lives
-/// until it is closed or unbound. It serves all threads; a model that was found belongs to the thread that
-/// uses it all the same.
+/// until it is closed, unbound or let go of. It serves all threads; a model that was found belongs to the
+/// thread that uses it all the same.
 class UMLMM_API ModelCache {
  public:
   /// Base name of new models.
@@ -27,6 +27,9 @@ class UMLMM_API ModelCache {
   /// Raises when another model is bound to the uri, and for a null model. A model has one uri here: a new one
   /// replaces the old. The model's own uri is not touched.
   void bindModel(std::u16string const& aUri, Model const& aModel);
+  /// Gives its count on the model back, which may be the last. As long as others keep the model, it stays
+  /// bound, also to another uri; nothing if it is not bound.
+  void letGo(ModelObject const& aModel) noexcept;
   /// Forgets the model, whatever its uri; nothing if it is not bound. The count that goes may be its last.
   void unbindModel(ModelObject const& aModel) noexcept;
   /// A null model if the uri is not bound.
@@ -35,11 +38,18 @@ class UMLMM_API ModelCache {
   std::size_t size() const noexcept;
 
  private:
+  struct Entry {
+    NSInterface::ModelIntf const* fModel = nullptr;
+    Deviant fDeviant;
+    /// Null when it was let go of.
+    Model fHold;
+  };
+
   ModelCache() = default;
   void forgetNumber(std::u16string_view aUri) const noexcept;
 
   mutable std::recursive_mutex fGuard;
-  std::map<std::u16string, Model> fModels;
+  std::map<std::u16string, Entry> fModels;
   std::unordered_map<NSInterface::ModelIntf const*, std::u16string> fUris;
   // By base name, the number up to which all uris are bound: opening many untitled models stays linear.
   mutable std::map<std::u16string, unsigned, std::less<>> fBoundUpTo;

@@ -128,6 +128,14 @@ class UMLMM_API ModelObject final : public NSInterface::ModelIntf {
   void setExternalIds(ExternalIds const* aIds) noexcept { fExternalIds = aIds; }
   /// A chain for the metamodel's use.
   ModelLink*& links() noexcept { return fLinks; }
+  /// The host shows one more object of the open model, or one less: all that it shows together count the
+  /// model once. What it shows of a closed model does not matter any more.
+  void enterHost() noexcept {
+    if (fShown++ == 0) incRef();
+  }
+  void leaveHost() {
+    if (--fShown == 0) decRef();
+  }
   /// For the host, as long as the model is open; cleared at the end of `close`.
   lum::HostPlace& hostPlace() noexcept { return fHostPlace; }
 
@@ -138,6 +146,8 @@ class UMLMM_API ModelObject final : public NSInterface::ModelIntf {
   static constexpr std::size_t kCacheLine = 64;
 
   alignas(kCacheLine) mutable std::int32_t fCount = 0;
+  /// What the host shows.
+  std::int64_t fShown = 0;
   std::uint64_t fRevision = 1;
   Variant* fBase;
   Variant* fReadOnly = nullptr;

@@ -156,6 +156,9 @@ class UMLMM_API VeskClassInfo {
   /// is not null. Answers the copy, or `place`, as a method would return it; all or nothing. A null value for
   /// what can't be copied so.
   virtual VeskValue copy(void const* id, void const* place) const;
+  /// The library keeps what `id` stands for no longer by itself: it lives as long as somebody has it or
+  /// something that belongs to it. Nothing for what it never keeps.
+  virtual void letGo(void const* id) const;
 };
 
 }  // namespace vesk
