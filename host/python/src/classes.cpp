@@ -143,8 +143,11 @@ PyObject* construct(PyObject* type, PyObject* const* arguments, std::size_t flag
   return guarded<PyObject*>(nullptr, [=] {
     ClassFront& front = frontOfType(type);
     int const count = static_cast<int>(PyVectorcall_NARGS(flaggedCount));
-    if (keywords && PyTuple_GET_SIZE(keywords) > 0) [[unlikely]]
+    if (keywords && PyTuple_GET_SIZE(keywords) > 0) {
+      Ref made = count == 0 ? front.fPlans.make(type, keywords, arguments) : Ref();
+      if (made) return made.release();
       return makeAsAdded(type, arguments, count, keywords);
+    }
     Arguments source(arguments);
     MethodRecord const* constructor =
         front.fConstruction.find(nullptr, host::CallForm::Constructor, arguments, count);
@@ -169,6 +172,25 @@ PyObject* construct(PyObject* type, PyObject* const* arguments, std::size_t flag
     return object.release();
   });
 }
+
+}  // namespace
+
+void planMaking(PyObject* type, PyObject* names, PyTypeObject* ownerType, PyObject* given, PyObject* list) {
+  Ref const interned = Ref::checked(PyTuple_New(PyTuple_GET_SIZE(names)));
+  Py_ssize_t ownerAt = -1;
+  for (Py_ssize_t at = 0; at < PyTuple_GET_SIZE(names); ++at) {
+    PyObject* name = PyTuple_GET_ITEM(names, at);
+    if (!PyUnicode_CheckExact(name)) raise(PyExc_TypeError, "The names of keywords are texts");
+    if (utf8(name) == "owner") ownerAt = at;
+    Py_INCREF(name);
+    PyUnicode_InternInPlace(&name);
+    PyTuple_SET_ITEM(interned.get(), at, name);
+  }
+  if (ownerAt < 0) raise(PyExc_ValueError, "No owner is among the keywords");
+  frontOfType(type).fPlans.add(interned.get(), static_cast<std::size_t>(ownerAt), ownerType, given, list);
+}
+
+namespace {
 
 /// A literal called like the method that it is published as.
 PyObject* callLiteral(PyObject* self, PyObject* arguments, PyObject* keywords) {

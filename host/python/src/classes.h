@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "calls.h"
+#include "plans.h"
 #include "python.h"
 #include "vesk/VeskClassInfo.h"
 #include "vesk/host/ClassRecord.h"
@@ -18,6 +19,7 @@ struct ClassFront {
   SequenceHook const* fSequence = nullptr;  ///< for classes of lists
   host::Type* fElementType = nullptr;       ///< of a list, looked up when first asked for
   CallCache fConstruction;
+  Plans fPlans;
   /// Names of the class's literals in order: static methods without arguments that give one of its instances.
   std::vector<VeskInterned> fLiterals;
   /// By Py_LT to Py_GE, the published method that compares; null for none.
@@ -44,6 +46,9 @@ void prepareMetaType();  // the type is gMetaType of instances.h
 [[nodiscard]] inline ClassFront& frontOf(host::Instance& instance) noexcept {
   return *static_cast<ClassFront*>(instance.classRecord().fFront);
 }
+
+/// Objects of a class are made by a plan from now on; see Plans. The names have "owner" among them.
+void planMaking(PyObject* type, PyObject* names, PyTypeObject* ownerType, PyObject* given, PyObject* list);
 
 /// Whether a class is filled as one with literals that are read from text.
 [[nodiscard]] bool hasLiterals(host::ClassRecord& record);

@@ -105,6 +105,17 @@ PyObject* letGo(PyObject*, PyObject* object) {
   });
 }
 
+PyObject* makeSo(PyObject*, PyObject* arguments) {
+  return guarded<PyObject*>(nullptr, [=] {
+    PyObject *type = nullptr, *names = nullptr, *ownerType = nullptr, *given = nullptr, *list = nullptr;
+    if (!PyArg_ParseTuple(arguments, "O!O!O!UU:make_so", &gMetaType, &type, &PyTuple_Type, &names,
+                          &PyType_Type, &ownerType, &given, &list))
+      throw PythonError();
+    planMaking(type, names, reinterpret_cast<PyTypeObject*>(ownerType), given, list);
+    return Py_NewRef(Py_None);
+  });
+}
+
 host::PackageRecord& packageOf(PyObject* name) {
   host::PackageRecord* package = host::findPackage(utf8(name));
   if (!package) raise(PyExc_ValueError, "Package " + shortRepr(name) + " is not loaded");
@@ -163,6 +174,11 @@ PyMethodDef sFunctions[] = {
     {"let_go", letGo, METH_O,
      "let_go(model): from now on the model lives as long as an object of it is there, and no longer by "
      "itself"},
+    {"make_so", makeSo, METH_VARARGS,
+     "make_so(class, names, owner_class, given, list): from now on class(**keywords) with these names of "
+     "keywords,\n"
+     "the owner among them, is made of the owner's attribute, has its keywords set and is appended to the "
+     "owner's list"},
     {"class_names", classNames, METH_O, "class_names(package) -> full names in the order of announcement"},
     {"describe_class", describe, METH_O, "describe_class(name) -> what the filled class tells of itself"},
     {"describe_functions", describePackageFunctions, METH_O,

@@ -8,14 +8,18 @@ from umlmm import Kelm, _host, errors  # type: ignore[attr-defined]
 from umlmm._classes import python_name
 
 _recipes: dict[type, _Recipe] = {}
+# What goes into lists of a class.
+_item_classes: dict[type, type] = {}
+# Combinations of keywords that a recipe remembers. A script has few for each class.
+_MOST_PLAIN = 64
 
 
 def make(cls, arguments, keywords):
     """`cls(*arguments, **keywords)`: an element with features, in its owner if `owner` is given."""
     recipe = _recipes.get(cls) or _Recipe.of(cls)
+    names = tuple(keywords)
+    is_plain = names in recipe.plain or recipe.check(names)
     owner = keywords.pop("owner", None)
-    if not recipe.settable.issuperset(keywords):
-        recipe.refuse(next(name for name in keywords if name not in recipe.settable))
     if owner is None:
         made = cls(*arguments) if arguments else cls(_model_among(cls, keywords))
         return recipe.fill(made, keywords)
@@ -29,7 +33,11 @@ def make(cls, arguments, keywords):
         else:
             place = recipe.find_place(owner)
     made = cls(*arguments) if arguments else cls(owner.modelKelm)
-    return recipe.fill(made, keywords, owner, *place)
+    place, is_list = place
+    if is_plain and is_list and not arguments and recipe.places.get(type(owner)) == (place, True):
+        # The host does the same from the second time on, without coming here.
+        _host.make_so(cls, names, type(owner), "modelKelm", place)
+    return recipe.fill(made, keywords, owner, place, is_list)
 
 
 def make_in(values, kind, keywords):
@@ -38,8 +46,9 @@ def make_in(values, kind, keywords):
     if owner is None:
         raise errors.WrongType(f"{_named(type(values))} shows no feature of an element; make an element with "
                         f"{_named(kind or _item_class(values))}(model, ...) and append it")
-    kind = kind or _item_class(values)
-    if kind.MetaClass().isAbstract():
+    if kind is None:
+        kind = _item_class(values)
+    if (_recipes.get(kind) or _Recipe.of(kind)).is_abstract:
         raise errors.WrongType(f"{_named(kind)} is abstract: say of which class the element is to be, "
                         f"as in create(umlmm.Class, ...)")
     made = make(kind, (owner.modelKelm,), keywords)
@@ -69,7 +78,20 @@ class _Recipe:
         self.settable = {python_name(feature.name) for feature in features if not feature.isReadOnly}
         self.settable |= {name for name in dir(cls) if getattr(_static(cls, name), "fset", None)}
         self.of_parts = {python_name(feature.name) for feature in features if feature.isComposite}
+        self.is_abstract = cls.MetaClass().isAbstract()
         self.places = {}
+        self.plain = set()
+
+    def check(self, names):
+        """Raises for a name that it does not take. Answers whether all of them can be set with no look at what was
+        before, which is remembered."""
+        for name in names:
+            if name not in self.settable and name != "owner":
+                self.refuse(name)
+        is_plain = self.of_parts.isdisjoint(names)
+        if is_plain and len(self.plain) < _MOST_PLAIN:
+            self.plain.add(names)
+        return is_plain
 
     def refuse(self, name):
         if name in self.known:
@@ -181,8 +203,10 @@ def _model_among(cls, keywords):
 
 
 def _item_class(values):
-    record = _host.describe_class(_named(type(values)))
-    return getattr(umlmm, record["subject"])
+    kind = type(values)
+    if kind not in _item_classes:
+        _item_classes[kind] = getattr(umlmm, _host.describe_class(_named(kind))["subject"])
+    return _item_classes[kind]
 
 
 def _named(cls):

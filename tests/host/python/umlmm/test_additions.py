@@ -156,3 +156,30 @@ def test_additions_act_as_members_of_the_class_would_and_never_hide_any(tmp_path
         text = (tmp_path / file).read_text()
         compile(text, file, "exec")
         assert [line for line in lines if line not in text] == []
+
+
+def test_making_again_is_as_the_first_time(model):
+    """From the second time on the host makes what Python has found out how to make."""
+    package, inner = umlmm.Package(model), umlmm.Class(model)
+    for name in ("a", "b", "c"):
+        made = umlmm.Class(owner=package, name=name, isAbstract=True)
+        assert (made.name, made.isAbstract, made.owner) == (name, True, package)
+    for owner in (package, umlmm.Model(model), inner, (inner, "nestedClassifier")):
+        made = umlmm.Class(name="d", owner=owner)
+        assert made.owner == (inner if isinstance(owner, tuple) else owner)
+    before = len(list(model))
+    for _ in range(2):
+        with pytest.raises(TypeError, match="name"):
+            umlmm.Class(owner=package, name=3)
+        with pytest.raises(TypeError, match="isAbstrac"):
+            umlmm.Class(owner=package, isAbstrac=True)
+        assert len(list(model)) == before
+    package.destroy()
+    for _ in range(2):
+        with pytest.raises(umlmm.Error):
+            umlmm.Class(owner=package, name="e")
+    with umlmm.new_model("gone") as closed:
+        gone = closed["gone"]
+        umlmm.Class(owner=gone, name="a")
+    with pytest.raises(umlmm.Error):
+        umlmm.Class(owner=gone, name="a")
