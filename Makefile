@@ -8,6 +8,7 @@
 #   make describe                            writes the published surface to build/describe.json
 #   make reference                           writes a page for each metaclass to build/reference
 #   make install PREFIX=folder               installs libraries, headers, CMake package and Python package
+#   make types                               what two checkers of types say of scripts; pyright comes from npm
 #   make asan                                all tests under AddressSanitizer and UBSan
 #   make tsan                                the C++ tests under ThreadSanitizer
 #   make fuzz-files                          a minute of the fuzzers of model files; longer ones are told there
@@ -29,8 +30,8 @@ CONFIGURE = @tools/configure
 # Targets share a build tree.
 .NOTPARALLEL:
 
-.PHONY: run umlmm test bench bench-smoke describe reference install asan tsan debug fuzz-files lint format \
-  product python generate packages test-packages
+.PHONY: run umlmm test types bench bench-smoke describe reference install asan tsan debug fuzz-files lint format \
+  product python generate packages test-packages node-tools
 
 run: product
 	@$(HOST) "$(SCRIPT)" $(ARGS)
@@ -42,6 +43,9 @@ test: test-packages
 	$(CONFIGURE) release $(FIRST) -DUMLMM_TESTS=ON
 	@cmake --build --preset release
 	$(if $(MODELS),MODELS="$$(realpath -- "$(MODELS)")" )ctest --preset release
+
+types: python test-packages node-tools
+	UMLMM_PYRIGHT="$(CURDIR)/tools/node/node_modules/.bin/pyright" $(HOST) -B -m pytest -q -p no:cacheprovider tests/types
 
 debug asan tsan: test-packages
 	$(CONFIGURE) $@
@@ -85,6 +89,11 @@ packages:
 
 test-packages:
 	$(INSTALL_PACKAGES) packages.txt packages-test.txt
+
+# Tools that npm brings. Node.js may be there from elsewhere than Debian.
+node-tools:
+	@command -v npm > /dev/null || tools/install-packages packages-node.txt
+	@cd tools/node && { cmp -s package-lock.json node_modules/.installed || { npm ci --silent && cp package-lock.json node_modules/.installed; }; }
 
 lint: generate
 	$(INSTALL_PACKAGES) packages-dev.txt
