@@ -5,7 +5,7 @@ import pathlib
 
 import umlmm
 from umlmm._classes import Packages, python_name
-from umlmm._texts import text_of
+from umlmm._texts import text_about, text_of
 from umlmm._types import Types
 
 _UNLIMITED = -1
@@ -123,7 +123,8 @@ class _Reference:
 
     def _operations(self, own):
         methods = [method for method in own.methods if method.name not in self._common]
-        return ["", "## Operations", "", *map(self._signature, methods)] if methods else []
+        lines = [": ".join(filter(None, (self._signature(method), text_about(own, method.name)))) for method in methods]
+        return ["", "## Operations", "", *lines] if lines else []
 
     def _signature(self, method):
         arguments = ", ".join(f"{name}: {self._class(type_name)}" for name, type_name in

@@ -7,7 +7,7 @@ from umlmm import _front, _host
 from umlmm._added import stub_lines
 from umlmm._classes import Packages, python_name
 from umlmm._module_stubs import module_stubs
-from umlmm._texts import text_of
+from umlmm._texts import text_about
 from umlmm._types import Types
 
 _COMPARISONS = {"lt": "__lt__", "le": "__le__", "gt": "__gt__", "ge": "__ge__"}
@@ -130,7 +130,7 @@ class _PackageStub:
 
     def _meaning(self, cls, member=""):
         """What the catalogue says of the metaclass or enumeration that a class shows, or of a member of it."""
-        return "" if self._package.name != "umlmm" or cls.item else text_of(cls.subject, member)
+        return "" if cls.item else text_about(cls, member)
 
     def _constructors(self, cls):
         own = [f"def __init__({self._types.parameters(method, 'self')}) -> None: ..." for method in cls.constructors]
@@ -185,7 +185,11 @@ class _PackageStub:
         signatures = self._reachable(self._packages.signatures(cls, name))
         is_static = signatures[0].is_static
         receiver = "" if is_static else "self"
-        body = _overloads([self._definition(method, receiver) for method in signatures], is_static)
+        definitions = [self._definition(method, receiver) for method in signatures]
+        meaning = self._meaning(cls, name)
+        if meaning:
+            definitions[0] = definitions[0].removesuffix(" ...") + "".join("\n        " + line for line in _doc(meaning))
+        body = _overloads(definitions, is_static)
         if name in _COMPARISONS:
             body += [f"def {_COMPARISONS[name]}(self, other: {cls.short}, /) -> bool: ..."]
         return body
