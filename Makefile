@@ -7,6 +7,7 @@
 #   make bench-smoke                         runs every benchmark once, for a moment, without a look at the times
 #   make describe                            writes the published surface to build/describe.json
 #   make reference                           writes a page for each metaclass to build/reference
+#   make docs                                makes a site of the pages, the reference and the gallery
 #   make install PREFIX=folder               installs libraries, headers, CMake package and Python package
 #   make types                               what two checkers of types say of scripts; pyright comes from npm
 #   make asan                                all tests under AddressSanitizer and UBSan
@@ -30,7 +31,7 @@ CONFIGURE = @tools/configure
 # Targets share a build tree.
 .NOTPARALLEL:
 
-.PHONY: run umlmm test types bench bench-smoke describe reference install asan tsan debug fuzz-files lint format \
+.PHONY: run umlmm test types bench bench-smoke describe reference docs install asan tsan debug fuzz-files lint format \
   product python generate packages test-packages node-tools
 
 run: product
@@ -75,6 +76,10 @@ reference: product
 	@rm -rf build/reference
 	@$(HOST) -m umlmm reference build/reference
 	@echo "build/reference/index.md"
+
+docs: product
+	$(INSTALL_PACKAGES) packages-docs.txt
+	@tools/make-docs build/release
 
 install: python
 	cmake --install build/release --prefix "$$(realpath -m -- "$(PREFIX)")"
