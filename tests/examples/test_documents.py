@@ -64,6 +64,20 @@ def test_what_model_files_and_pictures_are_told_to_do(tmp_path):
                                                '<D:Audited base_Class="_Hx4kQ"/>')
 
 
+def lines_of(script):
+    return len([line for line in script.splitlines() if line.strip() and not line.strip().startswith("#")])
+
+
+def test_recipes_have_at_most_half_the_lines_of_published_calls_alone(tmp_path):
+    now = then = 0
+    for recipe in RECIPES:
+        (_, script), (_, told) = blocks_of(recipe)
+        published = (ROOT / "benchmarks" / "lines" / f"{recipe.stem}.py").read_text("utf-8")
+        assert run(published, tmp_path) == told, recipe.stem
+        now, then = now + lines_of(script), then + lines_of(published)
+    assert now * 2 <= then, (now, then)
+
+
 def test_the_index_names_every_recipe():
     index = (ROOT / "docs" / "recipes" / "README.md").read_text("utf-8")
     assert len(RECIPES) >= 12 and [path.stem for path in RECIPES if f"({path.name})" not in index] == []
