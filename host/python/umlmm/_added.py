@@ -23,25 +23,39 @@ def _lines(name, member):
     if isinstance(member, property):
         read = _shown(inspect.signature(member.fget).return_annotation)
         if member.fset is None:
-            return _with_doc(f"{name}: _typing.ReadOnlyProperty[{read}]", member)
+            return [f"{name}: _typing.ReadOnlyProperty[{read}]", *_doc(member)]
         *_, value = inspect.signature(member.fset).parameters.values()
         given = read if value.annotation is value.empty else _shown(value.annotation)
-        return _with_doc(f"{name}: _typing.Property[{read}, {given}]", member)
+        return [f"{name}: _typing.Property[{read}, {given}]", *_doc(member)]
     if isinstance(member, (classmethod, staticmethod)):
-        return [f"@{type(member).__name__}", _definition(name, member.__func__)]
-    return [_definition(name, member)] if inspect.isfunction(member) else [f"{name}: _Any"]
+        return [f"@{type(member).__name__}", *_definitions(name, member.__func__)]
+    return _definitions(name, member) if inspect.isfunction(member) else [f"{name}: _Any"]
 
 
-def _with_doc(line, member):
-    doc = inspect.getdoc(member)
-    return [line, f'"""{doc.splitlines()[0]}"""'] if doc else [line]
+def _doc(member):
+    """The first paragraph of the documentation, as lines of a stub."""
+    text = " ".join(inspect.cleandoc(member.__doc__ or "").partition("\n\n")[0].split())
+    return [f'"""{text}"""'] if text else []
 
 
-def _definition(name, function):
+def _definitions(name, function):
+    """The definition; two where a class may be given of which the answers are, and elements are answered otherwise."""
     signature = inspect.signature(function)
     parameters = [parameter if parameter.default is parameter.empty else parameter.replace(default=_Omitted())
                   for parameter in signature.parameters.values()]
-    return f"def {name}{signature.replace(parameters=parameters)}: ..."
+    of_a_kind = [parameter for parameter in parameters if parameter.annotation == "type[_T] | None"]
+    if not of_a_kind:
+        return _definition(name, function, signature.replace(parameters=parameters))
+    elements = signature.replace(parameters=[parameter for parameter in parameters if parameter not in of_a_kind],
+                                 return_annotation=signature.return_annotation.replace("_T", "umlmm.Element"))
+    kinds = signature.replace(parameters=[parameter.replace(default=parameter.empty, annotation="type[_T]")
+                                          if parameter in of_a_kind else parameter for parameter in parameters])
+    return ["@_overload", *_definition(name, function, elements), "@_overload", *_definition(name, function, kinds)]
+
+
+def _definition(name, function, signature):
+    doc = [f"    {line}" for line in _doc(function)]
+    return [f"def {name}{signature}:" + " ..." * (not doc), *doc]
 
 
 def _shown(annotation):

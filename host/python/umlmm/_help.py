@@ -5,7 +5,7 @@ import re
 
 from umlmm import _host
 from umlmm._classes import Class, Method
-from umlmm._texts import text_of
+from umlmm._texts import text_about
 from umlmm._types import Types
 
 
@@ -32,7 +32,7 @@ def _class_doc(cls, own):
         kind = "A list" if record.is_list else "An iterator over a list"
         changes = ", which can be changed" if record.is_list and record.is_changeable_list else ""
         return f"{kind} of {_shown(record.item)}{changes}."
-    text = _text(record)
+    text = text_about(record)
     if not text:
         return own
     if record.changeable and record.changeable != record.name:
@@ -48,11 +48,13 @@ def _member_doc(cls, name, own):
     record = _record(cls) if cls else None
     for prop in record.properties if record else ():
         if prop.name == name:
-            text = _text(record, name)
+            text = text_about(record, name)
             return "\n\n".join(filter(None, (f"{name}: {_shown(prop.type)}", text, prop.summary)))
     methods = _methods(cls, name)
     lines = [f"{name}{_signature(method)}" for method in methods]
-    descriptions = [method.description for method in methods if method.description][:1]
+    owners = (_record(base) for base in (cls.__mro__ if cls else ()) if methods and type(base) is type(cls))
+    meanings = (text_about(owner, name) for owner in owners if owner.methods_named(name))
+    descriptions = [*filter(None, (*meanings, *(method.description for method in methods)))][:1]
     return "\n".join(dict.fromkeys(lines)) + "".join(f"\n\n{text}" for text in descriptions) if methods else own
 
 
@@ -150,10 +152,6 @@ def _record(cls):
 
 def _shown(type_name):
     return _Type(_types.read(type_name))
-
-
-def _text(record, member=""):
-    return text_of(record.subject, member) if record.package.name == "umlmm" else ""
 
 
 class _Type(str):

@@ -18,7 +18,7 @@ from typing import Any as _Any
 def module_stubs():
     """The text of the stub of each public module, by file name."""
     modules = [path.relative_to(_FOLDER) for path in sorted(_FOLDER.rglob("*.py"))]
-    shown = [module for module in modules if str(module) != "__init__.py" and
+    shown = [module for module in modules if str(module) not in ("__init__.py", "Kelm.py") and
              (not module.stem.startswith("_") or module.stem in ("__init__", *_SHOWN))]
     return {str(module.with_suffix(".pyi")): _stub((_FOLDER / module).read_text("utf-8")) for module in shown}
 

@@ -5,7 +5,7 @@ import pathlib
 
 import umlmm
 from umlmm._classes import Packages, python_name
-from umlmm._texts import text_of
+from umlmm._texts import text_about, text_of
 from umlmm._types import Types
 
 _UNLIMITED = -1
@@ -123,7 +123,8 @@ class _Reference:
 
     def _operations(self, own):
         methods = [method for method in own.methods if method.name not in self._common]
-        return ["", "## Operations", "", *map(self._signature, methods)] if methods else []
+        lines = [": ".join(filter(None, (self._signature(method), text_about(own, method.name)))) for method in methods]
+        return ["", "## Operations", "", *lines] if lines else []
 
     def _signature(self, method):
         arguments = ", ".join(f"{name}: {self._class(type_name)}" for name, type_name in
@@ -202,7 +203,7 @@ class _Reference:
     # --- the index
 
     def _index(self):
-        metaclasses = [f"- {self._page(name)}{' (abstract)' if cls.isAbstract() else ''}"
+        metaclasses = [f"- {self._page(name)}{' (abstract)' if cls.isAbstract() else ''}: {text_of(name)}"
                        for name, cls in sorted(self._metaclasses.items())]
         enumerations = [name for name, classes in self._subjects.items() if classes[0].literals]
         others = [name for name in self._subjects if name not in self._metaclasses and name not in enumerations]
@@ -210,6 +211,6 @@ class _Reference:
             "# umlmm\n", f"{len(self._packages.packages[-1].classes)} classes of package umlmm and those of the kernel "
             "below it. A property is named as scripts write it; lists are explained under [Lists](Lists.md).", "",
             "## Metaclasses", "", *metaclasses,
-            "", "## Enumerations", "", *(f"- {self._page(name)}" for name in sorted(enumerations)),
+            "", "## Enumerations", "", *(f"- {self._page(name)}: {text_of(name)}" for name in sorted(enumerations)),
             "", "## Values, factory and kernel", "", *(f"- {self._page(name)}" for name in sorted(others)),
             "", "## Functions", "", *map(self._signature, self._packages.packages[-1].functions)]) + "\n"

@@ -7,7 +7,7 @@ from umlmm import _front, _host
 from umlmm._added import stub_lines
 from umlmm._classes import Packages, python_name
 from umlmm._module_stubs import module_stubs
-from umlmm._texts import text_of
+from umlmm._texts import text_about
 from umlmm._types import Types
 
 _COMPARISONS = {"lt": "__lt__", "le": "__le__", "gt": "__gt__", "ge": "__ge__"}
@@ -107,6 +107,7 @@ class _PackageStub:
             # A base of its own, before the others, tells checkers of what it is a list.
             kind = "ChangeableList" if cls.is_changeable_list else "List"
             lines += [f"class _{cls.short}(_typing.{kind}[{self._types.read(cls.item)}]): ..."]
+            lines += self._kind_of_item(cls)
             bases.insert(0, f"_{cls.short}")
         root = "_typing.Enumeration" if cls.literals else "_typing.Instance"
         lines += [f"class {cls.short}({', '.join(bases or [root])}):"]
@@ -119,7 +120,7 @@ class _PackageStub:
         for name in names:
             if name not in cls.literals:
                 body += self._method(cls, name)
-        body += self._added.get(cls.name, [])
+        body += self._added.get(cls.name, []) + self._maker_of_items(cls)
         return lines + ["    " + line for line in body or ["..."]] + [""]
 
     @staticmethod
@@ -130,7 +131,7 @@ class _PackageStub:
 
     def _meaning(self, cls, member=""):
         """What the catalogue says of the metaclass or enumeration that a class shows, or of a member of it."""
-        return "" if self._package.name != "umlmm" or cls.item else text_of(cls.subject, member)
+        return "" if cls.item else text_about(cls, member)
 
     def _constructors(self, cls):
         own = [f"def __init__({self._types.parameters(method, 'self')}) -> None: ..." for method in cls.constructors]
@@ -150,6 +151,27 @@ class _PackageStub:
         own = [line.replace(", /)", f", /, *, owner: _Owner = ..., {keywords})") for line in own]
         refers = any(len(method.arguments) > 1 for method in cls.constructors)
         return [*own, f"def __init__(self, *, owner: _Owner{' = ...' * refers}, {keywords}) -> None: ..."]
+
+    def _made_in(self, cls):
+        """The class of the elements that a list can make; None for other classes."""
+        item = self._packages.classes.get(cls.item) if cls.is_list and cls.is_changeable_list else None
+        return item if item and self._packages.is_element_of_uml(item) and self._packages.is_changeable(item) else None
+
+    def _kind_of_item(self, cls):
+        item = self._made_in(cls)
+        return [f'_Of{item.short} = _TypeVar("_Of{item.short}", bound="{item.short}")'] if item else []
+
+    def _maker_of_items(self, cls):
+        """`create`, told anew for each list: what it makes, and the keywords of that."""
+        item = self._made_in(cls)
+        if not item:
+            return []
+        of_item = f"_Of{item.short}"
+        definitions = [f"def create(self, kind: type[{of_item}], /, **features: _Any) -> {of_item}: ..."]
+        if item.constructors:
+            keywords = ", ".join(f"{name}: {given} = ..." for name, given in self._keywords(item).items())
+            definitions.insert(0, f"def create(self, *, {keywords}) -> {item.short}: ...")
+        return _overloads(definitions)
 
     def _keywords(self, cls):
         """What a keyword takes, by name: the features that can be set, and what was added with a setter."""
@@ -185,7 +207,11 @@ class _PackageStub:
         signatures = self._reachable(self._packages.signatures(cls, name))
         is_static = signatures[0].is_static
         receiver = "" if is_static else "self"
-        body = _overloads([self._definition(method, receiver) for method in signatures], is_static)
+        definitions = [self._definition(method, receiver) for method in signatures]
+        meaning = self._meaning(cls, name)
+        if meaning:
+            definitions[0] = definitions[0].removesuffix(" ...") + "".join("\n        " + line for line in _doc(meaning))
+        body = _overloads(definitions, is_static)
         if name in _COMPARISONS:
             body += [f"def {_COMPARISONS[name]}(self, other: {cls.short}, /) -> bool: ..."]
         return body

@@ -1,21 +1,29 @@
-"""What metaclasses, enumerations, literals and features mean, from the catalogue."""
+"""What metaclasses, enumerations, literals, features and operations mean, from the catalogue."""
 
 import functools
 import pathlib
+import re
 
 
 @functools.cache
 def texts():
-    """The texts by name: "Class", "Property.aggregation", "VisibilityKind.Private"."""
+    """The texts by name: "Class", "Property.aggregation", "Classifier.conformsTo", "VisibilityKind.Private"."""
     found = {}
-    _, _, rows = pathlib.Path(__file__).with_name("texts.txt").read_text("utf-8").partition("| ----\n")
-    for line in rows.splitlines():
+    for line in pathlib.Path(__file__).with_name("texts.txt").read_text("utf-8").splitlines():
         name, bar, text = line.partition(" | ")
-        if bar:
+        if bar and name[0].isupper():
             found[name.strip()] = text.strip()
     return found
 
 
 def text_of(subject, member=""):
-    """The text of a metaclass or enumeration, or of a member of it; empty if there is none."""
-    return texts().get(f"{subject}.{member}" if member else subject, "")
+    """The text of a metaclass or enumeration, or of a member of it, with the clause of the standard in brackets; empty if
+    there is none. What the kernel adds to all elements is of "Kelm.ClassObject"."""
+    text = texts().get(f"{subject}.{member}" if member else subject, "")
+    clause = re.search(r" \([\d.]+\)$", texts().get(subject, "")) if text and member else None
+    return text + clause[0] if clause else text
+
+
+def text_about(record, member=""):
+    """The text of what a class is about, or of a member of it."""
+    return text_of(record.subject if record.package.name == "umlmm" else f"{record.package.name}.{record.subject}", member)

@@ -7,6 +7,7 @@ from collections.abc import Iterator
 import umlmm
 from umlmm import Kelm, errors
 
+TYPE_CHECKING = False
 NAMES = ("Boolean", "Integer", "Real", "String", "UnlimitedNatural")
 
 
@@ -23,14 +24,15 @@ class Primitives:
     def __init__(self, model: Kelm.Model):
         self._model = model
 
-    def __getattr__(self, name: str) -> umlmm.PrimitiveType:
-        if name not in NAMES:
-            raise errors.NoSuchMember(f"The standard has no primitive type '{name}'; it has {', '.join(NAMES)}")
-        # A reading has made those that its files name.
-        for element in self._model.instancesOf(umlmm.PrimitiveType.MetaClass()):
-            if element.name == name and element.owner is None and not element.externalId:  # type: ignore[attr-defined]
-                return element  # type: ignore[return-value]
-        return umlmm.PrimitiveType(self._model, name=name)
+    if not TYPE_CHECKING:  # checkers know the names above and no others
+        def __getattr__(self, name: str) -> umlmm.PrimitiveType:
+            if name not in NAMES:
+                raise errors.NoSuchMember(f"The standard has no primitive type '{name}'; it has {', '.join(NAMES)}")
+            # A reading has made those that its files name.
+            for element in self._model.instancesOf(umlmm.PrimitiveType.MetaClass()):
+                if element.name == name and element.owner is None and not element.externalId:  # type: ignore[attr-defined]
+                    return element  # type: ignore[return-value]
+            return umlmm.PrimitiveType(self._model, name=name)
 
     def __iter__(self) -> Iterator[umlmm.PrimitiveType]:
         return (getattr(self, name) for name in NAMES)

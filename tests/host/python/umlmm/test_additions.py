@@ -143,7 +143,7 @@ from umlmm._stubs import write_stubs
 write_stubs(sys.argv[1])
 '''
 
-STUBS = {"Kelm.pyi": ["import umlmm\n", '    def shown(self, mark: str = ..., *more: \'umlmm.Class\') -> \'umlmm.Element | None\': ...\n',
+STUBS = {"Kelm.pyi": ["import umlmm\n", '    def shown(self, mark: str = ..., *more: \'umlmm.Class\') -> \'umlmm.Element | None\':\n        """Shows it."""\n',
                       '    note: _typing.Property[str, str | None]\n    """A note."""\n', "    fixed: _typing.ReadOnlyProperty[_Any]\n",
                       "    @classmethod\n    def everyone(cls) -> int: ...\n", "    def __contains__(self, name): ...\n"],
          "__init__.pyi": ["    def shown(self): ...\n", "class VisibilityKind(_typing.Enumeration):\n"],

@@ -36,6 +36,7 @@ def test_every_link_resolves_and_every_page_is_linked(pages):
             assert page in pages and (not anchor or anchor in anchors(pages[page])), (name, page, anchor)
             linked |= {page} if name == "index.md" else set()
     assert linked == set(pages) - {"index.md"}
+    assert "- [Actor](Actor.md): A role that someone" in pages["index.md"]
 
 
 def test_the_page_of_a_metaclass(pages):

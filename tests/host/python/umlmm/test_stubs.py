@@ -4,10 +4,7 @@ import ast
 import builtins
 import inspect
 import keyword
-import os
 import pathlib
-import subprocess
-import sys
 import types
 
 import pytest
@@ -115,20 +112,3 @@ def types_of_properties(cls, stubs):
                 found[member] = {word if hasattr(builtins, word) else full_name(word, base.partition(".")[0])
                                  for word in told}
     return found
-
-
-TYPED = pathlib.Path(__file__).with_name("typed_script.py").read_text("utf-8")
-
-
-def test_mypy_accepts_what_is_right_and_finds_what_is_wrong(tmp_path):
-    """The stubs are checked on the way: an error in them would be one more line."""
-    script = tmp_path / "script.py"
-    script.write_text(TYPED)
-    # What lies on Python's own path counts as installed: errors in it are not shown.
-    environment = {name: value for name, value in os.environ.items() if name not in ("LD_PRELOAD", "PYTHONPATH")}
-    done = subprocess.run(
-        [sys.executable, "-m", "mypy", "--strict", "--no-error-summary", "--cache-dir", tmp_path / "cache", script],
-        env=environment | {"MYPYPATH": str(STUBS.parent)}, cwd=tmp_path, capture_output=True, text=True)
-    wrong = {line for line, text in enumerate(TYPED.splitlines(), 1) if text.endswith("# wrong")}
-    assert {tuple(line.split(": ")[:2]) for line in done.stdout.splitlines() if ": note: " not in line} == \
-        {(f"script.py:{line}", "error") for line in wrong}, done.stdout + done.stderr

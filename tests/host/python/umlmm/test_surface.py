@@ -230,6 +230,6 @@ def test_help_tells_each_signature_once_and_what_the_metamodel_says():
         "cast(other: Kelm.Object, /) -> Kelm.Object", "cast(other: Kelm.ImmutableObject, /) -> Kelm.ImmutableObject",
         "cast(other: Kelm.Object, /) -> Kelm.ImmutableObject"]
     assert umlmm.Class.ownedOperation.__doc__ == (
-        "ownedOperation: umlmm.ImmutableSequenceOfImmutableOperation\n\nThe operations, in order.\n\n"
+        "ownedOperation: umlmm.ImmutableSequenceOfImmutableOperation\n\nThe operations, in order. (11.4)\n\n"
         "Operation [0..*], composite, ordered; opposite Operation.class")
     assert umlmm.ImmutableMultiplicityElement.upper.__doc__.endswith("UnlimitedNatural [0..1] = 1, derived")

@@ -8,18 +8,24 @@ import pytest
 
 import umlmm
 from umlmm import _texts
+from umlmm._classes import Packages
 
 
-def test_every_metaclass_and_enumeration_has_a_text_and_nothing_else_has():
+def test_everything_published_has_a_text_and_nothing_else_has():
+    classes = Packages().classes
+    kernel = classes["Kelm.ImmutableClassObject"]
+    published = {cls.short: set(cls.literals) for cls in classes.values() if cls.literals}
+    of_all = {*dir(umlmm.Kelm.ImmutableClassObject), "MetaProperty"}
+    for cls in umlmm.MetaPackage().classes():
+        operations = {method.name for method in classes[f"umlmm.Immutable{cls.name}"].methods} - of_all
+        published[cls.name] = {feature.name for feature in cls.ownedProperties()} | operations
+    names = published.keys() | {f"Kelm.ClassObject.{feature.name}" for feature in kernel.properties}
+    names |= {f"{owner}.{member}" for owner, members in published.items() for member in members}
     texts = _texts.texts()
-    metaclasses = {cls.name: {feature.name for feature in cls.ownedProperties()} for cls in umlmm.MetaPackage().classes()}
-    enumerations = {name: set(dir(getattr(umlmm, name))) for name in texts
-                    if name.partition(".")[0] not in metaclasses and "." not in name}
-    assert metaclasses.keys() <= texts.keys() and len(enumerations) == 8
-    for name, text in texts.items():
-        owner, _, member = name.partition(".")
-        assert not member or member in (metaclasses | enumerations)[owner], name
-        assert text[0].isupper() and text.endswith((".", ")")) and text.isascii(), name
+    assert (names - texts.keys(), texts.keys() - names) == (set(), set())
+    assert len(names) == 166 + 368 + 64 + 8 + 38 + 8
+    assert [name for name, text in texts.items() if not text[0].isupper() or not text.isascii()
+            or not text.endswith((".", ")"))] == []
 
 
 @pytest.mark.parametrize("what, words", [
@@ -30,7 +36,8 @@ def test_every_metaclass_and_enumeration_has_a_text_and_nothing_else_has():
     (umlmm.Kelm.Model, ["Kelm.Model"]),  # which is not UML's
     (umlmm.Property.aggregation, ["aggregation: umlmm.AggregationKind", "holds parts", "[1..1]"]),
     (umlmm.Class.name, ["name: str", "absent reads as an empty text"]),
-    (umlmm.Class.conformsTo, ["conformsTo(other: umlmm.ImmutableClassifier, /) -> bool"]),
+    (umlmm.Class.conformsTo, ["conformsTo(other: umlmm.ImmutableClassifier, /) -> bool", "a special case", "(9.2)"]),
+    (umlmm.Class.externalId, ["externalId: str", "in files"]),
     (umlmm.MetaPackage, ["MetaPackage() -> Kelm.ImmutablePackage"]),
 ])
 def test_help_begins_with_what_it_is(what, words):
@@ -63,6 +70,8 @@ def test_the_signature_of_a_class_has_what_it_takes(model):
 
 
 def test_the_stubs_show_the_texts():
-    stub = (pathlib.Path(umlmm.__file__).parent / "__init__.pyi").read_text("utf-8")
-    for text in ("A description of objects", "Whether the property holds parts.", "Inside of the namespace alone."):
+    folder = pathlib.Path(umlmm.__file__).parent
+    stub = (folder / "__init__.pyi").read_text("utf-8") + (folder / "Kelm.pyi").read_text("utf-8")
+    for text in ("A description of objects", "Whether the property holds parts.", "Inside of the namespace alone.",
+                 "All more general classifiers", "The id of the element in files"):
         assert f'"""{text}' in stub

@@ -3,7 +3,9 @@
 from typing import TypeVar
 
 import umlmm
-model = umlmm.Factory.createNewModel()
+from umlmm import Kelm
+
+model: Kelm.Model = umlmm.Factory.createNewModel()
 shop, order, item = umlmm.Package(model), umlmm.Class(model), umlmm.Class(model)
 shop.packagedElement = (element for element in (order, item))
 shop.packagedElement += [umlmm.Package(model)]
@@ -33,6 +35,11 @@ special: umlmm.Generalization = umlmm.Generalization(specific=cart, general=orde
 found: list[umlmm.Classifier] = model.all(umlmm.Classifier)
 text: umlmm.Property = cart.ownedAttribute.create(name="text", type=model.primitives.String, multiplicity="0..1")
 other: umlmm.Property | None = text.other_end
+made_in_list = cart.ownedAttribute.create(name="weight", multiplicity="0..1", aggregation="composite")
+made_in_list.type = model.primitives.Real
+made_port = cart.ownedAttribute.create(umlmm.Port, name="door", isService=True)
+made_port.isConjugated = True
+shop.packagedElement.create(umlmm.Enumeration, name="Size").ownedLiteral.create(name="small")
 kind: str = umlmm.VisibilityKind("private").value
 kinds: list[umlmm.VisibilityKind] = [*umlmm.VisibilityKind, umlmm.VisibilityKind["public"]]
 
@@ -59,6 +66,7 @@ attributes: list[umlmm.Property] = model.all(umlmm.Property).having(name="t*", t
 rows: list[list[object]] = model.all().table("name", "type.name").rows
 names: list[str] = [each.name for each in shop.descendants(umlmm.Class)]
 parents: list[umlmm.Package] = cart.ancestors(umlmm.Package)
+parts: list[umlmm.Element | None] = [each.owner for each in [*cart.descendants(), *cart.ancestors(), *model.all(exact=True)]]
 classes = model.instancesOf(umlmm.Class)
 problems: list[str] = model.check()
 removed: list[str] = [one.kind for one in umlmm.remove(text)]
@@ -125,3 +133,14 @@ make(umlmm.Comment, "x", shop)  # wrong
 make(umlmm.Class, "x", model).lower  # wrong
 number: int = order.name  # wrong
 made_wrong: umlmm.Package = make(umlmm.Class, "x", shop)  # wrong
+made_in_list.upper = 1.5  # wrong
+made_in_list.class_ = shop  # wrong
+made_in_list.association.memberEnd  # wrong
+cart.ownedAttribute.create(nmae="x")  # wrong
+cart.ownedAttribute.create(type="String")  # wrong
+cart.ownedAttribute.create(umlmm.Comment)  # wrong
+cart.ownedAttribute.create(umlmm.Port, 3)  # wrong
+shop.packagedElement.create(name="x")  # wrong
+cart.allFeatures().create(name="x")  # wrong
+cart.superClass.append(made_in_list)  # wrong
+model.primitives.Strng  # wrong
