@@ -8,6 +8,8 @@
 #   make describe                            writes the published surface to build/describe.json
 #   make reference                           writes a page for each metaclass to build/reference
 #   make install PREFIX=folder               installs libraries, headers, CMake package and Python package
+#   make wheel [PYTHON=program]              makes a wheel, for Debian's Python or another one
+#   make deb                                 makes Debian packages: libraries, what programs are built with, Python package
 #   make asan                                all tests under AddressSanitizer and UBSan
 #   make tsan                                the C++ tests under ThreadSanitizer
 #   make fuzz-files                          a minute of the fuzzers of model files; longer ones are told there
@@ -29,7 +31,7 @@ CONFIGURE = @tools/configure
 # Targets share a build tree.
 .NOTPARALLEL:
 
-.PHONY: run umlmm test bench bench-smoke describe reference install asan tsan debug fuzz-files lint format \
+.PHONY: run umlmm test bench bench-smoke describe reference install wheel deb asan tsan debug fuzz-files lint format \
   product python generate packages test-packages
 
 run: product
@@ -74,6 +76,16 @@ reference: product
 
 install: python
 	cmake --install build/release --prefix "$$(realpath -m -- "$(PREFIX)")"
+
+wheel: packages
+	$(CONFIGURE) release $(FIRST) -DUMLMM_WHEEL_PYTHON="$$($(PYTHON) -c 'import sys; print(sys.executable)')"
+	@cmake --build --preset release --target umlmm_wheel
+
+deb: packages
+	$(INSTALL_PACKAGES) packages-deb.txt
+	$(CONFIGURE) release $(FIRST)
+	@cmake --build --preset release --target umlmm_debs
+	@ls build/release/packages/*.deb
 
 # What a script needs; that and the stubs; the generated sources, of which the linter needs the headers.
 product python generate: packages
