@@ -137,5 +137,8 @@ set(CPACK_DEBIAN_PYTHON_DESCRIPTION "UML models as Python objects")
 math(EXPR next "${Python3_VERSION_MINOR} + 1")
 set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS
   "libumlmm ${own}, python3 (>= 3.${Python3_VERSION_MINOR}~), python3 (<< 3.${next}~)")
+# What Python compiles as it runs goes with the package.
+set(CPACK_DEBIAN_PYTHON_PACKAGE_CONTROL_EXTRA
+  ${PROJECT_SOURCE_DIR}/cmake/debian/postinst ${PROJECT_SOURCE_DIR}/cmake/debian/prerm)
 set(CPACK_DEBIAN_PYTHON_PACKAGE_SUGGESTS "graphviz, librsvg2-bin")
 include(CPack)

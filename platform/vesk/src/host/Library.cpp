@@ -34,8 +34,8 @@ fs::path ownDirectory() {
   return fs::path(info.dli_fname).parent_path();
 }
 
-/// The path of the library in a known directory, or its bare file name for the loader to find. Where nobody links
-/// with libraries, they have the name that ends with a version alone.
+/// The path of the library in a known directory, or its bare file name for the loader to find. Where nobody
+/// links with libraries, they have the name that ends with a version alone.
 std::string locate(std::string const& name) {
   std::string const file = "lib" + name + ".so";
   std::vector<fs::path> directories = libraries().fDirectories;
