@@ -54,7 +54,7 @@ debug asan tsan: test-packages
 #   build/fuzz/bin/fuzz_files_load -dict=fuzz/files/xmi.dict FOLDER fuzz/files/seeds
 fuzz-files: packages
 	$(INSTALL_PACKAGES) packages-fuzz.txt
-	$(CONFIGURE) fuzz
+	$(CONFIGURE) fuzz -DCMAKE_CXX_COMPILER="$$(tools/versioned clang++)"
 	@cmake --build --preset fuzz
 	ctest --preset fuzz
 
@@ -101,7 +101,7 @@ test-packages:
 lint: generate
 	$(INSTALL_PACKAGES) packages-dev.txt
 	@$(SOURCES) | xargs clang-format --dry-run --Werror
-	@$(SOURCES) | grep '\.cpp$$' | grep -v '^tests/\|^benchmarks/\|^examples/\|^fuzz/' | xargs -P 2 -n 4 clang-tidy-16 -p build/release --quiet
+	@$(SOURCES) | grep '\.cpp$$' | grep -v '^tests/\|^benchmarks/\|^examples/\|^fuzz/' | xargs -P 2 -n 4 "$$(tools/versioned clang-tidy)" -p build/release --quiet
 
 format:
 	$(INSTALL_PACKAGES) packages-dev.txt

@@ -96,11 +96,11 @@ function(umlmm_add_packages)
     COMMAND ${Python3_EXECUTABLE} -B ${PROJECT_SOURCE_DIR}/tools/make_wheel.py
       --build ${CMAKE_BINARY_DIR} --version ${PROJECT_VERSION} --cmake ${CMAKE_COMMAND} --out ${CMAKE_BINARY_DIR}/packages
       --module $<TARGET_FILE:umlmm_host_python_wheel> --libraries ${UMLMM_WHEEL_DIR}/umlmm/lib --bundle ${bundled}
-    VERBATIM)
+    COMMENT "Packing a wheel" VERBATIM)
   add_dependencies(umlmm_wheel umlmm_wheel_parts umlmm_python)
   add_custom_target(umlmm_debs
     COMMAND ${CMAKE_CPACK_COMMAND} -G DEB -B ${CMAKE_BINARY_DIR}/packages
-    VERBATIM)
+    COMMENT "Packing the Debian packages" VERBATIM)
   add_dependencies(umlmm_debs umlmm_host_python_debian umlmm_python)
 endfunction()
 

@@ -92,6 +92,11 @@ def test_a_program_builds_against_the_development_package(packages, tmp_path):
     assert run(tmp_path / "build" / "orders") == (example / "orders.txt").read_text()
 
 
+def test_one_of_several_names_of_a_debian_package_is_enough(tmp_path):
+    (tmp_path / "packages.txt").write_text("# remark\nno-such-package-anywhere|dpkg|nor-this\n")
+    assert run(PROJECT / "tools" / "install-packages", tmp_path / "packages.txt") == ""
+
+
 def test_the_changelog_ends_where_the_version_is():
     headings = re.findall(r"^## \[(.*?)\]", (PROJECT / "CHANGELOG.md").read_text(), re.MULTILINE)
     assert [heading for heading in headings if heading != "Unreleased"][0] == VERSION
