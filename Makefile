@@ -10,6 +10,8 @@
 #   make docs                                makes a site of the pages, the reference and the gallery
 #   make install PREFIX=folder               installs libraries, headers, CMake package and Python package
 #   make types                               what two checkers of types say of scripts; pyright comes from npm
+#   make wheel [PYTHON=program]              makes a wheel, for Debian's Python or another one
+#   make deb                                 makes Debian packages: libraries, what programs are built with, Python package
 #   make asan                                all tests under AddressSanitizer and UBSan
 #   make tsan                                the C++ tests under ThreadSanitizer
 #   make fuzz-files                          a minute of the fuzzers of model files; longer ones are told there
@@ -31,8 +33,8 @@ CONFIGURE = @tools/configure
 # Targets share a build tree.
 .NOTPARALLEL:
 
-.PHONY: run umlmm test types bench bench-smoke describe reference docs install asan tsan debug fuzz-files lint format \
-  product python generate packages test-packages node-tools
+.PHONY: run umlmm test types bench bench-smoke describe reference docs install wheel deb asan tsan debug fuzz-files \
+  lint format product python generate packages test-packages node-tools
 
 run: product
 	@$(HOST) "$(SCRIPT)" $(ARGS)
@@ -57,7 +59,7 @@ debug asan tsan: test-packages
 #   build/fuzz/bin/fuzz_files_load -dict=fuzz/files/xmi.dict FOLDER fuzz/files/seeds
 fuzz-files: packages
 	$(INSTALL_PACKAGES) packages-fuzz.txt
-	$(CONFIGURE) fuzz
+	$(CONFIGURE) fuzz -DCMAKE_CXX_COMPILER="$$(tools/versioned clang++)"
 	@cmake --build --preset fuzz
 	ctest --preset fuzz
 
@@ -84,6 +86,16 @@ docs: product
 install: python
 	cmake --install build/release --prefix "$$(realpath -m -- "$(PREFIX)")"
 
+wheel: packages
+	$(CONFIGURE) release $(FIRST) -DUMLMM_WHEEL_PYTHON="$$($(PYTHON) -c 'import sys; print(sys.executable)')"
+	@cmake --build --preset release --target umlmm_wheel
+
+deb: packages
+	$(INSTALL_PACKAGES) packages-deb.txt
+	$(CONFIGURE) release $(FIRST)
+	@cmake --build --preset release --target umlmm_debs
+	@ls build/release/packages/*.deb
+
 # What a script needs; that and the stubs; the generated sources, of which the linter needs the headers.
 product python generate: packages
 	$(CONFIGURE) release $(FIRST)
@@ -103,7 +115,7 @@ node-tools:
 lint: generate
 	$(INSTALL_PACKAGES) packages-dev.txt
 	@$(SOURCES) | xargs clang-format --dry-run --Werror
-	@$(SOURCES) | grep '\.cpp$$' | grep -v '^tests/\|^benchmarks/\|^examples/\|^fuzz/' | xargs -P 2 -n 4 clang-tidy-16 -p build/release --quiet
+	@$(SOURCES) | grep '\.cpp$$' | grep -v '^tests/\|^benchmarks/\|^examples/\|^fuzz/' | xargs -P 2 -n 4 "$$(tools/versioned clang-tidy)" -p build/release --quiet
 
 format:
 	$(INSTALL_PACKAGES) packages-dev.txt

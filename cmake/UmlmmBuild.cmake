@@ -41,6 +41,7 @@ set(UMLMM_SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR})
 write_basic_package_version_file(${CMAKE_BINARY_DIR}/umlmmConfigVersion.cmake COMPATIBILITY SameMinorVersion)
 install(FILES ${CMAKE_BINARY_DIR}/umlmmConfigVersion.cmake DESTINATION ${UMLMM_INSTALL_CMAKEDIR})
 install(EXPORT umlmm FILE umlmmConfig.cmake NAMESPACE umlmm:: DESTINATION ${UMLMM_INSTALL_CMAKEDIR})
+include(UmlmmPackages)
 
 add_library(umlmm_settings INTERFACE)
 target_compile_options(umlmm_settings INTERFACE
@@ -52,7 +53,8 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL GNU AND CMAKE_CXX_COMPILER_VERSION VERSION_LES
 endif()
 # Functions are bound inside their library, as -fno-semantic-interposition has it; types and data are not, so that
 # exceptions and tags stay one for all libraries.
-target_link_options(umlmm_settings INTERFACE -Wl,-Bsymbolic-functions -Wl,--gc-sections -Wl,-z,pack-relative-relocs -Wl,-z,now)
+target_link_options(umlmm_settings INTERFACE -Wl,-Bsymbolic-functions -Wl,--gc-sections
+  $<$<NOT:$<BOOL:$<TARGET_PROPERTY:UMLMM_FOR_OLDER_LOADERS>>>:-Wl,-z,pack-relative-relocs> -Wl,-z,now)
 # Programs of clang have its sanitizers in them, where libraries find them once they are loaded.
 if(UMLMM_FUZZ)
   target_compile_options(umlmm_settings INTERFACE -fsized-deallocation -fconstexpr-steps=16000000)
@@ -141,14 +143,14 @@ function(umlmm_write_floors)
 endfunction()
 
 # umlmm_library(name [SOURCES file...] [FLOORS floor...] [PUBLIC target...] [PRIVATE target...]
-#   [INCLUDE root | FOLDERS folder...] [HEADERS folder...])
+#   [INCLUDE root | FOLDERS folder...] [HEADERS folder...] [EXPORTS file])
 #
 # A shared library of the house: hidden symbols but for what its headers export, found beside the others at run time. It
 # is made of sources, which then are a floor by themselves, and of the objects of floors. Its headers stand in an
 # include root of its own or in folders of the project, as those of umlmm_floor; they are installed, as are those of
-# HEADERS.
+# HEADERS. EXPORTS is the linker's script of what it exports.
 function(umlmm_library name)
-  cmake_parse_arguments(ARG "" "INCLUDE" "SOURCES;FLOORS;PUBLIC;PRIVATE;FOLDERS;HEADERS" ${ARGN})
+  cmake_parse_arguments(ARG "" "INCLUDE;EXPORTS" "SOURCES;FLOORS;PUBLIC;PRIVATE;FOLDERS;HEADERS" ${ARGN})
   add_library(${name} SHARED ${ARG_SOURCES})
   target_compile_features(${name} PUBLIC cxx_std_20)
   target_link_libraries(${name} PUBLIC ${ARG_PUBLIC} PRIVATE ${ARG_PRIVATE} umlmm_settings)
@@ -156,6 +158,7 @@ function(umlmm_library name)
     get_target_property(links ${floor}_objects LINK_LIBRARIES)
     target_sources(${name} PRIVATE $<TARGET_OBJECTS:${floor}_objects>)
     target_link_libraries(${name} PRIVATE ${links})
+    list(APPEND floor_links ${links})
   endforeach()
   set_target_properties(${name} PROPERTIES
     VERSION ${PROJECT_VERSION} SOVERSION ${UMLMM_SOVERSION} LINKER_LANGUAGE CXX
@@ -167,7 +170,7 @@ function(umlmm_library name)
     umlmm_header_root(ARG_INCLUDE ${name} ${PROJECT_SOURCE_DIR} ${ARG_FOLDERS})
     foreach(folder IN LISTS ARG_FOLDERS)
       install(DIRECTORY ${PROJECT_SOURCE_DIR}/${folder}/ DESTINATION ${UMLMM_INSTALL_INCLUDEDIR}/${folder}
-        FILES_MATCHING PATTERN "*.h" PATTERN "*.inc")
+        COMPONENT headers FILES_MATCHING PATTERN "*.h" PATTERN "*.inc")
     endforeach()
   elseif(ARG_INCLUDE)
     list(APPEND ARG_HEADERS ${ARG_INCLUDE}/)
@@ -176,6 +179,12 @@ function(umlmm_library name)
     target_include_directories(${name} PUBLIC $<BUILD_INTERFACE:${ARG_INCLUDE}>)
   endif()
   umlmm_publish(${name} HEADERS ${ARG_HEADERS})
+  umlmm_pack_library(${name} LIBRARIES ${ARG_PUBLIC} ${ARG_PRIVATE} ${floor_links} OBJECTS ${ARG_FLOORS})
+  if(ARG_EXPORTS)
+    target_link_options(${name} PRIVATE -Wl,--version-script=${ARG_EXPORTS})
+    target_link_options(${name}_wheel PRIVATE -Wl,--version-script=${ARG_EXPORTS})
+    set_target_properties(${name} ${name}_wheel PROPERTIES LINK_DEPENDS ${ARG_EXPORTS})
+  endif()
 endfunction()
 
 # umlmm_publish(target [HEADERS folder...])
@@ -185,9 +194,13 @@ endfunction()
 function(umlmm_publish target)
   cmake_parse_arguments(ARG "" "" "HEADERS" ${ARGN})
   if(ARG_HEADERS)
-    install(DIRECTORY ${ARG_HEADERS} DESTINATION ${UMLMM_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h" PATTERN "*.inc")
+    install(DIRECTORY ${ARG_HEADERS} DESTINATION ${UMLMM_INSTALL_INCLUDEDIR}
+      COMPONENT headers FILES_MATCHING PATTERN "*.h" PATTERN "*.inc")
   endif()
   install(TARGETS ${target} EXPORT umlmm INCLUDES DESTINATION ${UMLMM_INSTALL_INCLUDEDIR})
+  install(TARGETS ${target} EXPORT umlmm_debian
+    LIBRARY DESTINATION ${UMLMM_DEBIAN_LIBDIR} COMPONENT debian_libraries NAMELINK_COMPONENT debian_development
+    EXCLUDE_FROM_ALL INCLUDES DESTINATION ${UMLMM_INSTALL_INCLUDEDIR})
 endfunction()
 
 # umlmm_test(name SOURCES file... [DEPENDS target...]): a GoogleTest program, run by ctest.

@@ -155,7 +155,7 @@ void checkNotPublished(Kind const& kind, PyObject* name) {
   std::string const text = utf8(name);
   if (kind.fSort == Sort::List)
     for (PyTypeObject* base : {&gListType, &gChangeableListType})
-      if (checkedInt(PyDict_Contains(base->tp_dict, name)) != 0 && !isSpecial(text))
+      if (hasOwnMember(base, name) && !isSpecial(text))
         raise(PyExc_TypeError, quoted(text) + " cannot be added to " + kind.fName +
                                    ": all published lists have it; give the member another name");
   std::string_view const published = publishedForm(text);
@@ -186,7 +186,7 @@ void checkName(Kind const& kind, PyObject* name) {
   PyObject* const known = membersOf(kind.fName);
   PyTypeObject* const type = kind.type();
   bool const isTaken = (known && checkedInt(PyDict_Contains(known, name)) != 0) ||
-                       (kind.fClass && type && checkedInt(PyDict_Contains(type->tp_dict, name)) != 0);
+                       (kind.fClass && type && hasOwnMember(type, name));
   checkNotPublished(kind, name);
   if (isTaken) raise(PyExc_TypeError, quoted(text) + " was added to " + kind.fName + " before");
 }

@@ -334,10 +334,10 @@ std::string literalNames(ClassRecord& record) {
 std::vector<std::string> memberNames(PyTypeObject* type) {
   std::set<std::string> names;
   for (Py_ssize_t i = 0; i < PyTuple_GET_SIZE(type->tp_mro); ++i) {
-    auto* base = reinterpret_cast<PyTypeObject*>(PyTuple_GET_ITEM(type->tp_mro, i));
+    Ref const members = ownMembers(reinterpret_cast<PyTypeObject*>(PyTuple_GET_ITEM(type->tp_mro, i)));
     PyObject *key, *value;
     Py_ssize_t position = 0;
-    while (PyDict_Next(base->tp_dict, &position, &key, &value)) {
+    while (PyDict_Next(members.get(), &position, &key, &value)) {
       std::string name = utf8(key);
       if (!name.starts_with("_")) names.insert(std::move(name));
     }
@@ -347,7 +347,7 @@ std::vector<std::string> memberNames(PyTypeObject* type) {
 
 void setInType(PyTypeObject* type, PyObject* name, PyObject* member) {
   // What stood there goes when the class is closed again: its end may run code of scripts.
-  Ref const old = Ref::shared(PyDict_GetItemWithError(type->tp_dict, name));
+  Ref const old = Ref::shared(PyDict_GetItemWithError(ownMembers(type).get(), name));
   type->tp_flags &= ~Py_TPFLAGS_IMMUTABLETYPE;
   int const result = PyType_Type.tp_setattro(reinterpret_cast<PyObject*>(type), name, member);
   type->tp_flags |= Py_TPFLAGS_IMMUTABLETYPE;

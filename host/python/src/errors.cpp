@@ -74,6 +74,21 @@ PyObject* classNamed(std::string const& fullName, char const* doc, PyObject* bas
   return cls;
 }
 
+/// Before 3.11 Python has no notes of its own: who looks for them finds them all the same.
+void appendNote(PyObject* error, PyObject* note) {
+#if PY_VERSION_HEX >= 0x030B0000
+  Ref const done = Ref::checked(PyObject_CallMethod(error, "add_note", "O", note));
+#else
+  Ref notes(PyObject_GetAttrString(error, "__notes__"));
+  if (!notes) {
+    PyErr_Clear();
+    notes = Ref::checked(PyList_New(0));
+    checkedInt(PyObject_SetAttrString(error, "__notes__", notes.get()));
+  }
+  checkedInt(PyList_Append(notes.get(), note));
+#endif
+}
+
 }  // namespace
 
 void setErrorFamily(PyObject* function) noexcept { Py_XSETREF(sErrorFamily, Py_NewRef(function)); }
@@ -120,8 +135,7 @@ void addNote(std::function<std::string()> const& makeNote) noexcept {
   PyErr_Fetch(&type, &value, &trace);
   PyErr_NormalizeException(&type, &value, &trace);
   try {
-    Ref const note = pythonText(makeNote());
-    Ref const done = Ref::checked(PyObject_CallMethod(value, "add_note", "O", note.get()));
+    appendNote(value, pythonText(makeNote()).get());
   } catch (...) {
     PyErr_Clear();  // the error itself matters more
   }

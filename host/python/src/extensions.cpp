@@ -98,7 +98,7 @@ void checkIsFree(ClassRecord& named, ClassRecord& receiver, PyObject* name) {
   PyObject* order = frontOf(named).fType->tp_mro;
   for (Py_ssize_t i = 0; i < PyTuple_GET_SIZE(order); ++i) {
     auto* base = reinterpret_cast<PyTypeObject*>(PyTuple_GET_ITEM(order, i));
-    if (checkedInt(PyDict_Contains(base->tp_dict, name)) == 0) continue;
+    if (!hasOwnMember(base, name)) continue;
     bool const isClass = Py_IS_TYPE(reinterpret_cast<PyObject*>(base), &gMetaType);
     ClassRecord const* owner = isClass ? reinterpret_cast<ClassObject*>(base)->fFront->fRecord : nullptr;
     if (!extensions().contains({owner, text}) && !hasAddition(base, name)) raisePublished(text, named);

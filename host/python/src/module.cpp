@@ -195,8 +195,8 @@ void terminateHost() noexcept {
 }
 
 /// The host's counts and registries are those of the process and know one interpreter.
-int execute(PyObject*) {
-  return guarded(-1, [] {
+int execute(PyObject* module) {
+  return guarded(-1, [=] {
     static bool sIsLoaded = false;
     if (sIsLoaded || PyInterpreterState_Get() != PyInterpreterState_Main())
       raise(PyExc_ImportError, "umlmm can be loaded once in a process, by its main interpreter");
@@ -209,6 +209,7 @@ int execute(PyObject*) {
     prepareAttributeAccess();
     prepareLock();
     host::setInstanceMaker(&makePyInstance);
+    checkedInt(PyModule_AddStringConstant(module, "__version__", UMLMM_VERSION));
     Py_AtExit(terminateHost);
     return 0;
   });

@@ -115,7 +115,7 @@ PyObject* listMembers(PyObject* module, PyObject*) {
     Ref names = listOf(publicNames(packageOf(module)));
     Ref const own = Ref::checked(PyDict_Keys(PyModule_GetDict(module)));
     Ref all = Ref::checked(PySet_New(names.get()));
-    checkedInt(_PySet_Update(all.get(), own.get()));
+    Ref const done = Ref::checked(PyObject_CallMethod(all.get(), "update", "O", own.get()));
     return checked(PySequence_List(all.get()));
   });
 }

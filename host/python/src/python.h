@@ -56,6 +56,18 @@ Int checkedInt(Int result) {
   return result;
 }
 
+/// The members of a class itself. From 3.12 on those of Python's own classes lie with the interpreter.
+inline Ref ownMembers(PyTypeObject* type) {
+#if PY_VERSION_HEX >= 0x030C0000
+  return Ref::checked(PyType_GetDict(type));
+#else
+  return Ref::shared(type->tp_dict);
+#endif
+}
+inline bool hasOwnMember(PyTypeObject* type, PyObject* name) {
+  return checkedInt(PyDict_Contains(ownMembers(type).get(), name)) != 0;
+}
+
 /// Called with the number of each step of a loop that may be long: once in a while lets handlers of signals
 /// run, so that Ctrl-C ends the loop. Throws what a handler raises.
 inline void checkSignals(std::size_t step) {

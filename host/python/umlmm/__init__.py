@@ -26,7 +26,7 @@ except ImportError as _error:
     from umlmm import _unloadable
     raise _unloadable.explained(_error) from None
 
-__version__ = "0.1.0"
+__version__ = _host.__version__
 
 
 def _show(name, package):

@@ -34,14 +34,16 @@ fs::path ownDirectory() {
   return fs::path(info.dli_fname).parent_path();
 }
 
-/// The path of the library in a known directory, or its bare file name for the loader to find.
+/// The path of the library in a known directory, or its bare file name for the loader to find. Where nobody
+/// links with libraries, they have the name that ends with a version alone.
 std::string locate(std::string const& name) {
   std::string const file = "lib" + name + ".so";
   std::vector<fs::path> directories = libraries().fDirectories;
   directories.push_back(ownDirectory());
   std::error_code ignored;
   for (fs::path const& directory : directories)
-    if (fs::exists(directory / file, ignored)) return (directory / file).string();
+    for (std::string const& known : {file, file + "." UMLMM_SOVERSION})
+      if (fs::exists(directory / known, ignored)) return (directory / known).string();
   return file;
 }
 
