@@ -7,7 +7,9 @@
 #   make bench-smoke                         runs every benchmark once, for a moment, without a look at the times
 #   make describe                            writes the published surface to build/describe.json
 #   make reference                           writes a page for each metaclass to build/reference
+#   make gallery                             draws what the recipes and examples make, to build/gallery
 #   make install PREFIX=folder               installs libraries, headers, CMake package and Python package
+#   make pictures-check                      pictures in a browser, texts of diagrams in their parsers, a notebook
 #   make asan                                all tests under AddressSanitizer and UBSan
 #   make tsan                                the C++ tests under ThreadSanitizer
 #   make fuzz-files                          a minute of the fuzzers of model files; longer ones are told there
@@ -29,8 +31,8 @@ CONFIGURE = @tools/configure
 # Targets share a build tree.
 .NOTPARALLEL:
 
-.PHONY: run umlmm test bench bench-smoke describe reference install asan tsan debug fuzz-files lint format \
-  product python generate packages test-packages
+.PHONY: run umlmm test bench bench-smoke describe reference gallery install pictures-check asan tsan debug fuzz-files lint format \
+  product python generate packages test-packages node-tools
 
 run: product
 	@$(HOST) "$(SCRIPT)" $(ARGS)
@@ -42,6 +44,10 @@ test: test-packages
 	$(CONFIGURE) release $(FIRST) -DUMLMM_TESTS=ON
 	@cmake --build --preset release
 	$(if $(MODELS),MODELS="$$(realpath -- "$(MODELS)")" )ctest --preset release
+
+pictures-check: product test-packages node-tools
+	$(INSTALL_PACKAGES) packages-pictures.txt
+	PYTHONPATH="$(CURDIR)/build/release/python" $(PYTHON) -B -m pytest -c tests/pytest.ini --durations=5 tests/pictures
 
 debug asan tsan: test-packages
 	$(CONFIGURE) $@
@@ -72,6 +78,9 @@ reference: product
 	@$(HOST) -m umlmm reference build/reference
 	@echo "build/reference/index.md"
 
+gallery: product test-packages
+	@tools/make-gallery build/release build/gallery
+
 install: python
 	cmake --install build/release --prefix "$$(realpath -m -- "$(PREFIX)")"
 
@@ -85,6 +94,11 @@ packages:
 
 test-packages:
 	$(INSTALL_PACKAGES) packages.txt packages-test.txt
+
+# Tools that npm brings. Node.js may be there from elsewhere than Debian.
+node-tools:
+	@command -v npm > /dev/null || tools/install-packages packages-node.txt
+	@cd tools/node && { cmp -s package-lock.json node_modules/.installed || { npm ci --silent && cp package-lock.json node_modules/.installed; }; }
 
 lint: generate
 	$(INSTALL_PACKAGES) packages-dev.txt
