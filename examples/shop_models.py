@@ -34,6 +34,7 @@ def shop():
     umlmm.associate(order, item, name="lines", ends=("order", "items"), multiplicity=("1", "0..*"),
                     aggregation="composite")
     umlmm.associate(customer, order, ends=("", "orders"), multiplicity=("1", "*"))
+    customer["orders"].qualifier.create(name="number", type=model.primitives.Integer)
     umlmm.associate(person, person, ends=("parent", "child"), multiplicity=("2", "*"), aggregation="shared")
     umlmm.associate(invoice, order, name="Payment", kind=umlmm.AssociationClass)
     several(model, top, "deal", [customer, item, invoice])

@@ -7,6 +7,7 @@ import dataclasses
 import math
 
 from umlmm.drawing.metrics import LINE, width
+from umlmm.drawing.rects import Rect
 
 _CELL = 50
 _MARK = 20  # what is drawn at the end of a line reaches so far
@@ -24,20 +25,19 @@ class Label:
 
 def place(view, layout, boxes):
     """Adds the texts of lines to a layout; how many of them stand on something else."""
-    from umlmm.drawing.layout import Rect, tab
+    from umlmm.drawing.layout import tab
     taken, crossed = _Grid(), _Grid()
     ways = list(layout.lines.values())
     for key, frame in layout.frames.items():
         if key not in boxes or not boxes[key].inside:
             taken.add(frame)
-            if key in boxes and boxes[key].shape in ("ball", "port"):
-                name = name_beside(boxes[key], frame)
-                taken.add(name)
-                layout.w, layout.h = max(layout.w, name.right + 4), max(layout.h, name.bottom + 4)
         else:
             taken.add(tab(boxes[key], frame))
             corners = [(frame.x, frame.y), (frame.right, frame.y), (frame.right, frame.bottom), (frame.x, frame.bottom)]
             ways.append([*corners, corners[0]])
+    for frame in (*layout.names.values(), *layout.qualifiers.values()):
+        taken.add(frame)
+        layout.w, layout.h = max(layout.w, frame.right + 4), max(layout.h, frame.bottom + 4)
     for points in ways:
         for one, other in zip(points, points[1:]):
             for piece in _pieces(one, other):
@@ -47,22 +47,13 @@ def place(view, layout, boxes):
         way = layout.lines[relation.key]
         w = width(text) + 2
         places = _from_end(way[::-1] if side == "target" else way) if side else _from_middle(way)
-        frame, cost = _best(places, 9 if "pin" in mark else 5, w, LINE - 2, taken, crossed, Rect)
+        frame, cost = _best(places, 9 if "pin" in mark else 5, w, LINE - 2, taken, crossed)
         overlaps += cost >= _BLOCKED
         taken.add(frame)
         layout.texts.append(Label(relation.key, side, what, text, frame))
         layout.w = max(layout.w, frame.right + 4)
         layout.h = max(layout.h, frame.bottom + 4)
     return overlaps
-
-
-def name_beside(box, frame):
-    """Where the name of a box stands that is too small for it."""
-    from umlmm.drawing.layout import Rect
-    w = width(box.name.text, True)
-    if box.shape == "port":
-        return Rect(frame.right + 4, frame.middle[1] + 1, w, LINE)
-    return Rect(frame.middle[0] - w / 2, frame.bottom + 1, w, LINE)
 
 
 def _texts(view):
@@ -77,7 +68,7 @@ def _texts(view):
             yield relation, "", "", "caption", relation.caption
 
 
-def _best(places, near, w, h, taken, crossed, rect):
+def _best(places, near, w, h, taken, crossed):
     """The cheapest frame for a text, and what it costs."""
     found, least = None, math.inf
     for distance, (x, y), (dx, dy) in places:
@@ -88,7 +79,7 @@ def _best(places, near, w, h, taken, crossed, rect):
             for sign in (1, -1):
                 nx, ny = -dy * sign, dx * sign
                 off = gap + abs(nx) * w / 2 + abs(ny) * h / 2
-                frame = rect(round(x + nx * off - w / 2, 1), round(y + ny * off - h / 2, 1), w, h)
+                frame = Rect(round(x + nx * off - w / 2, 1), round(y + ny * off - h / 2, 1), w, h)
                 cost = cheapest
                 if frame.x < 2 or frame.y < 2 or taken.hits(frame, 1):
                     cost += _BLOCKED
@@ -118,6 +109,8 @@ def _length(way):
 def _at(way, distances, wanted):
     """How far each place is from the wanted one, where it is, and the direction of the line there."""
     passed = 0
+    if not _length(way):
+        yield 0, way[0], (1, 0)
     for one, other in zip(way, way[1:]):
         long = math.dist(one, other)
         if not long:
