@@ -67,6 +67,18 @@ class Browser:
         """What a function with that body answers; a promise is waited for."""
         return self._ask("POST", "/execute/sync", {"script": script, "args": list(arguments)})
 
+    def soon(self, script, until=bool, seconds=5):
+        """What a function answers once that is as it should be, or after that time."""
+        end = time.monotonic() + seconds
+        while not until(answer := self.run(script)) and time.monotonic() < end:
+            time.sleep(.05)
+        return answer
+
+    def press(self, keys):
+        """Keys go to what has the focus."""
+        actions = [{"type": kind, "value": key} for key in keys for kind in ("keyDown", "keyUp")]
+        self._ask("POST", "/actions", {"actions": [{"type": "key", "id": "keys", "actions": actions}]})
+
     def complaints(self):
         """What has come to the console since the last time."""
         return [each["message"] for each in self._ask("POST", "/se/log", {"type": "browser"})

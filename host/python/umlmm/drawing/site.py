@@ -122,7 +122,7 @@ class _Site:
         parts += [f"<p class=text>{escape(notation.lines_of(comment.body or '', _TEXT))}</p>"
                   for comment in element.ownedComment][:20]
         if picture:
-            parts.append(f"<figure>{picture}</figure>")
+            parts.append(f"<figure tabindex=0>{picture}</figure>")
         parts += self._features(element)
         parts += self._relations(element)
         parts += self._members(element)

@@ -142,6 +142,7 @@ class _Boxes(Picture):
         self._boxes(self._view.boxes)
         for relation in self._view.relations:
             self._relation(relation)
+        self._qualifiers()
         self._rows += self._heads
 
     def _boxes(self, boxes):
@@ -290,15 +291,21 @@ class _Boxes(Picture):
                             data_path=relation.path, data_source=source.box, data_target=target.box,
                             data_knot=relation.knot, data_source_mark=source.mark, data_target_mark=target.mark)
         self._line(self._layout.lines[relation.key], relation.dashed, source.mark, target.mark)
-        for side, end in (("source", source), ("target", target)):
-            if frame := self._layout.qualifiers.get((relation.key, side)):
-                self._rect(frame)
-                for at, text in enumerate(end.qualifiers, 1):
-                    self._write(frame.x + PAD / 2, frame.y + LINE * at - 2, text, data_end=side, data_label="qualifier")
         for label in self._labels.get(relation.key, ()):
             self._write(label.frame.x + 1, label.frame.bottom - 3, label.text, data_end=label.side,
                         data_label=label.what)
         self._add(ends)
+
+    def _qualifiers(self):
+        """Over lines of others that go to the same box."""
+        for relation in self._view.relations:
+            for side, end in (("source", relation.source), ("target", relation.target)):
+                if frame := self._layout.qualifiers.get((relation.key, side)):
+                    self._add(f"<g{_attributes(data_qualified=relation.key, data_end=side)}>")
+                    self._rect(frame)
+                    for at, text in enumerate(end.qualifiers, 1):
+                        self._write(frame.x + PAD / 2, frame.y + LINE * at - 2, text)
+                    self._add("</g>")
 
 
 def _mark(mark, tip, before):
