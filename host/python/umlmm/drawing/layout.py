@@ -62,8 +62,8 @@ def head_size(box):
     return max(width(text, is_name) for text, is_name in lines) + 2 * PAD + icon, LINE * len(lines) + PAD
 
 
-def size(box, loops=0):
-    """The size of a box to which so many lines come back."""
+def size(box, side=0):
+    """The size of a box, of which lines that come back to it take so much of a side."""
     if box.shape == "point":
         return 2, 2
     if box.shape in _SIZES:
@@ -80,7 +80,7 @@ def size(box, loops=0):
         w, h = max(w, 90), h + _TAB + LINE
     elif box.shape == "note":
         w += 10
-    return math.ceil(w), math.ceil(max(h, 30 + 24 * loops if loops else 0))
+    return math.ceil(w), math.ceil(max(h, side))
 
 
 def is_open(box):
@@ -139,15 +139,23 @@ def _attempt(view, spread):
 
 def _sizes(view, boxes):
     """Of all boxes that are closed."""
-    loops = collections.Counter(relation.source.box for relation in view.relations
-                                if relation.source.box == relation.target.box and not relation.knot)
+    loops = _loops(view)
     below = collections.Counter(relation.target.box for relation in view.relations if relation.upward)
     sizes = {}
     for key, box in boxes.items():
         if not is_open(box):
-            w, h = size(box, loops[key])
+            w, h = size(box, sum(labels.loop_size(relation)[1] for relation in loops.get(key, ())))
             sizes[key] = max(w, borders.room_of_ends(min(below[key], 20))) if box.shape == "box" else w, h
     return sizes
+
+
+def _loops(view):
+    """The lines that come back to each box."""
+    loops = {}
+    for relation in view.relations:
+        if labels.is_loop(relation):
+            loops.setdefault(relation.source.box, []).append(relation)
+    return loops
 
 
 def _room_beside(box):
@@ -184,20 +192,19 @@ def _graph(view, boxes, sizes, spread):
 
 
 def _caption_room(relation):
-    """What is to be kept free beside a line: its caption and its qualifiers; of a line that comes back to its box the
-    texts at its ends, too, and those of pins, which stand close together."""
-    texts = [relation.caption] if relation.caption else []
+    """What is to be kept free beside a line: its caption and its qualifiers; the names of pins, too, which stand close
+    together."""
+    texts = [labels.measured(relation.caption)[1:]] if relation.caption else []
     ends = (relation.source, relation.target)
     qualifiers = [borders.qualifier_size(end) for end in ends if end.qualifiers]
-    is_loop = relation.source.box == relation.target.box
-    texts += [text for end in ends if is_loop or "pin" in end.mark for text in (end.role, end.multiplicity) if text]
-    if is_loop:
-        far = _LOOP + sum(w for w, _ in qualifiers)
-        return max(map(width, texts), default=0) + far + 24, LINE * max(len(texts), 1)
+    if labels.is_loop(relation):
+        w, h = labels.loop_size(relation)
+        return w + _LOOP + 12 + max([0, *(w for w, _ in qualifiers)]), h
+    texts += [labels.measured(text)[1:] for end in ends if "pin" in end.mark
+              for text in (end.role, end.multiplicity) if text]
     if not texts and not qualifiers:
         return None
-    w = max([0, *map(width, texts), *(w for w, _ in qualifiers)])
-    return w + 8, LINE * len(texts) + sum(h for _, h in qualifiers)
+    return max(w for w, _ in texts + qualifiers) + 8, sum(h + 2 for _, h in texts + qualifiers)
 
 
 def _add_boxes(rows, boxes, sizes, ends, knots, side):
@@ -266,14 +273,18 @@ def _is_in(key, outer, above):
 # --- lines
 
 def _lines(view, frames, parts, boxes):
-    lines, loops = {}, {}
+    lines = {}
+    for box, loops in _loops(view).items():
+        y = frames[box].middle[1] - sum(labels.loop_size(loop)[1] for loop in loops) / 2
+        for loop in loops:
+            taken = labels.loop_size(loop)[1]
+            lines[loop.key] = _loop(frames[box], y + taken / 2, loop)
+            y += taken
     for relation in view.relations:
+        if relation.key in lines:
+            continue
         source, target = relation.source.box, relation.target.box
         found = parts.get(relation.key, {})
-        if source == target and not relation.knot:
-            loops[source] = at = loops.get(source, -1) + 1
-            lines[relation.key] = _loop(frames[source], at, relation)
-            continue
         points = []
         for part in ("1", "2"):
             points += found.get(part, [])[::3]
@@ -289,11 +300,11 @@ def _lines(view, frames, parts, boxes):
     return lines
 
 
-def _loop(frame, at, relation):
-    """The way of a line that comes back to its box, around those before it."""
-    far = frame.right + _LOOP + 16 * at + max((borders.qualifier_size(end)[0] for end in (
+def _loop(frame, y, relation):
+    """The way of a line that comes back to its box."""
+    far = frame.right + _LOOP + max((borders.qualifier_size(end)[0] for end in (
         relation.source, relation.target) if end.qualifiers), default=0)
-    y, half = frame.middle[1], min(frame.h / 2 - 4, 16 + 10 * at)
+    half = 15  # between its ends; multiplicities stand above and below
     return [(frame.right, y - half), (far, y - half), (far, y + half), (frame.right, y + half)]
 
 

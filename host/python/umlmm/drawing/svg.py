@@ -292,8 +292,9 @@ class _Boxes(Picture):
                             data_knot=relation.knot, data_source_mark=source.mark, data_target_mark=target.mark)
         self._line(self._layout.lines[relation.key], relation.dashed, source.mark, target.mark)
         for label in self._labels.get(relation.key, ()):
-            self._write(label.frame.x + 1, label.frame.bottom - 3, label.text, data_end=label.side,
-                        data_label=label.what)
+            for at, row in enumerate(reversed(label.rows)):
+                self._write(label.frame.x + 1, label.frame.bottom - 3 - LINE * at, row, data_end=label.side,
+                            data_label=label.what)
         self._add(ends)
 
     def _qualifiers(self):
