@@ -8,8 +8,10 @@
 #   make describe                            writes the published surface to build/describe.json
 #   make reference                           writes a page for each metaclass to build/reference
 #   make docs                                makes a site of the pages, the reference and the gallery
+#   make gallery                             draws what the recipes and examples make, to build/gallery
 #   make install PREFIX=folder               installs libraries, headers, CMake package and Python package
 #   make types                               what two checkers of types say of scripts; pyright comes from npm
+#   make pictures-check                      pictures in a browser, texts of diagrams in their parsers, a notebook
 #   make wheel [PYTHON=program]              makes a wheel, for Debian's Python or another one
 #   make deb                                 makes Debian packages: libraries, what programs are built with, Python package
 #   make asan                                all tests under AddressSanitizer and UBSan
@@ -33,8 +35,8 @@ CONFIGURE = @tools/configure
 # Targets share a build tree.
 .NOTPARALLEL:
 
-.PHONY: run umlmm test types bench bench-smoke describe reference docs install wheel deb asan tsan debug fuzz-files \
-  lint format product python generate packages test-packages node-tools
+.PHONY: run umlmm test types pictures-check bench bench-smoke describe reference docs gallery install wheel deb asan tsan \
+  debug fuzz-files lint format product python generate packages test-packages node-tools
 
 run: product
 	@$(HOST) "$(SCRIPT)" $(ARGS)
@@ -49,6 +51,10 @@ test: test-packages
 
 types: python test-packages node-tools
 	UMLMM_PYRIGHT="$(CURDIR)/tools/node/node_modules/.bin/pyright" $(HOST) -B -m pytest -q -p no:cacheprovider tests/types
+
+pictures-check: product test-packages node-tools
+	$(INSTALL_PACKAGES) packages-pictures.txt
+	PYTHONPATH="$(CURDIR)/build/release/python" $(PYTHON) -B -m pytest -c tests/pytest.ini --durations=5 tests/pictures
 
 debug asan tsan: test-packages
 	$(CONFIGURE) $@
@@ -82,6 +88,9 @@ reference: product
 docs: product
 	$(INSTALL_PACKAGES) packages-docs.txt
 	@tools/make-docs build/release
+
+gallery: product test-packages
+	@tools/make-gallery build/release build/gallery
 
 install: python
 	cmake --install build/release --prefix "$$(realpath -m -- "$(PREFIX)")"

@@ -23,8 +23,8 @@ def add_parsers(commands):
     table.add_argument("metaclass", metavar="CLASS", help="such as Class or Property")
     table.add_argument("--columns", default="name,qualifiedName", help="features, separated by commas "
                        "(default: name,qualifiedName)")
-    table.add_argument("--format", choices=("csv", "markdown", "json"), default="csv")
-
+    table.add_argument("--format", choices=("csv", "markdown", "json"), default="csv",
+                       help="default: csv, in which a text that a spreadsheet would run has an apostrophe before it")
 
     site = _commands._add(commands, _site, "site", "write pages of a model that open in a browser")
     site.add_argument("file", metavar="FILE")

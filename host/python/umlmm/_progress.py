@@ -1,5 +1,6 @@
 """How far a reading has come, shown to people or told to a script."""
 
+import sys
 import time
 
 
@@ -61,5 +62,37 @@ class Bar:
         try:
             self._stream.write(text)
             self._stream.flush()
+        except (OSError, ValueError):  # nobody looks any more
+            pass
+
+
+class Waiting:
+    """A line of how long something takes of which nobody knows how far it is, for people at a terminal who wait for this
+    alone."""
+
+    def __init__(self, title):
+        self._title = title
+        self._start = time.monotonic()
+        self._shown = ""
+
+    def __enter__(self):
+        import threading
+        is_seen = threading.current_thread() is threading.main_thread() and is_terminal(sys.stderr)
+        return self._tell if is_seen else lambda: None
+
+    def __exit__(self, *failure):
+        if self._shown:
+            self._write("\r" + " " * len(self._shown) + "\r")
+
+    def _tell(self):
+        seconds = time.monotonic() - self._start
+        if seconds >= 1:
+            self._shown = f"{self._title}: {seconds:.0f} s (Ctrl-C ends it)"
+            self._write("\r" + self._shown)
+
+    def _write(self, text):
+        try:
+            sys.stderr.write(text)
+            sys.stderr.flush()
         except (OSError, ValueError):  # nobody looks any more
             pass

@@ -44,7 +44,14 @@ def _write_csv(file, columns, rows):
     import csv
     writer = csv.writer(file, lineterminator="\n")
     writer.writerow(columns)
-    writer.writerows([_text(value) for value in row] for row in rows)
+    writer.writerows([guarded(_text(value)) for value in row] for row in rows)
+
+
+def guarded(text):
+    """A cell that no spreadsheet takes for a formula and runs: a text that begins as one gets an apostrophe before it.
+    Numbers stay as they are."""
+    import re
+    return "'" + text if re.match(r"[=@\t\r]|[+-](?!\d+(\.\d+)?$)", text) else text
 
 
 def _write_json(file, columns, rows):

@@ -125,11 +125,13 @@ class Table:
         return "\n".join(lines)
 
     def csv(self, path: Path | None = None) -> str:
-        """The table as comma-separated values, with a line of titles; written to a file if a path is given."""
+        """The table as comma-separated values, with a line of titles; written to a file if a path is given. A text that
+        a spreadsheet would run, as it begins with =, +, - or @, gets an apostrophe before it."""
         import csv
         import io
+        from umlmm import _tables
         text = io.StringIO()
-        csv.writer(text, lineterminator="\n").writerows(self._texts())
+        csv.writer(text, lineterminator="\n").writerows(map(_tables.guarded, row) for row in self._texts())
         if path is not None:
             with open(path, "w", encoding="utf-8", newline="") as file:
                 file.write(text.getvalue())

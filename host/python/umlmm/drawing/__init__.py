@@ -45,4 +45,10 @@ def draw(what: Any, kind: str | None = None, *, depth: int | None = None, show: 
         raise ValueError(f"limit is a number of boxes from 1 on, or None for any, not {limit!r}")
     options = Options(show, hide)
     chosen = choosing.Chosen(what)
-    return kinds[kind or chosen.kind](chosen, options, depth, direction, limit)
+    view = kinds[kind or chosen.kind](chosen, options, depth, direction, limit)
+    if not view.boxes:
+        view.notes.append("There is nothing in it that this kind of view shows.")
+    elif limit is not None and len(view.relations) > 2 * limit:
+        view.notes.append(f"There are {len(view.relations)} lines among the boxes, more than can be told apart: fewer "
+                          f"elements, or hide=\"associations\" and the like, make a picture that can be read.")
+    return view

@@ -307,7 +307,7 @@ class Diagram:
         made = End(self._place(end.type), "", notation.role(end, self.options),
                    notation.multiplicity(end) if "multiplicities" in self.options else "", end)
         if other is not None:
-            made.role = " ".join(filter(None, (notation.qualifiers(other, self.options), made.role)))
+            made.qualifiers = notation.qualifiers(other, self.options)
             if other.aggregation != "none":
                 made.mark = "filled diamond" if other.aggregation == "composite" else "diamond"
             elif relating.is_navigable(end) and not relating.is_navigable(other):

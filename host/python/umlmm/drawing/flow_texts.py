@@ -64,8 +64,8 @@ def mermaid(view, text):
             first, second, head, tail = second, first, tail, head
         if tail and not head:
             first, second, head, tail = second, first, True, False
-        body = "-.-" if relation.dashed else "---"
-        line = ("<" if tail else "") + (body[:-1] + ">" if head else body)
+        body = "-.-" if relation.dashed else "--"
+        line = ("<" if tail else "") + body + (">" if head else "" if relation.dashed else "-")
         words = " ".join(filter(None, (source.text, relation.caption, target.text)))
         rows.append(f"  {first} {line}" + (f'|"{text(words)}"|' if words else "") + f" {second}")
     return "\n".join([*rows, ""])

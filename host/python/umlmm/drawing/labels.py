@@ -5,11 +5,14 @@ from __future__ import annotations
 
 import dataclasses
 import math
+import textwrap
 
 from umlmm.drawing.metrics import LINE, width
+from umlmm.drawing.rects import Rect
 
 _CELL = 50
 _MARK = 20  # what is drawn at the end of a line reaches so far
+_WIDE = 30  # characters of a line
 _BLOCKED, _CROSSED = 1_000, 12
 
 
@@ -19,65 +22,104 @@ class Label:
     side: str  # source, target, or nothing for the caption
     what: str  # role, multiplicity or caption
     text: str
-    frame: object
+    frame: Rect | None = None  # until there is a place
+    is_at_pin: bool = False
+
+    @property
+    def rows(self):
+        return measured(self.text)[0]
 
 
 def place(view, layout, boxes):
     """Adds the texts of lines to a layout; how many of them stand on something else."""
-    from umlmm.drawing.layout import Rect, tab
+    from umlmm.drawing.layout import tab
     taken, crossed = _Grid(), _Grid()
     ways = list(layout.lines.values())
     for key, frame in layout.frames.items():
         if key not in boxes or not boxes[key].inside:
             taken.add(frame)
-            if key in boxes and boxes[key].shape in ("ball", "port"):
-                name = name_beside(boxes[key], frame)
-                taken.add(name)
-                layout.w, layout.h = max(layout.w, name.right + 4), max(layout.h, name.bottom + 4)
         else:
             taken.add(tab(boxes[key], frame))
             corners = [(frame.x, frame.y), (frame.right, frame.y), (frame.right, frame.bottom), (frame.x, frame.bottom)]
             ways.append([*corners, corners[0]])
+    for frame in (*layout.names.values(), *layout.qualifiers.values()):
+        taken.add(frame)
+        layout.w, layout.h = max(layout.w, frame.right + 4), max(layout.h, frame.bottom + 4)
     for points in ways:
         for one, other in zip(points, points[1:]):
             for piece in _pieces(one, other):
                 crossed.add(Rect(*piece))
     overlaps = 0
-    for relation, side, mark, what, text in _texts(view):
-        way = layout.lines[relation.key]
-        w = width(text) + 2
-        places = _from_end(way[::-1] if side == "target" else way) if side else _from_middle(way)
-        frame, cost = _best(places, 9 if "pin" in mark else 5, w, LINE - 2, taken, crossed, Rect)
-        overlaps += cost >= _BLOCKED
-        taken.add(frame)
-        layout.texts.append(Label(relation.key, side, what, text, frame))
-        layout.w = max(layout.w, frame.right + 4)
-        layout.h = max(layout.h, frame.bottom + 4)
+    wanted = [label for relation in view.relations if is_loop(relation)
+              for label in _beside_loop(relation, layout.lines[relation.key])]
+    for label in [*wanted, *_texts(view)]:
+        frame = label.frame
+        if frame is None or taken.hits(frame, 1):
+            way = layout.lines[label.relation]
+            places = _from_end(way[::-1] if label.side == "target" else way) if label.side else _from_middle(way)
+            _, w, h = measured(label.text)
+            label.frame, cost = _best(places, 9 if label.is_at_pin else 5, w, h, taken, crossed)
+            overlaps += cost >= _BLOCKED
+        taken.add(label.frame)
+        layout.texts.append(label)
+        layout.w, layout.h = max(layout.w, label.frame.right + 4), max(layout.h, label.frame.bottom + 4)
     return overlaps
 
 
-def name_beside(box, frame):
-    """Where the name of a box stands that is too small for it."""
-    from umlmm.drawing.layout import Rect
-    w = width(box.name.text, True)
-    if box.shape == "port":
-        return Rect(frame.right + 4, frame.middle[1] + 1, w, LINE)
-    return Rect(frame.middle[0] - w / 2, frame.bottom + 1, w, LINE)
+def measured(text):
+    """The rows of a text, and how wide and high it is."""
+    rows = textwrap.wrap(text, _WIDE, break_long_words=False, break_on_hyphens=False) or [text]
+    return rows, max(map(width, rows)) + 2, LINE * len(rows) - 2
+
+
+def is_loop(relation):
+    """Whether a line comes back to its box, in a way that is not Graphviz's."""
+    return relation.source.box == relation.target.box and not relation.knot
+
+
+def _texts_of_loop(relation):
+    """What stands to the right of it, from above."""
+    return [(side, what, text, *measured(text)) for side, what, text in (
+        ("source", "role", relation.source.role), ("", "caption", relation.caption),
+        ("target", "role", relation.target.role)) if text]
+
+
+def loop_size(relation):
+    """What is kept free beside a box for a line that comes back to it, without the way of the line itself; and how much
+    of the box's side."""
+    texts = _texts_of_loop(relation)
+    return max((w for *_, w, _ in texts), default=0), max(4 * LINE, LINE * sum(len(rows) for *_, rows, _, _ in texts) + 6)
+
+
+def _beside_loop(relation, way):
+    """Multiplicities above and below the line, the rest to the right of it."""
+    (far, upper), (_, lower) = way[1:3]
+    for side, end, y in (("source", relation.source, upper - LINE + 1), ("target", relation.target, lower + 1)):
+        if end.multiplicity:
+            _, w, h = measured(end.multiplicity)
+            yield Label(relation.key, side, "multiplicity", end.multiplicity,
+                        Rect(max(far - w, way[0][0] + 2), y, w, h))
+    texts = _texts_of_loop(relation)
+    y = (upper + lower) / 2 - sum(h + 2 for *_, h in texts) / 2
+    for side, what, text, _, w, h in texts:
+        yield Label(relation.key, side, what, text, Rect(far + 5, y, w, h))
+        y += h + 2
 
 
 def _texts(view):
     """What stands beside lines; what belongs to an end first, as it can go nowhere else."""
-    for relation in view.relations:
+    relations = [relation for relation in view.relations if not is_loop(relation)]
+    for relation in relations:
         for side, end in (("source", relation.source), ("target", relation.target)):
             for what in ("multiplicity", "role"):
                 if getattr(end, what):
-                    yield relation, side, end.mark, what, getattr(end, what)
-    for relation in view.relations:
+                    yield Label(relation.key, side, what, getattr(end, what), is_at_pin="pin" in end.mark)
+    for relation in relations:
         if relation.caption:
-            yield relation, "", "", "caption", relation.caption
+            yield Label(relation.key, "", "caption", relation.caption)
 
 
-def _best(places, near, w, h, taken, crossed, rect):
+def _best(places, near, w, h, taken, crossed):
     """The cheapest frame for a text, and what it costs."""
     found, least = None, math.inf
     for distance, (x, y), (dx, dy) in places:
@@ -88,7 +130,7 @@ def _best(places, near, w, h, taken, crossed, rect):
             for sign in (1, -1):
                 nx, ny = -dy * sign, dx * sign
                 off = gap + abs(nx) * w / 2 + abs(ny) * h / 2
-                frame = rect(round(x + nx * off - w / 2, 1), round(y + ny * off - h / 2, 1), w, h)
+                frame = Rect(round(x + nx * off - w / 2, 1), round(y + ny * off - h / 2, 1), w, h)
                 cost = cheapest
                 if frame.x < 2 or frame.y < 2 or taken.hits(frame, 1):
                     cost += _BLOCKED
@@ -118,6 +160,8 @@ def _length(way):
 def _at(way, distances, wanted):
     """How far each place is from the wanted one, where it is, and the direction of the line there."""
     passed = 0
+    if not _length(way):
+        yield 0, way[0], (1, 0)
     for one, other in zip(way, way[1:]):
         long = math.dist(one, other)
         if not long:

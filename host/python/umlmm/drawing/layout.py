@@ -3,57 +3,42 @@ around them, and the texts at the ends of lines go where they find room."""
 
 from __future__ import annotations
 
+import collections
 import dataclasses
 import math
 
-from umlmm.drawing import labels, programs
+from umlmm.drawing import borders, labels, programs
 from umlmm.drawing.metrics import LINE, PAD, width
 from umlmm.drawing.notation import wrapped
+from umlmm.drawing.rects import Rect, border, contains
 
 _RANKS = {"down": "TB", "up": "BT", "right": "LR", "left": "RL"}
 _MARGIN = 16
 _TAB = LINE + 4  # the height of a package's tab
 FIGURE = 40  # of an actor
+_LOOP = 44  # how far a line that comes back to its box goes away from it
 _SIZES = {"diamond": (28, 18), "initial": (16, 16), "final": (20, 20), "ball": (16, 16), "port": (12, 12)}
 _SHAPES = {"diamond": "shape=diamond", "ellipse": "shape=ellipse", "initial": "shape=circle", "final": "shape=circle",
            "ball": "shape=circle"}
 
 
 @dataclasses.dataclass(slots=True)
-class Rect:
-    x: float
-    y: float
-    w: float
-    h: float
-
-    @property
-    def right(self):
-        return self.x + self.w
-
-    @property
-    def bottom(self):
-        return self.y + self.h
-
-    @property
-    def middle(self):
-        return self.x + self.w / 2, self.y + self.h / 2
-
-
-@dataclasses.dataclass(slots=True)
 class Layout:
-    """Frames of boxes by key; of relations, by key, the points of the line; captions and texts at ends with their
-    frames."""
+    """Frames of boxes by key, and of names beside boxes; of relations, by key, the points of the line; of their
+    qualifiers, by key and side, the frames; captions and texts at ends with their frames."""
 
     w: float
     h: float
     frames: dict
     lines: dict
+    names: dict
+    qualifiers: dict
     texts: list
 
 
 def lay_out(view):
     best = None
-    for spread in (1, 1.5, 2.2):
+    for spread in (1, 1.5, 2.2, 3.2):
         found = _attempt(view, spread)
         overlaps = found[1]
         if best is None or overlaps < best[1]:
@@ -77,7 +62,8 @@ def head_size(box):
     return max(width(text, is_name) for text, is_name in lines) + 2 * PAD + icon, LINE * len(lines) + PAD
 
 
-def size(box):
+def size(box, side=0):
+    """The size of a box, of which lines that come back to it take so much of a side."""
     if box.shape == "point":
         return 2, 2
     if box.shape in _SIZES:
@@ -94,7 +80,7 @@ def size(box):
         w, h = max(w, 90), h + _TAB + LINE
     elif box.shape == "note":
         w += 10
-    return math.ceil(w), math.ceil(h)
+    return math.ceil(w), math.ceil(max(h, side))
 
 
 def is_open(box):
@@ -102,18 +88,22 @@ def is_open(box):
 
 
 def tab(box, frame):
-    """The tab of an open package, in which its name stands."""
-    return Rect(frame.x, frame.y, head_size(box)[0], _TAB * len(head_lines(box)))
+    """The tab of an open package, in which its name stands; of others that are open, where the name is."""
+    w = head_size(box)[0]
+    return Rect(frame.middle[0] - w / 2 if box.shape == "component" else frame.x, frame.y, w,
+                _TAB * len(head_lines(box)))
 
 
 # --- Graphviz
 
 def _attempt(view, spread):
     boxes = {box.key: box for box in view.all_boxes()}
+    sizes = _sizes(view, boxes)
+    graph = _graph(view, boxes, sizes, spread)
     try:
-        answer = programs.laid_out(_graph(view, boxes, spread))
+        answer = programs.laid_out(graph)
     except programs.Failed:  # its bent lines are what it fails at
-        answer = programs.laid_out(_graph(view, boxes, spread).replace("splines=polyline", "splines=line", 1))
+        answer = programs.laid_out(graph.replace("splines=polyline", "splines=line", 1))
     _, _, right, top = map(float, answer["bb"].split(","))
 
     def point(text):
@@ -128,21 +118,52 @@ def _attempt(view, spread):
                 round(left + _MARGIN, 1), round(top - high + _MARGIN, 1), round(far - left, 1), round(high - bottom, 1))
         elif "pos" in each and not each["name"].startswith("in_"):
             x, y = point(each["pos"])
-            w, h = size(boxes[each["name"]]) if each["name"] in boxes else (0, 0)
+            w, h = sizes.get(each["name"], (0, 0))
+            if each["name"] in boxes and boxes[each["name"]].shape == "port":
+                x -= _room_beside(boxes[each["name"]]) / 2
             frames[each["name"]] = Rect(round(x - w / 2, 1), round(y - h / 2, 1), w, h)
     parts = {}
     for edge in answer.get("edges", ()):
         key, _, part = edge.get("id", "").partition(" ")
         parts.setdefault(key, {})[part] = [point(each) for each in edge["pos"].split()] if "pos" in edge else []
     lines = _lines(view, frames, parts, boxes)
-    _put_ports_on_borders(view, frames, lines)
+    borders.spread_ends(view, boxes, frames, lines)
+    heads = {key: tab(boxes[key], frame) for key, frame in frames.items() if key in boxes and is_open(boxes[key])}
+    names = borders.put_ports(view, boxes, frames, lines, heads) | borders.put_balls(view, boxes, frames, lines)
+    qualifiers = borders.put_qualifiers(view, frames, lines)
     w = max([right + 2 * _MARGIN, *(x + _MARGIN for line in lines.values() for x, _ in line)])
-    layout = Layout(w, top + 2 * _MARGIN, frames, lines, [])
+    layout = Layout(w, top + 2 * _MARGIN, frames, lines, names, qualifiers, [])
     overlaps = labels.place(view, layout, boxes)
     return layout, overlaps
 
 
-def _graph(view, boxes, spread):
+def _sizes(view, boxes):
+    """Of all boxes that are closed."""
+    loops = _loops(view)
+    below = collections.Counter(relation.target.box for relation in view.relations if relation.upward)
+    sizes = {}
+    for key, box in boxes.items():
+        if not is_open(box):
+            w, h = size(box, sum(labels.loop_size(relation)[1] for relation in loops.get(key, ())))
+            sizes[key] = max(w, borders.room_of_ends(min(below[key], 20))) if box.shape == "box" else w, h
+    return sizes
+
+
+def _loops(view):
+    """The lines that come back to each box."""
+    loops = {}
+    for relation in view.relations:
+        if labels.is_loop(relation):
+            loops.setdefault(relation.source.box, []).append(relation)
+    return loops
+
+
+def _room_beside(box):
+    """What is kept free to the right of a port for its name."""
+    return math.ceil(8 + width(box.name.text, True))
+
+
+def _graph(view, boxes, sizes, spread):
     rows = [f"digraph {{ graph [rankdir={_RANKS[view.direction]} compound=true splines=polyline "
             f"nodesep={0.45 * spread:.2f} ranksep={0.75 * spread:.2f} fontsize=1];",
             'node [shape=box fixedsize=true label=""]; edge [dir=none fontsize=1];']
@@ -155,7 +176,7 @@ def _graph(view, boxes, spread):
             home = next((box.key for box in outer.get(relation.source.box, ()) if box in both), None)
             knots.setdefault(home, []).append(f"{relation.knot} [shape=point width=0.02 height=0.02];")
     rows += knots.pop(None, [])
-    _add_boxes(rows, view.boxes, ends, knots)
+    _add_boxes(rows, view.boxes, sizes, ends, knots, "b" if view.direction == "up" else "t")
     above = {key: ways[0].key for key, ways in outer.items()}
     for relation in view.relations:
         first, second = relation.source.box, relation.target.box
@@ -171,31 +192,42 @@ def _graph(view, boxes, spread):
 
 
 def _caption_room(relation):
-    """What is to be kept free beside a line: its caption; of a line that comes back to its box, the texts at its ends,
-    too."""
-    texts = [relation.caption] if relation.caption else []
-    if relation.source.box == relation.target.box:
-        texts += [text for end in (relation.source, relation.target) for text in (end.role, end.multiplicity) if text]
-        return (max(map(width, texts)) + 24, LINE * len(texts)) if texts else (24, LINE)
-    return (width(relation.caption) + 8, LINE) if texts else None
+    """What is to be kept free beside a line: its caption and its qualifiers; the names of pins, too, which stand close
+    together."""
+    texts = [labels.measured(relation.caption)[1:]] if relation.caption else []
+    ends = (relation.source, relation.target)
+    qualifiers = [borders.qualifier_size(end) for end in ends if end.qualifiers]
+    if labels.is_loop(relation):
+        w, h = labels.loop_size(relation)
+        return w + _LOOP + 12 + max([0, *(w for w, _ in qualifiers)]), h
+    texts += [labels.measured(text)[1:] for end in ends if "pin" in end.mark
+              for text in (end.role, end.multiplicity) if text]
+    if not texts and not qualifiers:
+        return None
+    return max(w for w, _ in texts + qualifiers) + 8, sum(h + 2 for _, h in texts + qualifiers)
 
 
-def _add_boxes(rows, boxes, ends, knots):
+def _add_boxes(rows, boxes, sizes, ends, knots, side):
+    """`side` is where Graphviz sees the upper end of a frame: it turns all of a picture that goes up."""
     lonely = []
     for box in boxes:
         if is_open(box):
             name = tab(box, Rect(0, 0, 0, 0))
-            rows.append(f"subgraph cluster_{box.key} {{ graph [labeljust=l margin=16 label={_room(name.w, name.h)}];")
+            rows.append(f"subgraph cluster_{box.key} {{ "
+                        f"graph [labelloc={side} labeljust=l margin=16 label={_room(name.w, name.h)}];")
             if box.key in ends:
                 rows.append(f"in_{box.key} [shape=point width=0.02 height=0.02];")
             rows += knots.get(box.key, [])
-            _add_boxes(rows, box.inside, ends, knots)
+            _add_boxes(rows, box.inside, sizes, ends, knots, side)
             rows.append("}")
         else:
-            w, h = size(box)
+            w, h = sizes[box.key]
             lonely += [box.key] * (box.key not in ends)
             shape = _SHAPES.get(box.shape, "")
-            rows.append(f"{box.key} [{shape} width={w / 72:.5f} height={h / 72:.5f}];")
+            if box.shape in ("port", "ball"):
+                rows.append(f"{box.key} [shape=plain fixedsize=false label={_with_name(box, w, h)}];")
+            else:
+                rows.append(f"{box.key} [{shape} width={w / 72:.5f} height={h / 72:.5f}];")
     # Boxes without lines would stand in one row: what is not seen keeps them below each other.
     columns = math.ceil(math.sqrt(len(lonely) * 1.5))
     rows += [f"{above} -> {below} [style=invis];" for above, below in zip(lonely, lonely[columns:])]
@@ -207,6 +239,18 @@ def _room(w, h):
             f'WIDTH="{math.ceil(w)}" HEIGHT="{math.ceil(h)}"><TR><TD></TD></TR></TABLE>>')
 
 
+def _with_name(box, w, h):
+    """Room for a small box, to which lines go, and for its name: of a port beside, of a ball above or below."""
+    cell = '<TD FIXEDSIZE="TRUE" WIDTH="{}" HEIGHT="{}"{}></TD>'
+    own = cell.format(w, h, ' PORT="p"')
+    if box.shape == "port":
+        rows = f"<TR>{own}{cell.format(_room_beside(box), h + 2 * LINE, '')}</TR>"
+    else:
+        beside = f"<TR>{cell.format(max(math.ceil(width(box.name.text, True)), w), LINE + 2, '')}</TR>"
+        rows = f"{beside}<TR>{own}</TR>{beside}"
+    return f'<<TABLE BORDER="0" CELLBORDER="0" CELLPADDING="0" CELLSPACING="0">{rows}</TABLE>>'
+
+
 def _edge(boxes, above, first, second, more):
     """An edge; one that comes to an open package ends at its frame."""
     names = []
@@ -216,7 +260,7 @@ def _edge(boxes, above, first, second, more):
             if not _is_in(other, end, above):
                 more += f" {word}=cluster_{end}"
         else:
-            names.append(end)
+            names.append(f"{end}:p" if end in boxes and boxes[end].shape in ("port", "ball") else end)
     return f"{names[0]} -> {names[1]} [{more}];"
 
 
@@ -229,20 +273,24 @@ def _is_in(key, outer, above):
 # --- lines
 
 def _lines(view, frames, parts, boxes):
-    lines, loops = {}, {}
+    lines = {}
+    for box, loops in _loops(view).items():
+        y = frames[box].middle[1] - sum(labels.loop_size(loop)[1] for loop in loops) / 2
+        for loop in loops:
+            taken = labels.loop_size(loop)[1]
+            lines[loop.key] = _loop(frames[box], y + taken / 2, loop)
+            y += taken
     for relation in view.relations:
+        if relation.key in lines:
+            continue
         source, target = relation.source.box, relation.target.box
         found = parts.get(relation.key, {})
-        if source == target and not relation.knot:
-            loops[source] = at = loops.get(source, -1) + 1
-            lines[relation.key] = _loop(frames[source], found.get("1", []), at)
-            continue
         points = []
         for part in ("1", "2"):
             points += found.get(part, [])[::3]
         if relation.upward:
             points.reverse()
-        outer = _contains(frames[source], frames[target]), _contains(frames[target], frames[source])
+        outer = contains(frames[source], frames[target]), contains(frames[target], frames[source])
         if len(points) < 2 or any(outer):
             points = _straight(frames[source], frames[target], *outer)
         else:
@@ -252,40 +300,11 @@ def _lines(view, frames, parts, boxes):
     return lines
 
 
-def _put_ports_on_borders(view, frames, lines):
-    """Graphviz knows nothing that stands on the border of what is around it: a port goes to the nearest border that
-    nothing is before, but for the upper one, where the name is; and its lines follow."""
-    for key, (outer, *_) in view.outer_boxes().items():
-        port = frames[key]
-        if next(box for box in outer.inside if box.key == key).shape != "port":
-            continue
-        around, (x, y) = frames[outer.key], port.middle
-        others = [frame for other, frame in frames.items() if other not in (key, outer.key)
-                  and not _contains(frame, around)]
-        ways = [(abs(to - at), place) for to, at, place in (
-            (around.bottom, y, (x, around.bottom)), (around.x, x, (around.x, y)),
-            (around.right, x, (around.right, y)))]
-        for _, (far_x, far_y) in sorted(ways):
-            way = Rect(min(x, far_x) - 8, min(y, far_y) - 8, abs(far_x - x) + 16, abs(far_y - y) + 16)
-            if not any(_meet(way, other) for other in others):
-                frames[key] = moved = Rect(far_x - port.w / 2, far_y - port.h / 2, port.w, port.h)
-                for relation in view.relations:
-                    for end, at in ((relation.source, 0), (relation.target, -1)):
-                        if end.box == key:
-                            added = [_border(moved, (x, y)), (x, y)]
-                            line = lines[relation.key]
-                            lines[relation.key] = added + line[1:] if at == 0 else line[:-1] + added[::-1]
-                break
-
-
-def _meet(one, other):
-    return one.x < other.right and other.x < one.right and one.y < other.bottom and other.y < one.bottom
-
-
-def _loop(frame, points, at):
-    far = max([frame.right + 18 + 12 * at, *(x for x, _ in points)])
-    y, half = frame.middle[1], min(frame.h / 2 - 3, 9 + 6 * at)
-    far = min(far, frame.right + 18 + 12 * at)
+def _loop(frame, y, relation):
+    """The way of a line that comes back to its box."""
+    far = frame.right + _LOOP + max((borders.qualifier_size(end)[0] for end in (
+        relation.source, relation.target) if end.qualifiers), default=0)
+    half = 15  # between its ends; multiplicities stand above and below
     return [(frame.right, y - half), (far, y - half), (far, y + half), (frame.right, y + half)]
 
 
@@ -300,11 +319,6 @@ def _below_tab(point, frame, box):
     return (x, above.bottom) if x > above.right and y < above.bottom else point
 
 
-def _contains(outer, inner):
-    return (outer.x <= inner.x and outer.y <= inner.y and outer.right >= inner.right and outer.bottom >= inner.bottom
-            and outer is not inner)
-
-
 def _straight(one, other, is_around, is_inside):
     """A line between two frames; from a frame to one in it, the way down to the frame's lower edge."""
     if is_around or is_inside:
@@ -312,15 +326,7 @@ def _straight(one, other, is_around, is_inside):
         x = inner.middle[0]
         way = [(x, outer.bottom), (x, inner.bottom)]
         return way if is_around else way[::-1]
-    return [_border(one, other.middle), _border(other, one.middle)]
-
-
-def _border(frame, towards):
-    """Where the line from a frame's middle to a point leaves the frame."""
-    x, y = frame.middle
-    dx, dy = towards[0] - x, towards[1] - y
-    share = min([1.0, *(half / abs(way) for half, way in ((frame.w / 2, dx), (frame.h / 2, dy)) if way)])
-    return round(x + dx * share, 1), round(y + dy * share, 1)
+    return [border(one, other.middle), border(other, one.middle)]
 
 
 def _without_repeats(points):

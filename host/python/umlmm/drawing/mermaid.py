@@ -95,9 +95,9 @@ def _line(line):
     mark = line.text[:1] if line.text[:2] in ("+ ", "- ", "# ", "~ ") else ""
     shown = line.text[2:] if mark else line.text
     classifier = "*" if line.italic else "$" if line.underlined else ""
-    if line.kind not in ("operation", "reception"):
-        return mark + text(shown) + classifier
     name, _, rest = shown.partition("(")
+    if line.kind not in ("operation", "reception") or not name:
+        return mark + text(shown) + classifier
     parameters, _, result = rest.rpartition(")")
     words = (text(each) if each else "" for each in (name, parameters, result.removeprefix(" : ")))
     return "{}{}({}) {}".format(mark, *words).rstrip() + classifier

@@ -162,4 +162,4 @@ def role(end, options):
 
 
 def qualifiers(end, options):
-    return "".join(f"[{attribute(each, options).text}]" for each in end.qualifier) if "roles" in options else ""
+    return [attribute(each, options).text for each in end.qualifier] if "roles" in options else []

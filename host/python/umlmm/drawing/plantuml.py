@@ -28,9 +28,9 @@ def write(view):
     if view.direction in ("left", "up"):
         rows.append("' PlantUML has no such direction: the nearest one is taken")
     _boxes(view.boxes, rows, "")
-    knots = {relation.knot: relation for relation in view.relations if relation.knot}
+    knots = _knots(view, rows)
     for relation in view.relations:
-        rows.append(_relation(relation, knots))
+        rows += _relation(relation, knots)
     return "\n".join([*rows, "@enduml\n"])
 
 
@@ -67,20 +67,35 @@ def _line(line):
         + "{abstract} " * line.italic + mark + text(line.text.removeprefix(mark))
 
 
+def _knots(view, rows):
+    """How lines to other lines name these, by knot: the two classes that the other line is between. PlantUML knows one
+    such line for any two classes; further ones are cut in two by a diamond."""
+    names, taken = {}, set()
+    ends = {relation.knot: {relation.source.box, relation.target.box} for relation in view.relations if relation.knot}
+    for relation in view.relations:
+        if relation.knot:
+            both = frozenset(ends[relation.knot])
+            if both & ends.keys() or both in taken:
+                rows.append(f"<> {relation.knot}")
+                names[relation.knot] = relation.knot
+            else:
+                taken.add(both)
+                names[relation.knot] = f"({relation.source.box}, {relation.target.box})"
+    return names
+
+
 def _relation(relation, knots):
     source, target = relation.source, relation.target
-    first, second = _end(source.box, knots), _end(target.box, knots)
+    first, second = knots.get(source.box, source.box), knots.get(target.box, target.box)
     if relation.upward:
         first, second, source, target = second, first, target, source
-    line = f"{_SOURCE[source.mark]}{'..' if relation.dashed else '--'}{_TARGET[target.mark]}"
-    words = [first, *([f'"{text(source.text)}"'] if source.text else ()), line,
-             *([f'"{text(target.text)}"'] if target.text else ()), second]
-    return " ".join(words) + (f" : {text(relation.caption)}" if relation.caption else "")
-
-
-def _end(key, knots):
-    relation = knots.get(key)
-    return f"({relation.source.box}, {relation.target.box})" if relation else key
+    body = ".." if relation.dashed else "--"
+    near = " ".join([first, *([f'"{text(source.text)}"'] if source.text else ()), _SOURCE[source.mark] + body])
+    far = " ".join([*([f'"{text(target.text)}"'] if target.text else ()), second])
+    far += f" : {text(relation.caption)}" if relation.caption else ""
+    if relation.knot and knots[relation.knot] == relation.knot:
+        return [f"{near} {relation.knot}", f"{relation.knot} {body}{_TARGET[target.mark]} {far}"]
+    return [f"{near}{_TARGET[target.mark]} {far}"]
 
 
 def text(shown):

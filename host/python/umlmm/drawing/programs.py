@@ -4,9 +4,14 @@ from __future__ import annotations
 
 import os
 import shutil
+import signal
 import subprocess
 
+from umlmm import _progress
 from umlmm.drawing.view import Missing
+
+
+_running: set[subprocess.Popen[bytes]] = set()
 
 
 class Failed(RuntimeError):
@@ -31,11 +36,38 @@ def png_of(svg, scale):
     return _run([program, "--zoom", str(scale)], svg.encode(), "rsvg-convert")
 
 
+def end_all():
+    """Ends the programs for which other threads wait."""
+    for program in list(_running):
+        program.kill()
+
+
 def _run(command, given, name):
     """What a program answers; it ends with the caller, also by Ctrl-C. What is loaded into this process is not meant
     for it."""
     environment = {name: text for name, text in os.environ.items() if name != "LD_PRELOAD"} | {"LC_ALL": "C.UTF-8"}
-    done = subprocess.run(command, input=given, capture_output=True, env=environment)
-    if done.returncode:
-        raise Failed(f"{name} failed: {done.stderr.decode(errors='replace').strip()[-500:]}")
-    return done.stdout
+    pipe = subprocess.PIPE
+    with _progress.Waiting(f"Waiting for {name}") as tell, \
+            subprocess.Popen(command, stdin=pipe, stdout=pipe, stderr=pipe, env=environment) as program:
+        _running.add(program)
+        try:
+            answer, complaints = _wait(program, given, tell)
+        except BaseException:
+            program.kill()
+            program.wait()
+            raise
+        finally:
+            _running.discard(program)
+    if program.returncode == -signal.SIGINT:
+        raise KeyboardInterrupt
+    if program.returncode:
+        raise Failed(f"{name} failed: {complaints.decode(errors='replace').strip()[-500:]}")
+    return answer
+
+
+def _wait(program, given, tell):
+    while True:
+        try:
+            return program.communicate(given, timeout=.5)
+        except subprocess.TimeoutExpired:
+            tell()

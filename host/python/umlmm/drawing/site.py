@@ -4,16 +4,18 @@ loading, a page for each package and classifier, and a search. They work without
 from __future__ import annotations
 
 import concurrent.futures
+import contextlib
 import json
 import os
 import pathlib
 import shutil
 import sys
+import tempfile
 from html import escape
 
 import umlmm
 from umlmm import _progress
-from umlmm.drawing import layout, notation, relating, site_texts, svg
+from umlmm.drawing import layout, notation, programs, relating, site_texts, svg
 from umlmm.drawing.class_diagram import Diagram
 from umlmm.drawing.options import Options
 from umlmm.drawing.view import Missing, View
@@ -23,16 +25,35 @@ _ROWS = 200  # of a table
 _TEXT = 4_000  # characters of a documentation
 _TREE = 1_500  # packages in the tree
 _BATCH = 64
+_UNFINISHED = ".unfinished-"
 _OPTIONS = Options()
 
 
 def write(model, folder):
-    """Writes the pages, and answers the path of the first one. The folder is made, or is one of an earlier run."""
+    """Writes the pages, and answers the path of the first one. The folder is made, or is one of an earlier run, whose
+    pages are replaced once all new ones are there."""
     folder = pathlib.Path(folder)
-    if folder.exists() and any(folder.iterdir()) and not (folder / "search.js").exists():
+    was_there = folder.exists()
+    if was_there and not (folder / "search.js").exists() \
+            and any(not path.name.startswith(_UNFINISHED) for path in folder.iterdir()):
         raise ValueError(f"{os.fspath(folder)!r} has other files in it; name a folder that is empty or not there yet")
     folder.mkdir(parents=True, exist_ok=True)
-    return os.fspath(_Site(model, folder).write())
+    new = pathlib.Path(tempfile.mkdtemp(prefix=_UNFINISHED, dir=folder))
+    try:
+        _Site(model, new).write()
+        names = sorted(path.name for path in new.iterdir())
+        for path in [*folder.glob("e*.html")]:
+            if path.name not in names:
+                path.unlink()
+        for name in names:
+            os.replace(new / name, folder / name)
+    except BaseException:
+        shutil.rmtree(new)
+        if not was_there:
+            folder.rmdir()
+        raise
+    new.rmdir()
+    return os.fspath(folder / "index.html")
 
 
 class _Site:
@@ -55,7 +76,12 @@ class _Site:
     def write(self):
         bar = _progress.Bar(sys.stderr, "Writing pages", 1) if _progress.is_terminal(sys.stderr) else None
         elements = list(self._pages)
-        with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool, bar or _Silence() as tell:
+        with contextlib.ExitStack() as stack, bar or _Silence() as tell:
+            pool = concurrent.futures.ThreadPoolExecutor(os.cpu_count())
+            # When this is ended halfway, no layout is begun any more, and those that have begun end, too.
+            stack.callback(pool.shutdown)
+            stack.callback(programs.end_all)
+            stack.callback(pool.shutdown, wait=False, cancel_futures=True)
             for first in range(0, len(elements), _BATCH):
                 batch = elements[first:first + _BATCH]
                 views = [self._view(element) for element in batch]
@@ -66,12 +92,10 @@ class _Site:
                 tell((first + len(batch)) / len(elements))
         self._put("search.js", self._search())
         self._put("style.css", site_texts.STYLE)
-        return self._put("index.html", self._index())
+        self._put("index.html", self._index())
 
     def _put(self, name, text):
-        path = self._folder / name
-        path.write_text(text, "utf-8")
-        return path
+        (self._folder / name).write_text(text, "utf-8")
 
     # --- pages
 
@@ -122,7 +146,7 @@ class _Site:
         parts += [f"<p class=text>{escape(notation.lines_of(comment.body or '', _TEXT))}</p>"
                   for comment in element.ownedComment][:20]
         if picture:
-            parts.append(f"<figure>{picture}</figure>")
+            parts.append(f"<figure tabindex=0>{picture}</figure>")
         parts += self._features(element)
         parts += self._relations(element)
         parts += self._members(element)

@@ -14,7 +14,7 @@ def page(title, body):
 </head>
 <body>
 <header><a href="index.html">Model</a>
-<label>Search <input id="query" type="search" autocomplete="off" hidden></label>
+<label hidden>Search <input id="query" type="search" autocomplete="off"></label>
 <ol id="found" aria-live="polite"></ol></header>
 <main>
 {body}
@@ -28,6 +28,7 @@ def page(title, body):
 STYLE = """:root { color-scheme: light dark; --page: #fff; --text: #151515; --line: #d0d0d0; --link: #0b57a4; }
 @media (prefers-color-scheme: dark) {
   :root { --page: #1b1d21; --text: #eceef0; --line: #44484e; --link: #8cc0ff; }
+  figure { filter: invert(.9) hue-rotate(180deg); }
 }
 body { margin: 0 auto; max-width: 70rem; padding: 0 1rem 3rem; background: var(--page); color: var(--text);
   font: 1rem/1.5 system-ui, sans-serif; overflow-wrap: anywhere; }
@@ -36,14 +37,14 @@ header > a { margin-right: 1.5rem; }
 input { font: inherit; max-width: 60vw; }
 #found { margin: 0; padding-left: 1.5rem; max-height: 60vh; overflow-y: auto; }
 a { color: var(--link); }
-a:focus-visible, input:focus-visible { outline: 3px solid var(--link); }
+a:focus-visible, input:focus-visible, figure:focus-visible { outline: 3px solid var(--link); }
 h1 { font-size: 1.5rem; } h1 small { font-weight: normal; opacity: .7; }
 h2 { font-size: 1.15rem; margin-top: 2rem; }
 table { border-collapse: collapse; width: 100%; }
 th, td { text-align: left; vertical-align: top; padding: .2rem .6rem .2rem 0; border-bottom: 1px solid var(--line); }
 pre, figure { overflow-x: auto; } .text { white-space: pre-line; }
 figure { margin: 1rem 0; background: #fff; } figure svg { display: block; }
-@media (max-width: 40rem) { td, th { display: block; border: 0; } tr { border-bottom: 1px solid var(--line); } }
+@media (max-width: 40rem) { thead { display: none; } td { display: block; border: 0; } tr { border-bottom: 1px solid var(--line); } }
 """
 
 # The rows are name, class, path and page.
@@ -51,7 +52,7 @@ SEARCH = """// What is searched, and the search. Texts of the model are only eve
 const rows = %s;
 const query = document.getElementById("query");
 const found = document.getElementById("found");
-query.hidden = false;
+query.parentElement.hidden = false;
 query.addEventListener("input", () => {
   const words = query.value.toLowerCase().split(/\\s+/).filter(Boolean);
   const hits = words.length === 0 ? [] : rows.filter(

@@ -7,8 +7,9 @@ import math
 import re
 from xml.sax.saxutils import escape
 
-from umlmm.drawing import labels, layout as layouts, notation
+from umlmm.drawing import layout as layouts, notation
 from umlmm.drawing.metrics import LINE, PAD, SIZE, width
+from umlmm.drawing.rects import Rect
 
 _THEMES = {
     "light": {"page": "#ffffff", "fill": "#ffffff", "note": "#fffbe6", "line": "#303030", "text": "#101010",
@@ -131,6 +132,7 @@ class _Boxes(Picture):
     def __init__(self, view, colors, links, layout):
         super().__init__(view, colors, links)
         self._layout = layout
+        self._heads = []  # which are to be read whatever lines cross them
         self.w, self.h = self._layout.w, self._layout.h
         self._labels = {}
         for label in self._layout.texts:
@@ -140,6 +142,8 @@ class _Boxes(Picture):
         self._boxes(self._view.boxes)
         for relation in self._view.relations:
             self._relation(relation)
+        self._qualifiers()
+        self._rows += self._heads
 
     def _boxes(self, boxes):
         for box in boxes:
@@ -183,13 +187,13 @@ class _Boxes(Picture):
         return y
 
     def _package(self, box, frame):
-        tab = layouts.tab(box, frame) if layouts.is_open(box) else layouts.Rect(frame.x, frame.y, 45, 12)
-        body = layouts.Rect(frame.x, tab.bottom, frame.w, frame.h - tab.h)
-        self._rect(tab)
+        tab = layouts.tab(box, frame) if layouts.is_open(box) else Rect(frame.x, frame.y, 45, 12)
+        body = Rect(frame.x, tab.bottom, frame.w, frame.h - tab.h)
         self._rect(body)
         if layouts.is_open(box):
-            self._head(box, frame.x + PAD, frame.y, is_left=True)
+            self._open_head(box, tab, tab.x + PAD, is_left=True)
         else:
+            self._rect(tab)
             height = LINE * len(layouts.head_lines(box))
             self._head(box, frame.middle[0], body.middle[1] - height / 2)
 
@@ -206,9 +210,24 @@ class _Boxes(Picture):
         self._add(f"<path{_attributes(d=_closed([(x, frame.y), (frame.right, y), (x, frame.bottom), (frame.x, y)]))}"
                   f"{self._stroke('fill')}/>")
 
+    def _open_head(self, box, plate, x, is_left=False, is_seen=True):
+        """The head of a box with others in it, on a plate, which lines may cross but the text not."""
+        rows, self._rows = self._rows, []
+        ends = self._opened(box.element, box.title, data_head=box.key)
+        if is_seen:
+            self._rect(plate)
+        else:
+            self._add(f"<rect{_attributes(x=float(plate.x), y=float(plate.y), width=float(plate.w), height=float(plate.h))}"
+                      f"{_attributes(fill=self._colors['fill'])}/>")
+        self._head(box, x, plate.y, is_left)
+        self._add(ends)
+        self._heads += self._rows
+        self._rows = rows
+
     def _frame(self, box, frame):
         self._rect(frame)
-        self._head(box, frame.x + PAD, frame.y, is_left=True)
+        w, h = layouts.head_size(box)
+        self._open_head(box, Rect(frame.x + 1, frame.y + 1, w - PAD, h), frame.x + PAD, is_left=True, is_seen=False)
 
     def _ellipse(self, box, frame):
         x, y = frame.middle
@@ -232,7 +251,11 @@ class _Boxes(Picture):
         self._rect(frame)
         x, y = _number(frame.right - 20), _number(frame.y + 6)
         self._add(f'<path d="M{x} {y}h12v14h-12zm-4 3h8v3h-8zm0 5h8v3h-8z"{self._stroke("fill")}/>')
-        self._contents(box, frame, frame.y)
+        if layouts.is_open(box):
+            plate = layouts.tab(box, frame)
+            self._open_head(box, Rect(plate.x + 22, plate.y + 1, plate.w - 44, plate.h - 2), plate.middle[0], is_seen=False)
+        else:
+            self._contents(box, frame, frame.y)
 
     def _initial(self, box, frame):
         x, y = frame.middle
@@ -246,14 +269,14 @@ class _Boxes(Picture):
     def _ball(self, box, frame):
         x, y = frame.middle
         self._add(f"<circle{_attributes(cx=float(x), cy=float(y), r='8')}{self._stroke('fill')}/>")
-        self._name_beside(box, frame)
+        self._name_beside(box)
 
     def _port(self, box, frame):
         self._rect(frame)
-        self._name_beside(box, frame)
+        self._name_beside(box)
 
-    def _name_beside(self, box, frame):
-        place = labels.name_beside(box, frame)
+    def _name_beside(self, box):
+        place = self._layout.names[box.key]
         self._write(place.x, place.bottom - 4, box.name.text, bold=True)
 
     def _point(self, box, frame):
@@ -269,9 +292,21 @@ class _Boxes(Picture):
                             data_knot=relation.knot, data_source_mark=source.mark, data_target_mark=target.mark)
         self._line(self._layout.lines[relation.key], relation.dashed, source.mark, target.mark)
         for label in self._labels.get(relation.key, ()):
-            self._write(label.frame.x + 1, label.frame.bottom - 3, label.text, data_end=label.side,
-                        data_label=label.what)
+            for at, row in enumerate(reversed(label.rows)):
+                self._write(label.frame.x + 1, label.frame.bottom - 3 - LINE * at, row, data_end=label.side,
+                            data_label=label.what)
         self._add(ends)
+
+    def _qualifiers(self):
+        """Over lines of others that go to the same box."""
+        for relation in self._view.relations:
+            for side, end in (("source", relation.source), ("target", relation.target)):
+                if frame := self._layout.qualifiers.get((relation.key, side)):
+                    self._add(f"<g{_attributes(data_qualified=relation.key, data_end=side)}>")
+                    self._rect(frame)
+                    for at, text in enumerate(end.qualifiers, 1):
+                        self._write(frame.x + PAD / 2, frame.y + LINE * at - 2, text)
+                    self._add("</g>")
 
 
 def _mark(mark, tip, before):

@@ -53,10 +53,11 @@ class End:
     role: str = ""
     multiplicity: str = ""
     element: Any = None
+    qualifiers: list[str] = dataclasses.field(default_factory=list)
 
     @property
     def text(self) -> str:
-        return " ".join(filter(None, (self.role, self.multiplicity)))
+        return " ".join(filter(None, ("".join(f"[{each}]" for each in self.qualifiers), self.role, self.multiplicity)))
 
 
 @dataclasses.dataclass(slots=True)

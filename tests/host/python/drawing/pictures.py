@@ -9,10 +9,10 @@ SVG = "{http://www.w3.org/2000/svg}"
 Line = collections.namedtuple("Line", "kind path source target source_mark target_mark texts")
 
 
-def graphviz(text, form):
+def graphviz(text, form, *options):
     """What `dot` makes of a text."""
     environment = {name: value for name, value in os.environ.items() if name != "LD_PRELOAD"}
-    return subprocess.run(["dot", f"-T{form}"], input=text.encode(), capture_output=True, env=environment)
+    return subprocess.run(["dot", f"-T{form}", *options], input=text.encode(), capture_output=True, env=environment)
 
 
 class Picture:

@@ -1,151 +1,16 @@
-"""Models for views: one with everything that class diagrams have a notation for, and random ones."""
+"""Models for views: those of the examples, and random ones."""
+
+import pathlib
+import sys
 
 import umlmm
 
+sys.path.append(str(pathlib.Path(__file__).resolve().parents[4] / "examples"))
+from shop_models import (activity, add_fragment, components, objects, several, shop, talk,  # noqa: E402, F401
+                         use_cases)
+
+
 MULTIPLICITIES = ["1", "0..1", "0..*", "1..*", "2", "3..7"]
-
-
-def shop():
-    """A small model with one of each."""
-    model = umlmm.new_model()
-    top = umlmm.Package(model, name="shop")
-    users, billing = (umlmm.Package(owner=top, name=name) for name in ("users", "billing"))
-    umlmm.Package(owner=top, name="empty")
-    order, item = (umlmm.Class(owner=top, name=name) for name in ("Order", "Item"))
-    person = umlmm.Class(owner=users, name="Person", isAbstract=True)
-    customer = umlmm.Class(owner=users, name="Customer")
-    invoice = umlmm.Class(owner=billing, name="Invoice")
-    state = umlmm.Enumeration(owner=top, name="State")
-    for name in ("open", "paid"):
-        state.ownedLiteral.create(name=name)
-    sellable = umlmm.Interface(owner=top, name="Sellable")
-    sellable.ownedOperation.create(name="price")
-    order.ownedAttribute.create(name="total", type=model.primitives.Integer, multiplicity="0..1", visibility="private",
-                                default="0")
-    order.ownedAttribute.create(name="count", isStatic=True, isReadOnly=True, isDerived=True)
-    add = order.ownedOperation.create(name="add", isAbstract=True, visibility="protected")
-    add.ownedParameter.create(name="item", type=item)
-    add.ownedParameter.create(name="done", direction="return", type=model.primitives.Boolean)
-    order.nestedClassifier.create(umlmm.Class, name="Line")
-    umlmm.associate(order, item, name="lines", ends=("order", "items"), multiplicity=("1", "0..*"),
-                    aggregation="composite")
-    umlmm.associate(customer, order, ends=("", "orders"), multiplicity=("1", "*"))
-    umlmm.associate(person, person, ends=("parent", "child"), multiplicity=("2", "*"), aggregation="shared")
-    umlmm.associate(invoice, order, name="Payment", kind=umlmm.AssociationClass)
-    several(model, top, "deal", [customer, item, invoice])
-    umlmm.generalize(customer, person)
-    umlmm.realize(item, sellable)
-    umlmm.depend(order, sellable, kind=umlmm.Usage)
-    umlmm.depend(billing, users)
-    billing.packageImport.create(importedPackage=users, visibility="private")
-    top.packagedElement.append(umlmm.Dependency(model, client=[order, item], supplier=[state, person]))
-    top.ownedComment.create(body="What a customer wants", annotatedElement=[order])
-    return top
-
-
-def several(model, package, name, types):
-    association = umlmm.Association(model, name=name)
-    for at, kind in enumerate(types):
-        end = umlmm.Property(model, name=f"{name}{at}", type=kind)
-        association.ownedEnd.append(end)
-        association.memberEnd.append(end)
-    package.packagedElement.append(association)
-
-
-def talk():
-    """An interaction with messages of all sorts, fragments in fragments and an execution."""
-    model = umlmm.new_model()
-    talk = umlmm.Interaction(owner=umlmm.Package(model, name="shop"), name="Talk")
-    lines = [umlmm.Lifeline(model, name=name, interaction=talk) for name in ("customer", "shop", "store", "log")]
-    customer, shop, store, log = lines
-    order = umlmm.send(customer, shop, "order")
-    alternatives = _fragment(talk.fragment, "alt", lines[1:3])
-    for guard in ("in stock", "otherwise"):
-        operand = alternatives.operand.create()
-        operand.guard = umlmm.InteractionConstraint(model)
-        operand.guard.specification = umlmm.LiteralString(model, value=guard)
-        _move(umlmm.send(shop, store, f"take {guard}", sort="asynchCall"), operand)
-        _move(umlmm.send(store, store, f"count {guard}"), operand)
-    again = _fragment(operand.fragment, "loop", lines[1:3]).operand.create()
-    _move(umlmm.send(store, shop, "again", sort="asynchSignal"), again)
-    talk.fragment.append(umlmm.InteractionUse(model, name="pay", covered=lines[:2]))
-    umlmm.send(shop, log, "make", sort="createMessage")
-    umlmm.send(customer, shop, "lost").receiveEvent.destroy()
-    umlmm.send(log, shop, "found").sendEvent.destroy()
-    state = umlmm.StateInvariant(model, covered=[shop], invariant=umlmm.Constraint(model, name="ready"))
-    talk.fragment.append(state)
-    done = umlmm.send(shop, customer, "done", sort="reply")
-    talk.fragment.append(umlmm.BehaviorExecutionSpecification(model, name="work", start=order.receiveEvent,
-                                                              finish=done.sendEvent, covered=[shop]))
-    umlmm.send(shop, log, "stop", sort="deleteMessage")
-    return talk
-
-
-def _fragment(fragments, operator, covered):
-    return fragments.create(umlmm.CombinedFragment, interactionOperator=operator, covered=covered)
-
-
-def _move(message, operand):
-    for event in (message.sendEvent, message.receiveEvent):
-        operand.fragment.append(event)
-
-
-def use_cases():
-    package = umlmm.Package(umlmm.new_model(), name="shop")
-    web = umlmm.Component(owner=package, name="Webshop")
-    customer, member = (umlmm.Actor(owner=package, name=name) for name in ("Customer", "Member"))
-    order = umlmm.UseCase(owner=(web, "ownedUseCase"), name="Order")
-    pay = umlmm.UseCase(owner=package, name="Pay", subject=[web])
-    umlmm.generalize(member, customer)
-    umlmm.associate(customer, order, name="asks")
-    order.include.create(addition=pay)
-    umlmm.UseCase(owner=package, name="Wrap").extend.create(extendedCase=order)
-    return package
-
-
-def objects():
-    package = umlmm.Package(umlmm.new_model(), name="shop")
-    model = package.modelKelm
-    order, item = (umlmm.Class(owner=package, name=name) for name in ("Order", "Item"))
-    total = order.ownedAttribute.create(name="total")
-    first = order.ownedAttribute.create(name="first", type=item)
-    has = umlmm.associate(order, item, name="has", ends=("order", "items"))
-    one, other = (umlmm.InstanceSpecification(owner=package, name=name, classifier=[kind])
-                  for name, kind in (("o1", order), ("i1", item)))
-    link = umlmm.InstanceSpecification(owner=package, name="link", classifier=[has])
-    one.slot.create(definingFeature=total, value=[umlmm.LiteralInteger(model, value=7)])
-    for owner, feature, value in ((one, first, other), (link, has.memberEnd[0], one), (link, has.memberEnd[1], other)):
-        owner.slot.create(definingFeature=feature, value=[umlmm.InstanceValue(model, instance=value)])
-    return package
-
-
-def activity():
-    package = umlmm.Package(umlmm.new_model(), name="shop")
-    model = package.modelKelm
-    activity = umlmm.Activity(owner=package, name="Ship")
-    take, pack = (umlmm.OpaqueAction(model, name=name, activity=activity) for name in ("Take", "Pack"))
-    nodes = [umlmm.InitialNode(model, name="start", activity=activity), take, pack,
-             umlmm.ActivityFinalNode(model, name="stop", activity=activity)]
-    for source, target in zip(nodes, nodes[1:]):
-        umlmm.ControlFlow(model, source=source, target=target, activity=activity)
-    umlmm.ObjectFlow(model, source=take.outputValue.create(name="order"), activity=activity,
-                     target=pack.inputValue.create(umlmm.InputPin, name="what"))
-    return activity
-
-
-def components():
-    package = umlmm.Package(umlmm.new_model(), name="shop")
-    web, store = (umlmm.Component(owner=package, name=name) for name in ("Web", "Store"))
-    orders, engine = umlmm.Interface(owner=package, name="Orders"), umlmm.Class(owner=package, name="Engine")
-    umlmm.realize(store, orders)
-    umlmm.depend(web, orders, kind=umlmm.Usage)
-    http = web.ownedAttribute.create(umlmm.Port, name="http")
-    inlet = engine.ownedAttribute.create(umlmm.Port, name="inlet")
-    view, cart = (web.ownedAttribute.create(name=name, type=engine, aggregation="composite")
-                  for name in ("view", "cart"))
-    umlmm.connect(view, cart, owner=web)
-    umlmm.connect(http, (view, inlet), owner=web)
-    return package
 
 
 def random_model(rng):
@@ -177,3 +42,100 @@ def random_model(rng):
         else:
             rng.choice(packages).packageImport.create(importedPackage=rng.choice(packages))
     return model
+
+
+def random_view(rng):
+    """A view of any kind of a random model."""
+    kind = rng.choice([*_MADE, "class", "inheritance", "references"])
+    direction = rng.choice(["down", "up", "left", "right"])
+    if kind in _MADE:
+        return umlmm.draw(_MADE[kind](rng), kind, direction=direction)
+    model = random_model(rng)
+    what = model if kind != "references" else rng.choice(list(model.all(umlmm.Classifier)))
+    return umlmm.draw(what, kind, direction=direction, show=["inherited", "comments"])
+
+
+def _random_use_cases(rng):
+    package = umlmm.Package(umlmm.new_model(), name="shop")
+    subjects = [umlmm.Component(owner=package, name=f"system {at}") for at in range(rng.randint(0, 2))]
+    cases = [umlmm.UseCase(owner=package, name=f"case {at}", subject=rng.sample(subjects, min(len(subjects), 1)))
+             if rng.random() < .7 else umlmm.UseCase(owner=package, name=f"case {at}") for at in range(rng.randint(2, 7))]
+    actors = [umlmm.Actor(owner=package, name=f"actor {at}") for at in range(rng.randint(1, 4))]
+    for _ in range(rng.randint(1, 8)):
+        one, other = rng.sample(cases, 2)
+        rng.choice([lambda: one.include.create(addition=other), lambda: one.extend.create(extendedCase=other),
+                    lambda: umlmm.associate(rng.choice(actors), one, multiplicity=("1", rng.choice(MULTIPLICITIES))),
+                    lambda: umlmm.depend(rng.choice(actors), one, name="asks for")])()
+    return package
+
+
+def _random_objects(rng):
+    package = umlmm.Package(umlmm.new_model(), name="shop")
+    model = package.modelKelm
+    kind = umlmm.Class(owner=package, name="Part")
+    features = [kind.ownedAttribute.create(name=f"feature{at}") for at in range(3)]
+    link = umlmm.associate(kind, kind, name="next to", ends=("left", "right"))
+    made = [umlmm.InstanceSpecification(owner=package, name=f"o{at}", classifier=[kind])
+            for at in range(rng.randint(2, 8))]
+    for one in made:
+        for feature in features:
+            value = umlmm.InstanceValue(model, instance=rng.choice(made)) if rng.random() < .3 else \
+                umlmm.LiteralString(model, value="some text" * rng.randint(0, 9))
+            one.slot.create(definingFeature=feature, value=[value])
+    for at in range(rng.randint(0, 4)):
+        between = umlmm.InstanceSpecification(owner=package, name=f"l{at}", classifier=[link])
+        for end in link.memberEnd:
+            between.slot.create(definingFeature=end, value=[umlmm.InstanceValue(model, instance=rng.choice(made))])
+    return package
+
+
+def _random_activity(rng):
+    activity = umlmm.Activity(owner=umlmm.Package(umlmm.new_model(), name="shop"), name="Ship")
+    model = activity.modelKelm
+    kinds = [umlmm.OpaqueAction, umlmm.CallBehaviorAction, umlmm.SendSignalAction, umlmm.InitialNode,
+             umlmm.ActivityFinalNode, umlmm.ActivityParameterNode]
+    nodes = [rng.choice(kinds)(model, name=f"node {at}", activity=activity) for at in range(rng.randint(2, 10))]
+    actions = [umlmm.OpaqueAction(model, name=f"act {at}", activity=activity) for at in range(2)]
+    for at in range(rng.randint(1, 12)):
+        source, target = rng.choice(nodes + actions), rng.choice(nodes + actions)
+        umlmm.ControlFlow(model, source=source, target=target, activity=activity, name=rng.choice(["", f"flow {at}"]))
+    umlmm.ObjectFlow(model, source=actions[0].outputValue.create(name="order"), activity=activity,
+                     target=actions[1].inputValue.create(umlmm.InputPin, name="what"))
+    return activity
+
+
+def _random_components(rng):
+    package = components()
+    made = [umlmm.Component(owner=package, name=f"component {at}") for at in range(rng.randint(1, 6))]
+    interfaces = [umlmm.Interface(owner=package, name=f"I{at}") for at in range(rng.randint(1, 4))]
+    for _ in range(rng.randint(1, 9)):
+        rng.choice([umlmm.realize, lambda one, other: umlmm.depend(one, other, kind=umlmm.Usage)])(
+            rng.choice(made), rng.choice(interfaces))
+    for at in range(rng.randint(0, 4)):
+        rng.choice(made).ownedAttribute.create(umlmm.Port, name=f"port{at}")
+    return package
+
+
+def _random_interaction(rng):
+    talk = umlmm.Interaction(owner=umlmm.Package(umlmm.new_model(), name="shop"), name="Talk")
+    model = talk.modelKelm
+    lines = [umlmm.Lifeline(model, name=f"line {at}", interaction=talk) for at in range(rng.randint(1, 6))]
+    places = [talk.fragment]
+    for at in range(rng.randint(1, 15)):
+        source, target = rng.choice(lines), rng.choice(lines)
+        if rng.random() < .25:
+            operator = rng.choice(["alt", "opt", "loop", "par", "break", "critical", "neg", "strict", "seq", "assert"])
+            fragment = add_fragment(rng.choice(places), operator, rng.sample(lines, rng.randint(1, len(lines))))
+            places += [fragment.operand.create().fragment for _ in range(rng.randint(0, 3))]
+            continue
+        message = umlmm.send(source, target, f"message {at}" * rng.randint(1, 3),
+                             sort=rng.choice(["synchCall", "asynchCall", "asynchSignal", "reply"]))
+        place = rng.choice(places)
+        if place is not talk.fragment:
+            for event in (message.sendEvent, message.receiveEvent):
+                place.append(event)
+    return talk
+
+
+_MADE = {"use case": _random_use_cases, "object": _random_objects, "activity": _random_activity,
+         "component": _random_components, "sequence": _random_interaction}

@@ -172,6 +172,11 @@ def test_a_large_view_says_what_it_leaves_out():
     shown = [box.path for page in view.pages() for box in page.all_boxes() if box.kind == "Class"]
     assert len(shown) == len(set(shown)) == 90 and max(len(list(page.all_boxes())) for page in view.pages()) <= 20
     assert not umlmm.draw(model, limit=None).notes
+    lines = [umlmm.depend(*packages[0].packagedElement[:2]) for _ in range(7)]
+    assert "There are 7 lines" in umlmm.draw(packages[0].packagedElement[:3], limit=3).notes[0]
+    for line in lines:
+        line.destroy()
+    assert "nothing in it" in umlmm.draw(model, "inheritance").notes[0]
     for package in packages[1:]:
         umlmm.depend(packages[0]["c0"], package)
     around = umlmm.draw(packages[0]["c0"], limit=2)

@@ -1,7 +1,10 @@
 """The command line on what model files show."""
 
+import os
+import signal
 import subprocess
 import sys
+import time
 
 import pytest
 
@@ -11,6 +14,8 @@ MODEL = b"""<?xml version="1.0" encoding="UTF-8"?>
   <packagedElement xmi:type="uml:Class" xmi:id="_o" name="Order" isAbstract="true">
     <ownedAttribute xmi:id="_a" name="item" type="_i"/>
     <ownedAttribute xmi:id="_b" name="a|b,&lt;i&gt;"/>
+    <ownedOperation xmi:id="_c" name="=cmd|' /c x'!A0"/><ownedOperation xmi:id="_d" name="-1.5"/>
+    <ownedOperation xmi:id="_e" name="@x"/><ownedOperation xmi:id="_f" name="-1+2"/>
   </packagedElement>
   <packagedElement xmi:type="uml:Class" xmi:id="_i" name="Item">
     <generalization xmi:id="_g" general="_o"/>
@@ -34,6 +39,8 @@ MODEL = b"""<?xml version="1.0" encoding="UTF-8"?>
      "| a\\|b,&lt;i&gt; | shop::Order::a\\|b,&lt;i&gt; |\n", ""),
     ("table Property --columns name,type --format json", 0,
      '[\n {\n  "name": "item",\n  "type": "shop::Item"\n },\n {\n  "name": "a|b,<i>",\n  "type": null\n }\n]\n', ""),
+    ("table Operation --columns name,isAbstract", 0,
+     "name,isAbstract\n'=cmd|' /c x'!A0,false\n-1.5,false\n'@x,false\n'-1+2,false\n", ""),
     ("table Property --columns nam", 2, "", "did you mean 'name'"),
     ("table Proprty", 2, "", "did you mean 'Property'"),
 ])
@@ -46,3 +53,25 @@ def test_commands(tmp_path, arguments, code, out, err):
     assert err in done.stderr and (err or not done.stderr) and "Traceback" not in done.stderr
     if command == "draw" and not code:
         assert (tmp_path / out.strip()).stat().st_size > 100
+
+
+@pytest.mark.parametrize("command", ["draw shop.uml -o x.svg", "site shop.uml -o pages"])
+@pytest.mark.parametrize("end", [os.kill, os.killpg], ids=["a signal to the command", "Ctrl-C at a terminal"])
+def test_what_is_interrupted_leaves_nothing(tmp_path, command, end):
+    (tmp_path / "shop.uml").write_bytes(MODEL)
+    slow = tmp_path / "bin" / "dot"
+    slow.parent.mkdir()
+    slow.write_text(f'#!/bin/sh\nread line\necho $$ > "{tmp_path}/bin/$$"\nexec sleep 60\n')
+    slow.chmod(0o755)
+    path = f"{slow.parent}:{os.environ['PATH']}"
+    with subprocess.Popen([sys.executable, "-m", "umlmm", *command.split()], cwd=tmp_path, stderr=subprocess.PIPE,
+                          env=os.environ | {"PATH": path}, start_new_session=True) as running:
+        while len(list(slow.parent.iterdir())) < 2 and running.poll() is None:
+            time.sleep(.02)
+        end(running.pid, signal.SIGINT)
+        told = running.communicate(timeout=20)[1]
+    assert running.returncode == 130 and b"Traceback" not in told
+    assert {path.name for path in tmp_path.iterdir()} == {"shop.uml", "bin"}
+    for child in slow.parent.glob("[0-9]*"):
+        with pytest.raises(ProcessLookupError):
+            os.kill(int(child.name), 0)

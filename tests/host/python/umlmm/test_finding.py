@@ -102,5 +102,6 @@ def test_what_was_found_is_a_graph(model, monkeypatch):
 
 def test_a_table_is_written_as_comma_separated_values(model, tmp_path):
     umlmm.Class(model, name='a "quoted", name')
+    umlmm.Class(model, name="=1")  # which a spreadsheet would run
     text = model.all(umlmm.Class).table("name", "isAbstract").csv(tmp_path / "table.csv")
-    assert (tmp_path / "table.csv").read_text() == text == 'name,isAbstract\n"a ""quoted"", name",False\n'
+    assert (tmp_path / "table.csv").read_text() == text == 'name,isAbstract\n"a ""quoted"", name",False\n\'=1,False\n'
