@@ -34,20 +34,25 @@ void releaseBoundObject(void* aId) {
   if (object != nullptr) object->decRef();
 }
 
-vesk::Identity identifyBoundObject(void const* aId) {
+BoundObjectHook& BoundObjectHook::instance() noexcept {
+  static BoundObjectHook sHook;
+  return sHook;
+}
+
+vesk::Identity BoundObjectHook::identify(void const* aId) const {
   auto const [object, deviant] = DeviantRegistry::getVariantInfo(aId);
   if (object == nullptr) return {aId, 0};
   return {object, deviant.word()};
 }
 
-lum::HostPlace* hostPlaceOfModel(void const* aId) {
+lum::HostPlace* BoundObjectHook::hostPlace(void const* aId) const {
   auto const [object, deviant] = DeviantRegistry::getVariantInfo(aId);
   auto const* const element = dynamic_cast<NSInterface::ModelElementIntf*>(object);
   ModelObject* const model = element != nullptr ? element->model() : modelOf(aId);
   return model == nullptr ? nullptr : &model->hostPlace();
 }
 
-vesk::VeskValue copyBoundObject(void const* aId, void const* aPlace) {
+vesk::VeskValue BoundObjectHook::copy(void const* aId, void const* aPlace) const {
   auto const [object, deviant] = DeviantRegistry::getVariantInfo(aId);
   if (auto* const element = dynamic_cast<NSInterface::ModelElementIntf*>(object)) {
     if (!element->existsIn(deviant)) raiseFailure(words::kNotInVariant, kSource);

@@ -277,6 +277,30 @@ void FeatureSequence::generic_push_back(Deviant const& aDeviant, Ref aValue) {
   add(aDeviant, size(aDeviant), aValue);
 }
 
+bool FeatureSequence::splice(Deviant const& aDeviant, int aFirst, int aRemoved,
+                             std::vector<Ref> const& aValues) {
+  checkChange(aDeviant);
+  if (aRemoved != 0 || aFirst != static_cast<int>(size(aDeviant))) return false;
+  std::vector<Element*> values;
+  values.reserve(aValues.size());
+  for (Ref const& value : aValues) {
+    values.push_back(elementOf(value));
+    if (values.back() == nullptr) failures::raiseNotAValue(kSource, fFeature);
+  }
+  append(aDeviant, values);
+  return true;
+}
+
+void FeatureSequence::append(Deviant const& aDeviant, std::span<Element* const> aValues) {
+  Change change(*fElement.model());
+  for (Element* const value : aValues) {
+    if (contains(aDeviant, *value)) continue;
+    check(*value, nullptr);
+    insert(aDeviant, size(aDeviant), *value);
+  }
+  change.commit();
+}
+
 void FeatureSequence::generic_push_front(Deviant const& aDeviant, Ref aValue) { add(aDeviant, 0, aValue); }
 
 void FeatureSequence::generic_replace(Deviant const& aDeviant, int aIndex, Ref aValue) {

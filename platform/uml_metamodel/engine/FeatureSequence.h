@@ -63,6 +63,9 @@ class FeatureSequence : public Kelm::Generic::SequenceIntf {
   std::uint64_t stamp(Deviant const& aDeviant) const override;
   int readBlock(Deviant const& aDeviant, int aIndex, int aCount, Kelm::Generic::Loan* aOut) const override;
   int indexOf(Deviant const& aDeviant, Kelm::Generic::Ref const& aValue, int aFrom) const override;
+  /// Takes values at the end alone: anywhere else each comes and goes with what follows from that.
+  bool splice(Deviant const& aDeviant, int aFirst, int aRemoved,
+              std::vector<Kelm::Generic::Ref> const& aValues) override;
   /// As `assign`: what stays is not unlinked.
   void specialized_assign(Kelm::Generic::SequenceIntf const* aOther, Deviant const& aDeviant,
                           bool& aResult) override;
@@ -91,6 +94,8 @@ class FeatureSequence : public Kelm::Generic::SequenceIntf {
   virtual void check(Element const& aValue, Element const* aReplaced) const = 0;
   virtual void insert(Deviant const& aDeviant, std::uint32_t aPosition, Element& aValue) = 0;
   virtual void erase(Deviant const& aDeviant, Element& aValue) = 0;
+  /// Adds those that are not there, all or none.
+  virtual void append(Deviant const& aDeviant, std::span<Element* const> aValues);
   virtual void rearrange(Deviant const& aDeviant, std::span<int const> aFrom, std::span<int const> aTo) = 0;
   /// Differs whenever positions may have moved; never 0.
   virtual std::uint64_t changes(Deviant const& aDeviant) const = 0;

@@ -231,6 +231,26 @@ void link(Element& aOwner, Feature const& aRoot, Element& aValue, std::uint32_t 
   change.commit();
 }
 
+bool linkAtOnce(Element& aOwner, Feature const& aRoot, std::span<Element* const> aValues) {
+  Feature const* const far = farEnd(aOwner, aRoot);
+  if (!isSimple(aRoot, far) || (far != nullptr && !isView(*far)) || seenOn(aOwner, aRoot).fUpper >= 0)
+    return false;
+  if (Change::isNoted(aOwner)) return false;
+  bool const isPart = ownsParts(aRoot);
+  for (Element* const value : aValues) {
+    if (holds(aOwner, aRoot, *value)) continue;
+    if (isPart && value->container() != nullptr) return false;
+    checkFit(aOwner, aRoot, *value);
+  }
+  // Room for all: nothing fails from here on.
+  if (isPart) aOwner.model()->reserveRoots(2);
+  Change::reserveList(aOwner, aRoot, static_cast<std::uint32_t>(aValues.size()));
+  for (Element* const value : aValues) Change::reserve(aOwner, aRoot, *value);
+  for (Element* const value : aValues)
+    if (!holds(aOwner, aRoot, *value)) linkEnds(aOwner, aRoot, far, *value, kAtEnd);
+  return true;
+}
+
 void unlink(Element& aOwner, Feature const& aRoot, Element& aValue) {
   if (Change::isObserved(aOwner)) [[unlikely]]
     return Change::together(aOwner, [&] { unlink(aOwner, aRoot, aValue); });

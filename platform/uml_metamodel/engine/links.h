@@ -47,6 +47,11 @@ void checkRoom(Element const& aOwner, Feature const& aRoot, std::span<Element* c
 /// container view; `aPosition` counts in the owner's list.
 void link(Element& aOwner, Feature const& aRoot, Element& aValue, std::uint32_t aPosition = kAtEnd);
 
+/// Appends values to a list where nothing else follows from it: free elements that nobody watches, in a
+/// feature without supersets or stored far end. All or none, without noting each step; raises what
+/// `checkLink` raises. False, with nothing done, for any other.
+bool linkAtOnce(Element& aOwner, Feature const& aRoot, std::span<Element* const> aValues);
+
 /// Takes the link away, also from the subsets at both ends; nothing if there is none. A part becomes a
 /// top-level element of its model.
 void unlink(Element& aOwner, Feature const& aRoot, Element& aValue);
