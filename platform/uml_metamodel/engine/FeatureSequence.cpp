@@ -7,6 +7,7 @@
 #include "engine/ElementRef.h"
 #include "engine/failures.h"
 #include "engine/featureAccess.h"
+#include "engine/links.h"
 #include "kelm/kernel/containers/Ref.h"
 #include "kelm/kernel/containers/iterator/IteratorProxy.h"
 #include "kelm/kernel/containers/sources.h"
@@ -287,18 +288,15 @@ bool FeatureSequence::splice(Deviant const& aDeviant, int aFirst, int aRemoved,
     values.push_back(elementOf(value));
     if (values.back() == nullptr) failures::raiseNotAValue(kSource, fFeature);
   }
-  append(aDeviant, values);
-  return true;
-}
-
-void FeatureSequence::append(Deviant const& aDeviant, std::span<Element* const> aValues) {
+  if (fFeature.fStorage == Storage::List && linkAtOnce(fElement, rootOf(fFeature), values)) return true;
   Change change(*fElement.model());
-  for (Element* const value : aValues) {
+  for (Element* const value : values) {
     if (contains(aDeviant, *value)) continue;
     check(*value, nullptr);
     insert(aDeviant, size(aDeviant), *value);
   }
   change.commit();
+  return true;
 }
 
 void FeatureSequence::generic_push_front(Deviant const& aDeviant, Ref aValue) { add(aDeviant, 0, aValue); }

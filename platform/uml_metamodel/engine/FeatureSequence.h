@@ -94,8 +94,6 @@ class FeatureSequence : public Kelm::Generic::SequenceIntf {
   virtual void check(Element const& aValue, Element const* aReplaced) const = 0;
   virtual void insert(Deviant const& aDeviant, std::uint32_t aPosition, Element& aValue) = 0;
   virtual void erase(Deviant const& aDeviant, Element& aValue) = 0;
-  /// Adds those that are not there, all or none.
-  virtual void append(Deviant const& aDeviant, std::span<Element* const> aValues);
   virtual void rearrange(Deviant const& aDeviant, std::span<int const> aFrom, std::span<int const> aTo) = 0;
   /// Differs whenever positions may have moved; never 0.
   virtual std::uint64_t changes(Deviant const& aDeviant) const = 0;

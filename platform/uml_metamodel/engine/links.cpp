@@ -194,7 +194,7 @@ void checkLink(Element const& aOwner, Feature const& aRoot, Element const& aValu
   if (isFull(aOwner, aRoot, seen, aReplaced)) failures::raiseNoRoom(kSource, seen);
 }
 
-void checkFit(Element const& aOwner, Feature const& aRoot, Element const& aValue) {
+[[gnu::noinline]] void checkFit(Element const& aOwner, Feature const& aRoot, Element const& aValue) {
   checkFitAs(aOwner, aRoot, seenOn(aOwner, aRoot), aValue);
 }
 
@@ -245,7 +245,8 @@ bool linkAtOnce(Element& aOwner, Feature const& aRoot, std::span<Element* const>
   // Room for all: nothing fails from here on.
   if (isPart) aOwner.model()->reserveRoots(2);
   Change::reserveList(aOwner, aRoot, static_cast<std::uint32_t>(aValues.size()));
-  for (Element* const value : aValues) Change::reserve(aOwner, aRoot, *value);
+  if (!isPart && aRoot.fOpposite == kNoFeature)
+    for (Element* const value : aValues) Referrers::reserve(*value);
   for (Element* const value : aValues)
     if (!holds(aOwner, aRoot, *value)) linkEnds(aOwner, aRoot, far, *value, kAtEnd);
   return true;

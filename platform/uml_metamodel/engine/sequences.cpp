@@ -72,9 +72,6 @@ class StoredSequence final : public FeatureSequence {
     link(fElement, fRoot, aValue, aPosition >= size(aDeviant) ? kAtEnd : aPosition);
   }
   void erase(Deviant const&, Element& aValue) override { unlink(fElement, fRoot, aValue); }
-  void append(Deviant const& aDeviant, std::span<Element* const> aValues) override {
-    if (!linkAtOnce(fElement, fRoot, aValues)) FeatureSequence::append(aDeviant, aValues);
-  }
   void rearrange(Deviant const&, std::span<int const> aFrom, std::span<int const> aTo) override {
     Change::rearrange(fElement, fRoot, aFrom, aTo);
   }
