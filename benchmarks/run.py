@@ -20,8 +20,10 @@ def measured(build, only):
     if only in (None, "scripts"):
         import footprint
         import scripts
+        import workloads
 
         yield from scripts.measure()
+        yield from workloads.measure()
         yield from footprint.measure(build)
     if only in (None, "programs"):
         import programs

@@ -8,6 +8,7 @@
 #include "kelm/IntrospectiveMethods.h"
 #include "kelm_mi/KelmmiPropertyFactory.h"
 #include "kelm_mi/families.h"
+#include "uml_metamodel/umlmm/detail/stored.h"
 
 /// The three script classes of a metaclass as data, and what fills a class from it.
 namespace umlmm::mi {
@@ -44,6 +45,8 @@ struct PropertyRow {
   unsigned fId;
   Kelm::mi::Multiplicity fMultiplicity;
   Kelm::mi::Mutability fMutability;
+  /// Where the element keeps the value.
+  umlmm::detail::StoredFeature fStored;
   char const* fType;
   Add fAdd;
 };

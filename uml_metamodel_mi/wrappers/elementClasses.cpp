@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "kelm_mi/refClassInfos.h"
+#include "uml_metamodel_mi/wrappers/doors.h"
 #include "uml_metamodel_mi/wrappers/metaclasses.h"
 
 namespace umlmm::mi {
@@ -25,6 +26,7 @@ std::vector<std::string> baseList(ElementDescription const& aDescription) {
 void announceElementClasses(vesk::VeskPackage* aPackage, ElementDescription const& aDescription,
                             MakeClassInfo aImmutable, MakeClassInfo aMutable, MakeClassInfo aMetaProperty) {
   if (aPackage == nullptr) return;
+  offerDoors(aDescription);
   vesk::ClassFamily const& family = aDescription.family();
   announceClass(aPackage, aImmutable(family.shortName(family.reference(Access::ReadOnly)), ""));
   announceClass(aPackage, aMutable(family.shortName(family.reference(Access::Changeable)), ""));

@@ -272,17 +272,22 @@ PyInstance& boundInstance(PyObject* object) {
   return instanceOf(object);
 }
 
+lum::HostPlace* placeOf(PyInstance& instance) {
+  ObjectHook const* const hook = instance.classRecord().info().getObjectHook();
+  return hook ? hook->hostPlace(instance.nativeId()) : nullptr;
+}
+
 }  // namespace
 
 Ref stateOfModel(PyObject* object) {
   PyInstance& instance = boundInstance(object);
-  lum::HostPlace* place = instance.classRecord().info().hostPlace(instance.nativeId());
+  lum::HostPlace* place = placeOf(instance);
   if (!place)
     raise(PyExc_ValueError, "Only an open model and its elements have a state, not " + shortRepr(object));
   if (!place->fWhat) {
     Ref state = Ref::checked(PyDict_New());
     // The allocation may have run a finalizer, which closed the model or asked for its state.
-    place = instance.classRecord().info().hostPlace(instance.nativeId());
+    place = placeOf(instance);
     if (!place)
       raise(PyExc_ValueError, "Only an open model and its elements have a state, not " + shortRepr(object));
     if (!place->fWhat) *place = {state.release(), &dropState};
@@ -293,14 +298,16 @@ Ref stateOfModel(PyObject* object) {
 Ref copyOf(PyObject* object, PyObject* place) {
   PyInstance& instance = boundInstance(object);
   void const* const placeId = place == Py_None ? nullptr : boundInstance(place).nativeId();
-  VeskValue const copy = instance.classRecord().info().copy(instance.nativeId(), placeId);
+  ObjectHook const* const hook = instance.classRecord().info().getObjectHook();
+  VeskValue const copy = hook ? hook->copy(instance.nativeId(), placeId) : VeskValue();
   if (!copy.array()) raise(PyExc_TypeError, "There is no copy of " + shortRepr(object));
   return toPython(host::OwnedValue(instance.classRecord(), copy));
 }
 
 void letGoOf(PyObject* object) {
   PyInstance& instance = boundInstance(object);
-  instance.classRecord().info().letGo(instance.nativeId());
+  if (ObjectHook const* const hook = instance.classRecord().info().getObjectHook())
+    hook->letGo(instance.nativeId());
 }
 
 }  // namespace vesk::python

@@ -2,10 +2,12 @@
 
 #include "arguments.h"
 #include "classes.h"
+#include "doors.h"
 #include "errors.h"
 #include "instances.h"
 #include "names.h"
 #include "results.h"
+#include "vesk/VeskClassInfo.h"
 
 namespace vesk::python {
 
@@ -32,6 +34,11 @@ bool settlesChoice(PyTypeObject* type) noexcept {
   throw PythonError();
 }
 
+bool append(host::Instance& list, PyInstance& value) {
+  SequenceHook const* const hook = list.classRecord().info().getSequenceHook();
+  return hook && hook->append(&list, value.array());
+}
+
 }  // namespace
 
 host::MethodRecord const* CallCache::find(host::Member const* member, host::CallForm form,
@@ -54,6 +61,9 @@ void CallCache::store(host::Member const* member, host::CallForm form, PyObject*
   fMethod = &method;
   fForm = form;
   fCount = count;
+  fAppends = form == host::CallForm::OnInstance && count == 1 && isInstance(arguments[0]) &&
+             member->fName == internal::interned<"append">() && method.fOwner &&
+             method.fOwner->info().getSequenceHook() && !areDoorsShut();
 }
 
 PyObject* call(CallCache& cache, host::Member const& member, host::CallForm form, host::Instance* receiver,
@@ -65,6 +75,7 @@ PyObject* call(CallCache& cache, host::Member const& member, host::CallForm form
     cache.store(&member, form, arguments, count, *method);
   }
   try {
+    if (cache.appends() && append(*receiver, instanceOf(arguments[0]))) return Py_NewRef(Py_None);
     return toPython(host::callMethod(*method, form, receiver, source, count)).release();
   } catch (...) {
     raiseFailedCall(*method, form, arguments, count);

@@ -16,12 +16,15 @@ class CallCache {
                                                PyObject* const* arguments, int count) const noexcept;
   void store(host::Member const* member, host::CallForm form, PyObject* const* arguments, int count,
              host::MethodRecord const& method) noexcept;
+  /// Whether the call that is remembered appends an object to a list, which has a shorter way.
+  [[nodiscard]] bool appends() const noexcept { return fAppends; }
 
  private:
   host::Member const* fMember = nullptr;
   host::MethodRecord const* fMethod = nullptr;
   host::CallForm fForm{};
   int fCount = -1;
+  bool fAppends = false;
   PyTypeObject* fTypes[kMostArguments] = {};
 };
 

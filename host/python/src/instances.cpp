@@ -25,7 +25,8 @@ std::string className(PyInstance& instance) { return std::string(instance.classR
 
 Identity identityOf(PyInstance& instance) {
   if (!instance.isBound()) return {&instance, 0};
-  return instance.classRecord().info().identify(instance.nativeId());
+  ObjectHook const* const hook = instance.classRecord().info().getObjectHook();
+  return hook ? hook->identify(instance.nativeId()) : Identity{instance.nativeId(), 0};
 }
 
 // --- text

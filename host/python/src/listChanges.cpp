@@ -36,6 +36,7 @@ Ref elementFor(PyObject* self, PyObject* value) {
   PyInstance& instance = instanceOf(self);
   ClassFront& front = frontOf(instance);
   host::Type const& type = front.elementType();
+  if (isPlain(value, type)) return Ref::shared(value);
   bool const isNoObject = type.isClass() && isEmpty(value);
   if (!isNoObject && accepts(self, internal::interned<"append">(), &value, 1))
     // a plain str runs no code of scripts

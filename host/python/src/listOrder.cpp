@@ -187,6 +187,10 @@ bool assignOrder(PyObject* list, Slice const& range, PyObject* values) {
 
 bool replacesAll(PyObject* list, Slice const& range, PyObject* values) {
   constexpr Py_ssize_t kFew = 8;
+  if (sizeOf(list) == 0) {
+    checkRepeats(list, values);
+    return true;
+  }
   if ((range.fCount + PyTuple_GET_SIZE(values)) * kFew > sizeOf(list)) return false;
   bool stays = false;
   for (Py_ssize_t i = 0; i < PyTuple_GET_SIZE(values); ++i) {

@@ -8,6 +8,7 @@
 #include "arguments.h"
 #include "calls.h"
 #include "classes.h"
+#include "doors.h"
 #include "errors.h"
 #include "instances.h"
 #include "lists.h"
@@ -31,6 +32,9 @@ using host::ClassRecord;
 
 struct PropertyObject {
   PyObject_HEAD host::PropertyRecord const* fRecord;
+  PropertyDoor fDoor;
+  bool fHasDoor;
+  bool fWasAsked;  ///< whether there is a door
 };
 
 struct MethodObject {
@@ -70,6 +74,18 @@ Object* allocate(PyTypeObject& type) {
 }
 
 // --- properties
+
+[[gnu::cold]] void askForDoor(PropertyObject& property) {
+  property.fDoor = openDoor(*property.fRecord);
+  property.fHasDoor = property.fDoor.fKind != PropertyDoor::Kind::Closed;
+  property.fWasAsked = true;
+}
+/// The door to a property, or null.
+PropertyDoor const* doorOf(PropertyObject& property) {
+  if (!property.fWasAsked) [[unlikely]]
+    askForDoor(property);
+  return property.fHasDoor ? &property.fDoor : nullptr;
+}
 
 void checkOwner(ClassRecord const& owner, PyObject* object) {
   if (isInstance(object) && instanceOf(object).classRecord().distanceTo(owner) >= 0) return;
@@ -112,6 +128,18 @@ VeskValue convertForProperty(host::PropertyRecord const& property, PyObject* obj
   } catch (VeskError const& error) {
     throw VeskError(shownName(property, object) + " cannot be set: " + error.what(), error.kind());
   }
+}
+
+/// Turns the failure that is being handled into a Python error that tells what was to be set.
+[[noreturn, gnu::cold]] void raiseNotSet(host::PropertyRecord const& property, PyObject* object,
+                                         PyObject* value) {
+  raiseExplained(
+      [&](host::FailureKind kind) {
+        return kind == host::FailureKind::WrongValue ? refusal(value, acceptedValues(property.type())) : "";
+      },
+      true);
+  addNote([&] { return "while " + shownName(property, object) + " was set to " + shortRepr(value); });
+  throw PythonError();
 }
 
 // --- methods
@@ -341,6 +369,8 @@ Ref makeFunction(host::Member const& function) {
 }
 
 PyObject* readProperty(PyObject* property, PyObject* object) {
+  if (PropertyDoor const* const door = doorOf(asProperty(property)))
+    if (PyObject* const value = readThrough(*door, instanceOf(object))) return value;
   host::PropertyRecord const& record = *asProperty(property).fRecord;
   host::PropertyReading const reading(record, instanceOf(object));
   return toPython(record.type(), reading.value()).release();
@@ -348,6 +378,12 @@ PyObject* readProperty(PyObject* property, PyObject* object) {
 
 void writeProperty(PyObject* property, PyObject* object, PyObject* value) {
   host::PropertyRecord const& record = *asProperty(property).fRecord;
+  PropertyDoor const* const door = doorOf(asProperty(property));
+  try {
+    if (door && door->fWrite && writeThrough(*door, record, instanceOf(object), value)) return;
+  } catch (...) {
+    raiseNotSet(record, object, value);
+  }
   VeskValue converted;
   Ref list;
   if (!convertAtOnce(value, record.type(), converted)) {
@@ -359,13 +395,7 @@ void writeProperty(PyObject* property, PyObject* object, PyObject* value) {
   try {
     record.fInfo->setValue(&instanceOf(object), converted);
   } catch (...) {
-    raiseExplained(
-        [&](host::FailureKind kind) {
-          return kind == host::FailureKind::WrongValue ? refusal(value, acceptedValues(record.type())) : "";
-        },
-        true);
-    addNote([&] { return "while " + shownName(record, object) + " was set to " + shortRepr(value); });
-    throw PythonError();
+    raiseNotSet(record, object, value);
   }
 }
 

@@ -92,6 +92,20 @@ Ref textFromUtf16(char16_t const* units, std::size_t count) {
   return text;
 }
 
+PyObject* shortTextFromUtf16(char16_t const* units, std::size_t count) {
+  char16_t all = 0;
+  bool hasZero = false;
+  for (std::size_t i = 0; i < count; ++i) {
+    all |= units[i];
+    hasZero |= units[i] == 0;
+  }
+  if (hasZero) return nullptr;
+  if (all >= 0x80) return textFromUtf16(units, count).release();
+  PyObject* const text = checked(PyUnicode_New(static_cast<Py_ssize_t>(count), 0x7F));
+  std::copy_n(units, count, PyUnicode_1BYTE_DATA(text));
+  return text;
+}
+
 Ref toPython(host::Type const& type, VeskValue value) {
   tarnArray const* array = value.array();
   if (host::holdsArray(type.fCarrier) && !array) return none();

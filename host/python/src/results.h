@@ -12,5 +12,8 @@ namespace vesk::python {
 
 /// A Python text of UTF-16 code units; lone surrogates and zeros are kept.
 [[nodiscard]] Ref textFromUtf16(char16_t const* units, std::size_t count);
+/// The same for texts that are mostly short and ASCII: a new reference, or null, without an error, for one
+/// with zeros.
+[[nodiscard]] PyObject* shortTextFromUtf16(char16_t const* units, std::size_t count);
 
 }  // namespace vesk::python

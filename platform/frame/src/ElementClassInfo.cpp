@@ -29,24 +29,29 @@ void checkChangeable(void const* aId, Deviant const& aDeviant) {
 
 }  // namespace
 
-void letGoOfModel(void const* aId) {
-  if (ModelObject const* const model = modelOf(aId)) ModelCache::instance().letGo(*model);
+BoundObjectHook& BoundObjectHook::instance() noexcept {
+  static BoundObjectHook sHook;
+  return sHook;
 }
 
-vesk::Identity identifyBoundObject(void const* aId) {
+vesk::Identity BoundObjectHook::identify(void const* aId) const {
   auto const [object, deviant] = DeviantRegistry::getVariantInfo(aId);
   if (object == nullptr) return {aId, 0};
   return {object, deviant.word()};
 }
 
-lum::HostPlace* hostPlaceOfModel(void const* aId) {
+lum::HostPlace* BoundObjectHook::hostPlace(void const* aId) const {
   auto const [object, deviant] = DeviantRegistry::getVariantInfo(aId);
   auto const* const element = dynamic_cast<NSInterface::ModelElementIntf*>(object);
   ModelObject* const model = element != nullptr ? element->model() : modelOf(aId);
   return model == nullptr ? nullptr : &model->hostPlace();
 }
 
-vesk::VeskValue copyBoundObject(void const* aId, void const* aPlace) {
+void BoundObjectHook::letGo(void const* aId) const {
+  if (ModelObject const* const model = modelOf(aId)) ModelCache::instance().letGo(*model);
+}
+
+vesk::VeskValue BoundObjectHook::copy(void const* aId, void const* aPlace) const {
   auto const [object, deviant] = DeviantRegistry::getVariantInfo(aId);
   if (auto* const element = dynamic_cast<NSInterface::ModelElementIntf*>(object)) {
     if (!element->existsIn(deviant)) raiseFailure(words::kNotInVariant, kSource);

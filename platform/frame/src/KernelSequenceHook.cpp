@@ -97,4 +97,10 @@ bool KernelSequenceHook::splice(vesk::VeskInterface* aSequence, std::size_t aFir
                                 elements);
 }
 
+bool KernelSequenceHook::append(vesk::VeskInterface* aSequence, vesk::VeskValue aValue) const {
+  auto const [sequence, deviant] = sequenceOf(aSequence);
+  sequence.generic_push_back(deviant, element(aValue));
+  return true;
+}
+
 }  // namespace Kelm::mi

@@ -20,7 +20,7 @@ constexpr std::uint32_t kFirstCapacity = 3;
 constexpr std::uint32_t kScanned = 32;
 /// A search goes this far from a hint before all hints are renewed.
 constexpr std::uint32_t kMaxDrift = 256;
-/// So many holes are walked over before they are closed.
+/// At least so many holes are walked over before they are closed.
 constexpr std::uint32_t kLongestRun = 64;
 
 }  // namespace
@@ -143,8 +143,10 @@ ElementList::Element* HintedList<IsOwning>::before(Element const* aElement) noex
   std::uint32_t entry = find(aElement);
   for (std::uint32_t const first = entry; entry > fBegin; --entry) {
     if (items()[entry - 1] != nullptr) return items()[entry - 1];
-    if (first - entry < kLongestRun) continue;
-    // Many were erased before it: a run of holes is walked once.
+    std::uint64_t const run = first - entry;
+    if (run < kLongestRun || run * run < fEnd - fBegin) continue;
+    // Many were erased before it. Closing holes goes over the whole list, so the longer that is, the longer
+    // are the runs of holes that are walked.
     closeHoles();
     renewHints();
     entry = find(aElement) + 1;

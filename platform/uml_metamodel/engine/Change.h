@@ -99,6 +99,8 @@ class Change {
       return;
     if (!isNotedValues(*open, aElement, aRoot, aPlace)) aPlace = addValues(*open, aElement, aRoot, aKeep());
   }
+  /// Whether steps are noted: somebody observes the model, or a change is open.
+  static bool isNoted(Element const& aElement) noexcept { return record(aElement) != nullptr; }
   /// Whether somebody observes the model and no change is open: steps that belong together need one.
   static bool isObserved(Element const& aElement) noexcept {
     return record(aElement) != nullptr && record(aElement)->isIdle();
@@ -135,6 +137,11 @@ class Change {
       withSlot(aOwner, aRoot,
                [&]<class List>(List*& aSlot) { List::reserve(aSlot, aOwner.model()->blocks(), 1); });
     if (!ownsParts(aRoot) && aRoot.fOpposite == kNoFeature) Referrers::reserve(aValue);
+  }
+  /// The same for several values of a list, as far as the list goes.
+  static void reserveList(Element& aOwner, Feature const& aRoot, std::uint32_t aCount) {
+    withSlot(aOwner, aRoot,
+             [&]<class List>(List*& aSlot) { List::reserve(aSlot, aOwner.model()->blocks(), aCount); });
   }
   /// Puts a value, which no other owner holds, into a reference that is empty or before a position of a list,
   /// where `reserve` has made room.

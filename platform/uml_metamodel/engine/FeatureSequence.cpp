@@ -7,6 +7,7 @@
 #include "engine/ElementRef.h"
 #include "engine/failures.h"
 #include "engine/featureAccess.h"
+#include "engine/links.h"
 #include "kelm/kernel/containers/Ref.h"
 #include "kelm/kernel/containers/iterator/IteratorProxy.h"
 #include "kelm/kernel/containers/sources.h"
@@ -275,6 +276,27 @@ void FeatureSequence::generic_pop_front(Deviant const& aDeviant) {
 
 void FeatureSequence::generic_push_back(Deviant const& aDeviant, Ref aValue) {
   add(aDeviant, size(aDeviant), aValue);
+}
+
+bool FeatureSequence::splice(Deviant const& aDeviant, int aFirst, int aRemoved,
+                             std::vector<Ref> const& aValues) {
+  checkChange(aDeviant);
+  if (aRemoved != 0 || aFirst != static_cast<int>(size(aDeviant))) return false;
+  std::vector<Element*> values;
+  values.reserve(aValues.size());
+  for (Ref const& value : aValues) {
+    values.push_back(elementOf(value));
+    if (values.back() == nullptr) failures::raiseNotAValue(kSource, fFeature);
+  }
+  if (fFeature.fStorage == Storage::List && linkAtOnce(fElement, rootOf(fFeature), values)) return true;
+  Change change(*fElement.model());
+  for (Element* const value : values) {
+    if (contains(aDeviant, *value)) continue;
+    check(*value, nullptr);
+    insert(aDeviant, size(aDeviant), *value);
+  }
+  change.commit();
+  return true;
 }
 
 void FeatureSequence::generic_push_front(Deviant const& aDeviant, Ref aValue) { add(aDeviant, 0, aValue); }

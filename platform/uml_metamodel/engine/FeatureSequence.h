@@ -63,6 +63,9 @@ class FeatureSequence : public Kelm::Generic::SequenceIntf {
   std::uint64_t stamp(Deviant const& aDeviant) const override;
   int readBlock(Deviant const& aDeviant, int aIndex, int aCount, Kelm::Generic::Loan* aOut) const override;
   int indexOf(Deviant const& aDeviant, Kelm::Generic::Ref const& aValue, int aFrom) const override;
+  /// Takes values at the end alone: anywhere else each comes and goes with what follows from that.
+  bool splice(Deviant const& aDeviant, int aFirst, int aRemoved,
+              std::vector<Kelm::Generic::Ref> const& aValues) override;
   /// As `assign`: what stays is not unlinked.
   void specialized_assign(Kelm::Generic::SequenceIntf const* aOther, Deviant const& aDeviant,
                           bool& aResult) override;

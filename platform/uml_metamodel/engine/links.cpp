@@ -194,7 +194,7 @@ void checkLink(Element const& aOwner, Feature const& aRoot, Element const& aValu
   if (isFull(aOwner, aRoot, seen, aReplaced)) failures::raiseNoRoom(kSource, seen);
 }
 
-void checkFit(Element const& aOwner, Feature const& aRoot, Element const& aValue) {
+[[gnu::noinline]] void checkFit(Element const& aOwner, Feature const& aRoot, Element const& aValue) {
   checkFitAs(aOwner, aRoot, seenOn(aOwner, aRoot), aValue);
 }
 
@@ -262,6 +262,27 @@ void add(Element& aOwner, Feature const& aRoot, Element& aValue) {
   Element* const old = seen.isMany() ? nullptr : single(aOwner, aRoot);
   checkLink(aOwner, aRoot, aValue, old);
   replace(aOwner, aRoot, old, &aValue);
+}
+
+bool linkAtOnce(Element& aOwner, Feature const& aRoot, std::span<Element* const> aValues) {
+  Feature const* const far = farEnd(aOwner, aRoot);
+  if (!isSimple(aRoot, far) || (far != nullptr && !isView(*far)) || seenOn(aOwner, aRoot).fUpper >= 0)
+    return false;
+  if (Change::isNoted(aOwner)) return false;
+  bool const isPart = ownsParts(aRoot);
+  for (Element* const value : aValues) {
+    if (holds(aOwner, aRoot, *value)) continue;
+    if (isPart && value->container() != nullptr) return false;
+    checkFit(aOwner, aRoot, *value);
+  }
+  // Room for all: nothing fails from here on.
+  if (isPart) aOwner.model()->reserveRoots(2);
+  Change::reserveList(aOwner, aRoot, static_cast<std::uint32_t>(aValues.size()));
+  if (!isPart && aRoot.fOpposite == kNoFeature)
+    for (Element* const value : aValues) Referrers::reserve(*value);
+  for (Element* const value : aValues)
+    if (!holds(aOwner, aRoot, *value)) linkEnds(aOwner, aRoot, far, *value, kAtEnd);
+  return true;
 }
 
 void unlink(Element& aOwner, Feature const& aRoot, Element& aValue) {

@@ -51,6 +51,11 @@ void link(Element& aOwner, Feature const& aRoot, Element& aValue, std::uint32_t 
 /// is there. What nobody owns yet comes into its owner in a third of the time.
 void add(Element& aOwner, Feature const& aRoot, Element& aValue);
 
+/// Appends values to a list where nothing else follows from it: free elements that nobody watches, in a
+/// feature without supersets or stored far end. All or none, without noting each step; raises what
+/// `checkLink` raises. False, with nothing done, for any other.
+bool linkAtOnce(Element& aOwner, Feature const& aRoot, std::span<Element* const> aValues);
+
 /// Takes the link away, also from the subsets at both ends; nothing if there is none. A part becomes a
 /// top-level element of its model.
 void unlink(Element& aOwner, Feature const& aRoot, Element& aValue);

@@ -33,6 +33,14 @@ bool SequenceHook::splice(VeskInterface*, std::size_t, std::size_t, VeskValue co
   return false;
 }
 
+ObjectHook::~ObjectHook() = default;
+lum::HostPlace* ObjectHook::hostPlace(void const*) const { return nullptr; }
+VeskValue ObjectHook::copy(void const*, void const*) const { return {}; }
+void ObjectHook::letGo(void const*) const {}
+bool ObjectHook::openDoor(VeskPropInfo const&, PropertyDoor&) const { return false; }
+
+bool SequenceHook::append(VeskInterface*, VeskValue) const { return false; }
+
 VeskPackageInfo::~VeskPackageInfo() = default;
 bool VeskPackageInfo::attemptToLoadSubPackage(char const*) { return false; }
 void VeskPackageInfo::throwErrorForDefinitionOfExistingName(char const* name) {
@@ -54,9 +62,6 @@ bool VeskClassInfo::customSave(VeskInterfacePtr, VeskValue&, VeskDataTypePtr&) {
 bool VeskClassInfo::customLoad(VeskInterfacePtr&, VeskValue, VeskDataTypePtr) { return false; }
 std::vector<VeskInterfacePtr> VeskClassInfo::getChildrenOfInstance(VeskInterface*) { return {}; }
 bool VeskClassInfo::visitMemberNames(std::function<void(char const*)> const&) const { return false; }
-void VeskClassInfo::letGo(void const*) const {}
-lum::HostPlace* VeskClassInfo::hostPlace(void const*) const { return nullptr; }
-VeskValue VeskClassInfo::copy(void const*, void const*) const { return {}; }
 
 VeskMethodInfo::~VeskMethodInfo() = default;
 ExtendedAccess VeskMethodInfo::getExtendedAccess() const { return {getMemberAccess(), {}, {}}; }

@@ -31,6 +31,7 @@ class KernelSequenceHook : public vesk::SequenceHook {
   vesk::VeskValue shownObject(vesk::VeskInterface* aSequence) const final;
   bool splice(vesk::VeskInterface* aSequence, std::size_t aFirst, std::size_t aRemoved,
               vesk::VeskValue const* aValues, std::size_t aCount) const final;
+  bool append(vesk::VeskInterface* aSequence, vesk::VeskValue aValue) const final;
 
  protected:
   /// Boxes at most a block of lent values; when one fails, none is given. Must let no foreign code run before

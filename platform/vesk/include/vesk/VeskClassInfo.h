@@ -45,6 +45,9 @@ class UMLMM_API SequenceHook {
   /// sequence that is changed by its methods only.
   virtual bool splice(VeskInterface* sequence, std::size_t first, std::size_t removed,
                       VeskValue const* values, std::size_t count) const;
+  /// Appends a value of the element type, which stays the caller's, as the published method of that name does.
+  /// Answers false, with nothing changed, for a sequence that is changed by its methods only.
+  virtual bool append(VeskInterface* sequence, VeskValue value) const;
   /// Data type or full class name of the elements.
   virtual char const* elementType() const = 0;
 
@@ -71,6 +74,27 @@ struct Identity {
   std::uintptr_t fVariant = 0;
 
   friend bool operator==(Identity const&, Identity const&) noexcept = default;
+};
+
+/// What the host asks a library of the objects that instances stand for, by the ids that are bound to them.
+class UMLMM_API ObjectHook {
+ public:
+  virtual ~ObjectHook();
+  /// What the instance bound to `id` stands for, for `==` and `hash` of scripts; by default the id alone.
+  virtual Identity identify(void const* id) const { return {id, 0}; }
+  /// Where the host may keep something as long as the model is open that `id` stands for, or that what it
+  /// stands for belongs to: one place for a model. Null for what belongs to none, or to none any more.
+  virtual lum::HostPlace* hostPlace(void const* id) const;
+  /// Copies what `id` stands for, with all that it owns: beside it, or into what `place` stands for if that
+  /// is not null. Answers the copy, or `place`, as a method would return it; all or nothing. A null value for
+  /// what can't be copied so.
+  virtual VeskValue copy(void const* id, void const* place) const;
+  /// The library keeps what `id` stands for no longer by itself: it lives as long as somebody has it or
+  /// something that belongs to it. Nothing for what it never keeps.
+  virtual void letGo(void const* id) const;
+  /// Opens a short road to a property that objects of the class have; false for one that its descriptor
+  /// serves alone.
+  virtual bool openDoor(VeskPropInfo const& property, PropertyDoor& door) const;
 };
 
 /// What a library tells the host of one class. The host owns it. Of the many questions it asks those that
@@ -140,8 +164,9 @@ class UMLMM_API VeskClassInfo {
   virtual bool isIDConsistent() const { return false; }
   /// For classes of sequences: how to walk an instance. Belongs to the info. Null for all others.
   virtual SequenceHook const* getSequenceHook() const { return nullptr; }
-  /// What the instance bound to `id` stands for, for `==` and `hash` of scripts; by default the id alone.
-  virtual Identity identify(void const* id) const { return {id, 0}; }
+  /// What the host asks of the objects behind instances. Belongs to the info. Null for objects that are
+  /// nothing but their ids.
+  virtual ObjectHook const* getObjectHook() const { return nullptr; }
   /// The classes about the same kind of thing; null for a class without others. Lives as long as the class.
   virtual ClassFamily const* family() const { return nullptr; }
   /// Calls `visit` with the name of each method and property that the class declares itself, constructors
@@ -149,16 +174,6 @@ class UMLMM_API VeskClassInfo {
   /// filled. The names live as long as the class. False, with nothing visited, for a class that has to be
   /// filled first.
   virtual bool visitMemberNames(std::function<void(char const*)> const& visit) const;
-  /// Where the host may keep something as long as the model is open that `id` stands for, or that what it
-  /// stands for belongs to: one place for a model. Null for what belongs to none, or to none any more.
-  virtual lum::HostPlace* hostPlace(void const* id) const;
-  /// Copies what `id` stands for, with all that it owns: beside it, or into what `place` stands for if that
-  /// is not null. Answers the copy, or `place`, as a method would return it; all or nothing. A null value for
-  /// what can't be copied so.
-  virtual VeskValue copy(void const* id, void const* place) const;
-  /// The library keeps what `id` stands for no longer by itself: it lives as long as somebody has it or
-  /// something that belongs to it. Nothing for what it never keeps.
-  virtual void letGo(void const* id) const;
 };
 
 }  // namespace vesk

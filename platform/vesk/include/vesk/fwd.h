@@ -23,7 +23,9 @@ class VeskPackage;
 class VeskPackageInfo;
 class VeskPropInfo;
 class VeskValue;
+class ObjectHook;
 class SequenceHook;
+struct PropertyDoor;
 
 namespace factory {
 class FunctionInfo;

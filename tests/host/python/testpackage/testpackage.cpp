@@ -351,13 +351,20 @@ void fillChangeableList(VeskClass& cls) {
 
 using TestClass = vesk::testing::TestClass;
 
+struct ThingHook final : vesk::ObjectHook {
+  vesk::Identity identify(void const* id) const override { return {static_cast<View const*>(id)->fThing, 0}; }
+};
+
 struct ThingInfo final : TestClass {
   using TestClass::TestClass;
   void releaseInstance(vesk::VeskClient const*, void* id) override {
     BindingRegistry::remove(id);
     intrusive_ptr_release(static_cast<View*>(id)->fThing);
   }
-  vesk::Identity identify(void const* id) const override { return {static_cast<View const*>(id)->fThing, 0}; }
+  vesk::ObjectHook const* getObjectHook() const override {
+    static ThingHook const sHook;
+    return &sHook;
+  }
 };
 
 struct ListInfo final : TestClass {

@@ -184,6 +184,14 @@ std::vector<Way> const kWays{
     {"append", true, [](World const& aIn) { aIn.list().generic_push_back(aIn.variant(), aIn.ref(3)); }},
     {"append what another has", true,
      [](World const& aIn) { aIn.list().generic_push_back(aIn.variant(), aIn.ref(2)); }},
+    {"append several", true,
+     [](World const& aIn) {
+       aIn.list().splice(aIn.variant(), aIn.list().generic_size(aIn.variant()), 0, {aIn.ref(3), aIn.ref(0)});
+     }},
+    {"append what another has, and more", true,
+     [](World const& aIn) {
+       aIn.list().splice(aIn.variant(), aIn.list().generic_size(aIn.variant()), 0, {aIn.ref(3), aIn.ref(2)});
+     }},
     {"insert at the front", true,
      [](World const& aIn) { aIn.list().generic_insert(aIn.variant(), 0, aIn.ref(2)); }},
     {"replace", true, [](World const& aIn) { aIn.list().generic_replace(aIn.variant(), 0, aIn.ref(2)); }},
