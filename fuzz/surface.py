@@ -380,9 +380,8 @@ def run(seed, steps, seconds):
             judge(error)
         if len(world.things) < 20 or done % 50 == 0:
             world.refresh()
-        for error in unraisable:
-            judge(error)
-        unraisable.clear()
+        while unraisable:  # none is kept by a name: its traceback holds objects
+            judge(unraisable.pop(0))
         done += 1
     world.depth = 10  # nothing is disturbed any more
     while world.models:
@@ -390,6 +389,7 @@ def run(seed, steps, seconds):
     world.things.clear()
     world.recent.clear()
     world.references.clear()
+    unraisable.clear()
     gc.collect()
     left = {name: count - before[name] for name, count in _host.live_counts().items() if count > before[name]}
     assert not left, f"left over: {left}"

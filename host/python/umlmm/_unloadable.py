@@ -16,4 +16,4 @@ def explained(error):
     names = " and ".join(re.sub(r"cpython-3(\d+)-(\w+)-.*", r"CPython 3.\1 on \2", name) for name in built)
     return errors.CannotLoad(
         f"This is Python {sys.version.split()[0]} ({running}), and umlmm is built for {names or 'none'}: run it with "
-        "that Python, or build umlmm for this one", name="umlmm._host")
+        "that Python, or make a wheel for this one (make wheel PYTHON=" + sys.executable + ")", name="umlmm._host")
