@@ -100,5 +100,20 @@ def test_both_roads_answer_the_same():
     assert len(short) == len(published)
 
 
+def test_texts_that_are_kept_are_those_of_their_elements():
+    model = umlmm.Factory.createNewModel()
+    elements = [umlmm.Class(model, name=f"first {number}") for number in range(100)]
+    lasting = [umlmm.Class(model, name=f"lasting {number}") for number in range(100)]
+    for _ in range(3):
+        assert [element.name for element in lasting] == [f"lasting {number}" for number in range(100)]
+    # More than are kept: places are used again, and texts end whose places are.
+    for number in range(140_000):
+        element = elements[number % 100]
+        element.name = f"name {number}"
+        assert element.name == element.name == f"name {number}"
+    assert [element.name for element in lasting] == [f"lasting {number}" for number in range(100)]
+    model.close()
+
+
 if __name__ == "__main__":
     tell()
