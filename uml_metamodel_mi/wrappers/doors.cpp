@@ -64,7 +64,10 @@ bool readText(PropertyDoor const& aDoor, void const* aId, PropertyDoor::Value& a
   if (!found) return false;
   unsigned const slot = found.slot(aDoor);
   if (slot == Kelm::ClassTable::kNoSlot) return false;
-  if (auto const* const text = found.word<Kelm::StringObject const*>(slot)) aValue.fText = text->text();
+  if (auto const* const text = found.word<Kelm::StringObject const*>(slot)) {
+    aValue.fText = text->text();
+    aValue.fMark = &text->hostMark();
+  }
   return true;
 }
 

@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
-#include <cstring>
+#include <utility>
+#include <vector>
 
 #include "results.h"
 #include "vesk/VeskClassInfo.h"
@@ -72,16 +73,67 @@ bool writeNumber(PropertyDoor const& door, PyInstance& instance, PyObject* numbe
   return door.write(instance.nativeId(), value);
 }
 
-bool writeObject(PropertyDoor const& door, host::Type const& type, PyInstance& instance, PyObject* object) {
+bool writeObject(PropertyDoor const& door, host::PropertyRecord const& property, PyInstance& instance,
+                 PyObject* object, host::ClassRecord const*& accepted) {
   PropertyDoor::Value value;
   value.fIsAbsent = object == Py_None;
   if (!value.fIsAbsent) {
     if (!isInstance(object)) return false;
     PyInstance& given = instanceOf(object);
-    if (given.classRecord().distanceTo(static_cast<host::ClassRecord const&>(type)) < 0) return false;
+    host::ClassRecord& cls = given.classRecord();
+    if (&cls != accepted) {
+      if (cls.distanceTo(static_cast<host::ClassRecord const&>(property.type())) < 0) return false;
+      accepted = &cls;
+    }
     value.fObject = &given;
   }
   return door.write(instance.nativeId(), value);
+}
+
+/// The Python texts of names that were read more than once, which costs some 60 bytes a name and makes
+/// reading a name again half as long. There are so many at most: the next one takes the place of the oldest.
+/// A text of the library notes which is its own, and the entry who has it: so a text may end, in any thread,
+/// without telling, and what it leaves here goes in its turn.
+class KeptTexts {
+ public:
+  static constexpr std::size_t kMost = 1U << 17;
+  static constexpr std::size_t kLongest = 64;
+
+  /// A new reference; null for what the descriptor has to show.
+  PyObject* get(std::u16string_view text, std::uint32_t* mark) {
+    if (mark && *mark > kRead && fEntries[*mark].fOwner == mark) return Py_NewRef(fEntries[*mark].fText);
+    Ref made(shortTextFromUtf16(text.data(), text.size()));
+    bool const isKept = made && mark && !text.empty() && text.size() <= kLongest;
+    if (isKept && std::exchange(*mark, kRead) != 0) keep(made.get(), mark);
+    return made.release();
+  }
+
+ private:
+  /// The mark of a text that was read once. Entries before the one behind it are not used.
+  static constexpr std::uint32_t kRead = 1;
+  struct Entry {
+    std::uint32_t const* fOwner = nullptr;
+    PyObject* fText = nullptr;
+  };
+
+  void keep(PyObject* text, std::uint32_t* mark) {
+    if (fNext == kMost) fNext = kRead + 1;
+    if (fNext >= fEntries.size()) fEntries.resize(std::min(kMost, 2 * fNext));
+    Entry& entry = fEntries[fNext];
+    *mark = static_cast<std::uint32_t>(fNext++);
+    entry.fOwner = mark;
+    Py_XSETREF(entry.fText, Py_NewRef(text));  // a str ends without running anything
+  }
+
+  std::vector<Entry> fEntries;
+  std::size_t fNext = kRead + 1;
+};
+
+// The interpreter ends before the process does: what is kept is not given back.
+constinit KeptTexts sKeptTexts;
+
+[[gnu::noinline]] PyObject* textOf(PropertyDoor::Value const& value) {
+  return sKeptTexts.get(value.fText, value.fMark);
 }
 
 /// What is mostly there: no bound, or a digit.
@@ -110,7 +162,7 @@ PyObject* readThrough(PropertyDoor const& door, PyInstance& instance) {
   if (value.fIsAbsent) return Py_NewRef(Py_None);
   switch (door.fKind) {
     case Kind::Text:
-      return shortTextFromUtf16(value.fText.data(), value.fText.size());
+      return textOf(value);
     case Kind::Object:
       return Py_NewRef(objectOf(*value.fObject));
     case Kind::Logical:
@@ -126,12 +178,12 @@ PyObject* readThrough(PropertyDoor const& door, PyInstance& instance) {
 }
 
 bool writeThrough(PropertyDoor const& door, host::PropertyRecord const& property, PyInstance& instance,
-                  PyObject* value) {
+                  PyObject* value, host::ClassRecord const*& accepted) {
   switch (door.fKind) {
     case Kind::Text:
       return writeText(door, instance, value);
     case Kind::Object:
-      return writeObject(door, property.type(), instance, value);
+      return writeObject(door, property, instance, value, accepted);
     case Kind::Logical: {
       PropertyDoor::Value truth;
       truth.fNumber = value == Py_True ? 1 : 0;

@@ -15,8 +15,9 @@ namespace vesk::python {
 
 /// The value of a property as a new reference; null, without an error, where the descriptor is to be asked.
 [[nodiscard]] PyObject* readThrough(PropertyDoor const& door, PyInstance& instance);
-/// Sets the property; false, with nothing done, where the descriptor is to be asked.
+/// Sets the property; false, with nothing done, where the descriptor is to be asked. `accepted` is the class
+/// of the object that was accepted last, or null: it is looked for among all superclasses once.
 [[nodiscard]] bool writeThrough(PropertyDoor const& door, host::PropertyRecord const& property,
-                                PyInstance& instance, PyObject* value);
+                                PyInstance& instance, PyObject* value, host::ClassRecord const*& accepted);
 
 }  // namespace vesk::python

@@ -33,6 +33,7 @@ using host::ClassRecord;
 struct PropertyObject {
   PyObject_HEAD host::PropertyRecord const* fRecord;
   PropertyDoor fDoor;
+  host::ClassRecord const* fAccepted;  ///< the class of the object that was set last
   bool fHasDoor;
   bool fWasAsked;  ///< whether there is a door
 };
@@ -380,7 +381,9 @@ void writeProperty(PyObject* property, PyObject* object, PyObject* value) {
   host::PropertyRecord const& record = *asProperty(property).fRecord;
   PropertyDoor const* const door = doorOf(asProperty(property));
   try {
-    if (door && door->fWrite && writeThrough(*door, record, instanceOf(object), value)) return;
+    if (door && door->fWrite &&
+        writeThrough(*door, record, instanceOf(object), value, asProperty(property).fAccepted))
+      return;
   } catch (...) {
     raiseNotSet(record, object, value);
   }

@@ -34,6 +34,7 @@ class StoredSequence final : public FeatureSequence {
     std::unordered_set<Element*> const staying(wanted.begin(), wanted.end());
     std::vector<Element*> old;
     collect(fElement, fRoot, old);
+    if (old.empty() && linkAtOnce(fElement, fRoot, wanted)) return;
     Change change(*fElement.model());
     for (Element* const value : old)
       if (!staying.contains(value)) unlink(fElement, fRoot, *value);

@@ -40,6 +40,8 @@ class UMLMM_API StringObject final : public NSInterface::ObjectIntf {
 
   std::u16string_view text() const noexcept { return {data(), fLength}; }
   char16_t const* data() const noexcept { return reinterpret_cast<char16_t const*>(this + 1); }
+  /// Of the host alone, which notes in its one thread what it has of the text; 0 at first.
+  std::uint32_t& hostMark() const noexcept { return fHostMark; }
 
   static void operator delete(void* aMemory);
 
@@ -57,7 +59,9 @@ class UMLMM_API StringObject final : public NSInterface::ObjectIntf {
 
   mutable std::int32_t fCount = 1;
   std::uint32_t fLength = 0;
+  mutable std::uint32_t fHostMark = 0;
 };
+static_assert(sizeof(StringObject) == 32, "the mark stands where there was room");
 
 /// A UTF-16 text that shares its record with copies, in whatever threads, with a narrow copy made when asked
 /// for. Copying takes no memory. One String itself belongs to one thread at a time; reading is no exception,

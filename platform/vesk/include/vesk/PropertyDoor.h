@@ -26,6 +26,9 @@ struct PropertyDoor {
     std::int32_t fNumber = 0;
     host::Instance* fObject = nullptr;
     std::u16string_view fText;
+    /// Beside a text that is lent, where the host may note what it has of it: 0 at first, and gone with it.
+    /// Null for a text without one.
+    std::uint32_t* fMark = nullptr;
   };
 
   [[nodiscard]] bool read(void const* id, Value& value) const { return fRead(*this, id, value); }

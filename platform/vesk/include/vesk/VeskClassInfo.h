@@ -45,8 +45,8 @@ class UMLMM_API SequenceHook {
   /// sequence that is changed by its methods only.
   virtual bool splice(VeskInterface* sequence, std::size_t first, std::size_t removed,
                       VeskValue const* values, std::size_t count) const;
-  /// Appends a value of the element type, which stays the caller's, as the published method of that name does.
-  /// Answers false, with nothing changed, for a sequence that is changed by its methods only.
+  /// Appends a value of the element type, which stays the caller's, as the published method does. Answers
+  /// false, with nothing changed, for a sequence that is changed by its methods only.
   virtual bool append(VeskInterface* sequence, VeskValue value) const;
   /// Data type or full class name of the elements.
   virtual char const* elementType() const = 0;
