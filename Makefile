@@ -79,7 +79,7 @@ reference: product
 	@echo "build/reference/index.md"
 
 gallery: product test-packages
-	@tools/make-gallery build/release build/gallery
+	@tools/make-gallery build/release build
 
 install: python
 	cmake --install build/release --prefix "$$(realpath -m -- "$(PREFIX)")"

@@ -104,9 +104,10 @@ class Picture:
                   + (f"<title>{escape(title)}</title>" if title else ""))
         return "</g></a>" if link else "</g>"
 
-    def _rect(self, frame, fill="fill", corner=None):
+    def _rect(self, frame, fill="fill", corner=None, is_framed=True):
         self._add(f"<rect{_attributes(x=float(frame.x), y=float(frame.y), width=float(frame.w), height=float(frame.h))}"
-                  f"{_attributes(rx=corner)}{self._stroke(fill)}/>")
+                  f"{_attributes(rx=corner)}"
+                  f"{self._stroke(fill) if is_framed else _attributes(fill=self._colors[fill])}/>")
 
     def _stroke(self, fill=None, dashed=False):
         return _attributes(fill=self._colors[fill] if fill else "none", stroke=self._colors["line"],
@@ -217,8 +218,7 @@ class _Boxes(Picture):
         if is_seen:
             self._rect(plate)
         else:
-            self._add(f"<rect{_attributes(x=float(plate.x), y=float(plate.y), width=float(plate.w), height=float(plate.h))}"
-                      f"{_attributes(fill=self._colors['fill'])}/>")
+            self._rect(plate, is_framed=False)
         self._head(box, x, plate.y, is_left)
         self._add(ends)
         self._heads += self._rows
