@@ -6,7 +6,7 @@ from __future__ import annotations
 import umlmm
 from umlmm.drawing import notation, relating
 from umlmm.drawing.class_diagram import Diagram
-from umlmm.drawing.view import Box, End, Text
+from umlmm.drawing.view import End, Text
 
 
 class _Special(Diagram):

@@ -211,14 +211,11 @@ class _Boxes(Picture):
         self._add(f"<path{_attributes(d=_closed([(x, frame.y), (frame.right, y), (x, frame.bottom), (frame.x, y)]))}"
                   f"{self._stroke('fill')}/>")
 
-    def _open_head(self, box, plate, x, is_left=False, is_seen=True):
+    def _open_head(self, box, plate, x, is_left=False, is_framed=True):
         """The head of a box with others in it, on a plate, which lines may cross but the text not."""
         rows, self._rows = self._rows, []
         ends = self._opened(box.element, box.title, data_head=box.key)
-        if is_seen:
-            self._rect(plate)
-        else:
-            self._rect(plate, is_framed=False)
+        self._rect(plate, is_framed=is_framed)
         self._head(box, x, plate.y, is_left)
         self._add(ends)
         self._heads += self._rows
@@ -227,7 +224,7 @@ class _Boxes(Picture):
     def _frame(self, box, frame):
         self._rect(frame)
         w, h = layouts.head_size(box)
-        self._open_head(box, Rect(frame.x + 1, frame.y + 1, w - PAD, h), frame.x + PAD, is_left=True, is_seen=False)
+        self._open_head(box, Rect(frame.x + 1, frame.y + 1, w - PAD, h), frame.x + PAD, is_left=True, is_framed=False)
 
     def _ellipse(self, box, frame):
         x, y = frame.middle
@@ -253,7 +250,7 @@ class _Boxes(Picture):
         self._add(f'<path d="M{x} {y}h12v14h-12zm-4 3h8v3h-8zm0 5h8v3h-8z"{self._stroke("fill")}/>')
         if layouts.is_open(box):
             plate = layouts.tab(box, frame)
-            self._open_head(box, Rect(plate.x + 22, plate.y + 1, plate.w - 44, plate.h - 2), plate.middle[0], is_seen=False)
+            self._open_head(box, Rect(plate.x + 22, plate.y + 1, plate.w - 44, plate.h - 2), plate.middle[0], is_framed=False)
         else:
             self._contents(box, frame, frame.y)
 
