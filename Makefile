@@ -90,7 +90,7 @@ docs: product
 	@tools/make-docs build/release
 
 gallery: product test-packages
-	@tools/make-gallery build/release build/gallery
+	@tools/make-gallery build/release build
 
 install: python
 	cmake --install build/release --prefix "$$(realpath -m -- "$(PREFIX)")"

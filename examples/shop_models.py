@@ -157,6 +157,7 @@ def views():
     """What is drawn of them, by name."""
     top = shop()
     yield "classes", umlmm.draw(top, show="comments")
+    yield "packages", umlmm.draw(top, "package")
     yield "inheritance", umlmm.draw(top["users::Person"], "inheritance")
     yield "references", umlmm.draw(top["Item"], "references")
     for make, kind in ((talk, "sequence"), (use_cases, "use case"), (objects, "object"), (activity, "activity"),

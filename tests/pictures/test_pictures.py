@@ -5,7 +5,6 @@ import random
 import pytest
 
 import random_models
-import umlmm
 from conftest import gallery
 
 # What is wrong with each picture of a page. Boxes are found by their titles.

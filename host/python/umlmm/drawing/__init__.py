@@ -22,13 +22,13 @@ def draw(what: Any, kind: str | None = None, *, depth: int | None = None, show: 
          direction: str = "down", limit: int | None = LIMIT) -> View:
     """A view of a model, of an element, or of several elements.
 
-    `kind` is "class", "component", "object", "use case", "activity", "sequence", "inheritance" or "references" (who
-    refers to the elements); unless said it is found from the element: "sequence" for an interaction, "class" for most.
-    `depth` is how
-    many levels of packages are opened, of other elements how many relations are followed. `show` and `hide` name what
-    is to be seen, such as "inherited", "comments", "operations", "visibility"; `hide` takes elements, too. `direction`
-    is where subordinate boxes go: "down", "up", "left" or "right". A view that would have more boxes than `limit` keeps
-    packages closed, or stays nearer to its elements, and says so in `notes`; `limit=None` draws whatever there is.
+    `kind` is "class", "package" (packages alone and what they import), "component", "object", "use case", "activity",
+    "sequence", "inheritance" or "references" (who refers to the elements); unless said it is found from the element:
+    "sequence" for an interaction, "class" for most. `depth` is how many levels of packages are opened, of other
+    elements how many relations are followed. `show` and `hide` name what is to be seen, such as "inherited",
+    "comments", "operations", "visibility"; `hide` takes elements, too. `direction` is where subordinate boxes go:
+    "down", "up", "left" or "right". A view that would have more boxes than `limit` keeps packages closed, or stays nearer to its
+    elements, and says so in `notes`; `limit=None` draws whatever there is.
     """
     from umlmm.drawing import choosing, class_diagram, other_diagrams, reference_diagram, sequence_diagram
     kinds: dict[str, Callable[..., View]] = {

@@ -85,8 +85,8 @@ def _lead_to(view, key, moved, old, lines):
 
 
 def put_balls(view, boxes, frames, lines):
-    """Lines end at the ball, which is rounder than what Graphviz knows of it. The names of balls are the answer, by key:
-    below or above, where fewer lines come."""
+    """Lines end at the ball, which is rounder than what Graphviz knows of it. The names of balls are the answer, by
+    key: below or above, where fewer lines come."""
     coming = {}
     for relation in view.relations:
         points = lines[relation.key]

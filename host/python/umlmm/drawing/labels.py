@@ -88,7 +88,7 @@ def loop_size(relation):
     """What is kept free beside a box for a line that comes back to it, without the way of the line itself; and how much
     of the box's side."""
     texts = _texts_of_loop(relation)
-    return max((w for *_, w, _ in texts), default=0), max(4 * LINE, LINE * sum(len(rows) for *_, rows, _, _ in texts) + 6)
+    return max((w for *_, w, _ in texts), default=0), max(4 * LINE, sum(h + 2 for *_, h in texts) + 6)
 
 
 def _beside_loop(relation, way):

@@ -1,12 +1,12 @@
-"""Diagrams of use cases, of objects, of activities and of components: boxes and lines as those of classes are, of other
-elements and in other shapes."""
+"""Diagrams of packages, of use cases, of objects, of activities and of components: boxes and lines as those of classes
+are, of other elements and in other shapes."""
 
 from __future__ import annotations
 
 import umlmm
 from umlmm.drawing import notation, relating
 from umlmm.drawing.class_diagram import Diagram
-from umlmm.drawing.view import Box, End, Text
+from umlmm.drawing.view import End, Text
 
 
 class _Special(Diagram):
@@ -254,4 +254,14 @@ class ComponentDiagram(_Special):
         return End(self.shown[end.role], element=end) if end.role in self.shown else None
 
 
-KINDS = {each.kind: each for each in (ComponentDiagram, ObjectDiagram, UseCaseDiagram, ActivityDiagram)}
+class PackageDiagram(_Special):
+    """Packages alone: which stand in which, what they import and depend on."""
+
+    kind = "package"
+    of = (umlmm.ImmutablePackage,)
+
+    def has_box(self, element):
+        return self.is_shown(element) and not self.options.hides(element)
+
+
+KINDS = {each.kind: each for each in (PackageDiagram, ComponentDiagram, ObjectDiagram, UseCaseDiagram, ActivityDiagram)}

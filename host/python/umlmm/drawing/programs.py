@@ -70,4 +70,5 @@ def _wait(program, given, tell):
         try:
             return program.communicate(given, timeout=.5)
         except subprocess.TimeoutExpired:
+            given = None  # is on its way
             tell()

@@ -2,7 +2,6 @@
 
 from __future__ import annotations
 
-import umlmm
 from umlmm.drawing import notation
 from umlmm.drawing.class_diagram import Diagram
 from umlmm.drawing.view import End, View

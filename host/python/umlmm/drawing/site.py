@@ -18,7 +18,7 @@ from umlmm import _progress
 from umlmm.drawing import layout, notation, programs, relating, site_texts, svg
 from umlmm.drawing.class_diagram import Diagram
 from umlmm.drawing.options import Options
-from umlmm.drawing.view import Missing, View
+from umlmm.drawing.view import View
 
 _BOXES = 30  # in a picture
 _ROWS = 200  # of a table

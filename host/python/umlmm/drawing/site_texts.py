@@ -44,7 +44,9 @@ table { border-collapse: collapse; width: 100%; }
 th, td { text-align: left; vertical-align: top; padding: .2rem .6rem .2rem 0; border-bottom: 1px solid var(--line); }
 pre, figure { overflow-x: auto; } .text { white-space: pre-line; }
 figure { margin: 1rem 0; background: #fff; } figure svg { display: block; }
-@media (max-width: 40rem) { thead { display: none; } td { display: block; border: 0; } tr { border-bottom: 1px solid var(--line); } }
+@media (max-width: 40rem) {
+  thead { display: none; } td { display: block; border: 0; } tr { border-bottom: 1px solid var(--line); }
+}
 """
 
 # The rows are name, class, path and page.

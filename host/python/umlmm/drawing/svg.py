@@ -104,9 +104,10 @@ class Picture:
                   + (f"<title>{escape(title)}</title>" if title else ""))
         return "</g></a>" if link else "</g>"
 
-    def _rect(self, frame, fill="fill", corner=None):
+    def _rect(self, frame, fill="fill", corner=None, is_framed=True):
         self._add(f"<rect{_attributes(x=float(frame.x), y=float(frame.y), width=float(frame.w), height=float(frame.h))}"
-                  f"{_attributes(rx=corner)}{self._stroke(fill)}/>")
+                  f"{_attributes(rx=corner)}"
+                  f"{self._stroke(fill) if is_framed else _attributes(fill=self._colors[fill])}/>")
 
     def _stroke(self, fill=None, dashed=False):
         return _attributes(fill=self._colors[fill] if fill else "none", stroke=self._colors["line"],
@@ -210,15 +211,11 @@ class _Boxes(Picture):
         self._add(f"<path{_attributes(d=_closed([(x, frame.y), (frame.right, y), (x, frame.bottom), (frame.x, y)]))}"
                   f"{self._stroke('fill')}/>")
 
-    def _open_head(self, box, plate, x, is_left=False, is_seen=True):
+    def _open_head(self, box, plate, x, is_left=False, is_framed=True):
         """The head of a box with others in it, on a plate, which lines may cross but the text not."""
         rows, self._rows = self._rows, []
         ends = self._opened(box.element, box.title, data_head=box.key)
-        if is_seen:
-            self._rect(plate)
-        else:
-            self._add(f"<rect{_attributes(x=float(plate.x), y=float(plate.y), width=float(plate.w), height=float(plate.h))}"
-                      f"{_attributes(fill=self._colors['fill'])}/>")
+        self._rect(plate, is_framed=is_framed)
         self._head(box, x, plate.y, is_left)
         self._add(ends)
         self._heads += self._rows
@@ -227,7 +224,7 @@ class _Boxes(Picture):
     def _frame(self, box, frame):
         self._rect(frame)
         w, h = layouts.head_size(box)
-        self._open_head(box, Rect(frame.x + 1, frame.y + 1, w - PAD, h), frame.x + PAD, is_left=True, is_seen=False)
+        self._open_head(box, Rect(frame.x + 1, frame.y + 1, w - PAD, h), frame.x + PAD, is_left=True, is_framed=False)
 
     def _ellipse(self, box, frame):
         x, y = frame.middle
@@ -253,7 +250,7 @@ class _Boxes(Picture):
         self._add(f'<path d="M{x} {y}h12v14h-12zm-4 3h8v3h-8zm0 5h8v3h-8z"{self._stroke("fill")}/>')
         if layouts.is_open(box):
             plate = layouts.tab(box, frame)
-            self._open_head(box, Rect(plate.x + 22, plate.y + 1, plate.w - 44, plate.h - 2), plate.middle[0], is_seen=False)
+            self._open_head(box, Rect(plate.x + 22, plate.y + 1, plate.w - 44, plate.h - 2), plate.middle[0], is_framed=False)
         else:
             self._contents(box, frame, frame.y)
 

@@ -46,7 +46,7 @@ def random_model(rng):
 
 def random_view(rng):
     """A view of any kind of a random model."""
-    kind = rng.choice([*_MADE, "class", "inheritance", "references"])
+    kind = rng.choice([*_MADE, "class", "package", "inheritance", "references"])
     direction = rng.choice(["down", "up", "left", "right"])
     if kind in _MADE:
         return umlmm.draw(_MADE[kind](rng), kind, direction=direction)
@@ -58,8 +58,9 @@ def random_view(rng):
 def _random_use_cases(rng):
     package = umlmm.Package(umlmm.new_model(), name="shop")
     subjects = [umlmm.Component(owner=package, name=f"system {at}") for at in range(rng.randint(0, 2))]
-    cases = [umlmm.UseCase(owner=package, name=f"case {at}", subject=rng.sample(subjects, min(len(subjects), 1)))
-             if rng.random() < .7 else umlmm.UseCase(owner=package, name=f"case {at}") for at in range(rng.randint(2, 7))]
+    cases = [umlmm.UseCase(owner=package, name=f"case {at}",
+                           subject=rng.sample(subjects, min(len(subjects), rng.randint(0, 1))))
+             for at in range(rng.randint(2, 7))]
     actors = [umlmm.Actor(owner=package, name=f"actor {at}") for at in range(rng.randint(1, 4))]
     for _ in range(rng.randint(1, 8)):
         one, other = rng.sample(cases, 2)

@@ -98,7 +98,8 @@ def test_the_notation_of_everything_in_a_class_diagram():
     assert styles["/count {readOnly}"] == (None, "underline")
     assert styles["# add(item : Item) : Boolean"] == ("italic", None)
     assert styles["Person"] == ("italic", None)
-    assert {"«interface»", "«enumeration»", "open", "«access»", "«use»", "deal", "What a customer wants"} <= set(styles)
+    assert {"«interface»", "«enumeration»", "open", "«access»", "«use»", "deal",
+            "What a customer wants", "number : Integer"} <= set(styles)
     assert not any("items :" in text for text in styles), "an end is no attribute as well"
     dashed = {line.get("data-relation"): line.find("{*}path").get("stroke-dasharray") is not None
               for line in picture.groups.values() if line.get("data-relation")}

@@ -1,5 +1,6 @@
 """The forms of a view: what texts of a model may do in them, files, and what is missing on a machine."""
 
+import io
 import os
 import re
 import shutil
@@ -150,6 +151,23 @@ def test_a_layout_that_fails_is_tried_with_plain_lines(monkeypatch, tmp_path):
     program.write_text("#!/bin/sh\necho no memory >&2; exit 1\n")
     with pytest.raises(RuntimeError, match="dot failed: no memory"):
         umlmm.draw(top).svg()
+    top.modelKelm.close()
+
+
+def test_a_long_layout_tells_how_long_it_takes(monkeypatch, tmp_path):
+    class Terminal(io.StringIO):
+        def isatty(self):
+            return True
+
+    top = shop()
+    program = tmp_path / "dot"
+    program.write_text(f'#!/bin/sh\nsleep 1.7; exec {shutil.which("dot")} "$@"\n')
+    program.chmod(0o755)
+    monkeypatch.setenv("PATH", f"{tmp_path}:{os.environ['PATH']}")
+    told = Terminal()
+    monkeypatch.setattr(sys, "stderr", told)
+    assert "Order" in umlmm.draw(top["Order"], depth=0).svg()
+    assert re.search(r"\rWaiting for dot: 1 s \(Ctrl-C ends it\).*\r +\r", told.getvalue(), re.DOTALL)
     top.modelKelm.close()
 
 

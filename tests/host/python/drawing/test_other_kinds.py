@@ -4,10 +4,12 @@ import pytest
 
 import umlmm
 from pictures import Picture
-from random_models import activity, components, objects, use_cases
+from random_models import activity, components, objects, shop, use_cases
 
 
 @pytest.mark.parametrize("make, kind, boxes, lines", [
+    (shop, "package", {"shop": "package", "users": "package", "billing": "package", "empty": "package"},
+     {"PackageImport billing -> users arrow", "Dependency billing -> users arrow"}),
     (use_cases, "use case",
      {"shop": "package", "Webshop": "frame", "Customer": "actor", "Member": "actor", "Order": "ellipse",
       "Pay": "ellipse", "Wrap": "ellipse"},
@@ -63,7 +65,7 @@ def test_an_element_of_any_class_is_drawn_or_refused_in_a_sentence():
                 and not cls.MetaClass().isAbstract()]
     assert len(elements) > 120
     for element in elements:
-        for kind in (None, "class", "component", "object", "use case", "activity", "sequence", "inheritance",
+        for kind in (None, "class", "package", "component", "object", "use case", "activity", "sequence", "inheritance",
                      "references"):
             try:
                 view = umlmm.draw(element, kind, show=["comments", "inherited"])
