@@ -6,12 +6,14 @@ import os
 import shutil
 import signal
 import subprocess
+import tempfile
 
 from umlmm import _progress
 from umlmm.drawing.view import Missing
 
 
 _running: set[subprocess.Popen[bytes]] = set()
+_is_ending = False  # programs that begin now end at once
 
 
 class Failed(RuntimeError):
@@ -36,22 +38,31 @@ def png_of(svg, scale):
     return _run([program, "--zoom", str(scale)], svg.encode(), "rsvg-convert")
 
 
-def end_all():
-    """Ends the programs for which other threads wait."""
+def end_all(threads):
+    """Ends the programs for which threads of a pool wait or are about to wait, and then the pool."""
+    global _is_ending
+    _is_ending = True
     for program in list(_running):
         program.kill()
+    threads.shutdown()
+    _is_ending = False
 
 
 def _run(command, given, name):
     """What a program answers; it ends with the caller, also by Ctrl-C. What is loaded into this process is not meant
     for it."""
     environment = {name: text for name, text in os.environ.items() if name != "LD_PRELOAD"} | {"LC_ALL": "C.UTF-8"}
-    pipe = subprocess.PIPE
-    with _progress.Waiting(f"Waiting for {name}") as tell, \
-            subprocess.Popen(command, stdin=pipe, stdout=pipe, stderr=pipe, env=environment) as program:
+    with tempfile.TemporaryFile() as source:
+        source.write(given)  # where it waits for a program that reads it late
+        source.seek(0)
+        program = subprocess.Popen(command, stdin=source, stdout=subprocess.PIPE, stderr=subprocess.PIPE,
+                                   env=environment)
+    with _progress.Waiting(f"Waiting for {name}") as tell, program:
         _running.add(program)
+        if _is_ending:
+            program.kill()
         try:
-            answer, complaints = _wait(program, given, tell)
+            answer, complaints = _wait(program, tell)
         except BaseException:
             program.kill()
             program.wait()
@@ -65,10 +76,9 @@ def _run(command, given, name):
     return answer
 
 
-def _wait(program, given, tell):
+def _wait(program, tell):
     while True:
         try:
-            return program.communicate(given, timeout=.5)
+            return program.communicate(timeout=.5)
         except subprocess.TimeoutExpired:
-            given = None  # is on its way
             tell()

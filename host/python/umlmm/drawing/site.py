@@ -79,8 +79,7 @@ class _Site:
         with contextlib.ExitStack() as stack, bar or _Silence() as tell:
             pool = concurrent.futures.ThreadPoolExecutor(os.cpu_count())
             # When this is ended halfway, no layout is begun any more, and those that have begun end, too.
-            stack.callback(pool.shutdown)
-            stack.callback(programs.end_all)
+            stack.callback(programs.end_all, pool)
             stack.callback(pool.shutdown, wait=False, cancel_futures=True)
             for first in range(0, len(elements), _BATCH):
                 batch = elements[first:first + _BATCH]

@@ -160,13 +160,15 @@ def test_a_long_layout_tells_how_long_it_takes(monkeypatch, tmp_path):
             return True
 
     top = shop()
+    for at in range(600):  # more than a pipe takes that nobody reads yet
+        top["Order"].ownedComment.create(body=f"{at}")
     program = tmp_path / "dot"
     program.write_text(f'#!/bin/sh\nsleep 1.7; exec {shutil.which("dot")} "$@"\n')
     program.chmod(0o755)
     monkeypatch.setenv("PATH", f"{tmp_path}:{os.environ['PATH']}")
     told = Terminal()
     monkeypatch.setattr(sys, "stderr", told)
-    assert "Order" in umlmm.draw(top["Order"], depth=0).svg()
+    assert "Order" in umlmm.draw(top["Order"], depth=0, show="comments", limit=None).svg()
     assert re.search(r"\rWaiting for dot: 1 s \(Ctrl-C ends it\).*\r +\r", told.getvalue(), re.DOTALL)
     top.modelKelm.close()
 

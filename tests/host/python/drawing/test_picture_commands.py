@@ -61,13 +61,14 @@ def test_what_is_interrupted_leaves_nothing(tmp_path, command, end):
     (tmp_path / "shop.uml").write_bytes(MODEL)
     slow = tmp_path / "bin" / "dot"
     slow.parent.mkdir()
-    slow.write_text(f'#!/bin/sh\nread line\necho $$ > "{tmp_path}/bin/$$"\nexec sleep 60\n')
+    slow.write_text(f'#!/bin/sh\necho $$ > "{tmp_path}/bin/$$"\nexec sleep 60\n')
     slow.chmod(0o755)
     path = f"{slow.parent}:{os.environ['PATH']}"
     with subprocess.Popen([sys.executable, "-m", "umlmm", *command.split()], cwd=tmp_path, stderr=subprocess.PIPE,
                           env=os.environ | {"PATH": path}, start_new_session=True) as running:
         while len(list(slow.parent.iterdir())) < 2 and running.poll() is None:
             time.sleep(.02)
+        time.sleep(.3)  # until the command waits for it
         end(running.pid, signal.SIGINT)
         told = running.communicate(timeout=20)[1]
     assert running.returncode == 130 and b"Traceback" not in told
