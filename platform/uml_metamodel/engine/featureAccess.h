@@ -24,8 +24,8 @@ Kelm::Generic::SequenceIntf* sequence(Element const& aElement, Deviant const& aD
 void assign(Element& aElement, Deviant const& aDeviant, Feature const& aFeature,
             Kelm::Generic::SequenceIntf const* aValues, Deviant const& aValuesDeviant);
 
-/// Sets a truth value, literal or number of a root feature by its bits, which are a value of it, without checks
-/// of variant and mutability.
+/// Sets a truth value, literal or number of a root feature by its bits, which are a value of it, without
+/// checks of variant and mutability.
 void writeBits(Element& aElement, Feature const& aRoot, std::uint32_t aBits);
 
 /// Sets a single reference without checks of variant and mutability; null unsets.
