@@ -135,7 +135,7 @@ void addNote(std::function<std::string()> const& makeNote) noexcept {
   PyErr_Fetch(&type, &value, &trace);
   PyErr_NormalizeException(&type, &value, &trace);
   try {
-    appendNote(value, pythonText(makeNote()).get());
+    if (std::string const note = makeNote(); !note.empty()) appendNote(value, pythonText(note).get());
   } catch (...) {
     PyErr_Clear();  // the error itself matters more
   }

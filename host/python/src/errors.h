@@ -41,7 +41,7 @@ Result guarded(Result failure, Work&& work) noexcept {
 [[noreturn]] void raiseAttributeError(std::string const& text, PyObject* object, PyObject* name);
 
 /// Adds a line to the Python error that is set, shown below its text. The line is made while the error is
-/// put aside, so that making it may run Python code.
+/// put aside, so that making it may run Python code. Nothing for an empty line.
 void addNote(std::function<std::string()> const& makeNote) noexcept;
 
 /// The Python exception class of a full name ("Kelm.Error"), made when first asked for; borrowed.

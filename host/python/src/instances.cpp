@@ -97,8 +97,8 @@ PyObject* getAttribute(PyObject* self, PyObject* name) {
 }
 
 int setAttribute(PyObject* self, PyObject* name, PyObject* value) {
-  return guarded(-1, [=] {
-    PyObject* member = PyUnicode_Check(name) ? _PyType_Lookup(Py_TYPE(self), name) : nullptr;
+  PyObject* const member = PyUnicode_Check(name) ? _PyType_Lookup(Py_TYPE(self), name) : nullptr;
+  int const done = guarded(-1, [=] {
     if (member && isProperty(member)) [[likely]] {
       writeProperty(member, self, value ? value : Py_None);
       return 0;
@@ -111,6 +111,9 @@ int setAttribute(PyObject* self, PyObject* name, PyObject* value) {
     raise(PyExc_AttributeError, "'" + className(instanceOf(self)) + "' object attribute " + shortRepr(name) +
                                     " cannot be set: it is no property");
   });
+  if (done != 0 && member && isProperty(member)) [[unlikely]]
+    addMeaning(member);
+  return done;
 }
 
 // --- comparison

@@ -103,11 +103,14 @@ PyObject* getProperty(PyObject* self, PyObject* object, PyObject*) {
 }
 
 int setProperty(PyObject* self, PyObject* object, PyObject* value) {
-  return guarded(-1, [=] {
+  int const done = guarded(-1, [=] {
     checkOwner(*asProperty(self).fRecord->fOwner, object);
     writeProperty(self, object, value ? value : Py_None);
     return 0;
   });
+  if (done != 0) [[unlikely]]
+    addMeaning(self);
+  return done;
 }
 
 /// Iterables that are no lists by themselves, such as generators and sets, become one for a list property.
@@ -400,6 +403,15 @@ void writeProperty(PyObject* property, PyObject* object, PyObject* value) {
   } catch (...) {
     raiseNotSet(record, object, value);
   }
+}
+
+void addMeaning(PyObject* property) noexcept {
+  if (!PyErr_ExceptionMatches(PyExc_Exception) || PyErr_ExceptionMatches(PyExc_MemoryError)) return;
+  host::PropertyRecord const& record = *asProperty(property).fRecord;
+  addNote([&] {
+    PyObject* const cls = reinterpret_cast<PyObject*>(frontOf(*record.fOwner).fType);
+    return meaningInWords(cls, pythonText(record.fName.view()).get());
+  });
 }
 
 PyObject* bindToInstance(PyObject* self, PyObject* object) {

@@ -32,6 +32,8 @@ void prepareMemberTypes();
 [[nodiscard]] PyObject* readProperty(PyObject* property, PyObject* object);
 /// Sets it; throws.
 void writeProperty(PyObject* property, PyObject* object, PyObject* value);
+/// Adds what the property means to the error that is set, if somebody knows.
+[[gnu::cold]] void addMeaning(PyObject* property) noexcept;
 /// The method `object.name`; throws.
 [[nodiscard]] PyObject* bindToInstance(PyObject* method, PyObject* object);
 

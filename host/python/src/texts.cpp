@@ -1,6 +1,7 @@
 #include "texts.h"
 
 #include "errors.h"
+#include "names.h"
 
 namespace vesk::python {
 
@@ -22,6 +23,13 @@ Ref described(PyObject* cls, PyObject* name, Ref own) {
   if (told && PyUnicode_Check(told.get())) return told;
   PyErr_Clear();
   return own;
+}
+
+std::string meaningInWords(PyObject* cls, PyObject* name) {
+  Ref const told = ask("meaning", cls, name, Py_None);
+  if (told && PyUnicode_Check(told.get())) return utf8(told.get());
+  PyErr_Clear();
+  return {};
 }
 
 Ref signatureOf(PyObject* cls, PyObject* name) {

@@ -48,9 +48,12 @@ def _family(builtin):
     return errors._of_family(builtin)
 
 
-def _described(*asked):
+def _described(what, cls, name, own):
+    if what == "meaning":
+        from umlmm import _texts
+        return _texts.meaning(cls, name)
     from umlmm import _help
-    return _help.described(*asked)
+    return _help.described(what, cls, name, own)
 
 
 _host.error_family(_family)

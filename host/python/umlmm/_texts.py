@@ -1,7 +1,7 @@
 """What metaclasses, enumerations, literals, features and operations mean, from the catalogue."""
 
 import functools
-import pathlib
+import os
 import re
 
 
@@ -9,10 +9,11 @@ import re
 def texts():
     """The texts by name: "Class", "Property.aggregation", "Classifier.conformsTo", "VisibilityKind.Private"."""
     found = {}
-    for line in pathlib.Path(__file__).with_name("texts.txt").read_text("utf-8").splitlines():
-        name, bar, text = line.partition(" | ")
-        if bar and name[0].isupper():
-            found[name.strip()] = text.strip()
+    with open(os.path.join(os.path.dirname(__file__), "texts.txt"), encoding="utf-8") as lines:
+        for line in lines:
+            name, bar, text = line.partition(" | ")
+            if bar and name[0].isupper():
+                found[name.strip()] = text.strip()
     return found
 
 
@@ -22,6 +23,13 @@ def text_of(subject, member=""):
     text = texts().get(f"{subject}.{member}" if member else subject, "")
     clause = re.search(r" \([\d.]+\)$", texts().get(subject, "")) if text and member else None
     return text + clause[0] if clause else text
+
+
+def meaning(cls, name):
+    """What errors add about a feature that a class declares; None where nothing is known."""
+    subject = cls.__name__.removeprefix("Immutable")
+    text = text_of(subject if cls.__module__ == "umlmm" else f"{cls.__module__.rpartition('.')[2]}.{subject}", name)
+    return text and f"{subject}.{name}: {text}"
 
 
 def text_about(record, member=""):

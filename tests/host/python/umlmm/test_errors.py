@@ -47,6 +47,16 @@ def test_the_librarys_own_failures_keep_their_class():
     assert all(issubclass(getattr(errors, name), umlmm.Error) for name in errors.__all__)
 
 
+@pytest.mark.parametrize("feature, value, note", [
+    ("name", 3, "NamedElement.name: "), ("visibility", "secret", "NamedElement.visibility: "),
+    ("qualifiedName", "x", "NamedElement.qualifiedName: "), ("ownedAttribute", [1], "StructuredClassifier.ownedAttribute: "),
+    ("externalId", 3, "ClassObject.externalId: ")])
+def test_what_is_refused_tells_what_the_feature_means(model, feature, value, note):
+    with pytest.raises(umlmm.Error) as raised:
+        setattr(umlmm.Class(model), feature, value)
+    assert raised.value.__notes__[-1].startswith(note) and len(raised.value.__notes__[-1]) > len(note)
+
+
 @pytest.mark.parametrize("name, text", [
     ("StateMachine", r"of UML 2.5.1 \(clause 14, state machines\) is not in this package.*element.unknown"),
     ("DecisionNode", "clause 15"), ("Clas", "did you mean 'Class'"), ("nothing", "has no member 'nothing'")])
