@@ -52,6 +52,7 @@ host::MethodRecord const* CallCache::find(host::Member const* member, host::Call
 void CallCache::store(host::Member const* member, host::CallForm form, PyObject* const* arguments, int count,
                       host::MethodRecord const& method) noexcept {
   fCount = -1;
+  fAppends = false;
   if (count > kMostArguments) return;
   for (int i = 0; i < count; ++i) {
     if (!settlesChoice(Py_TYPE(arguments[i]))) return;

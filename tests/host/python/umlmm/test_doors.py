@@ -117,3 +117,12 @@ def test_texts_that_are_kept_are_those_of_their_elements():
 
 if __name__ == "__main__":
     tell()
+
+
+def test_append_forgets_what_it_was_called_with_before(model):
+    """A list of one stands for what is in it, where a method takes one object."""
+    attributes = umlmm.Class(model).ownedAttribute
+    first, second = umlmm.Property(model), umlmm.Property(model)
+    attributes.append(first)
+    attributes.append([second])
+    assert list(attributes) == [first, second]
