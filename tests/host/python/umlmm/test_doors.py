@@ -115,10 +115,6 @@ def test_texts_that_are_kept_are_those_of_their_elements():
     model.close()
 
 
-if __name__ == "__main__":
-    tell()
-
-
 def test_append_forgets_what_it_was_called_with_before(model):
     """A list of one stands for what is in it, where a method takes one object."""
     attributes = umlmm.Class(model).ownedAttribute
@@ -126,3 +122,7 @@ def test_append_forgets_what_it_was_called_with_before(model):
     attributes.append(first)
     attributes.append([second])
     assert list(attributes) == [first, second]
+
+
+if __name__ == "__main__":
+    tell()
