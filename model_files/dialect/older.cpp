@@ -26,8 +26,6 @@ constexpr Renamed kFeatures[] = {
     {"Element", "ownedComments", "ownedComment"},
     {"BehavioredClassifier", "ownedRealization", "interfaceRealization"},
     {"BehavioredClassifier", "implementation", "interfaceRealization"},
-    {"StructuredActivityNode", "containedNode", "node"},
-    {"StructuredActivityNode", "containedEdge", "edge"},
     {"BehavioralFeature", "formalParameter", "ownedParameter"},
     {"BehavioralFeature", "returnResult", "ownedParameter"},
     {"Parameter", "kind", "direction"},
@@ -108,9 +106,11 @@ Feature const* featureCalled(Metaclass const& aMetaclass, std::string_view aName
   // What was stored once may follow from others today.
   Feature const* const known = aMetaclass.feature(aName);
   if (known != nullptr && !known->fDerived) return known;
-  for (Renamed const& row : kFeatures)
-    if (row.fWritten == aName && aMetaclass.isA(*Metamodel::instance().metaclass(row.fOwner)))
-      return aMetaclass.feature(row.fName);
+  for (Renamed const& row : kFeatures) {
+    if (row.fWritten != aName) continue;
+    Metaclass const* const owner = Metamodel::instance().metaclass(row.fOwner);
+    if (owner != nullptr && aMetaclass.isA(*owner)) return aMetaclass.feature(row.fName);
+  }
   return known;
 }
 

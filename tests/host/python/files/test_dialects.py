@@ -112,6 +112,10 @@ CASES = {
 <ownedMember xmi:type="uml:Profile" xmi:id="f"/></uml:Model>""",
         {"Model": 1, "ProfileApplication": 1, "Component": 1, "Realization": 1, "Profile": 1},
         "list(m.profileApplication) == [a] and a.appliedProfile is f and r.owner is c and not m.packageImport"),
+    "names of features whose metaclass is not here": (OLD, """
+<uml:Class xmi:id="c" containedNode="c"><containedEdge xmi:type="uml:ControlFlow" xmi:id="e"/></uml:Class>
+<uml:Class xmi:id="d" containedEdge="c"><containedNode xmi:idref="c"/></uml:Class>""",
+        {"Class": 2, "ControlFlow": 1}, "e.owner is None"),
     "kinds of metaclasses that are gone": (OLD, """
 <uml:Interaction xmi:id="i"><fragment xmi:type="uml:ExecutionOccurrence"/><fragment xmi:type="uml:InteractionOccurrence"/>
 <formalGate xmi:type="gate"/></uml:Interaction>""",
