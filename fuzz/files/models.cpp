@@ -66,6 +66,17 @@ std::string nameOf(Element const& aElement, Kelm::Deviant const& aDeviant) {
   return text;
 }
 
+std::vector<std::string> valuesOf(Element const& aElement, files::Feature const& aFeature,
+                                  Kelm::Deviant const& aDeviant) {
+  if (aFeature.fKind != files::Kind::Reference) return files::textsOf(aElement, aFeature, aDeviant);
+  std::vector<std::string> names;
+  for (Element const* const value : files::elementsOf(aElement, aFeature, aDeviant))
+    names.push_back(nameOf(*value, aDeviant));
+  // The end of a link that files leave to the other end comes in the order of the others.
+  if (aFeature.fOpposite != nullptr && aFeature.fMany && !aFeature.fOrdered) std::ranges::sort(names);
+  return names;
+}
+
 }  // namespace
 
 std::vector<std::string> told(Kelm::Model const& aModel) {
@@ -76,11 +87,7 @@ std::vector<std::string> told(Kelm::Model const& aModel) {
     for (files::Feature const* const feature : Metamodel::instance().metaclassOf(*element).fOrder) {
       if (!files::isWritten(*feature)) continue;
       ((line += "\n  ") += feature->fName) += ':';
-      if (feature->fKind == files::Kind::Reference)
-        for (Element const* const value : files::elementsOf(*element, *feature, deviant))
-          (line += " | ") += nameOf(*value, deviant);
-      else
-        for (std::string const& text : files::textsOf(*element, *feature, deviant)) (line += " | ") += text;
+      for (std::string const& text : valuesOf(*element, *feature, deviant)) (line += " | ") += text;
     }
   }
   std::ranges::sort(lines);
